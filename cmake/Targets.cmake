@@ -1,0 +1,15 @@
+# The SIMD targets of the processor that is built for, and the compiler flags of each.
+# A target listed here is also listed in src/orlan/targets.cpp, and has a backend in src/orlan/simd.
+set(ONDRIX_SIMD_TARGETS "")
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
+  set(ONDRIX_SIMD_TARGETS avx2 avx512)
+  set(ONDRIX_SIMD_FLAGS_avx2 -march=x86-64-v3)
+  # GCC and Clang keep to 32-byte vectors of their own accord; the kernels ask for 64 bytes themselves.
+  set(ONDRIX_SIMD_FLAGS_avx512 -march=x86-64-v4 -mprefer-vector-width=512)
+elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64)$")
+  set(ONDRIX_SIMD_TARGETS neon)
+  set(ONDRIX_SIMD_FLAGS_neon "")
+elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^arm")
+  set(ONDRIX_SIMD_TARGETS neon)
+  set(ONDRIX_SIMD_FLAGS_neon -mfpu=neon)
+endif()

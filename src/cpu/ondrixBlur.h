@@ -1,0 +1,51 @@
+// What the reference and SIMD smoothing filters share: constants, and the border pixels, which both columns leave
+// to the same code.
+#ifndef ODX_CPU_ONDRIX_BLUR_H
+#define ODX_CPU_ONDRIX_BLUR_H
+
+#include "ondrix/types.h"
+
+#include <stddef.h>
+#include <stdint.h>
+
+namespace odx::blur
+{
+
+// Means as fixed-point reciprocals: (sum * reciprocal + 32768) >> 16.
+constexpr uint32_t kBox3Reciprocal = 7282; // 65536 / 9, rounded
+constexpr uint32_t kBox5Reciprocal = 2621; // 65536 / 25, truncated
+constexpr uint32_t kBox11Reciprocal = 542; // 65536 / 121, rounded
+
+constexpr uint8_t boxMean(uint32_t sum, uint32_t reciprocal)
+{
+    return static_cast<uint8_t>((sum * reciprocal + 32768) >> 16);
+}
+
+// A single-channel image that is filtered into another of its size. Strides in bytes.
+template <class T>
+struct Plane {
+    const T* src;
+    uint32_t width, height;
+    uint32_t srcStride;
+    T* dst;
+    uint32_t dstStride;
+
+    // Width or height of the interior of a filter of size K: 0 for an image that is all border.
+    uint32_t interiorWidth(uint32_t K) const { return width >= K ? width - (K - 1) : 0; }
+    uint32_t interiorHeight(uint32_t K) const { return height >= K ? height - (K - 1) : 0; }
+};
+
+// Border of a binomial filter of size K from the pixels inside the image: weighted sum divided by the weights
+// used. Defined for (3, 5, 11; u8), (5; s16), (5; s32).
+template <int K, class T>
+void binomialBorder(const Plane<T>& plane);
+
+// Border pixels of the 3x3 filters with a border type other than UNDEFINED; for the box filter UNDEFINED is a
+// constant of 0.
+void gaussian3x3Border(const Plane<uint8_t>& plane, odxBorderType type, uint32_t value);
+void box3x3Border(const Plane<uint8_t>& plane, odxBorderType type, uint32_t value);
+void median3x3Border(const Plane<uint8_t>& plane, odxBorderType type, uint32_t value);
+
+} // namespace odx::blur
+
+#endif

@@ -1,0 +1,8 @@
+// Every reference implementation, by family.
+#ifndef ODX_CPU_REFERENCE_H
+#define ODX_CPU_REFERENCE_H
+
+#include "cpu/ondrixBlurC.h"
+#include "cpu/ondrixDotC.h"
+
+#endif

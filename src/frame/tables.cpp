@@ -1,0 +1,141 @@
+#include "frame/tables.h"
+
+#include "dsp/dsp.h"
+#include "frame/helpers.h"
+#include "frame/log.h"
+#include "frame/operations.h"
+#include "orlan/targets.h"
+
+extern "C" {
+ODX_FUNC_TABLE odxFuncTable;
+ODX_INTERNAL_FUNC_TABLE odxInternalFuncTable;
+uint32_t odxImplTable[kPublicSlots];
+uint32_t odxInternalImplTable[kInternalEntries];
+const char* const odxImplChar[kImplementations] = {"CPU", "ORLAN", "XDSP", "GPU", "ADSP", "CDSP", "MDSP"};
+uint32_t HW_constraint_checks_enable = 1;
+ODX_FUNC_MANAGER* odxMasterFuncManager = nullptr;
+
+#define ODX_HELPER(name, columns) decltype(&name##C) name##_ = nullptr;
+#include "frame/helpers.def"
+}
+
+namespace
+{
+
+struct Listed {
+    uint32_t number;
+    uint32_t simdIndex; // the index that the SIMD modes select
+    void* reference;    // null until it is written
+};
+
+constexpr uint32_t simdIndex_C = ODX_IMPL_CPU;
+constexpr uint32_t simdIndex_V = ODX_IMPL_ORLAN;
+
+#define REFERENCE_none(name) nullptr
+#define REFERENCE_C(name) reinterpret_cast<void*>(&name##C)
+#define REFERENCE_CV(name) REFERENCE_C(name)
+
+const Listed kListed[] = {
+#define ODX_OPERATION(slot, name, family, index, columns) \
+    {odx::op_##name, simdIndex_##index, REFERENCE_##columns(name)},
+#define ODX_INTERNAL(entry, name, family, index, columns) ODX_OPERATION(entry, name, family, index, columns)
+#include "frame/operations.def"
+};
+
+constexpr bool numbersAscend()
+{
+    constexpr uint32_t numbers[] = {
+#define ODX_OPERATION(slot, name, family, index, columns) odx::op_##name,
+#define ODX_INTERNAL(entry, name, family, index, columns) odx::op_##name,
+#include "frame/operations.def"
+    };
+    constexpr size_t count = sizeof numbers / sizeof numbers[0];
+    for (size_t i = 1; i < count; ++i) {
+        if (numbers[i] <= numbers[i - 1]) return false;
+    }
+    return numbers[count - 1] == odx::kOperationNumbers - 1;
+}
+static_assert(numbersAscend(), "two operations share a slot, or the list is out of order");
+
+} // namespace
+
+extern "C" {
+
+unsigned odxInitializeMasterFuncManager(ODX_FUNC_MANAGER* manager)
+{
+    if (manager == nullptr || manager->funcTable == nullptr || manager->implTable == nullptr ||
+        manager->internalFuncTable == nullptr || manager->internalImplTable == nullptr) {
+        return 1;
+    }
+    odxMasterFuncManager = manager;
+    return 0;
+}
+
+unsigned odxTableHWInit(ODX_FUNC_TABLE* funcTable, ODX_INTERNAL_FUNC_TABLE* internalTable, bool xdsp, bool gpu)
+{
+    if (funcTable == nullptr || internalTable == nullptr) return 1;
+    unsigned code = 0;
+    if (xdsp) {
+        ODX_LOG(Debug, "%s", "XDSP is available");
+        code += uXTable(odxMasterFuncManager, ODX_IMPL_XDSP);
+    }
+    if (gpu) {
+        ODX_LOG(Debug, "%s", "GPU is available");
+        code += uGTable(odxMasterFuncManager, ODX_IMPL_GPU);
+    }
+    return code;
+}
+
+void uCTable(ODX_FUNC_TABLE* funcTable, ODX_INTERNAL_FUNC_TABLE* internalTable, unsigned column)
+{
+    for (const Listed& listed : kListed) {
+        void*& entry = listed.number < kPublicSlots
+                           ? funcTable->entry[listed.number * kImplementations + column]
+                           : internalTable->entry[(listed.number - kPublicSlots) * kImplementations + column];
+        entry = listed.reference;
+    }
+}
+
+void uVTable(ODX_FUNC_TABLE* funcTable, ODX_INTERNAL_FUNC_TABLE* internalTable, unsigned column)
+{
+    if (const odx::orlan::Target* target = odx::orlan::bestTarget()) {
+        target->fillColumn(funcTable->entry + column, internalTable->entry + column);
+    }
+}
+
+unsigned uGTable(ODX_FUNC_MANAGER* manager, unsigned column)
+{
+    if (manager == nullptr) return 1;
+    if (manager->funcTable == nullptr) return 2;
+    if (column >= manager->implementations) return 4;
+    return 0;
+}
+
+void uVIndex()
+{
+    for (const Listed& listed : kListed) {
+        if (listed.simdIndex == ODX_IMPL_CPU) continue;
+        if (listed.number < kPublicSlots) {
+            odxImplTable[listed.number] = listed.simdIndex;
+        } else {
+            odxInternalImplTable[listed.number - kPublicSlots] = listed.simdIndex;
+        }
+    }
+}
+
+unsigned uGIndex(ODX_FUNC_MANAGER* manager)
+{
+    return manager == nullptr ? 1 : 0;
+}
+
+void uCHelper()
+{
+#define ODX_HELPER(name, columns) name##_ = &name##C;
+#include "frame/helpers.def"
+}
+
+void uVHelper()
+{
+    if (const odx::orlan::Target* target = odx::orlan::bestTarget()) target->pointHelpers();
+}
+}

@@ -1,0 +1,384 @@
+// SIMD smoothing filters. Interiors are computed in strips: one vector of columns, walked down a block of rows, so
+// that what neighbouring output rows share stays in registers. Borders are the reference's own code, as are images
+// that are narrower than a vector.
+#include "cpu/image.h"
+#include "cpu/ondrixBlur.h"
+#include "cpu/ondrixBlurC.h"
+#include "frame/log.h"
+#include "frame/scratch.h"
+#include "orlan/simd/simd.h"
+
+namespace odx::ODX_TARGET
+{
+using namespace simd;
+using blur::Plane;
+
+#define ODX_BLUR(name) decltype(name##C) name##V
+ODX_BLUR(odxFilterGaussian3x3u8);
+ODX_BLUR(odxFilterGaussian3x3u8_v3);
+ODX_BLUR(odxFilterGaussian5x5u8);
+ODX_BLUR(odxFilterGaussian11x11u8);
+ODX_BLUR(odxFilterGaussian5x5s16);
+ODX_BLUR(odxFilterGaussian5x5s32);
+ODX_BLUR(odxBoxFilter3x3u8);
+ODX_BLUR(odxBoxFilter3x3u8_v2);
+ODX_BLUR(odxBoxFilter5x5u8);
+ODX_BLUR(odxBoxFilter11x11u8);
+ODX_BLUR(odxBoxFilterNxNf32);
+ODX_BLUR(odxFilterMedian3x3u8);
+ODX_BLUR(odxFilterMedian3x3u8_v3);
+
+// ---- strips ----
+
+// Output rows that a strip computes before the next strip begins: enough that the K - 1 rows of its run-up weigh
+// little, few enough that the rows of a block stay in the first-level cache.
+constexpr uint32_t kBlockRows = 16;
+
+// Covers width x height outputs with strips of `lanes` columns: strip(x, y, rows). The last strip of a row
+// overlaps the one before it, so width must be at least `lanes`.
+template <class Strip>
+ODX_INLINE void forStrips(uint32_t width, uint32_t height, uint32_t lanes, uint32_t blockRows, Strip strip)
+{
+    for (uint32_t y = 0, rows; y < height; y += rows) {
+        rows = height - y < blockRows ? height - y : blockRows;
+        uint32_t x = 0;
+        for (; width - x >= lanes; x += lanes)
+            strip(x, y, rows);
+        if (x < width) strip(width - lanes, y, rows);
+    }
+}
+
+// Runs a filter over the interior of an image. `Filter` has the kernel's size K, the number of lanes it computes,
+// and the state of a strip: `push(row)` takes the next source row, from the leftmost tap of the first lane on;
+// `output()` is the vector of outputs once K rows were pushed.
+template <class Filter, class T>
+ODX_INLINE void filterInterior(const Plane<T>& plane)
+{
+    constexpr uint32_t r = Filter::K / 2;
+    forStrips(plane.interiorWidth(Filter::K), plane.interiorHeight(Filter::K), kBytes / sizeof(T), kBlockRows,
+              [&](uint32_t x, uint32_t y, uint32_t rows) {
+                  const T* in = rowOf(plane.src, plane.srcStride, y) + x;
+                  T* out = rowOf(plane.dst, plane.dstStride, y + r) + r + x;
+                  Filter filter;
+                  for (uint32_t i = 0; i < Filter::K - 1; ++i, in = rowOf(in, plane.srcStride, 1))
+                      filter.push(in);
+                  for (uint32_t i = 0; i < rows; ++i) {
+                      filter.push(in);
+                      store(out, filter.output());
+                      in = rowOf(in, plane.srcStride, 1);
+                      out = rowOf(out, plane.dstStride, 1);
+                  }
+              });
+}
+
+template <class Filter, class T>
+ODX_INLINE bool tooNarrow(const Plane<T>& plane)
+{
+    return plane.interiorWidth(Filter::K) < kBytes / sizeof(T);
+}
+
+// A binomial kernel of order n in one direction is n sums of neighbours: sum[i] holds the previous row of each
+// stage.
+template <class Sum, int n>
+struct BinomialColumn {
+    Sum stage[n] = {};
+    Sum result = {};
+
+    ODX_MEMBER void push(Sum sum)
+    {
+        for (int i = 0; i < n; ++i) {
+            const Sum next = sum + stage[i];
+            stage[i] = sum;
+            sum = next;
+        }
+        result = sum;
+    }
+};
+
+// ---- Gaussians ----
+
+struct Gaussian3x3 {
+    static constexpr uint32_t K = 3;
+    BinomialColumn<u16p, 2> column; // sums up to 16 x 255
+
+    ODX_MEMBER void push(const uint8_t* row) { column.push(dot2<1, 2>(row) + split(load<u8v>(row + 2))); }
+    ODX_MEMBER u8v output() const { return joinShifted<4>(column.result); }
+};
+
+struct Gaussian5x5 {
+    static constexpr uint32_t K = 5;
+    BinomialColumn<u16p, 4> column; // sums up to 256 x 255
+
+    ODX_MEMBER void push(const uint8_t* row)
+    {
+        column.push(dot2<1, 4>(row) + dot2<6, 4>(row + 2) + split(load<u8v>(row + 4)));
+    }
+    ODX_MEMBER u8v output() const { return joinShifted<8>(column.result); }
+};
+
+struct Gaussian5x5s16 {
+    static constexpr uint32_t K = 5;
+    BinomialColumn<s32p, 4> column;
+
+    ODX_MEMBER void push(const int16_t* row)
+    {
+        column.push(dot2<1, 4>(row) + dot2<6, 4>(row + 2) + split(load<s16v>(row + 4)));
+    }
+    ODX_MEMBER s16v output() const { return joinShifted<8>(column.result); }
+};
+
+struct Gaussian5x5s32 {
+    static constexpr uint32_t K = 5;
+    BinomialColumn<u32v, 4> column; // modulo 2^32
+
+    ODX_MEMBER void push(const int32_t* row)
+    {
+        column.push(load<u32v>(row) + load<u32v>(row + 4) + 4 * (load<u32v>(row + 1) + load<u32v>(row + 3)) +
+                    6 * load<u32v>(row + 2));
+    }
+    ODX_MEMBER s32v output() const { return (s32v)column.result >> 8; }
+};
+
+void odxFilterGaussian3x3u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
+                             unsigned int srcStride, uint8_t* dst, unsigned int dstStride, int border)
+{
+    const Plane<uint8_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
+    if (tooNarrow<Gaussian3x3>(plane)) {
+        return odxFilterGaussian3x3u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride, border);
+    }
+    filterInterior<Gaussian3x3>(plane);
+    if (border == 1) blur::binomialBorder<3>(plane);
+}
+
+odxStatus odxFilterGaussian3x3u8_v3V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
+                                     unsigned int srcStride, uint8_t* dst, unsigned int dstStride,
+                                     odxBorderType borderType, uint32_t borderValue)
+{
+    const Plane<uint8_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
+    if (tooNarrow<Gaussian3x3>(plane)) {
+        return odxFilterGaussian3x3u8_v3C(src, srcWidth, srcHeight, srcStride, dst, dstStride, borderType,
+                                          borderValue);
+    }
+    filterInterior<Gaussian3x3>(plane);
+    if (borderType == ONDRIX_BORDER_UNDEFINED) {
+        blur::binomialBorder<3>(plane);
+    } else {
+        blur::gaussian3x3Border(plane, borderType, borderValue);
+    }
+    return ONDRIX_SUCCESS;
+}
+
+template <class Filter, class T, class Reference>
+ODX_INLINE void gaussian5x5(const Plane<T>& p, int border, Reference* reference)
+{
+    if (tooNarrow<Filter>(p)) return reference(p.src, p.width, p.height, p.srcStride, p.dst, p.dstStride, border);
+    filterInterior<Filter>(p);
+    if (border == 1) blur::binomialBorder<5>(p);
+}
+
+void odxFilterGaussian5x5u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
+                             unsigned int srcStride, uint8_t* dst, unsigned int dstStride, int border)
+{
+    const Plane<uint8_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
+    gaussian5x5<Gaussian5x5>(plane, border, odxFilterGaussian5x5u8C);
+}
+
+void odxFilterGaussian5x5s16V(const int16_t* src, unsigned int srcWidth, unsigned int srcHeight,
+                              unsigned int srcStride, int16_t* dst, unsigned int dstStride, int border)
+{
+    const Plane<int16_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
+    gaussian5x5<Gaussian5x5s16>(plane, border, odxFilterGaussian5x5s16C);
+}
+
+void odxFilterGaussian5x5s32V(const int32_t* src, unsigned int srcWidth, unsigned int srcHeight,
+                              unsigned int srcStride, int32_t* dst, unsigned int dstStride, int border)
+{
+    const Plane<int32_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
+    gaussian5x5<Gaussian5x5s32>(plane, border, odxFilterGaussian5x5s32C);
+}
+
+void odxFilterGaussian11x11u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
+                               unsigned int srcStride, uint8_t* dst, unsigned int dstStride, int border)
+{
+    odxFilterGaussian11x11u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride, border);
+}
+
+// ---- means ----
+
+struct Box3x3 {
+    static constexpr uint32_t K = 3;
+    u16p previous[2] = {}, sum = {};
+
+    ODX_MEMBER void push(const uint8_t* row)
+    {
+        const u16p next = dot2<1, 1>(row) + split(load<u8v>(row + 2));
+        sum = previous[0] + previous[1] + next;
+        previous[0] = previous[1];
+        previous[1] = next;
+    }
+    ODX_MEMBER u8v output() const
+    {
+        constexpr int16_t half = blur::kBox3Reciprocal / 2; // (sum * 7282 + 32768) >> 16
+        return join({mulRound(sum.a, half), mulRound(sum.b, half)});
+    }
+};
+
+odxStatus odxBoxFilter3x3u8_v2V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
+                                unsigned int srcStride, uint8_t* dst, unsigned int dstStride,
+                                odxBorderType borderType, uint32_t borderValue)
+{
+    const Plane<uint8_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
+    if (tooNarrow<Box3x3>(plane)) {
+        return odxBoxFilter3x3u8_v2C(src, srcWidth, srcHeight, srcStride, dst, dstStride, borderType, borderValue);
+    }
+    filterInterior<Box3x3>(plane);
+    blur::box3x3Border(plane, borderType, borderValue);
+    return ONDRIX_SUCCESS;
+}
+
+void odxBoxFilter3x3u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride,
+                        uint8_t* dst, unsigned int dstStride)
+{
+    odxBoxFilter3x3u8_v2V(src, srcWidth, srcHeight, srcStride, dst, dstStride, ONDRIX_BORDER_UNDEFINED, 0);
+}
+
+// Sums of the bytes of K neighbours, from the leftmost on.
+template <uint32_t K>
+ODX_INLINE u16p rowSum(const uint8_t* row)
+{
+    if constexpr (K == 1) {
+        return split(load<u8v>(row));
+    } else {
+        return dot2<1, 1>(row) + rowSum<K - 2>(row + 2);
+    }
+}
+
+// The rounded mean of sums of K x K bytes.
+template <uint32_t K>
+ODX_INLINE u16v meanOf(u16v sum)
+{
+    if constexpr (K == 11) {
+        return mulRound(sum, blur::kBox11Reciprocal / 2); // sums up to 121 x 255 stay below 2^15
+    } else {
+        constexpr uint16_t reciprocal = blur::kBox5Reciprocal;
+        return mulHigh(sum, reciprocal) + ((u16v)(sum * reciprocal) >> 15); // rounded by the highest bit cut off
+    }
+}
+
+// Every output of a strip is the sum of the last K row sums: each step adds the row that enters and subtracts the
+// one that leaves. What is outside the image counts as 0.
+template <uint32_t K>
+ODX_INLINE void boxStrip(const Plane<uint8_t>& plane, uint32_t x, uint32_t y0, uint32_t rows)
+{
+    constexpr uint32_t r = K / 2;
+    const bool inside = x >= r && plane.width - x >= kBytes + r;
+    uint8_t padded[kBytes + 2 * r] = {};
+    const uint32_t from = x < r ? 0 : x - r, to = plane.width - x < kBytes + r ? plane.width : x + kBytes + r;
+
+    u16p ring[K] = {};
+    u16p sum = {};
+    uint32_t oldest = 0;
+    for (uint32_t i = 0; i < rows + K - 1; ++i) {
+        const uint32_t y = y0 + i - r; // wraps above the image
+        u16p next = {};
+        if (y < plane.height) {
+            const uint8_t* row = rowOf(plane.src, plane.srcStride, y);
+            if (inside) {
+                row += x - r;
+            } else {
+                memcpy(padded + (from + r - x), row + from, to - from);
+                row = padded;
+            }
+            next = rowSum<K>(row);
+        }
+        sum = sum + next - ring[oldest];
+        ring[oldest] = next;
+        oldest = oldest + 1 == K ? 0 : oldest + 1;
+        if (i >= K - 1) {
+            store(rowOf(plane.dst, plane.dstStride, y0 + i - (K - 1)) + x,
+                  join({meanOf<K>(sum.a), meanOf<K>(sum.b)}));
+        }
+    }
+}
+
+template <uint32_t K>
+ODX_INLINE void boxFilter(const Plane<uint8_t>& plane)
+{
+    forStrips(plane.width, plane.height, kBytes, 4 * kBlockRows,
+              [&](uint32_t x, uint32_t y, uint32_t rows) { boxStrip<K>(plane, x, y, rows); });
+}
+
+void odxBoxFilter5x5u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride,
+                        uint8_t* dst, unsigned int dstStride)
+{
+    if (srcWidth < kBytes) return odxBoxFilter5x5u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    boxFilter<5>({src, srcWidth, srcHeight, srcStride, dst, dstStride});
+}
+
+void odxBoxFilter11x11u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
+                          unsigned int srcStride, uint8_t* dst, unsigned int dstStride)
+{
+    if (srcWidth < kBytes) return odxBoxFilter11x11u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    boxFilter<11>({src, srcWidth, srcHeight, srcStride, dst, dstStride});
+}
+
+void odxBoxFilterNxNf32V(const float* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride,
+                         unsigned int N, float* dst, unsigned int dstStride)
+{
+    odxBoxFilterNxNf32C(src, srcWidth, srcHeight, srcStride, N, dst, dstStride);
+}
+
+// ---- medians ----
+
+ODX_INLINE u8v middle(u8v a, u8v b, u8v c)
+{
+    return max(min(a, b), min(max(a, b), c));
+}
+
+struct Median3x3 {
+    static constexpr uint32_t K = 3;
+    u8v first[3] = {}, second[3] = {}, third[3] = {};
+
+    ODX_MEMBER void push(const uint8_t* row)
+    {
+        for (int i = 0; i < 3; ++i) {
+            first[i] = second[i];
+            second[i] = third[i];
+            third[i] = load<u8v>(row + i);
+        }
+    }
+    ODX_MEMBER u8v output() const
+    {
+        u8v low[3], mid[3], high[3];
+        for (int i = 0; i < 3; ++i) {
+            const u8v lesser = min(second[i], third[i]), greater = max(second[i], third[i]);
+            low[i] = min(lesser, first[i]);
+            mid[i] = max(lesser, min(greater, first[i]));
+            high[i] = max(greater, first[i]);
+        }
+        return middle(max(max(low[0], low[1]), low[2]), middle(mid[0], mid[1], mid[2]),
+                      min(min(high[0], high[1]), high[2]));
+    }
+};
+
+void odxFilterMedian3x3u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
+                           unsigned int srcStride, uint8_t* dst, unsigned int dstStride)
+{
+    const Plane<uint8_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
+    if (tooNarrow<Median3x3>(plane)) {
+        return odxFilterMedian3x3u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    }
+    filterInterior<Median3x3>(plane);
+}
+
+odxStatus odxFilterMedian3x3u8_v3V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
+                                   unsigned int srcStride, uint8_t* dst, unsigned int dstStride,
+                                   odxBorderType borderType, uint32_t borderValue)
+{
+    const Plane<uint8_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
+    odxFilterMedian3x3u8V(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    if (borderType != ONDRIX_BORDER_UNDEFINED) blur::median3x3Border(plane, borderType, borderValue);
+    return ONDRIX_SUCCESS;
+}
+
+} // namespace odx::ODX_TARGET

@@ -1,0 +1,97 @@
+// The backend of NEON, on 32-bit and 64-bit ARM.
+#ifndef ODX_ORLAN_SIMD_NEON_H
+#define ODX_ORLAN_SIMD_NEON_H
+
+#include <arm_neon.h>
+
+namespace odx::ODX_TARGET::simd
+{
+
+ODX_INLINE u8v min(u8v a, u8v b)
+{
+    return (u8v)vminq_u8((uint8x16_t)a, (uint8x16_t)b);
+}
+ODX_INLINE u8v max(u8v a, u8v b)
+{
+    return (u8v)vmaxq_u8((uint8x16_t)a, (uint8x16_t)b);
+}
+ODX_INLINE s16v min(s16v a, s16v b)
+{
+    return (s16v)vminq_s16((int16x8_t)a, (int16x8_t)b);
+}
+ODX_INLINE s16v max(s16v a, s16v b)
+{
+    return (s16v)vmaxq_s16((int16x8_t)a, (int16x8_t)b);
+}
+
+ODX_INLINE u16v loadWiden(const uint8_t* p)
+{
+    return (u16v)vmovl_u8(vld1_u8(p));
+}
+
+// Pairs are the lower and the upper half.
+ODX_INLINE u16p split(u8v v)
+{
+    const uint8x16_t n = (uint8x16_t)v;
+    return {(u16v)vmovl_u8(vget_low_u8(n)), (u16v)vmovl_u8(vget_high_u8(n))};
+}
+ODX_INLINE s32p split(s16v v)
+{
+    const int16x8_t n = (int16x8_t)v;
+    return {(s32v)vmovl_s16(vget_low_s16(n)), (s32v)vmovl_s16(vget_high_s16(n))};
+}
+
+ODX_INLINE u8v join(const u16p& p)
+{
+    return (u8v)vcombine_u8(vmovn_u16((uint16x8_t)p.a), vmovn_u16((uint16x8_t)p.b));
+}
+
+template <int n>
+ODX_INLINE u8v joinShifted(const u16p& p)
+{
+    return (u8v)vcombine_u8(vshrn_n_u16((uint16x8_t)p.a, n), vshrn_n_u16((uint16x8_t)p.b, n));
+}
+
+template <int n>
+ODX_INLINE s16v joinShifted(const s32p& p)
+{
+    return (s16v)vcombine_s16(vshrn_n_s32((int32x4_t)p.a, n), vshrn_n_s32((int32x4_t)p.b, n));
+}
+
+template <int a, int b>
+ODX_INLINE u16p dot2(const uint8_t* p)
+{
+    static_assert(a >= 0 && a <= 127 && b >= 0 && b <= 127 && 255 * (a + b) <= 32767);
+    const uint8x16_t v = (uint8x16_t)load<u8v>(p), w = (uint8x16_t)load<u8v>(p + 1);
+    const uint8x8_t ka = vdup_n_u8(a), kb = vdup_n_u8(b);
+    return {(u16v)vmlal_u8(vmull_u8(vget_low_u8(v), ka), vget_low_u8(w), kb),
+            (u16v)vmlal_u8(vmull_u8(vget_high_u8(v), ka), vget_high_u8(w), kb)};
+}
+
+template <int a, int b>
+ODX_INLINE s32p dot2(const int16_t* p)
+{
+    const int16x8_t v = (int16x8_t)load<s16v>(p), w = (int16x8_t)load<s16v>(p + 1);
+    return {(s32v)vmlal_n_s16(vmull_n_s16(vget_low_s16(v), a), vget_low_s16(w), b),
+            (s32v)vmlal_n_s16(vmull_n_s16(vget_high_s16(v), a), vget_high_s16(w), b)};
+}
+
+ODX_INLINE u16v mulHigh(u16v v, uint16_t k)
+{
+    const uint16x8_t n = (uint16x8_t)v;
+    return (u16v)vcombine_u16(vshrn_n_u32(vmull_n_u16(vget_low_u16(n), k), 16),
+                              vshrn_n_u32(vmull_n_u16(vget_high_u16(n), k), 16));
+}
+ODX_INLINE u16v mulRound(u16v v, int16_t k)
+{
+    return (u16v)vqrdmulhq_n_s16((int16x8_t)v, k);
+}
+
+ODX_INLINE u8v popCount(u8v v)
+{
+    return (u8v)vcntq_u8((uint8x16_t)v);
+}
+
+} // namespace odx::ODX_TARGET::simd
+
+#endif

@@ -1,0 +1,98 @@
+// The vector layer: what SIMD kernels are written in. It is compiled once per target, each time in the target's
+// own namespace, and everything in it is forced inline, so that the linker can never mix the code of two targets.
+//
+// Vectors are the compiler's own (+ - * & | ^ << >> and comparisons work lane by lane, modulo 2^n for integers);
+// the backend adds what compilers do not find by themselves:
+//
+//   load<V>(p), store(p, v)      whole vectors, any alignment
+//   loadWiden(p)                 kBytes / 2 bytes as a u16v, in order
+//   min, max                     of u8v and s16v
+//   split(v), join(pair)         bytes to 16 bits (or signed 16 to 32) and back, as a pair in the target's own
+//   lane
+//                                order: even and odd lanes on x86, halves on ARM. join takes values that fit.
+//   joinShifted<n>(pair)         join(pair >> n)
+//   dot2<a, b>(p)                p[i] * a + p[i + 1] * b for each lane i, as a pair in the same order;
+//                                of bytes: a and b up to 127, 255 * (a + b) up to 32767
+//   mulHigh(v, k)                the upper halves of 16-bit products
+//   mulRound(v, k)               (v * k + 16384) >> 15 for v and k up to 32767
+//   popCount(v)                  set bits of each byte
+#ifndef ODX_ORLAN_SIMD_SIMD_H
+#define ODX_ORLAN_SIMD_SIMD_H
+
+#include <stddef.h>
+#include <stdint.h>
+#include <string.h>
+
+#define ODX_INLINE [[gnu::always_inline]] static inline
+#define ODX_MEMBER [[gnu::always_inline]] inline
+
+#if defined(__AVX512BW__)
+#define ODX_VECTOR_BYTES 64
+#elif defined(__AVX2__)
+#define ODX_VECTOR_BYTES 32
+#else
+#define ODX_VECTOR_BYTES 16
+#endif
+
+namespace odx::ODX_TARGET::simd
+{
+
+constexpr uint32_t kBytes = ODX_VECTOR_BYTES;
+
+#define ODX_VECTOR __attribute__((vector_size(ODX_VECTOR_BYTES)))
+typedef uint8_t u8v ODX_VECTOR;
+typedef int8_t s8v ODX_VECTOR;
+typedef uint16_t u16v ODX_VECTOR;
+typedef int16_t s16v ODX_VECTOR;
+typedef uint32_t u32v ODX_VECTOR;
+typedef int32_t s32v ODX_VECTOR;
+typedef float f32v ODX_VECTOR;
+
+template <class V>
+ODX_INLINE V load(const void* p)
+{
+    V v;
+    memcpy(&v, p, sizeof v);
+    return v;
+}
+
+template <class V>
+ODX_INLINE void store(void* p, V v)
+{
+    memcpy(p, &v, sizeof v);
+}
+
+// Two vectors that hold the widened lanes of one.
+template <class V>
+struct Pair {
+    V a, b;
+};
+typedef Pair<u16v> u16p;
+typedef Pair<s32v> s32p;
+typedef Pair<u32v> u32p;
+
+template <class V>
+ODX_INLINE Pair<V> operator+(const Pair<V>& p, const Pair<V>& q)
+{
+    return {p.a + q.a, p.b + q.b};
+}
+template <class V>
+ODX_INLINE Pair<V> operator-(const Pair<V>& p, const Pair<V>& q)
+{
+    return {p.a - q.a, p.b - q.b};
+}
+template <class V>
+ODX_INLINE Pair<V> operator<<(const Pair<V>& p, int n)
+{
+    return {p.a << n, p.b << n};
+}
+
+} // namespace odx::ODX_TARGET::simd
+
+#if defined(__AVX2__)
+#include "orlan/simd/x86.h"
+#elif defined(__ARM_NEON)
+#include "orlan/simd/neon.h"
+#endif
+
+#endif

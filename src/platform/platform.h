@@ -1,0 +1,44 @@
+// The outside world: everything that the library asks of the operating system goes through this header.
+#ifndef ODX_PLATFORM_PLATFORM_H
+#define ODX_PLATFORM_PLATFORM_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+// The platform's own functions. On Android they are the system's; elsewhere hostDefaults.cpp brings weak
+// definitions that a program or a preloaded library may replace, so every call goes through the dynamic linker.
+extern "C" {
+int __android_log_print(int priority, const char* tag, const char* format, ...)
+    __attribute__((format(printf, 3, 4)));
+int __system_property_get(const char* name, char* value);
+}
+
+namespace odx::platform
+{
+
+enum LogPriority { kLogDebug = 3, kLogInfo = 4, kLogError = 6 };
+
+constexpr size_t kPropertyValueMax = 92; // what __system_property_get may write, terminator included
+
+// The integer value of a system property; 0 when it is absent or no number.
+int propertyNumber(const char* name);
+
+// Reads the start of the processor description in one read: at most `capacity` bytes into `buffer`.
+// Returns the number of bytes, or -1 when it cannot be opened or read.
+long readProcessorDescription(char* buffer, size_t capacity);
+
+// Number of processors that are online, or -1 when the system does not tell.
+long onlineProcessors();
+
+// Wall-clock time in microseconds.
+int64_t wallClockMicroseconds();
+
+// Dynamic loading. `loaderError` is never null.
+void* openLibrary(const char* path); // lazy binding
+void closeLibrary(void* handle);
+void* findSymbol(void* handle, const char* symbol);
+const char* loaderError();
+
+} // namespace odx::platform
+
+#endif

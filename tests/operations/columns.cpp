@@ -1,0 +1,70 @@
+#include "operations/draw.h"
+
+#include "frame/tables.h"
+#include "ondrix/modes.h"
+#include "orlan/targets.h"
+
+#include <stdio.h>
+#include <stdlib.h>
+
+namespace odx::test
+{
+
+namespace
+{
+
+void selectMode(odxOperationMode mode)
+{
+    if (odxSetOperationMode(mode) != 0) {
+        fprintf(stderr, "the operation mode %x cannot be selected\n", static_cast<unsigned>(mode));
+        exit(1);
+    }
+}
+
+} // namespace
+
+std::vector<Column> allColumns()
+{
+    std::vector<Column> columns = {{"reference", [] { selectMode(ONDRIX_OP_EXT_REFERENCE); }}};
+    if ((odxAvailableHardware(ONDRIX_OP_EXT_CPU) & ONDRIX_HW_SIMD) == 0) return columns;
+    for (size_t i = 0; i < orlan::kTargetCount; ++i) {
+        const orlan::Target* target = orlan::kTargets[i];
+        if (!target->supported()) continue;
+        columns.push_back({target->name, [target] {
+                               orlan::useTarget(target);
+                               selectMode(ONDRIX_OP_EXT_CPU);
+                               // Later selections leave this column as the first one filled it.
+                               uVTable(&odxFuncTable, &odxInternalFuncTable, ODX_IMPL_ORLAN);
+                           }});
+    }
+    return columns;
+}
+
+std::vector<Row> allRows()
+{
+    std::vector<Row> rows;
+    for (const auto& family : {descriptorRows(), smoothingRows()})
+        rows.insert(rows.end(), family.begin(), family.end());
+    return rows;
+}
+
+std::vector<std::string> builtOperations()
+{
+    struct Listed {
+        const char* name;
+        const char* columns;
+    };
+    const Listed list[] = {
+#define ODX_OPERATION(slot, name, family, index, columns) {#name, #columns},
+#define ODX_VERSION(name, base, columns) {#name, #columns},
+#define ODX_INTERNAL(entry, name, family, index, columns) {#name, #columns},
+#include "frame/operations.def"
+    };
+    std::vector<std::string> built;
+    for (const Listed& listed : list) {
+        if (strcmp(listed.columns, "none") != 0) built.push_back(listed.name);
+    }
+    return built;
+}
+
+} // namespace odx::test

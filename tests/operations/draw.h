@@ -1,0 +1,251 @@
+// How the arguments of an operation are drawn.
+//
+// Every public operation has one row: a function that draws arguments, runs the operation, and reports what it
+// returned. The differential test runs a row once per column with the same seed and compares everything the
+// operation could have written; the benchmark runs the same row on a given image size and times it.
+#ifndef ODX_TESTS_OPERATIONS_DRAW_H
+#define ODX_TESTS_OPERATIONS_DRAW_H
+
+#include <algorithm>
+#include <functional>
+#include <initializer_list>
+#include <memory>
+#include <random>
+#include <stdint.h>
+#include <string.h>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace odx::test
+{
+
+struct Extent {
+    uint32_t width, height;
+};
+
+// A buffer between two inaccessible pages, flush with one of them, with a pattern in what is left of its own
+// pages.
+class GuardedBuffer
+{
+public:
+    // `offset` bytes separate the buffer from the page that it is flush with.
+    GuardedBuffer(size_t size, bool flushWithEnd, size_t offset);
+    ~GuardedBuffer();
+    GuardedBuffer(const GuardedBuffer&) = delete;
+    GuardedBuffer& operator=(const GuardedBuffer&) = delete;
+
+    uint8_t* data() const { return data_; }
+    size_t size() const { return size_; }
+    bool surroundingsIntact() const;
+
+private:
+    uint8_t* map_;
+    size_t mapSize_;
+    uint8_t* data_;
+    size_t size_;
+};
+
+// Rows of pixels in a guarded buffer. The last row ends with its last pixel.
+template <class T>
+struct Image {
+    T* pixels;
+    uint32_t width, height; // in elements of T
+    uint32_t stride;        // in bytes
+    bool defaulted;         // pass 0 where the operation takes that for a packed row
+
+    uint32_t strideArgument() const { return defaulted ? 0 : stride; }
+    T& at(uint32_t x, uint32_t y) const
+    {
+        return reinterpret_cast<T*>(reinterpret_cast<char*>(pixels) + size_t{stride} * y)[x];
+    }
+};
+
+class Draw
+{
+public:
+    enum class Purpose { Compare, Measure };
+
+    // Draws for one comparison; the same seed gives the same arguments.
+    explicit Draw(uint64_t seed);
+    // Draws the arguments of a measurement on images of this size.
+    explicit Draw(Extent measured, std::function<void(const std::function<void()>&)> timer);
+
+    bool measures() const { return purpose_ == Purpose::Measure; }
+
+    // Sizes around every vector width, odd sizes, now and then a larger one.
+    Extent extent(uint32_t minWidth = 1, uint32_t minHeight = 1);
+
+    // A number in [low, high]; `typical` in a measurement.
+    template <class T>
+    T number(const char* name, T low, T high, T typical)
+    {
+        const T value =
+            measures() ? typical : static_cast<T>(std::uniform_int_distribution<int64_t>(low, high)(random_));
+        note(name, std::to_string(value));
+        return value;
+    }
+    float real(const char* name, float low, float high, float typical);
+
+    // One of several values; the first one in a measurement.
+    template <class T>
+    T pick(const char* name, std::initializer_list<T> values)
+    {
+        const T value = measures() ? *values.begin() : values.begin()[below(values.size())];
+        note(name, std::to_string(static_cast<int64_t>(value)));
+        return value;
+    }
+
+    // An image with drawn content, for the operation to read.
+    template <class T>
+    Image<T> source(const char* name, Extent extent, bool packed = false)
+    {
+        Image<T> image = allocate<T>(name, extent, packed);
+        fill(image);
+        return image;
+    }
+    // An image with a known pattern, for the operation to write.
+    template <class T>
+    Image<T> destination(const char* name, Extent extent, bool packed = false)
+    {
+        Image<T> image = allocate<T>(name, extent, packed);
+        outputs_.push_back(buffers_.size() - 1);
+        GuardedBuffer& buffer = *buffers_.back();
+        for (size_t i = 0; i < buffer.size(); ++i)
+            buffer.data()[i] = static_cast<uint8_t>(0xA5 + 7 * i);
+        return image;
+    }
+    // An array of elements: an image of one row.
+    template <class T>
+    T* sourceArray(const char* name, uint32_t count)
+    {
+        return source<T>(name, {count, 1}, true).pixels;
+    }
+    template <class T>
+    T* destinationArray(const char* name, uint32_t count)
+    {
+        return destination<T>(name, {count, 1}, true).pixels;
+    }
+    // Marks a source as a destination too: the operation works in place.
+    template <class T>
+    void writesInPlace(const Image<T>& image)
+    {
+        for (size_t i = 0; i < buffers_.size(); ++i) {
+            if (buffers_[i]->data() == reinterpret_cast<uint8_t*>(image.pixels)) outputs_.push_back(i);
+        }
+    }
+
+    // Calls the operation: once to compare it, many times to measure it. The result, if any, is part of the
+    // comparison.
+    template <class F>
+    void run(F&& operation)
+    {
+        if (measures()) {
+            timer_([&] { operation(); });
+        } else if constexpr (std::is_void_v<std::invoke_result_t<F>>) {
+            operation();
+        } else {
+            result(operation());
+        }
+    }
+    // A value that the operation returned or wrote through a pointer.
+    template <class T>
+    void result(T value)
+    {
+        static_assert(std::is_trivially_copyable_v<T>);
+        const auto* bytes = reinterpret_cast<const uint8_t*>(&value);
+        results_.insert(results_.end(), bytes, bytes + sizeof value);
+    }
+
+    // ---- for the programs that run the rows ----
+
+    // Everything that the operation could have changed: results, then every buffer.
+    std::vector<uint8_t> outcome() const;
+    // Whether it changed a destination or gave a result.
+    bool didSomething() const;
+    bool surroundingsIntact() const;
+    const std::string& description() const { return description_; } // the drawn arguments, as text
+    size_t bufferBytes() const;                                     // of all buffers together
+
+private:
+    template <class T>
+    Image<T> allocate(const char* name, Extent extent, bool packed)
+    {
+        Image<T> image{};
+        image.width = extent.width;
+        image.height = extent.height;
+        const size_t row = sizeof(T) * size_t{extent.width};
+        size_t padding = 0;
+        if (!measures() && !packed && below(2) == 0) padding = sizeof(T) * (1 + below(70));
+        image.stride = static_cast<uint32_t>(row + padding);
+        image.defaulted = padding == 0 && !measures() && below(2) == 0;
+        const size_t size = size_t{image.stride} * (extent.height - 1) + row;
+        image.pixels = reinterpret_cast<T*>(addBuffer(size, sizeof(T)));
+        note(name,
+             std::to_string(extent.width) + "x" + std::to_string(extent.height) + "+" + std::to_string(padding));
+        return image;
+    }
+
+    template <class T>
+    void fill(const Image<T>& image)
+    {
+        content_ = measures() ? 0 : below(6);
+        for (uint32_t y = 0; y < image.height; ++y) {
+            for (uint32_t x = 0; x < image.width; ++x)
+                image.at(x, y) = element<T>(x, y);
+        }
+    }
+    template <class T>
+    T element(uint32_t x, uint32_t y)
+    {
+        if constexpr (std::is_floating_point_v<T>) {
+            return static_cast<T>(realPixel(x, y));
+        } else {
+            return static_cast<T>(pixel(x, y));
+        }
+    }
+
+    uint64_t below(uint64_t n) { return random_() % n; }
+    uint64_t pixel(uint32_t x, uint32_t y); // the low bits make an integer pixel
+    double realPixel(uint32_t x, uint32_t y);
+    uint8_t* addBuffer(size_t size, size_t elementSize);
+    void note(const char* name, const std::string& value);
+
+    Purpose purpose_;
+    Extent measured_{};
+    std::function<void(const std::function<void()>&)> timer_;
+    std::mt19937_64 random_;
+    uint64_t content_ = 0, constant_ = 0;
+    std::vector<std::unique_ptr<GuardedBuffer>> buffers_;
+    std::vector<size_t> outputs_;
+    std::vector<uint8_t> results_;
+    std::string description_;
+};
+
+// ---- rows and columns ----
+
+struct Row {
+    const char* operation;
+    void (*run)(Draw&);
+};
+
+// The rows of each family; a family's file defines its own.
+std::vector<Row> smoothingRows();
+std::vector<Row> descriptorRows();
+
+// All rows, in order of families.
+std::vector<Row> allRows();
+
+// The public operations that exist, from the library's own list.
+std::vector<std::string> builtOperations();
+
+// A way to run an operation: the reference, or one of the SIMD targets that the processor supports.
+struct Column {
+    std::string name;
+    std::function<void()> select;
+};
+std::vector<Column> allColumns(); // the reference first
+
+} // namespace odx::test
+
+#endif
