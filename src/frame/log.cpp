@@ -28,8 +28,18 @@ int odxLogAssert(const char* file, int line, int priority, const char* format, .
 }
 }
 
-void odx::fatalAssertion(const char* source, int line, const char* text)
+namespace odx
+{
+
+void readLogSwitch()
+{
+    libLogPrint = platform::propertyNumber("vendor.runtime.ondrix.log") != 0 ? 1 : 0;
+}
+
+void fatalAssertion(const char* source, int line, const char* text)
 {
     ODX_LOG(Error, "%s@%d: %s Assertion failed\n", source, line, text);
     exit(1);
 }
+
+} // namespace odx

@@ -23,6 +23,9 @@ int odxLogAssert(const char* file, int line, int priority, const char* format, .
 namespace odx
 {
 
+// Sets libLogPrint from the property that switches the trace.
+void readLogSwitch();
+
 // Logs a violated internal assumption and ends the process with exit status 1.
 [[noreturn]] void fatalAssertion(const char* source, int line, const char* text);
 

@@ -27,11 +27,6 @@ bool unusable(unsigned hw)
     return (hw & (ONDRIX_HW_CPU_INFO | ONDRIX_HW_SIMD | ONDRIX_HW_VFP)) == ONDRIX_HW_CPU_INFO;
 }
 
-void readLogSwitch()
-{
-    libLogPrint = odx::platform::propertyNumber("vendor.runtime.ondrix.log") != 0 ? 1 : 0;
-}
-
 void fillTables(unsigned hw)
 {
     const bool simd = (hw & ONDRIX_HW_SIMD) != 0;
@@ -144,7 +139,7 @@ int odxSelectMode(int32_t mode)
 {
     odxSetHWFlag(1);
     nOdxAvailableProc = odxAvailableProcessors();
-    readLogSwitch();
+    odx::readLogSwitch();
     const unsigned hw = odxAvailableHardware(mode);
     if (unusable(hw)) return kUnusableProcessor;
 
@@ -190,7 +185,7 @@ int odxSetOperationModeExt(odxOperationModeExt mode)
 unsigned int odxSetOperationModeRemoteLib(odxOperationMode mode)
 {
     odxSetHWFlag(1);
-    readLogSwitch();
+    odx::readLogSwitch();
     const unsigned hw = odxAvailableHardware(mode);
     if (unusable(hw)) return kUnusableProcessor;
 

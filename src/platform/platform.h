@@ -11,6 +11,12 @@ extern "C" {
 int __android_log_print(int priority, const char* tag, const char* format, ...)
     __attribute__((format(printf, 3, 4)));
 int __system_property_get(const char* name, char* value);
+
+// The shared-memory allocator. Failures are negative.
+int ion_open(void);
+int ion_alloc_fd(int device, size_t length, size_t alignment, unsigned int heapMask, unsigned int flags,
+                 int* bufferDescriptor);
+int ion_close(int device);
 }
 
 namespace odx::platform
@@ -33,7 +39,7 @@ long onlineProcessors();
 // Wall-clock time in microseconds.
 int64_t wallClockMicroseconds();
 
-// Dynamic loading. `loaderError` is never null.
+// Dynamic loading. `loaderError` tells what went wrong last, and is never null.
 void* openLibrary(const char* path); // lazy binding
 void closeLibrary(void* handle);
 void* findSymbol(void* handle, const char* symbol);
