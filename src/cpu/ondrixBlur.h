@@ -12,14 +12,9 @@ namespace odx::blur
 {
 
 // Means as fixed-point reciprocals: (sum * reciprocal + 32768) >> 16.
-constexpr uint32_t kBox3Reciprocal = 7282; // 65536 / 9, rounded
-constexpr uint32_t kBox5Reciprocal = 2621; // 65536 / 25, truncated
-constexpr uint32_t kBox11Reciprocal = 542; // 65536 / 121, rounded
-
-constexpr uint8_t boxMean(uint32_t sum, uint32_t reciprocal)
-{
-    return static_cast<uint8_t>((sum * reciprocal + 32768) >> 16);
-}
+constexpr uint16_t kBox3Reciprocal = 7282; // 65536 / 9, rounded
+constexpr uint16_t kBox5Reciprocal = 2621; // 65536 / 25, truncated
+constexpr uint16_t kBox11Reciprocal = 542; // 65536 / 121, rounded
 
 // A single-channel image that is filtered into another of its size. Strides in bytes.
 template <class T>

@@ -1,6 +1,6 @@
 // Border pixels of the smoothing filters.
 #include "cpu/image.h"
-#include "cpu/ondrixBlur.h"
+#include "cpu/ondrixBlurRows.h"
 
 #include <string.h>
 
@@ -85,8 +85,6 @@ struct Quotient<K, uint8_t> {
 
 // Output pixels [x0, x1) of row y: vertical sums of the columns that they need, at most kChunk + K - 1 of them,
 // then horizontal sums of those.
-constexpr uint32_t kChunk = 256;
-
 template <int K, class T>
 void binomialSpan(const Plane<T>& plane, uint32_t y, uint32_t x0, uint32_t x1)
 {
@@ -137,8 +135,29 @@ template <int K, class T>
 void binomialSpans(const Plane<T>& plane, uint32_t y, uint32_t x0, uint32_t x1)
 {
     for (uint32_t x = x0, count; x < x1; x += count) {
-        count = x1 - x < kChunk ? x1 - x : kChunk;
+        count = chunkOf(x1 - x);
         binomialSpan<K>(plane, y, x, x + count);
+    }
+}
+
+// The K/2 outputs at one end of a row that has all its vertical taps. `row` is the end pixel of the uppermost
+// tap's row, `step` leads inward.
+template <int K, class T>
+void binomialEnd(const T* row, size_t stride, ptrdiff_t step, T* out)
+{
+    constexpr int r = K / 2;
+    uint32_t column[2 * r] = {};
+    for (int k = 0; k < K; ++k, row = rowOf(row, stride, 1)) {
+        for (int x = 0; x < 2 * r; ++x)
+            column[x] += Binomial<K>::weight[k] * static_cast<uint32_t>(row[step * x]);
+    }
+    for (int x = 0; x < r; ++x) {
+        uint32_t sum = 0, weight = 0;
+        for (int k = r - x; k < K; ++k) {
+            sum += Binomial<K>::weight[k] * column[x - r + k];
+            weight += Binomial<K>::weight[k];
+        }
+        out[step * x] = Quotient<K, T>(weight)(sum);
     }
 }
 
@@ -151,8 +170,10 @@ void binomialBorder(const Plane<T>& plane)
     const bool interior = plane.width >= K && plane.height >= K;
     for (uint32_t y = 0; y < plane.height; ++y) {
         if (interior && y >= r && y < plane.height - r) {
-            binomialSpan<K>(plane, y, 0, r);
-            binomialSpan<K>(plane, y, plane.width - r, plane.width);
+            const T* const top = rowOf(plane.src, plane.srcStride, y - r);
+            T* const out = rowOf(plane.dst, plane.dstStride, y);
+            binomialEnd<K>(top, plane.srcStride, 1, out);
+            binomialEnd<K>(top + plane.width - 1, plane.srcStride, -1, out + plane.width - 1);
         } else {
             binomialSpans<K>(plane, y, 0, plane.width);
         }
@@ -170,103 +191,108 @@ namespace
 
 // Three neighbouring pixels on a line parallel to an edge.
 struct Triple {
-    uint32_t before, centre, after;
+    uint16_t before, centre, after;
 };
 
-// The 3x3 filters of a window that is given as its line outside the image, its line on the edge, and its line
-// inside. All three are symmetric, so that the same code serves rows and columns.
-uint8_t gaussian(const Triple& outside, const Triple& edge, const Triple& inside)
-{
-    return static_cast<uint8_t>((outside.before + 2 * outside.centre + outside.after + 2 * edge.before +
-                                 4 * edge.centre + 2 * edge.after + inside.before + 2 * inside.centre +
-                                 inside.after) >>
-                                4);
-}
+// A 3x3 filter: a row of outputs, and one output from the lines of its window that are outside the image, on its
+// edge and inside. The filters are symmetric, so that the same code serves rows and columns.
+struct Gaussian {
+    static constexpr auto row = gaussian3x3Row;
+    static uint8_t pixel(const Triple& a, const Triple& b, const Triple& c)
+    {
+        return static_cast<uint8_t>((a.before + 2 * a.centre + a.after + 2 * b.before + 4 * b.centre +
+                                     2 * b.after + c.before + 2 * c.centre + c.after) >>
+                                    4);
+    }
+};
 
-uint8_t box(const Triple& outside, const Triple& edge, const Triple& inside)
-{
-    return boxMean(outside.before + outside.centre + outside.after + edge.before + edge.centre + edge.after +
-                       inside.before + inside.centre + inside.after,
-                   kBox3Reciprocal);
-}
+struct Box {
+    static constexpr auto row = box3x3Row;
+    static uint8_t pixel(const Triple& a, const Triple& b, const Triple& c)
+    {
+        return boxMean16(static_cast<uint16_t>(a.before + a.centre + a.after + b.before + b.centre + b.after +
+                                               c.before + c.centre + c.after),
+                         kBox3Reciprocal);
+    }
+};
 
-uint32_t smaller(uint32_t a, uint32_t b)
-{
-    return a < b ? a : b;
-}
-uint32_t larger(uint32_t a, uint32_t b)
-{
-    return a < b ? b : a;
-}
-uint32_t middle(uint32_t a, uint32_t b, uint32_t c)
-{
-    return larger(smaller(a, b), smaller(larger(a, b), c));
-}
+struct Median {
+    static constexpr auto row = median3x3Row<uint8_t>;
+    static uint8_t pixel(const Triple& a, const Triple& b, const Triple& c)
+    {
+        const Triple p = sorted(a), q = sorted(b), r = sorted(c);
+        return static_cast<uint8_t>(middle(larger(larger(p.before, q.before), r.before),
+                                           middle(p.centre, q.centre, r.centre),
+                                           smaller(smaller(p.after, q.after), r.after)));
+    }
 
-Triple sorted(const Triple& t)
-{
-    return {smaller(smaller(t.before, t.centre), t.after), middle(t.before, t.centre, t.after),
-            larger(larger(t.before, t.centre), t.after)};
-}
-
-uint8_t median(const Triple& outside, const Triple& edge, const Triple& inside)
-{
-    const Triple a = sorted(outside), b = sorted(edge), c = sorted(inside);
-    return static_cast<uint8_t>(middle(larger(larger(a.before, b.before), c.before),
-                                       middle(a.centre, b.centre, c.centre),
-                                       smaller(smaller(a.after, b.after), c.after)));
-}
-
-using Filter3x3 = uint8_t(const Triple&, const Triple&, const Triple&);
+private:
+    static Triple sorted(const Triple& t)
+    {
+        return {smaller(smaller(t.before, t.centre), t.after), middle(t.before, t.centre, t.after),
+                larger(larger(t.before, t.centre), t.after)};
+    }
+};
 
 // How an image goes on beyond its edges.
 struct Outside {
     bool replicate;
-    uint32_t value;
+    uint8_t value;
 
-    uint32_t operator()(uint32_t nearest) const { return replicate ? nearest : value; }
+    uint8_t operator()(uint8_t nearest) const { return replicate ? nearest : value; }
 };
 
-// A line of pixels: `at(i)` for -1 <= i <= count, where the two ends may be outside the image.
-struct Line {
-    const uint8_t* first;
-    ptrdiff_t step;
-    uint32_t count;
-    bool beginsAtEdge, endsAtEdge;
-
-    uint32_t before(const Outside& outside) const { return beginsAtEdge ? outside(first[0]) : first[-step]; }
-    uint32_t after(const Outside& outside, uint32_t i) const
-    {
-        return i + 1 == count && endsAtEdge ? outside(first[step * static_cast<ptrdiff_t>(i)])
-                                            : first[step * (static_cast<ptrdiff_t>(i) + 1)];
-    }
-};
-
-// Filters the pixels of a line along an edge. `inward` leads from it to the neighbouring line inside the image.
-template <Filter3x3* filter>
-void filterLine(const Line& edge, ptrdiff_t inward, const Outside& outside, uint8_t* dst, ptrdiff_t dstStep)
+// The top or bottom row of an image that is at least two pixels wide: chunks of the three rows of its windows are
+// put together, then filtered as rows of the interior are.
+template <class Filter>
+void filterEdgeRow(const uint8_t* edge, const uint8_t* inside, uint32_t width, const Outside& outside,
+                   uint8_t* dst)
 {
-    Line inside = edge;
-    inside.first += inward;
-    Triple e = {0, edge.before(outside), edge.first[0]};
-    Triple n = {0, inside.before(outside), inside.first[0]};
-    for (uint32_t i = 0; i < edge.count; ++i, dst += dstStep) {
-        e = {e.centre, e.after, edge.after(outside, i)};
-        n = {n.centre, n.after, inside.after(outside, i)};
-        const Triple o = {outside(e.before), outside(e.centre), outside(e.after)};
-        *dst = filter(o, e, n);
+    uint8_t lines[3][kChunk + 2];
+    for (uint32_t x0 = 0, count; x0 < width; x0 += count) {
+        count = chunkOf(width - x0);
+        const bool first = x0 == 0, last = x0 + count == width;
+        const auto copy = [&](uint8_t* line, const uint8_t* row) {
+            const uint32_t from = first ? 1 : 0, to = last ? count + 1 : count + 2;
+            memcpy(line + from, row + x0 + from - 1, to - from);
+            if (first) line[0] = outside(row[0]);
+            if (last) line[count + 1] = outside(row[width - 1]);
+        };
+        copy(lines[1], edge);
+        copy(lines[2], inside);
+        if (outside.replicate) {
+            memcpy(lines[0], lines[1], count + 2);
+        } else {
+            memset(lines[0], outside.value, count + 2);
+        }
+        Filter::row(lines[0] + 1, lines[1] + 1, lines[2] + 1, dst + x0, count);
     }
 }
 
-// Images that are one pixel wide or high have no inner neighbours: every window is put together pixel by pixel.
-template <Filter3x3* filter>
+// `count` pixels of the left or right column, corners excluded. `inward` leads to the next column.
+template <class Filter>
+void filterEdgeColumn(const uint8_t* edge, ptrdiff_t stride, ptrdiff_t inward, uint32_t count,
+                      const Outside& outside, uint8_t* dst, ptrdiff_t dstStride)
+{
+    Triple e = {0, edge[-stride], edge[0]};
+    Triple n = {0, edge[inward - stride], edge[inward]};
+    for (uint32_t i = 0; i < count; ++i, edge += stride, dst += dstStride) {
+        e = {e.centre, e.after, edge[stride]};
+        n = {n.centre, n.after, edge[stride + inward]};
+        const Triple o = outside.replicate ? e : Triple{outside.value, outside.value, outside.value};
+        *dst = Filter::pixel(o, e, n);
+    }
+}
+
+// Images that are one pixel wide or high: every window is put together pixel by pixel.
+template <class Filter>
 void filterThin(const Plane<uint8_t>& plane, const Outside& outside)
 {
-    const auto pixel = [&](int64_t x, int64_t y) {
+    const auto pixel = [&](int64_t x, int64_t y) -> uint16_t {
         const int64_t w = plane.width, h = plane.height;
         const bool in = x >= 0 && x < w && y >= 0 && y < h;
         const int64_t nx = x < 0 ? 0 : x < w ? x : w - 1, ny = y < 0 ? 0 : y < h ? y : h - 1;
-        const uint32_t nearest = rowOf(plane.src, plane.srcStride, static_cast<size_t>(ny))[nx];
+        const uint8_t nearest = rowOf(plane.src, plane.srcStride, static_cast<size_t>(ny))[nx];
         return in ? nearest : outside(nearest);
     };
     const auto triple = [&](int64_t x, int64_t y) {
@@ -275,46 +301,45 @@ void filterThin(const Plane<uint8_t>& plane, const Outside& outside)
     for (uint32_t y = 0; y < plane.height; ++y) {
         for (uint32_t x = 0; x < plane.width; ++x) {
             rowOf(plane.dst, plane.dstStride, y)[x] =
-                filter(triple(x, int64_t{y} - 1), triple(x, y), triple(x, int64_t{y} + 1));
+                Filter::pixel(triple(x, int64_t{y} - 1), triple(x, y), triple(x, int64_t{y} + 1));
         }
     }
 }
 
-template <Filter3x3* filter>
+template <class Filter>
 void filterFrame(const Plane<uint8_t>& plane, const Outside& outside)
 {
     const uint32_t w = plane.width, h = plane.height;
-    if (w < 2 || h < 2) return filterThin<filter>(plane, outside);
+    if (w < 2 || h < 2) return filterThin<Filter>(plane, outside);
 
-    const ptrdiff_t stride = static_cast<ptrdiff_t>(plane.srcStride),
-                    dstStride = static_cast<ptrdiff_t>(plane.dstStride);
-    const uint8_t* const bottom = rowOf(plane.src, plane.srcStride, h - 1);
-    filterLine<filter>({plane.src, 1, w, true, true}, stride, outside, plane.dst, 1);
-    filterLine<filter>({bottom, 1, w, true, true}, -stride, outside, rowOf(plane.dst, plane.dstStride, h - 1), 1);
-
-    // The columns between the corners.
-    const uint8_t* const src = plane.src + stride;
-    uint8_t* const dst = plane.dst + dstStride;
+    const auto row = [&](uint32_t y) { return rowOf(plane.src, plane.srcStride, y); };
+    filterEdgeRow<Filter>(row(0), row(1), w, outside, plane.dst);
+    filterEdgeRow<Filter>(row(h - 1), row(h - 2), w, outside, rowOf(plane.dst, plane.dstStride, h - 1));
     if (h == 2) return;
-    filterLine<filter>({src, stride, h - 2, false, false}, 1, outside, dst, dstStride);
-    filterLine<filter>({src + w - 1, stride, h - 2, false, false}, -1, outside, dst + w - 1, dstStride);
+
+    const ptrdiff_t stride = static_cast<ptrdiff_t>(plane.srcStride);
+    const ptrdiff_t dstStride = static_cast<ptrdiff_t>(plane.dstStride);
+    uint8_t* const dst = rowOf(plane.dst, plane.dstStride, 1);
+    filterEdgeColumn<Filter>(row(1), stride, 1, h - 2, outside, dst, dstStride);
+    filterEdgeColumn<Filter>(row(1) + w - 1, stride, -1, h - 2, outside, dst + w - 1, dstStride);
 }
 
 } // namespace
 
 void gaussian3x3Border(const Plane<uint8_t>& plane, odxBorderType type, uint32_t value)
 {
-    filterFrame<gaussian>(plane, {type == ONDRIX_BORDER_REPLICATE, value & 0xFF});
+    filterFrame<Gaussian>(plane, {type == ONDRIX_BORDER_REPLICATE, static_cast<uint8_t>(value)});
 }
 
 void box3x3Border(const Plane<uint8_t>& plane, odxBorderType type, uint32_t value)
 {
-    filterFrame<box>(plane, {type == ONDRIX_BORDER_REPLICATE, type == ONDRIX_BORDER_CONSTANT ? value & 0xFF : 0});
+    const uint8_t constant = type == ONDRIX_BORDER_CONSTANT ? static_cast<uint8_t>(value) : 0;
+    filterFrame<Box>(plane, {type == ONDRIX_BORDER_REPLICATE, constant});
 }
 
 void median3x3Border(const Plane<uint8_t>& plane, odxBorderType type, uint32_t value)
 {
-    filterFrame<median>(plane, {type == ONDRIX_BORDER_REPLICATE, value & 0xFF});
+    filterFrame<Median>(plane, {type == ONDRIX_BORDER_REPLICATE, static_cast<uint8_t>(value)});
 }
 
 } // namespace odx::blur

@@ -1,7 +1,7 @@
 #include "cpu/ondrixBlurC.h"
 
 #include "cpu/image.h"
-#include "cpu/ondrixBlur.h"
+#include "cpu/ondrixBlurRows.h"
 #include "frame/log.h"
 #include "frame/scratch.h"
 
@@ -15,84 +15,24 @@ using namespace odx::blur;
 namespace
 {
 
-// ---- 3x3 filters: one output row from its three source rows, both pointing at the first output's column ----
+// ---- 3x3 filters ----
 
-void gaussian3x3Row(const uint8_t* __restrict above, const uint8_t* __restrict here,
-                    const uint8_t* __restrict below, uint8_t* __restrict out, uint32_t count)
-{
-    for (uint32_t x = 0; x < count; ++x) {
-        const ptrdiff_t l = static_cast<ptrdiff_t>(x) - 1, r = l + 2;
-        const int left = above[l] + 2 * here[l] + below[l];
-        const int centre = above[x] + 2 * here[x] + below[x];
-        const int right = above[r] + 2 * here[r] + below[r];
-        out[x] = static_cast<uint8_t>((left + 2 * centre + right) >> 4);
-    }
-}
+template <class T>
+using Row3x3 = void(const T*, const T*, const T*, T*, uint32_t);
 
-void box3x3Row(const uint8_t* __restrict above, const uint8_t* __restrict here, const uint8_t* __restrict below,
-               uint8_t* __restrict out, uint32_t count)
-{
-    for (uint32_t x = 0; x < count; ++x) {
-        const ptrdiff_t l = static_cast<ptrdiff_t>(x) - 1, r = l + 2;
-        const int sum =
-            above[l] + above[x] + above[r] + here[l] + here[x] + here[r] + below[l] + below[x] + below[r];
-        out[x] = boxMean(static_cast<uint32_t>(sum), kBox3Reciprocal);
-    }
-}
-
-uint8_t smaller(uint8_t a, uint8_t b)
-{
-    return a < b ? a : b;
-}
-uint8_t larger(uint8_t a, uint8_t b)
-{
-    return a < b ? b : a;
-}
-uint8_t middle(uint8_t a, uint8_t b, uint8_t c)
-{
-    return larger(smaller(a, b), smaller(larger(a, b), c));
-}
-
-// The median of nine is the median of: the largest of the columns' minima, the median of their medians, and the
-// smallest of their maxima.
-void median3x3Row(const uint8_t* __restrict above, const uint8_t* __restrict here, const uint8_t* __restrict below,
-                  uint8_t* __restrict out, uint32_t count)
-{
-    for (uint32_t x = 0; x < count; ++x) {
-        uint8_t low[3], mid[3], high[3];
-        for (int i = 0; i < 3; ++i) {
-            const ptrdiff_t c = static_cast<ptrdiff_t>(x) + i - 1;
-            const uint8_t lesser = smaller(above[c], here[c]), greater = larger(above[c], here[c]);
-            low[i] = smaller(lesser, below[c]);
-            mid[i] = larger(lesser, smaller(greater, below[c]));
-            high[i] = larger(greater, below[c]);
-        }
-        out[x] = middle(larger(larger(low[0], low[1]), low[2]), middle(mid[0], mid[1], mid[2]),
-                        smaller(smaller(high[0], high[1]), high[2]));
-    }
-}
-
-using Row3x3 = void(const uint8_t*, const uint8_t*, const uint8_t*, uint8_t*, uint32_t);
-
-void interior3x3(const Plane<uint8_t>& plane, Row3x3* filter)
+template <class T>
+void interior3x3(const Plane<T>& plane, Row3x3<T>* filter)
 {
     const uint32_t width = plane.interiorWidth(3), height = plane.interiorHeight(3);
     if (width == 0) return;
     for (uint32_t y = 0; y < height; ++y) {
-        const uint8_t* const above = rowOf(plane.src, plane.srcStride, y) + 1;
+        const T* const above = rowOf(plane.src, plane.srcStride, y) + 1;
         filter(above, rowOf(above, plane.srcStride, 1), rowOf(above, plane.srcStride, 2),
                rowOf(plane.dst, plane.dstStride, y + 1) + 1, width);
     }
 }
 
 // ---- 5x5 and 11x11 Gaussians: vertical sums of a chunk of columns, then horizontal sums of those ----
-
-constexpr uint32_t kChunk = 256; // output columns; the vertical sums live on the stack
-
-uint32_t chunk(uint32_t rest)
-{
-    return rest < kChunk ? rest : kChunk;
-}
 
 template <class T>
 void gaussian5x5Interior(const Plane<T>& plane)
@@ -102,7 +42,7 @@ void gaussian5x5Interior(const Plane<T>& plane)
     for (uint32_t y = 0; y < height; ++y) {
         T* const out = rowOf(plane.dst, plane.dstStride, y + 2) + 2;
         for (uint32_t x0 = 0, count; x0 < width; x0 += count) {
-            count = chunk(width - x0);
+            count = chunkOf(width - x0);
             // Sums of bytes fit 16 bits: 256 x 255. Sums of wider pixels are modulo 2^32.
             using Sum = std::conditional_t<sizeof(T) == 1, uint16_t, uint32_t>;
             Sum column[kChunk + 4];
@@ -126,6 +66,23 @@ void gaussian5x5Interior(const Plane<T>& plane)
     }
 }
 
+// The weights 1 10 45 120 210 252 210 ... in 16-bit products as far as they fit: 56 x 510, 120 x 510, 105 x 510
+// (whose sum counts twice) and 252 x 255.
+void gaussian11Column(const uint8_t* src, size_t stride, uint32_t* __restrict column, uint32_t count)
+{
+    const uint8_t* row[11];
+    for (uint32_t k = 0; k < 11; ++k)
+        row[k] = rowOf(src, stride, k);
+    for (uint32_t x = 0; x < count; ++x) {
+        const uint16_t outer = static_cast<uint16_t>(row[0][x] + row[10][x] + 10 * (row[1][x] + row[9][x]) +
+                                                     45 * (row[2][x] + row[8][x]));
+        const uint16_t middle = static_cast<uint16_t>(120 * (row[3][x] + row[7][x]));
+        const uint16_t inner = static_cast<uint16_t>(105 * (row[4][x] + row[6][x]));
+        const uint16_t centre = static_cast<uint16_t>(252 * row[5][x]);
+        column[x] = uint32_t{outer} + middle + 2 * uint32_t{inner} + centre;
+    }
+}
+
 void gaussian11x11Interior(const Plane<uint8_t>& plane)
 {
     const uint32_t width = plane.interiorWidth(11), height = plane.interiorHeight(11);
@@ -133,21 +90,16 @@ void gaussian11x11Interior(const Plane<uint8_t>& plane)
     for (uint32_t y = 0; y < height; ++y) {
         uint8_t* const out = rowOf(plane.dst, plane.dstStride, y + 5) + 5;
         for (uint32_t x0 = 0, count; x0 < width; x0 += count) {
-            count = chunk(width - x0);
-            uint32_t column[kChunk + 10];
-            const uint8_t* row[11];
-            for (uint32_t k = 0; k < 11; ++k)
-                row[k] = rowOf(plane.src, plane.srcStride, y + k) + x0;
-            for (uint32_t x = 0; x < count + 10; ++x) {
-                column[x] = row[0][x] + row[10][x] + 10u * (row[1][x] + row[9][x]) +
-                            45u * (row[2][x] + row[8][x]) + 120u * (row[3][x] + row[7][x]) +
-                            210u * (row[4][x] + row[6][x]) + 252u * row[5][x];
+            count = chunkOf(width - x0);
+            uint32_t sums[kChunk + 10];
+            gaussian11Column(rowOf(plane.src, plane.srcStride, y) + x0, plane.srcStride, sums, count + 10);
+            // The binomial kernel of order 10 is (1 2 1) five times over.
+            for (uint32_t rest = 8; rest > 0; rest -= 2) {
+                for (uint32_t x = 0; x < count + rest; ++x)
+                    sums[x] += 2 * sums[x + 1] + sums[x + 2];
             }
             for (uint32_t x = 0; x < count; ++x) {
-                const uint32_t* const c = column + x;
-                const uint32_t sum = c[0] + c[10] + 10 * (c[1] + c[9]) + 45 * (c[2] + c[8]) + 120 * (c[3] + c[7]) +
-                                     210 * (c[4] + c[6]) + 252 * c[5];
-                out[x0 + x] = static_cast<uint8_t>(sum >> 20);
+                out[x0 + x] = static_cast<uint8_t>((sums[x] + 2 * sums[x + 1] + sums[x + 2]) >> 20);
             }
         }
     }
@@ -159,7 +111,7 @@ void gaussian11x11Interior(const Plane<uint8_t>& plane)
 // enters and subtracts the one that leaves. Rows and columns outside the image count as 0. Sums fit 16 bits: 121 x
 // 255.
 template <uint32_t K>
-void boxStrip(const Plane<uint8_t>& plane, uint32_t x0, uint32_t count, uint32_t reciprocal)
+void boxStrip(const Plane<uint8_t>& plane, uint32_t x0, uint32_t count, uint16_t reciprocal)
 {
     constexpr uint32_t r = K / 2;
     const uint32_t left = x0 < r ? 0 : x0 - r;
@@ -187,21 +139,38 @@ void boxStrip(const Plane<uint8_t>& plane, uint32_t x0, uint32_t count, uint32_t
             uint16_t sum = 0;
             for (uint32_t k = 0; k < K; ++k)
                 sum = static_cast<uint16_t>(sum + columns[x + k]);
-            out[x] = boxMean(sum, reciprocal);
+            out[x] = boxMean16(sum, reciprocal);
         }
     }
 }
 
 template <uint32_t K>
-void boxFilter(const Plane<uint8_t>& plane, uint32_t reciprocal)
+void boxFilter(const Plane<uint8_t>& plane, uint16_t reciprocal)
 {
     for (uint32_t x = 0, count; x < plane.width; x += count) {
-        count = chunk(plane.width - x);
+        count = chunkOf(plane.width - x);
         boxStrip<K>(plane, x, count, reciprocal);
     }
 }
 
 // ---- median of any size ----
+
+// Copies the border of a filter M wide and N high from the source.
+void copyFrame(const Plane<int16_t>& plane, uint32_t M, uint32_t N)
+{
+    const uint32_t left = M / 2, top = N / 2;
+    for (uint32_t y = 0; y < plane.height; ++y) {
+        const int16_t* const row = rowOf(plane.src, plane.srcStride, y);
+        int16_t* const out = rowOf(plane.dst, plane.dstStride, y);
+        if (y < top || plane.height - y <= top || plane.width < M) {
+            memcpy(out, row, sizeof(int16_t) * plane.width);
+        } else {
+            const uint32_t right = plane.width - left;
+            memcpy(out, row, sizeof(int16_t) * left);
+            memcpy(out + right, row + right, sizeof(int16_t) * left);
+        }
+    }
+}
 
 void swap(int16_t& a, int16_t& b)
 {
@@ -343,23 +312,22 @@ void odxBoxFilterNxNf32C(const float* src, unsigned int srcWidth, unsigned int s
     // The window of output i covers [i - before, i + after], clipped to the image.
     const uint32_t before = N / 2, after = N - N / 2 - 1;
 
-    for (uint32_t y = 0; y < srcHeight; ++y) {
-        const float* const row = rowOf(src, srcStride, y);
-        float* const out = rows.get() + static_cast<size_t>(srcWidth) * y;
-        float sum = 0;
-        for (uint32_t x = 0; x < after && x < srcWidth; ++x)
-            sum += row[x];
-        for (uint32_t x = 0; x < srcWidth; ++x) {
-            if (srcWidth - x > after) sum += row[x + after];
-            if (x > before) sum -= row[x - before - 1];
-            out[x] = sum;
+    for (uint32_t y = 0; y < srcHeight; y += kBoxRows) {
+        const uint32_t last = srcHeight - y < kBoxRows ? srcHeight - 1 : y + kBoxRows - 1;
+        const float* in[kBoxRows];
+        float* out[kBoxRows];
+        for (uint32_t i = 0; i < kBoxRows; ++i) {
+            const uint32_t row = y + i < last ? y + i : last; // the last row may come more than once
+            in[i] = rowOf(src, srcStride, row);
+            out[i] = rows.get() + size_t{srcWidth} * row;
         }
+        boxRowSums(in, out, srcWidth, before, after);
     }
 
     const float reciprocal = 1.0f / (static_cast<float>(N) * static_cast<float>(N));
     float sums[kChunk];
     for (uint32_t x0 = 0, count; x0 < srcWidth; x0 += count) {
-        count = chunk(srcWidth - x0);
+        count = chunkOf(srcWidth - x0);
         const auto sourceRow = [&](uint32_t y) { return rows.get() + static_cast<size_t>(srcWidth) * y + x0; };
         memset(sums, 0, sizeof sums);
         const auto enter = [&](const float* row) {
@@ -385,7 +353,7 @@ void odxBoxFilterNxNf32C(const float* src, unsigned int srcWidth, unsigned int s
 void odxFilterMedian3x3u8C(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
                            unsigned int srcStride, uint8_t* dst, unsigned int dstStride)
 {
-    interior3x3({src, srcWidth, srcHeight, srcStride, dst, dstStride}, median3x3Row);
+    interior3x3<uint8_t>({src, srcWidth, srcHeight, srcStride, dst, dstStride}, median3x3Row<uint8_t>);
 }
 
 odxStatus odxFilterMedian3x3u8_v3C(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
@@ -393,7 +361,7 @@ odxStatus odxFilterMedian3x3u8_v3C(const uint8_t* src, unsigned int srcWidth, un
                                    odxBorderType borderType, uint32_t borderValue)
 {
     const Plane<uint8_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
-    interior3x3(plane, median3x3Row);
+    interior3x3(plane, median3x3Row<uint8_t>);
     if (borderType != ONDRIX_BORDER_UNDEFINED) median3x3Border(plane, borderType, borderValue);
     return ONDRIX_SUCCESS;
 }
@@ -405,23 +373,20 @@ odxStatus odxFilterMedianMxNs16C(const int16_t* src, unsigned int srcWidth, unsi
     const uint64_t area = static_cast<uint64_t>(M) * N;
     const Scratch<int16_t> window(area, 16);
     if (!window) return ONDRIX_NO_MEMORY;
-    const uint32_t count = static_cast<uint32_t>(area);
 
-    const uint32_t left = M / 2, top = N / 2;
-    const size_t rowBytes = sizeof(int16_t) * static_cast<size_t>(srcWidth);
-    for (uint32_t y = 0; y < srcHeight; ++y) {
-        const int16_t* const row = rowOf(src, srcStride, y);
-        int16_t* const out = rowOf(dst, dstStride, y);
-        if (y < top || srcHeight - y <= top || srcWidth < M) {
-            memcpy(out, row, rowBytes);
-            continue;
-        }
-        memcpy(out, row, sizeof(int16_t) * left);
-        memcpy(out + srcWidth - left, row + srcWidth - left, sizeof(int16_t) * left);
-        for (uint32_t x = left; x < srcWidth - left; ++x) {
+    const Plane<int16_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
+    copyFrame(plane, M, N);
+    if (M == 3 && N == 3) {
+        interior3x3(plane, median3x3Row<int16_t>);
+        return ONDRIX_SUCCESS;
+    }
+    const uint32_t count = static_cast<uint32_t>(area);
+    const uint32_t width = plane.interiorWidth(M), height = plane.interiorHeight(N);
+    for (uint32_t y = 0; y < height; ++y) {
+        int16_t* const out = rowOf(dst, dstStride, y + N / 2) + M / 2;
+        for (uint32_t x = 0; x < width; ++x) {
             for (uint32_t i = 0; i < N; ++i) {
-                memcpy(window.get() + static_cast<size_t>(M) * i, rowOf(src, srcStride, y - top + i) + x - left,
-                       sizeof(int16_t) * M);
+                memcpy(window.get() + size_t{M} * i, rowOf(src, srcStride, y + i) + x, sizeof(int16_t) * M);
             }
             out[x] = selectRank(window.get(), count, (count - 1) / 2);
         }

@@ -2,8 +2,8 @@
 // that what neighbouring output rows share stays in registers. Borders are the reference's own code, as are images
 // that are narrower than a vector.
 #include "cpu/image.h"
-#include "cpu/ondrixBlur.h"
 #include "cpu/ondrixBlurC.h"
+#include "cpu/ondrixBlurRows.h"
 #include "frame/log.h"
 #include "frame/scratch.h"
 #include "orlan/simd/simd.h"
@@ -34,15 +34,22 @@ ODX_BLUR(odxFilterMedian3x3u8_v3);
 // little, few enough that the rows of a block stay in the first-level cache.
 constexpr uint32_t kBlockRows = 16;
 
-// Covers width x height outputs with strips of `lanes` columns: strip(x, y, rows). The last strip of a row
-// overlaps the one before it, so width must be at least `lanes`.
-template <class Strip>
-ODX_INLINE void forStrips(uint32_t width, uint32_t height, uint32_t lanes, uint32_t blockRows, Strip strip)
+// Covers width x height outputs with strips of `lanes` columns: strip(x, y, rows). The first and the last strip of
+// a block overlap their neighbours, so that the others store to whole cache lines where the rows allow it; width
+// must be at least `lanes`.
+template <class T, class Strip>
+ODX_INLINE void forStrips(const T* dst, uint32_t width, uint32_t height, uint32_t blockRows, Strip strip)
 {
+    constexpr uint32_t lanes = kBytes / sizeof(T);
+    const uint32_t aligned = (uint32_t)(-(uintptr_t)dst % kBytes / sizeof(T));
     for (uint32_t y = 0, rows; y < height; y += rows) {
         rows = height - y < blockRows ? height - y : blockRows;
         uint32_t x = 0;
-        for (; width - x >= lanes; x += lanes)
+        if (aligned != 0) {
+            strip(x, y, rows);
+            x = aligned;
+        }
+        for (; x < width && width - x >= lanes; x += lanes)
             strip(x, y, rows);
         if (x < width) strip(width - lanes, y, rows);
     }
@@ -55,18 +62,20 @@ template <class Filter, class T>
 ODX_INLINE void filterInterior(const Plane<T>& plane)
 {
     constexpr uint32_t r = Filter::K / 2;
-    forStrips(plane.interiorWidth(Filter::K), plane.interiorHeight(Filter::K), kBytes / sizeof(T), kBlockRows,
+    T* const dst = rowOf(plane.dst, plane.dstStride, r) + r;
+    const size_t srcStride = plane.srcStride, dstStride = plane.dstStride;
+    forStrips(dst, plane.interiorWidth(Filter::K), plane.interiorHeight(Filter::K), kBlockRows,
               [&](uint32_t x, uint32_t y, uint32_t rows) {
-                  const T* in = rowOf(plane.src, plane.srcStride, y) + x;
-                  T* out = rowOf(plane.dst, plane.dstStride, y + r) + r + x;
+                  const T* in = rowOf(plane.src, srcStride, y) + x;
+                  T* out = rowOf(dst, dstStride, y) + x;
                   Filter filter;
-                  for (uint32_t i = 0; i < Filter::K - 1; ++i, in = rowOf(in, plane.srcStride, 1))
+                  for (uint32_t i = 0; i < Filter::K - 1; ++i, in = rowOf(in, srcStride, 1))
                       filter.push(in);
                   for (uint32_t i = 0; i < rows; ++i) {
                       filter.push(in);
                       store(out, filter.output());
-                      in = rowOf(in, plane.srcStride, 1);
-                      out = rowOf(out, plane.dstStride, 1);
+                      in = rowOf(in, srcStride, 1);
+                      out = rowOf(out, dstStride, 1);
                   }
               });
 }
@@ -197,10 +206,68 @@ void odxFilterGaussian5x5s32V(const int32_t* src, unsigned int srcWidth, unsigne
     gaussian5x5<Gaussian5x5s32>(plane, border, odxFilterGaussian5x5s32C);
 }
 
+// The 11x11 kernel: first 8 of its 10 vertical steps, as the weights 1 8 28 56 70 56 28 8 1 on bytes, whose sums
+// just fit 16 bits; then all horizontal steps, in 32 bits; then the last 2 vertical steps. The 16-bit sums are
+// kept less 32768, so that they multiply as signed numbers; the weights turn that into 2^27, which is added back.
+constexpr uint32_t kTile = 256; // outputs
+
+// 16-bit sums of nine rows, less 32768. `count` is at least a half vector; the last one overlaps.
+ODX_INLINE void gaussian11Columns(const uint8_t* src, size_t stride, int16_t* sums, uint32_t count)
+{
+    constexpr uint32_t lanes = kBytes / 2;
+    for (uint32_t x = 0;; x += lanes) {
+        if (count - x < lanes) x = count - lanes;
+        const uint8_t* p = src + x;
+        const auto row = [&](size_t k) { return loadWiden(p + stride * k); };
+        const u16v sum = row(0) + row(8) + 8 * (row(1) + row(7)) + 28 * (row(2) + row(6)) +
+                         56 * (row(3) + row(5)) + 70 * row(4);
+        store(sums + x, sum ^ 0x8000);
+        if (x + lanes == count) return;
+    }
+}
+
+ODX_INLINE s32p gaussian11Row(const int16_t* sums)
+{
+    return dot2<1, 10>(sums) + dot2<45, 120>(sums + 2) + dot2<210, 252>(sums + 4) + dot2<210, 120>(sums + 6) +
+           dot2<45, 10>(sums + 8) + split(load<s16v>(sums + 10));
+}
+
+ODX_INLINE void gaussian11Tile(const uint8_t* src, size_t srcStride, uint8_t* dst, size_t dstStride,
+                               uint32_t width, uint32_t height)
+{
+    constexpr uint32_t lanes = kBytes / 2;
+    int16_t sums[kTile + 10 + kBytes] = {};
+    BinomialColumn<s32p, 2> columns[kTile / lanes] = {};
+    uint8_t line[kTile];
+    for (uint32_t y = 0; y < height + 2; ++y, src += srcStride) {
+        gaussian11Columns(src, srcStride, sums, width + 10);
+        for (uint32_t x = 0; x < width; x += lanes) {
+            BinomialColumn<s32p, 2>& column = columns[x / lanes];
+            column.push(gaussian11Row(sums + x));
+            const s32p sum = {column.result.a + (1 << 27), column.result.b + (1 << 27)};
+            storeNarrow(line + x, (u16v)joinShifted<20>(sum));
+        }
+        if (y >= 2) {
+            memcpy(dst, line, width);
+            dst += dstStride;
+        }
+    }
+}
+
 void odxFilterGaussian11x11u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
                                unsigned int srcStride, uint8_t* dst, unsigned int dstStride, int border)
 {
-    odxFilterGaussian11x11u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride, border);
+    const Plane<uint8_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
+    const uint32_t width = plane.interiorWidth(11), height = plane.interiorHeight(11);
+    if (width < kBytes / 2) {
+        return odxFilterGaussian11x11u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride, border);
+    }
+    uint8_t* const first = rowOf(dst, dstStride, 5) + 5;
+    for (uint32_t x = 0, count; x < width; x += count) {
+        count = width - x < kTile ? width - x : kTile;
+        gaussian11Tile(src + x, srcStride, first + x, dstStride, count, height);
+    }
+    if (border == 1) blur::binomialBorder<11>(plane);
 }
 
 // ---- means ----
@@ -304,7 +371,7 @@ ODX_INLINE void boxStrip(const Plane<uint8_t>& plane, uint32_t x, uint32_t y0, u
 template <uint32_t K>
 ODX_INLINE void boxFilter(const Plane<uint8_t>& plane)
 {
-    forStrips(plane.width, plane.height, kBytes, 4 * kBlockRows,
+    forStrips(plane.dst, plane.width, plane.height, 4 * kBlockRows,
               [&](uint32_t x, uint32_t y, uint32_t rows) { boxStrip<K>(plane, x, y, rows); });
 }
 
@@ -322,10 +389,85 @@ void odxBoxFilter11x11u8V(const uint8_t* src, unsigned int srcWidth, unsigned in
     boxFilter<11>({src, srcWidth, srcHeight, srcStride, dst, dstStride});
 }
 
+// One output row: sums += entering - leaving where there are such rows, out = sums * reciprocal.
+template <bool enters, bool leaves>
+ODX_INLINE void boxOutputRow(float* sums, const float* entering, const float* leaving, float* out, uint32_t width,
+                             float reciprocal)
+{
+    constexpr uint32_t lanes = kBytes / sizeof(float);
+    uint32_t x = 0;
+    for (; width - x >= lanes; x += lanes) {
+        f32v sum = load<f32v>(sums + x);
+        if (enters) sum += load<f32v>(entering + x);
+        if (leaves) sum -= load<f32v>(leaving + x);
+        store(sums + x, sum);
+        store(out + x, sum * reciprocal);
+    }
+    for (; x < width; ++x) {
+        if (enters) sums[x] += entering[x];
+        if (leaves) sums[x] -= leaving[x];
+        out[x] = sums[x] * reciprocal;
+    }
+}
+
+// The reference keeps the row sums of the whole image. Here a ring of rows does, which stays in the cache: row
+// sums are needed from the time that they enter a window until they leave it.
 void odxBoxFilterNxNf32V(const float* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride,
                          unsigned int N, float* dst, unsigned int dstStride)
 {
-    odxBoxFilterNxNf32C(src, srcWidth, srcHeight, srcStride, N, dst, dstStride);
+    constexpr uint32_t batch = blur::kBoxRows;
+    // Vectors round denormal sums to zero on some processors, which the reference does not.
+    const uint64_t ringRows = uint64_t{N} + batch;
+    if (kFlushesDenormals || ringRows >= srcHeight) {
+        return odxBoxFilterNxNf32C(src, srcWidth, srcHeight, srcStride, N, dst, dstStride);
+    }
+    const Scratch<float> memory((ringRows + 1) * srcWidth);
+    if (!memory) {
+        ODX_LOG(Error, "Error - can not allocate scratch buffer for %s", "odxBoxFilterNxNf32C");
+        return;
+    }
+    float* const sums = memory.get();
+    memset(sums, 0, sizeof(float) * srcWidth);
+    const auto ring = [&](uint32_t y) { return sums + srcWidth * (1 + size_t{y} % ringRows); };
+    const uint32_t before = N / 2, after = N - N / 2 - 1;
+    const float reciprocal = 1.0f / (static_cast<float>(N) * static_cast<float>(N));
+
+    uint32_t summed = 0; // rows whose sums are in the ring
+    const auto sumRows = [&](uint32_t upTo) {
+        while (summed <= upTo && summed < srcHeight) {
+            const float* in[batch];
+            float* out[batch];
+            for (uint32_t i = 0; i < batch; ++i) {
+                const uint32_t row = srcHeight - summed > i ? summed + i : srcHeight - 1;
+                in[i] = rowOf(src, srcStride, row);
+                out[i] = ring(row);
+            }
+            blur::boxRowSums(in, out, srcWidth, before, after);
+            summed = srcHeight - summed > batch ? summed + batch : srcHeight;
+        }
+    };
+    for (uint32_t y = 0; y < after; ++y) {
+        sumRows(y);
+        const float* const entering = ring(y);
+        for (uint32_t x = 0; x < srcWidth; ++x)
+            sums[x] += entering[x];
+    }
+    for (uint32_t y = 0; y < srcHeight; ++y) {
+        const bool enters = srcHeight - y > after, leaves = y > before;
+        if (enters) sumRows(y + after);
+        const float* const entering = ring(y + after);
+        const float* const leaving = leaves ? ring(y - before - 1) : nullptr;
+        float* const out = rowOf(dst, dstStride, y);
+        if (enters && leaves) {
+            boxOutputRow<true, true>(sums, entering, leaving, out, srcWidth, reciprocal);
+        } else if (enters) {
+            boxOutputRow<true, false>(sums, entering, leaving, out, srcWidth, reciprocal);
+        } else if (leaves) {
+            boxOutputRow<false, true>(sums, entering, leaving, out, srcWidth, reciprocal);
+        } else {
+            boxOutputRow<false, false>(sums, entering, leaving, out, srcWidth, reciprocal);
+        }
+    }
 }
 
 // ---- medians ----

@@ -29,6 +29,11 @@ ODX_INLINE u16v loadWiden(const uint8_t* p)
     return (u16v)vmovl_u8(vld1_u8(p));
 }
 
+ODX_INLINE void storeNarrow(uint8_t* p, u16v v)
+{
+    vst1_u8(p, vmovn_u16((uint16x8_t)v));
+}
+
 // Pairs are the lower and the upper half.
 ODX_INLINE u16p split(u8v v)
 {
@@ -55,7 +60,7 @@ ODX_INLINE u8v joinShifted(const u16p& p)
 template <int n>
 ODX_INLINE s16v joinShifted(const s32p& p)
 {
-    return (s16v)vcombine_s16(vshrn_n_s32((int32x4_t)p.a, n), vshrn_n_s32((int32x4_t)p.b, n));
+    return (s16v)vcombine_s16(vmovn_s32((int32x4_t)(p.a >> n)), vmovn_s32((int32x4_t)(p.b >> n)));
 }
 
 template <int a, int b>

@@ -6,6 +6,7 @@
 //
 //   load<V>(p), store(p, v)      whole vectors, any alignment
 //   loadWiden(p)                 kBytes / 2 bytes as a u16v, in order
+//   storeNarrow(p, v)            the low bytes of a u16v whose lanes are below 256, in order
 //   min, max                     of u8v and s16v
 //   split(v), join(pair)         bytes to 16 bits (or signed 16 to 32) and back, as a pair in the target's own
 //   lane
@@ -38,6 +39,13 @@ namespace odx::ODX_TARGET::simd
 {
 
 constexpr uint32_t kBytes = ODX_VECTOR_BYTES;
+
+// 32-bit NEON rounds denormal floats to zero, which the scalar unit, and so the reference, does not.
+#if defined(__arm__)
+constexpr bool kFlushesDenormals = true;
+#else
+constexpr bool kFlushesDenormals = false;
+#endif
 
 #define ODX_VECTOR __attribute__((vector_size(ODX_VECTOR_BYTES)))
 typedef uint8_t u8v ODX_VECTOR;

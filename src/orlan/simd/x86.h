@@ -41,6 +41,16 @@ ODX_INLINE u16v loadWiden(const uint8_t* p)
 #endif
 }
 
+ODX_INLINE void storeNarrow(uint8_t* p, u16v v)
+{
+#if ODX_VECTOR_BYTES == 64
+    _mm256_storeu_si256((__m256i*)p, _mm512_cvtepi16_epi8((__m512i)v));
+#else
+    const __m256i packed = _mm256_permute4x64_epi64(_mm256_packus_epi16((__m256i)v, (__m256i)v), 0x08);
+    _mm_storeu_si128((__m128i*)p, _mm256_castsi256_si128(packed));
+#endif
+}
+
 // Pairs are the even and the odd lanes.
 ODX_INLINE u16p split(u8v v)
 {
@@ -66,8 +76,7 @@ ODX_INLINE u8v joinShifted(const u16p& p)
 template <int n>
 ODX_INLINE s16v joinShifted(const s32p& p)
 {
-    static_assert(n <= 16);
-    return (s16v)(((p.a >> n) & 0xFFFF) | (s32v)(((u32v)p.b << (16 - n)) & 0xFFFF0000u));
+    return (s16v)(((p.a >> n) & 0xFFFF) | (s32v)((u32v)(p.b >> n) << 16));
 }
 
 template <int a, int b>
