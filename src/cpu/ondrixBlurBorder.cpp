@@ -97,7 +97,7 @@ void binomialSpan(const Plane<T>& plane, uint32_t y, uint32_t x0, uint32_t x1)
     for (uint32_t k = vertical.begin; k < vertical.end; ++k) {
         const T* const row = rowOf(plane.src, plane.srcStride, vertical.first + (k - vertical.begin)) + left;
         const uint32_t weight = Binomial<K>::weight[k];
-        for (uint32_t x = 0; x < right - left; ++x)
+        for (size_t x = 0; x < right - left; ++x)
             column[x] += weight * static_cast<uint32_t>(row[x]);
     }
 
@@ -121,9 +121,9 @@ void binomialSpan(const Plane<T>& plane, uint32_t y, uint32_t x0, uint32_t x1)
     for (uint32_t x = x0; x < allFrom; ++x)
         some(x);
     const Quotient<K, T> divide(vertical.weight);
-    for (uint32_t x = allFrom; x < allTo; ++x) {
+    for (size_t x = allFrom; x < allTo; ++x) {
         uint32_t sum = 0;
-        for (uint32_t k = 0; k < K; ++k)
+        for (size_t k = 0; k < K; ++k)
             sum += Binomial<K>::weight[k] * column[x - r + k - left];
         out[x] = divide(sum);
     }
@@ -210,9 +210,9 @@ struct Box {
     static constexpr auto row = box3x3Row;
     static uint8_t pixel(const Triple& a, const Triple& b, const Triple& c)
     {
-        return boxMean16(static_cast<uint16_t>(a.before + a.centre + a.after + b.before + b.centre + b.after +
-                                               c.before + c.centre + c.after),
-                         kBox3Reciprocal);
+        return boxMean(static_cast<uint16_t>(a.before + a.centre + a.after + b.before + b.centre + b.after +
+                                             c.before + c.centre + c.after),
+                       kBox3Reciprocal);
     }
 };
 

@@ -51,12 +51,12 @@ void gaussian5x5Interior(const Plane<T>& plane)
             const T* const r2 = rowOf(r0, plane.srcStride, 2);
             const T* const r3 = rowOf(r0, plane.srcStride, 3);
             const T* const r4 = rowOf(r0, plane.srcStride, 4);
-            for (uint32_t x = 0; x < count + 4; ++x) {
+            for (size_t x = 0; x < count + 4; ++x) {
                 column[x] = static_cast<Sum>(static_cast<Sum>(r0[x]) + static_cast<Sum>(r4[x]) +
                                              4u * (static_cast<Sum>(r1[x]) + static_cast<Sum>(r3[x])) +
                                              6u * static_cast<Sum>(r2[x]));
             }
-            for (uint32_t x = 0; x < count; ++x) {
+            for (size_t x = 0; x < count; ++x) {
                 const Sum sum = static_cast<Sum>(column[x] + column[x + 4] + 4u * (column[x + 1] + column[x + 3]) +
                                                  6u * column[x + 2]);
                 using Signed = std::conditional_t<sizeof(T) == 1, uint16_t, int32_t>;
@@ -73,7 +73,7 @@ void gaussian11Column(const uint8_t* src, size_t stride, uint32_t* __restrict co
     const uint8_t* row[11];
     for (uint32_t k = 0; k < 11; ++k)
         row[k] = rowOf(src, stride, k);
-    for (uint32_t x = 0; x < count; ++x) {
+    for (size_t x = 0; x < count; ++x) {
         const uint16_t outer = static_cast<uint16_t>(row[0][x] + row[10][x] + 10 * (row[1][x] + row[9][x]) +
                                                      45 * (row[2][x] + row[8][x]));
         const uint16_t middle = static_cast<uint16_t>(120 * (row[3][x] + row[7][x]));
@@ -95,10 +95,10 @@ void gaussian11x11Interior(const Plane<uint8_t>& plane)
             gaussian11Column(rowOf(plane.src, plane.srcStride, y) + x0, plane.srcStride, sums, count + 10);
             // The binomial kernel of order 10 is (1 2 1) five times over.
             for (uint32_t rest = 8; rest > 0; rest -= 2) {
-                for (uint32_t x = 0; x < count + rest; ++x)
+                for (size_t x = 0; x < count + rest; ++x)
                     sums[x] += 2 * sums[x + 1] + sums[x + 2];
             }
-            for (uint32_t x = 0; x < count; ++x) {
+            for (size_t x = 0; x < count; ++x) {
                 out[x0 + x] = static_cast<uint8_t>((sums[x] + 2 * sums[x + 1] + sums[x + 2]) >> 20);
             }
         }
@@ -121,12 +121,12 @@ void boxStrip(const Plane<uint8_t>& plane, uint32_t x0, uint32_t count, uint16_t
 
     const auto enter = [&](uint32_t y) {
         const uint8_t* const row = rowOf(plane.src, plane.srcStride, y) + left;
-        for (uint32_t x = 0; x < right - left; ++x)
+        for (size_t x = 0; x < right - left; ++x)
             inside[x] = static_cast<uint16_t>(inside[x] + row[x]);
     };
     const auto leave = [&](uint32_t y) {
         const uint8_t* const row = rowOf(plane.src, plane.srcStride, y) + left;
-        for (uint32_t x = 0; x < right - left; ++x)
+        for (size_t x = 0; x < right - left; ++x)
             inside[x] = static_cast<uint16_t>(inside[x] - row[x]);
     };
     for (uint32_t y = 0; y < r && y < plane.height; ++y)
@@ -135,11 +135,11 @@ void boxStrip(const Plane<uint8_t>& plane, uint32_t x0, uint32_t count, uint16_t
         if (plane.height - y > r) enter(y + r);
         if (y > r) leave(y - r - 1);
         uint8_t* const out = rowOf(plane.dst, plane.dstStride, y) + x0;
-        for (uint32_t x = 0; x < count; ++x) {
+        for (size_t x = 0; x < count; ++x) {
             uint16_t sum = 0;
-            for (uint32_t k = 0; k < K; ++k)
+            for (size_t k = 0; k < K; ++k)
                 sum = static_cast<uint16_t>(sum + columns[x + k]);
-            out[x] = boxMean16(sum, reciprocal);
+            out[x] = boxMean(sum, reciprocal);
         }
     }
 }
@@ -331,11 +331,11 @@ void odxBoxFilterNxNf32C(const float* src, unsigned int srcWidth, unsigned int s
         const auto sourceRow = [&](uint32_t y) { return rows.get() + static_cast<size_t>(srcWidth) * y + x0; };
         memset(sums, 0, sizeof sums);
         const auto enter = [&](const float* row) {
-            for (uint32_t x = 0; x < count; ++x)
+            for (size_t x = 0; x < count; ++x)
                 sums[x] += row[x];
         };
         const auto leave = [&](const float* row) {
-            for (uint32_t x = 0; x < count; ++x)
+            for (size_t x = 0; x < count; ++x)
                 sums[x] -= row[x];
         };
         for (uint32_t y = 0; y < after && y < srcHeight; ++y)
@@ -344,7 +344,7 @@ void odxBoxFilterNxNf32C(const float* src, unsigned int srcWidth, unsigned int s
             if (srcHeight - y > after) enter(sourceRow(y + after));
             if (y > before) leave(sourceRow(y - before - 1));
             float* const out = rowOf(dst, dstStride, y) + x0;
-            for (uint32_t x = 0; x < count; ++x)
+            for (size_t x = 0; x < count; ++x)
                 out[x] = sums[x] * reciprocal;
         }
     }
@@ -384,7 +384,7 @@ odxStatus odxFilterMedianMxNs16C(const int16_t* src, unsigned int srcWidth, unsi
     const uint32_t width = plane.interiorWidth(M), height = plane.interiorHeight(N);
     for (uint32_t y = 0; y < height; ++y) {
         int16_t* const out = rowOf(dst, dstStride, y + N / 2) + M / 2;
-        for (uint32_t x = 0; x < width; ++x) {
+        for (size_t x = 0; x < width; ++x) {
             for (uint32_t i = 0; i < N; ++i) {
                 memcpy(window.get() + size_t{M} * i, rowOf(src, srcStride, y + i) + x, sizeof(int16_t) * M);
             }

@@ -15,12 +15,12 @@ constexpr uint32_t chunkOf(uint32_t rest)
     return rest < kChunk ? rest : kChunk;
 }
 
-// The rounded mean of a sum that fits 16 bits, in 16-bit halves of the product: the highest bit cut off rounds.
-constexpr uint8_t boxMean16(uint16_t sum, uint16_t reciprocal)
+// (sum * reciprocal + 32768) >> 16 for sums of 16 bits, from one product's upper half, so that compilers keep to
+// 16-bit lanes: twice the quotient, cut off, then rounded.
+constexpr uint8_t boxMean(uint16_t sum, uint16_t reciprocal)
 {
-    const uint16_t high = static_cast<uint16_t>((uint32_t{sum} * reciprocal) >> 16);
-    const uint16_t low = static_cast<uint16_t>(uint32_t{sum} * reciprocal);
-    return static_cast<uint8_t>(high + (low >> 15));
+    const uint16_t doubled = static_cast<uint16_t>((uint32_t{sum} * (2u * reciprocal)) >> 16);
+    return static_cast<uint8_t>((doubled + 1) >> 1);
 }
 
 static inline void gaussian3x3Row(const uint8_t* __restrict above, const uint8_t* __restrict here,
@@ -29,11 +29,11 @@ static inline void gaussian3x3Row(const uint8_t* __restrict above, const uint8_t
     for (uint32_t x0 = 0, count; x0 < width; x0 += count) {
         count = chunkOf(width - x0);
         uint16_t column[kChunk + 2];
-        const ptrdiff_t first = static_cast<ptrdiff_t>(x0) - 1;
-        for (uint32_t x = 0; x < count + 2; ++x) {
-            column[x] = static_cast<uint16_t>(above[first + x] + 2 * here[first + x] + below[first + x]);
+        const uint8_t *const a = above + x0 - 1, *const h = here + x0 - 1, *const b = below + x0 - 1;
+        for (size_t x = 0; x < count + 2; ++x) {
+            column[x] = static_cast<uint16_t>(a[x] + 2 * h[x] + b[x]);
         }
-        for (uint32_t x = 0; x < count; ++x) {
+        for (size_t x = 0; x < count; ++x) {
             const uint16_t sum = static_cast<uint16_t>(column[x] + 2 * column[x + 1] + column[x + 2]);
             out[x0 + x] = static_cast<uint8_t>(sum >> 4);
         }
@@ -46,13 +46,13 @@ static inline void box3x3Row(const uint8_t* __restrict above, const uint8_t* __r
     for (uint32_t x0 = 0, count; x0 < width; x0 += count) {
         count = chunkOf(width - x0);
         uint16_t column[kChunk + 2];
-        const ptrdiff_t first = static_cast<ptrdiff_t>(x0) - 1;
-        for (uint32_t x = 0; x < count + 2; ++x) {
-            column[x] = static_cast<uint16_t>(above[first + x] + here[first + x] + below[first + x]);
+        const uint8_t *const a = above + x0 - 1, *const h = here + x0 - 1, *const b = below + x0 - 1;
+        for (size_t x = 0; x < count + 2; ++x) {
+            column[x] = static_cast<uint16_t>(a[x] + h[x] + b[x]);
         }
-        for (uint32_t x = 0; x < count; ++x) {
+        for (size_t x = 0; x < count; ++x) {
             const uint16_t sum = static_cast<uint16_t>(column[x] + column[x + 1] + column[x + 2]);
-            out[x0 + x] = boxMean16(sum, kBox3Reciprocal);
+            out[x0 + x] = boxMean(sum, kBox3Reciprocal);
         }
     }
 }
@@ -79,7 +79,7 @@ template <class T>
 static inline void median3x3Row(const T* __restrict above, const T* __restrict here, const T* __restrict below,
                                 T* __restrict out, uint32_t width)
 {
-    for (uint32_t x = 0; x < width; ++x) {
+    for (size_t x = 0; x < width; ++x) {
         T low[3], mid[3], high[3];
         for (int i = 0; i < 3; ++i) {
             const ptrdiff_t c = static_cast<ptrdiff_t>(x) + i - 1;
@@ -105,7 +105,7 @@ static inline void boxRowSums(const float* const (&in)[kBoxRows], float* const (
         for (uint32_t i = 0; i < kBoxRows; ++i)
             sum[i] += in[i][x];
     }
-    for (uint32_t x = 0; x < width; ++x) {
+    for (size_t x = 0; x < width; ++x) {
         const bool enters = width - x > after, leaves = x > before;
         for (uint32_t i = 0; i < kBoxRows; ++i) {
             if (enters) sum[i] += in[i][x + after];

@@ -327,8 +327,7 @@ ODX_INLINE u16v meanOf(u16v sum)
     if constexpr (K == 11) {
         return mulRound(sum, blur::kBox11Reciprocal / 2); // sums up to 121 x 255 stay below 2^15
     } else {
-        constexpr uint16_t reciprocal = blur::kBox5Reciprocal;
-        return mulHigh(sum, reciprocal) + ((u16v)(sum * reciprocal) >> 15); // rounded by the highest bit cut off
+        return (mulHigh(sum, 2 * blur::kBox5Reciprocal) + 1) >> 1; // twice the quotient, then rounded
     }
 }
 
