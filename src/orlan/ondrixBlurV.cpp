@@ -56,8 +56,8 @@ ODX_INLINE void forStrips(const T* dst, uint32_t width, uint32_t height, uint32_
 }
 
 // Runs a filter over the interior of an image. `Filter` has the kernel's size K, the number of lanes it computes,
-// and the state of a strip: `push(row)` takes the next source row, from the leftmost tap of the first lane on;
-// `output()` is the vector of outputs once K rows were pushed.
+// and the state of a strip: `push(row)` takes the next source row, from the leftmost tap of the first lane on, and
+// once K rows were pushed gives what `output` makes a vector of outputs of.
 template <class Filter, class T>
 ODX_INLINE void filterInterior(const Plane<T>& plane)
 {
@@ -72,8 +72,7 @@ ODX_INLINE void filterInterior(const Plane<T>& plane)
                   for (uint32_t i = 0; i < Filter::K - 1; ++i, in = rowOf(in, srcStride, 1))
                       filter.push(in);
                   for (uint32_t i = 0; i < rows; ++i) {
-                      filter.push(in);
-                      store(out, filter.output());
+                      store(out, filter.output(filter.push(in)));
                       in = rowOf(in, srcStride, 1);
                       out = rowOf(out, dstStride, 1);
                   }
@@ -91,16 +90,15 @@ ODX_INLINE bool tooNarrow(const Plane<T>& plane)
 template <class Sum, int n>
 struct BinomialColumn {
     Sum stage[n] = {};
-    Sum result = {};
 
-    ODX_MEMBER void push(Sum sum)
+    ODX_MEMBER Sum push(Sum sum)
     {
         for (int i = 0; i < n; ++i) {
             const Sum next = sum + stage[i];
             stage[i] = sum;
             sum = next;
         }
-        result = sum;
+        return sum;
     }
 };
 
@@ -110,42 +108,42 @@ struct Gaussian3x3 {
     static constexpr uint32_t K = 3;
     BinomialColumn<u16p, 2> column; // sums up to 16 x 255
 
-    ODX_MEMBER void push(const uint8_t* row) { column.push(dot2<1, 2>(row) + split(load<u8v>(row + 2))); }
-    ODX_MEMBER u8v output() const { return joinShifted<4>(column.result); }
+    ODX_MEMBER auto push(const uint8_t* row) { return column.push(dot2<1, 2>(row) + split(load<u8v>(row + 2))); }
+    ODX_MEMBER static u8v output(const u16p& sum) { return joinShifted<4>(sum); }
 };
 
 struct Gaussian5x5 {
     static constexpr uint32_t K = 5;
     BinomialColumn<u16p, 4> column; // sums up to 256 x 255
 
-    ODX_MEMBER void push(const uint8_t* row)
+    ODX_MEMBER auto push(const uint8_t* row)
     {
-        column.push(dot2<1, 4>(row) + dot2<6, 4>(row + 2) + split(load<u8v>(row + 4)));
+        return column.push(dot2<1, 4>(row) + dot2<6, 4>(row + 2) + split(load<u8v>(row + 4)));
     }
-    ODX_MEMBER u8v output() const { return joinShifted<8>(column.result); }
+    ODX_MEMBER static u8v output(const u16p& sum) { return joinShifted<8>(sum); }
 };
 
 struct Gaussian5x5s16 {
     static constexpr uint32_t K = 5;
     BinomialColumn<s32p, 4> column;
 
-    ODX_MEMBER void push(const int16_t* row)
+    ODX_MEMBER auto push(const int16_t* row)
     {
-        column.push(dot2<1, 4>(row) + dot2<6, 4>(row + 2) + split(load<s16v>(row + 4)));
+        return column.push(dot2<1, 4>(row) + dot2<6, 4>(row + 2) + split(load<s16v>(row + 4)));
     }
-    ODX_MEMBER s16v output() const { return joinShifted<8>(column.result); }
+    ODX_MEMBER static s16v output(const s32p& sum) { return joinShifted<8>(sum); }
 };
 
 struct Gaussian5x5s32 {
     static constexpr uint32_t K = 5;
     BinomialColumn<u32v, 4> column; // modulo 2^32
 
-    ODX_MEMBER void push(const int32_t* row)
+    ODX_MEMBER auto push(const int32_t* row)
     {
-        column.push(load<u32v>(row) + load<u32v>(row + 4) + 4 * (load<u32v>(row + 1) + load<u32v>(row + 3)) +
-                    6 * load<u32v>(row + 2));
+        return column.push(load<u32v>(row) + load<u32v>(row + 4) +
+                           4 * (load<u32v>(row + 1) + load<u32v>(row + 3)) + 6 * load<u32v>(row + 2));
     }
-    ODX_MEMBER s32v output() const { return (s32v)column.result >> 8; }
+    ODX_MEMBER static s32v output(const u32v& sum) { return (s32v)sum >> 8; }
 };
 
 void odxFilterGaussian3x3u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
@@ -209,7 +207,7 @@ void odxFilterGaussian5x5s32V(const int32_t* src, unsigned int srcWidth, unsigne
 // The 11x11 kernel: first 8 of its 10 vertical steps, as the weights 1 8 28 56 70 56 28 8 1 on bytes, whose sums
 // just fit 16 bits; then all horizontal steps, in 32 bits; then the last 2 vertical steps. The 16-bit sums are
 // kept less 32768, so that they multiply as signed numbers; the weights turn that into 2^27, which is added back.
-constexpr uint32_t kTile = 256; // outputs
+constexpr uint32_t kTile = 1024; // outputs
 
 // 16-bit sums of nine rows, less 32768. `count` is at least a half vector; the last one overlaps.
 ODX_INLINE void gaussian11Columns(const uint8_t* src, size_t stride, int16_t* sums, uint32_t count)
@@ -243,9 +241,8 @@ ODX_INLINE void gaussian11Tile(const uint8_t* src, size_t srcStride, uint8_t* ds
         gaussian11Columns(src, srcStride, sums, width + 10);
         for (uint32_t x = 0; x < width; x += lanes) {
             BinomialColumn<s32p, 2>& column = columns[x / lanes];
-            column.push(gaussian11Row(sums + x));
-            const s32p sum = {column.result.a + (1 << 27), column.result.b + (1 << 27)};
-            storeNarrow(line + x, (u16v)joinShifted<20>(sum));
+            const s32p sum = column.push(gaussian11Row(sums + x));
+            storeNarrow(line + x, (u16v)joinShifted<20>(s32p{sum.a + (1 << 27), sum.b + (1 << 27)}));
         }
         if (y >= 2) {
             memcpy(dst, line, width);
@@ -274,16 +271,17 @@ void odxFilterGaussian11x11u8V(const uint8_t* src, unsigned int srcWidth, unsign
 
 struct Box3x3 {
     static constexpr uint32_t K = 3;
-    u16p previous[2] = {}, sum = {};
+    u16p previous[2] = {};
 
-    ODX_MEMBER void push(const uint8_t* row)
+    ODX_MEMBER u16p push(const uint8_t* row)
     {
         const u16p next = dot2<1, 1>(row) + split(load<u8v>(row + 2));
-        sum = previous[0] + previous[1] + next;
+        const u16p sum = previous[0] + previous[1] + next;
         previous[0] = previous[1];
         previous[1] = next;
+        return sum;
     }
-    ODX_MEMBER u8v output() const
+    ODX_MEMBER static u8v output(const u16p& sum)
     {
         constexpr int16_t half = blur::kBox3Reciprocal / 2; // (sum * 7282 + 32768) >> 16
         return join({mulRound(sum.a, half), mulRound(sum.b, half)});
@@ -476,26 +474,32 @@ ODX_INLINE u8v middle(u8v a, u8v b, u8v c)
     return max(min(a, b), min(max(a, b), c));
 }
 
+// Three columns of three pixels.
+struct Window {
+    u8v first[3], second[3], third[3];
+};
+
 struct Median3x3 {
     static constexpr uint32_t K = 3;
-    u8v first[3] = {}, second[3] = {}, third[3] = {};
+    Window window = {};
 
-    ODX_MEMBER void push(const uint8_t* row)
+    ODX_MEMBER const Window& push(const uint8_t* row)
     {
         for (int i = 0; i < 3; ++i) {
-            first[i] = second[i];
-            second[i] = third[i];
-            third[i] = load<u8v>(row + i);
+            window.first[i] = window.second[i];
+            window.second[i] = window.third[i];
+            window.third[i] = load<u8v>(row + i);
         }
+        return window;
     }
-    ODX_MEMBER u8v output() const
+    ODX_MEMBER static u8v output(const Window& w)
     {
         u8v low[3], mid[3], high[3];
         for (int i = 0; i < 3; ++i) {
-            const u8v lesser = min(second[i], third[i]), greater = max(second[i], third[i]);
-            low[i] = min(lesser, first[i]);
-            mid[i] = max(lesser, min(greater, first[i]));
-            high[i] = max(greater, first[i]);
+            const u8v lesser = min(w.second[i], w.third[i]), greater = max(w.second[i], w.third[i]);
+            low[i] = min(lesser, w.first[i]);
+            mid[i] = max(lesser, min(greater, w.first[i]));
+            high[i] = max(greater, w.first[i]);
         }
         return middle(max(max(low[0], low[1]), low[2]), middle(mid[0], mid[1], mid[2]),
                       min(min(high[0], high[1]), high[2]));
