@@ -474,36 +474,29 @@ ODX_INLINE u8v middle(u8v a, u8v b, u8v c)
     return max(min(a, b), min(max(a, b), c));
 }
 
-// Three columns of three pixels.
-struct Window {
-    u8v first[3], second[3], third[3];
+// Three neighbours of a row, sorted.
+struct Sorted {
+    u8v low = {}, mid = {}, high = {};
 };
 
+// The median of a window whose rows are sorted. A row is sorted once for the three windows that hold it.
 struct Median3x3 {
     static constexpr uint32_t K = 3;
-    Window window = {};
+    Sorted rows[2];
 
-    ODX_MEMBER const Window& push(const uint8_t* row)
+    ODX_MEMBER u8v push(const uint8_t* row)
     {
-        for (int i = 0; i < 3; ++i) {
-            window.first[i] = window.second[i];
-            window.second[i] = window.third[i];
-            window.third[i] = load<u8v>(row + i);
-        }
-        return window;
+        const u8v a = load<u8v>(row), b = load<u8v>(row + 1), c = load<u8v>(row + 2);
+        const u8v lesser = min(a, b), greater = max(a, b);
+        const Sorted next = {min(lesser, c), max(lesser, min(greater, c)), max(greater, c)};
+        const u8v median = middle(max(max(rows[0].low, rows[1].low), next.low),
+                                  middle(rows[0].mid, rows[1].mid, next.mid),
+                                  min(min(rows[0].high, rows[1].high), next.high));
+        rows[0] = rows[1];
+        rows[1] = next;
+        return median;
     }
-    ODX_MEMBER static u8v output(const Window& w)
-    {
-        u8v low[3], mid[3], high[3];
-        for (int i = 0; i < 3; ++i) {
-            const u8v lesser = min(w.second[i], w.third[i]), greater = max(w.second[i], w.third[i]);
-            low[i] = min(lesser, w.first[i]);
-            mid[i] = max(lesser, min(greater, w.first[i]));
-            high[i] = max(greater, w.first[i]);
-        }
-        return middle(max(max(low[0], low[1]), low[2]), middle(mid[0], mid[1], mid[2]),
-                      min(min(high[0], high[1]), high[2]));
-    }
+    ODX_MEMBER static u8v output(u8v median) { return median; }
 };
 
 void odxFilterMedian3x3u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
