@@ -2,13 +2,16 @@
 //
 //     ODX_API void odxFilterXxxu8_v2(const uint8_t* src, unsigned srcWidth, ...)
 //     {
-//         srcStride = packedIfZero(srcStride, srcWidth);                    // 1. default the optional arguments
-//         const Call<odxFilterXxxu8C> call(__func__,                        // 2. choose the implementation, trace
-//         it
-//             [&] { return worthSending(srcWidth, srcHeight) && multiplesOf(8, src, dst); },
+//         // 1. default the optional arguments
+//         srcStride = packedIfZero(srcStride, srcWidth);
+//         // 2. choose the implementation, trace the call
+//         const Call<odxFilterXxxu8C> call(
+//             __func__, [&] { return worthSending(srcWidth, srcHeight) && multiplesOf(8, src, dst); },
 //             [&] { return multiplesOf(16, src, dst); });
-//         ODX_CHECK(src && dst && srcWidth && srcHeight);                   // 3. refuse arguments that it can't
-//         take return call(src, srcWidth, ...);                                  // 4. call it
+//         // 3. refuse arguments that the implementations can't take
+//         ODX_CHECK(src && dst && srcWidth && srcHeight);
+//         // 4. call it
+//         return call(src, srcWidth, ...);
 //     }
 //
 // The two functions say when the remote targets, and when the GPU, can take the call; otherwise the SIMD column
