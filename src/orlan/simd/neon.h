@@ -92,6 +92,38 @@ ODX_INLINE u16v mulRound(u16v v, int16_t k)
     return (u16v)vqrdmulhq_n_s16((int16x8_t)v, k);
 }
 
+ODX_INLINE u8x2 load2(const uint8_t* p)
+{
+    const uint8x16x2_t n = vld2q_u8(p);
+    return {(u8v)n.val[0], (u8v)n.val[1]};
+}
+ODX_INLINE u8x3 load3(const uint8_t* p)
+{
+    const uint8x16x3_t n = vld3q_u8(p);
+    return {(u8v)n.val[0], (u8v)n.val[1], (u8v)n.val[2]};
+}
+ODX_INLINE u8x4 load4(const uint8_t* p)
+{
+    const uint8x16x4_t n = vld4q_u8(p);
+    return {(u8v)n.val[0], (u8v)n.val[1], (u8v)n.val[2], (u8v)n.val[3]};
+}
+
+ODX_INLINE void store2(uint8_t* p, u8v a, u8v b)
+{
+    const uint8x16x2_t n = {{(uint8x16_t)a, (uint8x16_t)b}};
+    vst2q_u8(p, n);
+}
+ODX_INLINE void store3(uint8_t* p, u8v a, u8v b, u8v c)
+{
+    const uint8x16x3_t n = {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c}};
+    vst3q_u8(p, n);
+}
+ODX_INLINE void store4(uint8_t* p, u8v a, u8v b, u8v c, u8v d)
+{
+    const uint8x16x4_t n = {{(uint8x16_t)a, (uint8x16_t)b, (uint8x16_t)c, (uint8x16_t)d}};
+    vst4q_u8(p, n);
+}
+
 ODX_INLINE u8v popCount(u8v v)
 {
     return (u8v)vcntq_u8((uint8x16_t)v);

@@ -7,6 +7,9 @@
 //   load<V>(p), store(p, v)      whole vectors, any alignment
 //   loadWiden(p)                 kBytes / 2 bytes as a u16v, in order
 //   storeNarrow(p, v)            the low bytes of a u16v whose lanes are below 256, in order
+//   load2(p), load3(p), load4(p) kBytes pixels of 2, 3 or 4 interleaved bytes as one vector a channel, in order
+//   store2(p, a, b), store3(p, a, b, c), store4(p, a, b, c, d)
+//                                the reverse
 //   min, max                     of u8v and s16v
 //   split(v), join(pair)         bytes to 16 bits (or signed 16 to 32) and back, as a pair in the target's own
 //   lane
@@ -78,6 +81,17 @@ struct Pair {
 typedef Pair<u16v> u16p;
 typedef Pair<s32v> s32p;
 typedef Pair<u32v> u32p;
+
+// One vector a channel.
+struct u8x2 {
+    u8v a, b;
+};
+struct u8x3 {
+    u8v a, b, c;
+};
+struct u8x4 {
+    u8v a, b, c, d;
+};
 
 template <class V>
 ODX_INLINE Pair<V> operator+(const Pair<V>& p, const Pair<V>& q)

@@ -105,6 +105,131 @@ ODX_INLINE u16v mulRound(u16v v, int16_t k)
     return (u16v)ODX_MM(mulhrs_epi16)((ODX_MI)v, ODX_MM(set1_epi16)(k));
 }
 
+// ---- interleaved channels ----
+//
+// Shuffles work inside lanes of 16 bytes. So a lane gets its own run of 16 pixels: the i-th vector of n holds the
+// i-th 16 bytes of each run of 16 * n.
+
+template <int n>
+ODX_INLINE ODX_MI loadRuns(const uint8_t* p)
+{
+    const auto lane = [p](int i) { return _mm_loadu_si128((const __m128i*)(p + 16 * n * i)); };
+    const __m256i low = _mm256_inserti128_si256(_mm256_castsi128_si256(lane(0)), lane(1), 1);
+#if ODX_VECTOR_BYTES == 64
+    return _mm512_inserti32x4(_mm512_inserti32x4(_mm512_castsi256_si512(low), lane(2), 2), lane(3), 3);
+#else
+    return low;
+#endif
+}
+
+template <int n>
+ODX_INLINE void storeRuns(uint8_t* p, ODX_MI v)
+{
+    const auto lane = [p](int i) { return (__m128i*)(p + 16 * n * i); };
+#if ODX_VECTOR_BYTES == 64
+    const __m256i low = _mm512_castsi512_si256(v);
+    _mm_storeu_si128(lane(2), _mm512_extracti32x4_epi32(v, 2));
+    _mm_storeu_si128(lane(3), _mm512_extracti32x4_epi32(v, 3));
+#else
+    const __m256i low = v;
+#endif
+    _mm_storeu_si128(lane(0), _mm256_castsi256_si128(low));
+    _mm_storeu_si128(lane(1), _mm256_extracti128_si256(low, 1));
+}
+
+ODX_INLINE ODX_MI inEachLane(__m128i v)
+{
+#if ODX_VECTOR_BYTES == 64
+    return _mm512_broadcast_i32x4(v);
+#else
+    return _mm256_broadcastsi128_si256(v);
+#endif
+}
+
+// The even bytes of (v, w), lane by lane, then the odd ones.
+ODX_INLINE ODX_MI evenBytes(ODX_MI v, ODX_MI w)
+{
+    const ODX_MI low = ODX_MM(set1_epi16)(0xFF);
+    return (ODX_MI)ODX_MM(packus_epi16)((ODX_MI)((u16v)v & (u16v)low), (ODX_MI)((u16v)w & (u16v)low));
+}
+ODX_INLINE ODX_MI oddBytes(ODX_MI v, ODX_MI w)
+{
+    return ODX_MM(packus_epi16)(ODX_MM(srli_epi16)(v, 8), ODX_MM(srli_epi16)(w, 8));
+}
+
+// Byte i of a lane from a, b or c, for i % 3 = 0, 1 or 2.
+ODX_INLINE ODX_MI everyThird(ODX_MI a, ODX_MI b, ODX_MI c)
+{
+#if ODX_VECTOR_BYTES == 64
+    return _mm512_mask_blend_epi8(0x4924492449244924, _mm512_mask_blend_epi8(0x2492249224922492, a, b), c);
+#else
+    const auto mask = [](int third) {
+        const auto at = [third](int i) { return (char)(i % 3 == third ? -1 : 0); };
+        return inEachLane(_mm_setr_epi8(at(0), at(1), at(2), at(3), at(4), at(5), at(6), at(7), at(8), at(9),
+                                        at(10), at(11), at(12), at(13), at(14), at(15)));
+    };
+    return _mm256_blendv_epi8(_mm256_blendv_epi8(a, b, mask(1)), c, mask(2));
+#endif
+}
+
+// Byte i of a lane from byte (step * i + first) % 16 of it.
+template <int step, int first>
+ODX_INLINE ODX_MI everyNth(ODX_MI v)
+{
+    const auto at = [](int i) { return (char)((step * i + first) % 16); };
+    return ODX_MM(shuffle_epi8)(
+        v, inEachLane(_mm_setr_epi8(at(0), at(1), at(2), at(3), at(4), at(5), at(6), at(7), at(8), at(9), at(10),
+                                    at(11), at(12), at(13), at(14), at(15))));
+}
+
+ODX_INLINE u8x2 load2(const uint8_t* p)
+{
+    const ODX_MI v = loadRuns<2>(p), w = loadRuns<2>(p + 16);
+    return {(u8v)evenBytes(v, w), (u8v)oddBytes(v, w)};
+}
+
+// Channel c of pixel i is byte (3 * i + c) % 16 of a lane; each channel has all its bytes in different places.
+ODX_INLINE u8x3 load3(const uint8_t* p)
+{
+    const ODX_MI u = loadRuns<3>(p), v = loadRuns<3>(p + 16), w = loadRuns<3>(p + 32);
+    return {(u8v)everyNth<3, 0>(everyThird(u, w, v)), (u8v)everyNth<3, 1>(everyThird(v, u, w)),
+            (u8v)everyNth<3, 2>(everyThird(w, v, u))};
+}
+
+ODX_INLINE u8x4 load4(const uint8_t* p)
+{
+    const ODX_MI t = loadRuns<4>(p), u = loadRuns<4>(p + 16), v = loadRuns<4>(p + 32), w = loadRuns<4>(p + 48);
+    const ODX_MI ac0 = evenBytes(t, u), ac1 = evenBytes(v, w), bd0 = oddBytes(t, u), bd1 = oddBytes(v, w);
+    return {(u8v)evenBytes(ac0, ac1), (u8v)evenBytes(bd0, bd1), (u8v)oddBytes(ac0, ac1), (u8v)oddBytes(bd0, bd1)};
+}
+
+ODX_INLINE void store2(uint8_t* p, u8v a, u8v b)
+{
+    storeRuns<2>(p, ODX_MM(unpacklo_epi8)((ODX_MI)a, (ODX_MI)b));
+    storeRuns<2>(p + 16, ODX_MM(unpackhi_epi8)((ODX_MI)a, (ODX_MI)b));
+}
+
+// 11 is the inverse of 3 modulo 16.
+ODX_INLINE void store3(uint8_t* p, u8v a, u8v b, u8v c)
+{
+    const ODX_MI u = everyNth<11, 0>((ODX_MI)a), v = everyNth<11, 5>((ODX_MI)b), w = everyNth<11, 10>((ODX_MI)c);
+    storeRuns<3>(p, everyThird(u, v, w));
+    storeRuns<3>(p + 16, everyThird(v, w, u));
+    storeRuns<3>(p + 32, everyThird(w, u, v));
+}
+
+ODX_INLINE void store4(uint8_t* p, u8v a, u8v b, u8v c, u8v d)
+{
+    const ODX_MI ab0 = ODX_MM(unpacklo_epi8)((ODX_MI)a, (ODX_MI)b),
+                 ab1 = ODX_MM(unpackhi_epi8)((ODX_MI)a, (ODX_MI)b),
+                 cd0 = ODX_MM(unpacklo_epi8)((ODX_MI)c, (ODX_MI)d),
+                 cd1 = ODX_MM(unpackhi_epi8)((ODX_MI)c, (ODX_MI)d);
+    storeRuns<4>(p, ODX_MM(unpacklo_epi16)(ab0, cd0));
+    storeRuns<4>(p + 16, ODX_MM(unpackhi_epi16)(ab0, cd0));
+    storeRuns<4>(p + 32, ODX_MM(unpacklo_epi16)(ab1, cd1));
+    storeRuns<4>(p + 48, ODX_MM(unpackhi_epi16)(ab1, cd1));
+}
+
 ODX_INLINE u8v popCount(u8v v)
 {
     const __m128i nibbles = _mm_setr_epi8(0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4);
