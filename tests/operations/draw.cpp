@@ -49,14 +49,14 @@ bool GuardedBuffer::surroundingsIntact() const
 
 Draw::Draw(uint64_t seed) : purpose_(Purpose::Compare), random_(seed) {}
 
-Draw::Draw(Extent measured, std::function<void(const std::function<void()>&)> timer)
-    : purpose_(Purpose::Measure), measured_(measured), timer_(std::move(timer)), random_(1)
+Draw::Draw(const Measurement& measurement, std::function<void(const std::function<void()>&)> timer)
+    : purpose_(Purpose::Measure), measurement_(measurement), timer_(std::move(timer)), random_(1)
 {
 }
 
 Extent Draw::extent(uint32_t minWidth, uint32_t minHeight)
 {
-    if (measures()) return measured_;
+    if (measures()) return measurement_.extent;
     const auto length = [&](uint32_t least, uint32_t usual) -> uint32_t {
         switch (below(8)) {
         case 0: // the least sizes

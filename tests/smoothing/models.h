@@ -1,0 +1,112 @@
+// Smoothing filters the obvious way: one pixel at a time, from their definition, in wide arithmetic.
+#ifndef ODX_TESTS_SMOOTHING_MODELS_H
+#define ODX_TESTS_SMOOTHING_MODELS_H
+
+#include <algorithm>
+#include <functional>
+#include <random>
+#include <stdint.h>
+#include <vector>
+
+namespace odx::test
+{
+
+template <class T>
+struct Grid {
+    int width, height;
+    std::vector<T> pixels;
+
+    Grid(int w, int h, T fill = T())
+        : width(w), height(h), pixels(static_cast<size_t>(w) * static_cast<size_t>(h), fill)
+    {
+    }
+    T& at(int x, int y)
+    {
+        return pixels[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)];
+    }
+    const T& at(int x, int y) const { return const_cast<Grid*>(this)->at(x, y); }
+    bool holds(int x, int y) const { return x >= 0 && y >= 0 && x < width && y < height; }
+    // Whether the pixel is closer than r to an edge.
+    bool border(int x, int y, int r) const { return x < r || y < r || x >= width - r || y >= height - r; }
+    bool operator==(const Grid& other) const { return pixels == other.pixels; }
+
+    unsigned w() const { return static_cast<unsigned>(width); }
+    unsigned h() const { return static_cast<unsigned>(height); }
+    unsigned stride() const { return w() * static_cast<unsigned>(sizeof(T)); }
+    const T* data() const { return pixels.data(); }
+    T* data() { return pixels.data(); }
+};
+
+template <class T>
+Grid<T> noise(int width, int height, int64_t low, int64_t high)
+{
+    static std::mt19937_64 random(11);
+    Grid<T> grid(width, height);
+    for (T& pixel : grid.pixels)
+        pixel = static_cast<T>(std::uniform_int_distribution<int64_t>(low, high)(random));
+    return grid;
+}
+
+// A pixel outside the image: a constant, or the nearest inside it.
+struct Outside {
+    bool replicate;
+    int64_t constant;
+};
+
+template <class T>
+int64_t sample(const Grid<T>& src, int x, int y, Outside outside)
+{
+    if (src.holds(x, y)) return src.at(x, y);
+    if (!outside.replicate) return outside.constant;
+    return src.at(std::clamp(x, 0, src.width - 1), std::clamp(y, 0, src.height - 1));
+}
+
+// Calls f(dx, dy) over a window.
+inline void window(int halfWidth, int halfHeight, const std::function<void(int, int)>& f)
+{
+    for (int dy = -halfHeight; dy <= halfHeight; ++dy) {
+        for (int dx = -halfWidth; dx <= halfWidth; ++dx)
+            f(dx, dy);
+    }
+}
+
+// Weighted sum and weight of the taps inside the image.
+struct Taps {
+    int64_t sum = 0, weight = 0;
+};
+
+template <class T>
+Taps binomial(const Grid<T>& src, int x, int y, const std::vector<int>& weights)
+{
+    const int r = static_cast<int>(weights.size()) / 2;
+    Taps taps;
+    window(r, r, [&](int dx, int dy) {
+        if (!src.holds(x + dx, y + dy)) return;
+        const int64_t weight =
+            int64_t{weights[static_cast<size_t>(dx + r)]} * weights[static_cast<size_t>(dy + r)];
+        taps.sum += weight * src.at(x + dx, y + dy);
+        taps.weight += weight;
+    });
+    return taps;
+}
+
+template <class T>
+int64_t windowSum(const Grid<T>& src, int x, int y, int r, Outside outside)
+{
+    int64_t sum = 0;
+    window(r, r, [&](int dx, int dy) { sum += sample(src, x + dx, y + dy, outside); });
+    return sum;
+}
+
+template <class T>
+T windowMedian(const Grid<T>& src, int x, int y, int halfWidth, int halfHeight, Outside outside)
+{
+    std::vector<int64_t> values;
+    window(halfWidth, halfHeight, [&](int dx, int dy) { values.push_back(sample(src, x + dx, y + dy, outside)); });
+    std::sort(values.begin(), values.end());
+    return static_cast<T>(values[values.size() / 2]);
+}
+
+} // namespace odx::test
+
+#endif

@@ -1,0 +1,269 @@
+// The reference filters against their definitions and against numbers worked by hand. The other columns are held
+// to the reference by the differential test.
+#include "smoothing/models.h"
+
+#include "frame/scratch.h"
+#include "ondrix.h"
+#include "support/logCapture.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+using namespace odx::test;
+
+namespace
+{
+
+const std::vector<int> kBinomial3 = {1, 2, 1}, kBinomial5 = {1, 4, 6, 4, 1},
+                       kBinomial11 = {1, 10, 45, 120, 210, 252, 210, 120, 45, 10, 1};
+constexpr odxBorderType kBorderTypes[] = {ONDRIX_BORDER_UNDEFINED, ONDRIX_BORDER_CONSTANT,
+                                          ONDRIX_BORDER_REPLICATE};
+
+class Smoothing : public testing::Test
+{
+protected:
+    Smoothing() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
+};
+
+// Runs a filter of (src, width, height, dst, border) and compares it with the definition: interior sums shifted,
+// border sums divided by the weights inside; the border untouched unless the flag is 1.
+template <class T, class Filter>
+void expectBinomial(Filter filter, const std::vector<int>& weights, int shift, const Grid<T>& src)
+{
+    const int r = static_cast<int>(weights.size()) / 2;
+    constexpr T untouched = 77;
+    for (const int border : {0, 1, 2}) {
+        Grid<T> dst(src.width, src.height, untouched);
+        filter(src.data(), src.w(), src.h(), dst.data(), border);
+        for (int y = 0; y < src.height; ++y) {
+            for (int x = 0; x < src.width; ++x) {
+                const Taps taps = binomial(src, x, y, weights);
+                const int64_t inside = static_cast<T>(taps.sum >> shift), outside = taps.sum / taps.weight;
+                const int64_t expected = !src.border(x, y, r) ? inside : border == 1 ? outside : untouched;
+                ASSERT_EQ(expected, dst.at(x, y))
+                    << src.width << "x" << src.height << " flag " << border << " at " << x << "," << y;
+            }
+        }
+    }
+}
+
+Outside outsideOf(odxBorderType type, int64_t constant)
+{
+    return {type == ONDRIX_BORDER_REPLICATE, type == ONDRIX_BORDER_CONSTANT ? constant : 0};
+}
+
+} // namespace
+
+TEST_F(Smoothing, GaussiansAreTheirKernels)
+{
+    for (const auto& [width, height] : {std::pair{7, 3}, {8, 2}, {13, 11}, {30, 21}}) {
+        expectBinomial<uint8_t>(odxFilterGaussian3x3u8, kBinomial3, 4, noise<uint8_t>(width, height, 0, 255));
+        expectBinomial<int16_t>(odxFilterGaussian5x5s16, kBinomial5, 8,
+                                noise<int16_t>(width, height, -32768, 32767));
+        if (height < 5) continue;
+        expectBinomial<uint8_t>(odxFilterGaussian5x5u8, kBinomial5, 8, noise<uint8_t>(width, height, 0, 255));
+        expectBinomial<int32_t>(odxFilterGaussian5x5s32, kBinomial5, 8,
+                                noise<int32_t>(width, height, -(1 << 22), 1 << 22));
+        if (height < 11) continue;
+        expectBinomial<uint8_t>(odxFilterGaussian11x11u8, kBinomial11, 20, noise<uint8_t>(width, height, 0, 255));
+    }
+}
+
+TEST_F(Smoothing, WideSumsWrap)
+{
+    // 256 times 2^24 is 2^32: the sum is 0; one less a pixel wraps to -256.
+    const Grid<int32_t> full(5, 5, 1 << 24), less(5, 5, (1 << 24) - 1);
+    Grid<int32_t> dst(5, 5, 9);
+    odxFilterGaussian5x5s32(full.data(), 5, 5, dst.data(), 0);
+    EXPECT_EQ(0, dst.at(2, 2));
+    odxFilterGaussian5x5s32(less.data(), 5, 5, dst.data(), 0);
+    EXPECT_EQ(-1, dst.at(2, 2));
+}
+
+TEST_F(Smoothing, NegativeSumsRoundDownInsideAndTowardZeroAtTheBorder)
+{
+    Grid<int16_t> src(9, 9), dst(9, 9);
+    src.at(3, 3) = -1;
+    odxFilterGaussian5x5s16(src.data(), 9, 9, dst.data(), 1);
+    EXPECT_EQ(-1, dst.at(2, 2)); // -16 >> 8
+    EXPECT_EQ(-1, dst.at(5, 5)); // -1 >> 8
+    EXPECT_EQ(0, dst.at(1, 1));  // -1 / 121
+    EXPECT_EQ(0, dst.at(6, 6));  // out of its reach
+    const Grid<int16_t> uniform(9, 9, -1);
+    odxFilterGaussian5x5s16(uniform.data(), 9, 9, dst.data(), 1);
+    EXPECT_EQ(uniform, dst);
+}
+
+TEST_F(Smoothing, BorderTypesFillInWhatIsMissing)
+{
+    for (const auto& [width, height] : {std::pair{1, 1}, {1, 4}, {5, 1}, {2, 2}, {3, 3}, {9, 6}}) {
+        const auto src = noise<uint8_t>(width, height, 0, 255);
+        for (const odxBorderType type : kBorderTypes) {
+            constexpr uint32_t value = 0x1C8; // its low 8 bits count: 200
+            const Outside outside = outsideOf(type, 200);
+            Grid<uint8_t> gaussian(width, height, 7), box(width, height, 7), median(width, height, 7);
+            EXPECT_EQ(ONDRIX_SUCCESS,
+                      odxFilterGaussian3x3u8_v3(src.data(), src.w(), src.h(), 0, gaussian.data(), 0, type, value));
+            EXPECT_EQ(ONDRIX_SUCCESS,
+                      odxBoxFilter3x3u8_v2(src.data(), src.w(), src.h(), 0, box.data(), 0, type, value));
+            EXPECT_EQ(ONDRIX_SUCCESS,
+                      odxFilterMedian3x3u8_v3(src.data(), src.w(), src.h(), 0, median.data(), 0, type, value));
+            for (int y = 0; y < height; ++y) {
+                for (int x = 0; x < width; ++x) {
+                    SCOPED_TRACE(testing::Message()
+                                 << width << "x" << height << " type " << type << " at " << x << "," << y);
+                    const Taps inside = binomial(src, x, y, kBinomial3);
+                    int64_t full = 0;
+                    window(1, 1, [&](int dx, int dy) {
+                        full += (2 - std::abs(dx)) * (2 - std::abs(dy)) * sample(src, x + dx, y + dy, outside);
+                    });
+                    const bool border = src.border(x, y, 1);
+                    const bool divides = border && type == ONDRIX_BORDER_UNDEFINED;
+                    ASSERT_EQ(divides ? inside.sum / inside.weight : full >> 4, gaussian.at(x, y));
+                    ASSERT_EQ((windowSum(src, x, y, 1, outside) * 7282 + 32768) >> 16, box.at(x, y));
+                    const bool unwritten = border && type == ONDRIX_BORDER_UNDEFINED;
+                    ASSERT_EQ(unwritten ? 7 : windowMedian(src, x, y, 1, 1, outside), median.at(x, y));
+                }
+            }
+        }
+    }
+}
+
+TEST_F(Smoothing, BoxesDivideByTheirWholeWindow)
+{
+    const Grid<uint8_t> white(12, 12, 255);
+    Grid<uint8_t> dst(12, 12);
+    odxBoxFilter3x3u8(white.data(), 12, 12, 12, dst.data(), 12);
+    EXPECT_EQ(113, dst.at(0, 0)); // 4 of 9
+    EXPECT_EQ(170, dst.at(5, 0)); // 6 of 9
+    EXPECT_EQ(255, dst.at(5, 5));
+
+    for (const auto& [width, height] : {std::pair{11, 11}, {12, 17}, {40, 13}}) {
+        for (const auto& src : {noise<uint8_t>(width, height, 0, 255), Grid<uint8_t>(width, height, 255)}) {
+            Grid<uint8_t> three(width, height), five(width, height), eleven(width, height);
+            odxBoxFilter3x3u8(src.data(), src.w(), src.h(), src.w(), three.data(), src.w());
+            odxBoxFilter5x5u8(src.data(), src.w(), src.h(), src.w(), five.data(), src.w());
+            odxBoxFilter11x11u8(src.data(), src.w(), src.h(), src.w(), eleven.data(), src.w());
+            for (int y = 0; y < height; ++y) {
+                for (int x = 0; x < width; ++x) {
+                    const auto mean = [&](int r, int64_t reciprocal) {
+                        return (windowSum(src, x, y, r, {false, 0}) * reciprocal + 32768) >> 16;
+                    };
+                    ASSERT_EQ(mean(1, 7282), three.at(x, y)) << x << "," << y;
+                    ASSERT_EQ(mean(2, 2621), five.at(x, y)) << x << "," << y;
+                    ASSERT_EQ(mean(5, 542), eleven.at(x, y)) << x << "," << y;
+                }
+            }
+        }
+    }
+}
+
+TEST_F(Smoothing, FloatBoxesReachFurtherToTheLeftForAnEvenN)
+{
+    // Whole numbers: float sums are exact, up to the reciprocal.
+    for (const int n : {2, 3, 4, 7, 30}) {
+        const auto grey = noise<uint8_t>(19, 9, 0, 255);
+        Grid<float> src(19, 9), dst(19, 9), inPlace(19, 9);
+        std::copy(grey.pixels.begin(), grey.pixels.end(), src.pixels.begin());
+        inPlace = src;
+        const auto size = static_cast<unsigned>(n);
+        odxBoxFilterNxNf32(src.data(), 19, 9, 0, size, dst.data(), 0);
+        odxBoxFilterNxNf32(inPlace.data(), 19, 9, 0, size, inPlace.data(), 0);
+        EXPECT_EQ(dst, inPlace);
+        for (int y = 0; y < 9; ++y) {
+            for (int x = 0; x < 19; ++x) {
+                int sum = 0;
+                for (int dy = -(n / 2); dy < n - n / 2; ++dy) {
+                    for (int dx = -(n / 2); dx < n - n / 2; ++dx)
+                        sum += grey.holds(x + dx, y + dy) ? grey.at(x + dx, y + dy) : 0;
+                }
+                const float reciprocal = 1.0f / static_cast<float>(n * n);
+                ASSERT_EQ(static_cast<float>(sum) * reciprocal, dst.at(x, y)) << n << " at " << x << "," << y;
+            }
+        }
+    }
+}
+
+TEST_F(Smoothing, MediansAreTheMiddleOfTheirWindow)
+{
+    for (const auto& [width, height] : {std::pair{1, 9}, {2, 5}, {3, 2}, {3, 3}, {17, 12}}) {
+        const auto src = noise<uint8_t>(width, height, 0, 12); // many ties
+        Grid<uint8_t> dst(width, height, 77);
+        odxFilterMedian3x3u8(src.data(), src.w(), src.h(), dst.data());
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                const bool border = src.border(x, y, 1);
+                ASSERT_EQ(border ? 77 : windowMedian(src, x, y, 1, 1, {}), dst.at(x, y)) << x << "," << y;
+            }
+        }
+    }
+    for (const auto& [m, n] : {std::pair{3, 3}, {5, 3}, {3, 7}, {9, 5}, {15, 15}}) {
+        for (const int range : {2, 100, 32767}) {
+            const auto src = noise<int16_t>(17, 14, -range - 1, range);
+            Grid<int16_t> dst(17, 14, 77);
+            ASSERT_EQ(ONDRIX_SUCCESS,
+                      odxFilterMedianMxNs16(src.data(), 17, 14, src.stride(), static_cast<unsigned>(m),
+                                            static_cast<unsigned>(n), dst.data(), dst.stride()));
+            for (int y = 0; y < 14; ++y) {
+                for (int x = 0; x < 17; ++x) {
+                    const bool border = x < m / 2 || x >= 17 - m / 2 || y < n / 2 || y >= 14 - n / 2;
+                    ASSERT_EQ(border ? src.at(x, y) : windowMedian(src, x, y, m / 2, n / 2, {}), dst.at(x, y))
+                        << m << "x" << n << " at " << x << "," << y;
+                }
+            }
+        }
+    }
+}
+
+TEST_F(Smoothing, WithoutTemporaryMemoryNothingIsWritten)
+{
+    auto* const lend = odxGetScratchBufferAligned_;
+    odxGetScratchBufferAligned_ = [](uint32_t, uint32_t) -> void* { return nullptr; };
+    for (const odxOperationMode mode : {ONDRIX_OP_EXT_REFERENCE, ONDRIX_OP_EXT_CPU}) {
+        EXPECT_EQ(0, odxSetOperationMode(mode));
+        const Grid<int16_t> src(9, 9, 5);
+        Grid<int16_t> dst(9, 9, 77);
+        EXPECT_EQ(ONDRIX_NO_MEMORY,
+                  odxFilterMedianMxNs16(src.data(), 9, 9, src.stride(), 3, 3, dst.data(), dst.stride()));
+        EXPECT_EQ(77, dst.at(4, 4));
+
+        const Grid<float> real(9, 9, 5);
+        Grid<float> box(9, 9, 77);
+        LogCapture log;
+        odxBoxFilterNxNf32(real.data(), 9, 9, 0, 3, box.data(), 0);
+        EXPECT_EQ(77, box.at(4, 4));
+        const LogLine line = {6, "ondrix_lib_log", "Error - can not allocate scratch buffer for odxBoxFilterNxNf32C"};
+        EXPECT_EQ(std::vector<LogLine>{line}, log.take());
+    }
+    odxGetScratchBufferAligned_ = lend;
+}
+
+TEST_F(Smoothing, ThreadsFilterSideBySide)
+{
+    EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_CPU));
+    const auto src = noise<uint8_t>(160, 90, 0, 255);
+    Grid<float> real(160, 90);
+    std::copy(src.pixels.begin(), src.pixels.end(), real.pixels.begin());
+    const auto filter = [&] {
+        Grid<uint8_t> blurred(160, 90), median(160, 90);
+        Grid<float> mean(160, 90);
+        Grid<int16_t> wide(160, 90, 3), wideMedian(160, 90);
+        odxFilterGaussian11x11u8(src.data(), 160, 90, blurred.data(), 1);
+        odxFilterMedian3x3u8(blurred.data(), 160, 90, median.data());
+        odxBoxFilterNxNf32(real.data(), 160, 90, 0, 5, mean.data(), 0);
+        EXPECT_EQ(ONDRIX_SUCCESS, odxFilterMedianMxNs16(wide.data(), 160, 90, wide.stride(), 3, 3,
+                                                        wideMedian.data(), wide.stride()));
+        return std::pair(median, mean);
+    };
+    const auto expected = filter();
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 8; ++i) {
+        threads.emplace_back([&] {
+            for (int j = 0; j < 5; ++j)
+                EXPECT_EQ(expected, filter());
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+}
