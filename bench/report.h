@@ -1,0 +1,30 @@
+// What was measured, as a table and as a chart.
+#ifndef ODX_BENCH_REPORT_H
+#define ODX_BENCH_REPORT_H
+
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace odx::bench
+{
+
+// One line: an operation on one size and content. Times are in nanoseconds, the least of all repetitions.
+struct Line {
+    std::string operation, size;
+    double copy = 0;                                     // memcpy of the bytes that the operation reads and writes
+    std::vector<std::pair<std::string, double>> columns; // reference first, then SIMD targets
+    std::vector<std::pair<std::string, double>> peers;
+
+    double reference() const { return columns.empty() ? 0 : columns.front().second; }
+    double best() const { return columns.empty() ? 0 : columns.back().second; } // the best target is the last one
+    double bestPeer() const;
+};
+
+std::string table(const std::vector<Line>& lines); // Markdown
+std::string chart(const std::vector<Line>& lines); // SVG: times as multiples of memcpy, logarithmic
+
+} // namespace odx::bench
+
+#endif
