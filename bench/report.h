@@ -14,11 +14,11 @@ namespace odx::bench
 struct Line {
     std::string operation, size;
     double copy = 0;                                     // memcpy of the bytes that the operation reads and writes
-    std::vector<std::pair<std::string, double>> columns; // reference first, then SIMD targets
+    std::vector<std::pair<std::string, double>> columns; // reference first, then SIMD targets, the best one first
     std::vector<std::pair<std::string, double>> peers;
 
     double reference() const { return columns.empty() ? 0 : columns.front().second; }
-    double best() const { return columns.empty() ? 0 : columns.back().second; } // the best target is the last one
+    double best() const { return columns.size() > 1 ? columns[1].second : reference(); }
     double bestPeer() const;
 };
 

@@ -6,6 +6,12 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
   set(ONDRIX_SIMD_FLAGS_avx2 -march=x86-64-v3)
   # GCC and Clang keep to 32-byte vectors of their own accord; the kernels ask for 64 bytes themselves.
   set(ONDRIX_SIMD_FLAGS_avx512 -march=x86-64-v4 -mprefer-vector-width=512)
+  # Tests of the AVX-512 kernels on processors that have none: slow, but every lane takes part.
+  option(ONDRIX_EMULATE_AVX512 "Build the AVX-512 kernels on emulated intrinsics (SIMDe)" OFF)
+  if(ONDRIX_EMULATE_AVX512)
+    set(ONDRIX_SIMD_FLAGS_avx512 -march=x86-64-v3 -DODX_EMULATE_AVX512
+      "SHELL:-isystem ${PROJECT_SOURCE_DIR}/tests/emulation")
+  endif()
 elseif(CMAKE_SYSTEM_PROCESSOR MATCHES "^(aarch64|arm64)$")
   set(ONDRIX_SIMD_TARGETS neon)
   set(ONDRIX_SIMD_FLAGS_neon "")

@@ -7,7 +7,7 @@ namespace odx::ODX_TARGET::simd
 
 static bool supported()
 {
-#if defined(__AVX512F__)
+#if defined(__AVX512F__) && !defined(ODX_EMULATE_AVX512)
     return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
            __builtin_cpu_supports("avx512cd") && __builtin_cpu_supports("avx512dq") &&
            __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx2") &&
