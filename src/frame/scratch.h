@@ -7,7 +7,8 @@
 extern "C" {
 
 // Algorithms take and give back scratch blocks through these three. A request never waits: it returns null when
-// every block is lent or memory is short. A block belongs to the thread that took it until that thread returns it.
+// every block is lent or memory is short. An alignment that is no power of two counts as 1. A block belongs to the
+// thread that took it until that thread returns it; releasing null does nothing.
 extern void* (*odxGetScratchBufferAligned_)(uint32_t size, uint32_t alignment);
 extern void* (*odxGetScratchBufferUnaligned_)(uint32_t size);
 extern int (*odxReleaseScratchBuffer_)(void* block);
@@ -21,12 +22,6 @@ extern void* (*odxSharedMemAlloc_)(size_t nBytes, size_t alignment);
 extern int (*odxSharedMemFree_)(void* ptr);
 extern void* (*odxSharedMemAllocR_)(size_t nBytes, size_t alignment);
 extern int (*odxSharedMemFreeR_)(void* ptr);
-
-// Called at every allocation and free; they do nothing.
-void odxHeapStatsInit();
-void odxHeapStatsMalloc(void* block, size_t nBytes);
-void odxHeapStatsFree(void* block);
-void odxHeapStats();
 }
 
 namespace odx
