@@ -7,6 +7,7 @@
 #ifndef ONDRIX_H
 #define ONDRIX_H
 
+#include "ondrix/colorToRgb.h"
 #include "ondrix/descriptors.h"
 #include "ondrix/memory.h"
 #include "ondrix/modes.h"

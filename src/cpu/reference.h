@@ -3,6 +3,7 @@
 #define ODX_CPU_REFERENCE_H
 
 #include "cpu/ondrixBlurC.h"
+#include "cpu/ondrixColorC.h"
 #include "cpu/ondrixDotC.h"
 
 #endif

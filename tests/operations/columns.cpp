@@ -43,7 +43,7 @@ std::vector<Column> allColumns()
 std::vector<Row> allRows()
 {
     std::vector<Row> rows;
-    for (const auto& family : {descriptorRows(), smoothingRows()})
+    for (const auto& family : {colorToRgbRows(), descriptorRows(), smoothingRows()})
         rows.insert(rows.end(), family.begin(), family.end());
     return rows;
 }

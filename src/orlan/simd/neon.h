@@ -51,6 +51,17 @@ ODX_INLINE u8v join(const u16p& p)
     return (u8v)vcombine_u8(vmovn_u16((uint16x8_t)p.a), vmovn_u16((uint16x8_t)p.b));
 }
 
+ODX_INLINE u8v joinClamped(const s16p& p)
+{
+    return (u8v)vcombine_u8(vqmovun_s16((int16x8_t)p.a), vqmovun_s16((int16x8_t)p.b));
+}
+
+ODX_INLINE s16p eachTwice(s16v v)
+{
+    const int16x8x2_t n = vzipq_s16((int16x8_t)v, (int16x8_t)v);
+    return {(s16v)n.val[0], (s16v)n.val[1]};
+}
+
 template <int n>
 ODX_INLINE u8v joinShifted(const u16p& p)
 {
@@ -90,6 +101,27 @@ ODX_INLINE u16v mulHigh(u16v v, uint16_t k)
 ODX_INLINE u16v mulRound(u16v v, int16_t k)
 {
     return (u16v)vqrdmulhq_n_s16((int16x8_t)v, k);
+}
+
+ODX_INLINE s16v mulRound(s16v v, int16_t k)
+{
+    return (s16v)vqrdmulhq_n_s16((int16x8_t)v, k);
+}
+
+template <int n>
+ODX_INLINE s16v dotShift(s16v v, s16v w, int16_t k, int16_t l, int32_t c)
+{
+    const int16x8_t a = (int16x8_t)v, b = (int16x8_t)w;
+    const int32x4_t sum = vdupq_n_s32(c);
+    const int32x4_t low = vmlal_n_s16(vmlal_n_s16(sum, vget_low_s16(a), k), vget_low_s16(b), l),
+                    high = vmlal_n_s16(vmlal_n_s16(sum, vget_high_s16(a), k), vget_high_s16(b), l);
+    return (s16v)vcombine_s16(vshrn_n_s32(low, n), vshrn_n_s32(high, n));
+}
+
+ODX_INLINE u8v reverse(u8v v)
+{
+    const uint8x16_t halves = vrev64q_u8((uint8x16_t)v);
+    return (u8v)vcombine_u8(vget_high_u8(halves), vget_low_u8(halves));
 }
 
 ODX_INLINE u8x2 load2(const uint8_t* p)

@@ -15,10 +15,14 @@
 //   lane
 //                                order: even and odd lanes on x86, halves on ARM. join takes values that fit.
 //   joinShifted<n>(pair)         join(pair >> n)
+//   joinClamped(pair)            join of signed values, clamped to 0..255
+//   eachTwice(v)                 each 16-bit lane for two neighbouring bytes, as a pair in the same order
 //   dot2<a, b>(p)                p[i] * a + p[i + 1] * b for each lane i, as a pair in the same order;
 //                                of bytes: a and b up to 127, 255 * (a + b) up to 32767
 //   mulHigh(v, k)                the upper halves of 16-bit products
-//   mulRound(v, k)               (v * k + 16384) >> 15 for v and k up to 32767
+//   mulRound(v, k)               (v * k + 16384) >> 15 for v and k up to 32767, of u16v and s16v
+//   dotShift<n>(v, w, k, l, c)   (v * k + w * l + c) >> n of s16v, with 32-bit sums; for results that fit 16 bits
+//   reverse(v)                   the last byte first
 //   popCount(v)                  set bits of each byte
 #ifndef ODX_ORLAN_SIMD_SIMD_H
 #define ODX_ORLAN_SIMD_SIMD_H
@@ -79,6 +83,7 @@ struct Pair {
     V a, b;
 };
 typedef Pair<u16v> u16p;
+typedef Pair<s16v> s16p;
 typedef Pair<s32v> s32p;
 typedef Pair<u32v> u32p;
 

@@ -51,6 +51,16 @@ ODX_INLINE void storeNarrow(uint8_t* p, u16v v)
 #endif
 }
 
+// A table of 16 bytes for every lane.
+ODX_INLINE ODX_MI inEachLane(__m128i v)
+{
+#if ODX_VECTOR_BYTES == 64
+    return _mm512_broadcast_i32x4(v);
+#else
+    return _mm256_broadcastsi128_si256(v);
+#endif
+}
+
 // Pairs are the even and the odd lanes.
 ODX_INLINE u16p split(u8v v)
 {
@@ -64,6 +74,18 @@ ODX_INLINE s32p split(s16v v)
 ODX_INLINE u8v join(const u16p& p)
 {
     return (u8v)(p.a | p.b << 8);
+}
+
+ODX_INLINE u8v joinClamped(const s16p& p)
+{
+    const ODX_MI halves = ODX_MM(packus_epi16)((ODX_MI)p.a, (ODX_MI)p.b);
+    return (u8v)ODX_MM(shuffle_epi8)(
+        halves, inEachLane(_mm_setr_epi8(0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15)));
+}
+
+ODX_INLINE s16p eachTwice(s16v v)
+{
+    return {v, v};
 }
 
 template <int n>
@@ -105,6 +127,33 @@ ODX_INLINE u16v mulRound(u16v v, int16_t k)
     return (u16v)ODX_MM(mulhrs_epi16)((ODX_MI)v, ODX_MM(set1_epi16)(k));
 }
 
+ODX_INLINE s16v mulRound(s16v v, int16_t k)
+{
+    return (s16v)ODX_MM(mulhrs_epi16)((ODX_MI)v, ODX_MM(set1_epi16)(k));
+}
+
+template <int n>
+ODX_INLINE s16v dotShift(s16v v, s16v w, int16_t k, int16_t l, int32_t c)
+{
+    const ODX_MI weights = ODX_MM(set1_epi32)((k & 0xFFFF) | (int32_t)((uint32_t)l << 16));
+    const ODX_MI low = ODX_MM(unpacklo_epi16)((ODX_MI)v, (ODX_MI)w),
+                 high = ODX_MM(unpackhi_epi16)((ODX_MI)v, (ODX_MI)w);
+    const s32v sumLow = ((s32v)ODX_MM(madd_epi16)(low, weights) + c) >> n,
+               sumHigh = ((s32v)ODX_MM(madd_epi16)(high, weights) + c) >> n;
+    return (s16v)ODX_MM(packs_epi32)((ODX_MI)sumLow, (ODX_MI)sumHigh);
+}
+
+ODX_INLINE u8v reverse(u8v v)
+{
+    const ODX_MI lanes = ODX_MM(shuffle_epi8)(
+        (ODX_MI)v, inEachLane(_mm_setr_epi8(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0)));
+#if ODX_VECTOR_BYTES == 64
+    return (u8v)_mm512_shuffle_i32x4(lanes, lanes, 0x1B);
+#else
+    return (u8v)_mm256_permute2x128_si256(lanes, lanes, 1);
+#endif
+}
+
 // ---- interleaved channels ----
 //
 // Shuffles work inside lanes of 16 bytes. So a lane gets its own run of 16 pixels: the i-th vector of n holds the
@@ -135,15 +184,6 @@ ODX_INLINE void storeRuns(uint8_t* p, ODX_MI v)
 #endif
     _mm_storeu_si128(lane(0), _mm256_castsi256_si128(low));
     _mm_storeu_si128(lane(1), _mm256_extracti128_si256(low, 1));
-}
-
-ODX_INLINE ODX_MI inEachLane(__m128i v)
-{
-#if ODX_VECTOR_BYTES == 64
-    return _mm512_broadcast_i32x4(v);
-#else
-    return _mm256_broadcastsi128_si256(v);
-#endif
 }
 
 // The even bytes of (v, w), lane by lane, then the odd ones.
@@ -232,12 +272,7 @@ ODX_INLINE void store4(uint8_t* p, u8v a, u8v b, u8v c, u8v d)
 
 ODX_INLINE u8v popCount(u8v v)
 {
-    const __m128i nibbles = _mm_setr_epi8(0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4);
-#if ODX_VECTOR_BYTES == 64
-    const ODX_MI table = _mm512_broadcast_i32x4(nibbles);
-#else
-    const ODX_MI table = _mm256_broadcastsi128_si256(nibbles);
-#endif
+    const ODX_MI table = inEachLane(_mm_setr_epi8(0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4));
     const u8v low = v & 15, high = v >> 4;
     return (u8v)ODX_MM(shuffle_epi8)(table, (ODX_MI)low) + (u8v)ODX_MM(shuffle_epi8)(table, (ODX_MI)high);
 }
