@@ -15,11 +15,19 @@ struct Rgb {
     uint8_t r, g, b;
 };
 
+struct Point {
+    int x, y;
+};
+
 struct Rectangle {
     int x, y, width, height;
 
     int right() const { return x + width; }
     int bottom() const { return y + height; }
+    bool holds(Point point) const
+    {
+        return point.x >= x && point.x < right() && point.y >= y && point.y < bottom();
+    }
     bool meets(const Rectangle& other) const
     {
         return x < other.right() && other.x < right() && y < other.bottom() && other.y < bottom();

@@ -15,7 +15,7 @@ namespace colours
 constexpr Rgb kPaper{20, 23, 29}, kPanel{29, 33, 41}, kLine{54, 61, 74};
 constexpr Rgb kText{234, 237, 243}, kDim{146, 156, 173};
 constexpr Rgb kBars[] = {{224, 164, 88}, {78, 201, 176}, {120, 160, 240}}; // one for each column
-constexpr Rgb kGood{126, 211, 110}, kBad{240, 88, 80}, kMarker{255, 206, 84};
+constexpr Rgb kGood{126, 211, 110}, kBad{240, 88, 80}, kMarker{255, 206, 84}, kMark{255, 72, 88};
 } // namespace colours
 
 struct Bar {

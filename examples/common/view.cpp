@@ -45,11 +45,35 @@ void View::placeInset(const Rectangle& shownDetail, int width, int height)
     }
 }
 
-Picture View::of(const Picture& picture) const
+// Enlarged pixels are framed, others get a dot that is larger than they are.
+void View::drawMark(Picture& view, Point mark) const
+{
+    const int x = (mark.x - part_.x) * enlargement_ / reduction_,
+              y = (mark.y - part_.y) * enlargement_ / reduction_;
+    if (enlargement_ >= kZoom) {
+        frame(view, {x, y, enlargement_, enlargement_}, enlargement_ / kZoom, colours::kMark);
+    } else {
+        fill(view, {x - 1, y - 1, 3, 3}, colours::kMark);
+    }
+}
+
+Picture View::insetOf(const Picture& picture, const std::vector<Point>& marks) const
+{
+    Picture inset = enlarged(picture, detail_, kZoom);
+    for (const Point& mark : marks)
+        if (detail_.holds(mark))
+            fill(inset, {(mark.x - detail_.x) * kZoom, (mark.y - detail_.y) * kZoom, kZoom, kZoom},
+                 colours::kMark);
+    return inset;
+}
+
+Picture View::of(const Picture& picture, const std::vector<Point>& marks) const
 {
     Picture view = enlargement_ > 1 ? enlarged(picture, part_, enlargement_) : reduced(picture, part_, reduction_);
+    for (const Point& mark : marks)
+        if (part_.holds(mark)) drawMark(view, mark);
     if (inset_.width > 0) {
-        place(view, inset_.x, inset_.y, enlarged(picture, detail_, kZoom));
+        place(view, inset_.x, inset_.y, insetOf(picture, marks));
         frame(view, inset_.grown(2), 2, colours::kMarker);
     }
     return view;

@@ -4,6 +4,8 @@
 
 #include "common/picture.h"
 
+#include <vector>
+
 namespace demo
 {
 
@@ -16,11 +18,13 @@ public:
     // Without a detail (an empty rectangle) nothing is enlarged in the corner.
     View(int pictureWidth, int pictureHeight, const Rectangle& detail, int tileWidth, int tileHeight);
 
-    Picture of(const Picture& picture) const;
-    const Rectangle& part() const { return part_; } // what is shown, in the picture's coordinates
+    // With a mark at each of these pixels of the picture.
+    Picture of(const Picture& picture, const std::vector<Point>& marks = {}) const;
 
 private:
     void placeInset(const Rectangle& shownDetail, int width, int height);
+    void drawMark(Picture& view, Point mark) const;
+    Picture insetOf(const Picture& picture, const std::vector<Point>& marks) const;
 
     Rectangle part_, detail_;
     int reduction_ = 1, enlargement_ = 1;

@@ -81,8 +81,7 @@ void showBorders(Stage& stage)
     for (size_t row = 0; row < std::size(kFilters); ++row) {
         switch (row) {
         case 0:
-            stage.showSource("The crop in the picture", "a pointer and the picture's stride",
-                             cropIn(greyPicture, crop));
+            stage.showSource("The crop in the picture", "a pointer and a stride", cropIn(greyPicture, crop));
             break;
         case 1:
             stage.showSource("The crop",

@@ -101,6 +101,7 @@ std::vector<Fact> factsAfter(const Stage& stage)
                             std::to_string(stage.comparisons()) + " comparisons"};
     bytes.mark = stage.identical() == stage.comparisons() ? Mark::good : Mark::bad;
     facts.push_back(bytes);
+    facts.insert(facts.end(), stage.facts().begin(), stage.facts().end());
     facts.push_back({"times", "milliseconds for a million pixels, the best of several turns"});
     return facts;
 }

@@ -26,7 +26,7 @@ void showGaussians(Stage& stage)
     const Plane<uint8_t>& grey = stage.grey();
     stage.beginSection("Gaussian filters",
                        "8 bits a pixel, the border computed from the pixels inside the picture");
-    stage.showSource("The picture in grey", "source of the Gaussians and boxes", pictureOf(grey));
+    stage.showSource("The picture in grey", "what the filters work on", pictureOf(grey));
     for (const Filter& filter : kFilters) {
         Plane<uint8_t> smooth(grey.width(), grey.height());
         const Outcome outcome = stage.run(filter.name, smooth, [&] {

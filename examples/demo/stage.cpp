@@ -49,12 +49,12 @@ void Stage::beginSection(const std::string& title, const std::string& note)
     sheet_.addSection(title, note);
 }
 
-Picture Stage::viewOf(const Picture& picture) const
+Picture Stage::viewOf(const Picture& picture, const std::vector<Point>& marks) const
 {
     const bool whole = picture.width() == picture_.width() && picture.height() == picture_.height();
     const Rectangle none{0, 0, 0, 0};
     return View(picture.width(), picture.height(), whole ? detail_ : none, Sheet::kTileWidth, Sheet::kTileHeight)
-        .of(picture);
+        .of(picture, marks);
 }
 
 void Stage::showSource(const std::string& title, const std::string& note, const Picture& picture)
@@ -66,7 +66,8 @@ void Stage::showSource(const std::string& title, const std::string& note, const 
     sheet_.add(std::move(tile));
 }
 
-void Stage::show(const std::string& title, const Outcome& outcome, const Picture& result)
+void Stage::show(const std::string& title, const Outcome& outcome, const Picture& result,
+                 const std::vector<Point>& marks)
 {
     ++comparisons_;
     identical_ += outcome.identical;
@@ -80,7 +81,7 @@ void Stage::show(const std::string& title, const Outcome& outcome, const Picture
     if (outcome.refused()) {
         tile.message = outcome.trials.front().refusal;
     } else {
-        tile.picture = viewOf(result);
+        tile.picture = viewOf(result, marks);
         tile.badge = speedUpText(outcome);
     }
     for (size_t i = 0; i < outcome.trials.size(); ++i) {

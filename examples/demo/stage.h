@@ -42,7 +42,10 @@ public:
         return run(operation, {{destination.data(), destination.bytes()}}, pixels, call);
     }
     // A line of the table and a tile.
-    void show(const std::string& title, const Outcome& outcome, const Picture& result);
+    void show(const std::string& title, const Outcome& outcome, const Picture& result,
+              const std::vector<Point>& marks = {});
+    // A line below the table and in the head of the sheet.
+    void addFact(const std::string& name, const std::string& text) { facts_.push_back({name, text}); }
 
     const std::vector<Column>& columns() const { return columns_; }
     unsigned comparisons() const { return comparisons_; }
@@ -50,10 +53,11 @@ public:
     unsigned refused() const { return refused_; }
     // The implementations that a column's calls took, in words: "19 ORLAN, 2 CPU".
     std::string implementations(size_t column) const;
+    const std::vector<Fact>& facts() const { return facts_; }
     Sheet& sheet() { return sheet_; }
 
 private:
-    Picture viewOf(const Picture& picture) const;
+    Picture viewOf(const Picture& picture, const std::vector<Point>& marks = {}) const;
     void printLine(const Outcome& outcome) const;
 
     const Picture& picture_;
@@ -62,6 +66,7 @@ private:
     std::vector<Column> columns_;
     std::vector<std::map<std::string, unsigned>> implementations_; // calls of each, for each column
     unsigned comparisons_ = 0, identical_ = 0, refused_ = 0;
+    std::vector<Fact> facts_;
     Sheet sheet_;
 };
 

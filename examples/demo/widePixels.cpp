@@ -85,7 +85,7 @@ void showWidePixels(Stage& stage)
                        "signed values of 16 and 32 bits: what gradients are made of");
     stage.showSource("Horizontal slope, 16 bits", "orange rises, blue falls", pictureOf(slope, signedColour));
     showFilter(stage, {"Gaussian 5x5, 16 bits", NAMED(odxFilterGaussian5x5s16_v2)}, slope, signedColour);
-    stage.showSource("Edge energy, 32 bits", "squared length of the gradient", pictureOf(energy, heatColour));
+    stage.showSource("Edge energy, 32 bits", "squared gradient", pictureOf(energy, heatColour));
     showFilter(stage, {"Gaussian 5x5, 32 bits", NAMED(odxFilterGaussian5x5s32_v2)}, energy, heatColour);
 }
 
