@@ -14,17 +14,17 @@ namespace odx::color
 
 // Every way from luma and chroma to RGB is this formula, with constants of its own:
 //     chroma = chromaScale * sample - chromaOrigin
-//     channel = clamp((gain * max(luma, darkest) + weights * chroma + offset) >> shift)
+//     channel = clamp((gain * (max(luma, darkest) - black) + weights * chroma + rounding) >> shift)
 struct Scheme {
-    int32_t shift, gain, darkest;
+    int32_t shift, rounding;
+    int32_t gain, darkest, black;
     int32_t chromaScale, chromaOrigin;
     int32_t redCr, greenCb, greenCr, blueCb;
-    int32_t offset;
 };
-constexpr Scheme kFullRange = {8, 256, 0, 1, 128, 359, -88, -183, 454, 128};
-constexpr Scheme kVideoRange = {8, 298, 0, 1, 128, 409, -100, -208, 517, -16 * 298};
-constexpr Scheme kVideoRangeFine = {10, 1192, 16, 1, 128, 1634, -400, -833, 2066, -16 * 1192};
-constexpr Scheme kJpeg = {15, 32768, 0, 2, 255, 22970, -5638, -11700, 29032, 16384};
+constexpr Scheme kFullRange = {8, 128, 256, 0, 0, 1, 128, 359, -88, -183, 454};
+constexpr Scheme kVideoRange = {8, 0, 298, 0, 16, 1, 128, 409, -100, -208, 517};
+constexpr Scheme kVideoRangeFine = {10, 0, 1192, 16, 16, 1, 128, 1634, -400, -833, 2066};
+constexpr Scheme kJpeg = {15, 16384, 32768, 0, 0, 2, 255, 22970, -5638, -11700, 29032};
 
 // What a pair of chroma samples adds to the luma of each pixel that it covers.
 struct Terms {
@@ -35,7 +35,7 @@ template <const Scheme& s>
 ODX_COLOR_INLINE Terms termsOf(uint8_t cb, uint8_t cr)
 {
     const int32_t u = s.chromaScale * cb - s.chromaOrigin, v = s.chromaScale * cr - s.chromaOrigin;
-    return {s.redCr * v + s.offset, s.greenCb * u + s.greenCr * v + s.offset, s.blueCb * u + s.offset};
+    return {s.redCr * v, s.greenCb * u + s.greenCr * v, s.blueCb * u};
 }
 
 template <const Scheme& s>
@@ -82,7 +82,7 @@ struct RGB565 {
 template <const Scheme& s, class Pixel>
 ODX_COLOR_INLINE void convertPixel(uint8_t y, const Terms& terms, uint8_t* dst)
 {
-    const int32_t luma = s.gain * (y < s.darkest ? s.darkest : y);
+    const int32_t luma = s.gain * ((y < s.darkest ? s.darkest : y) - s.black) + s.rounding;
     Pixel::pack(channelOf<s>(luma, terms.red), channelOf<s>(luma, terms.green), channelOf<s>(luma, terms.blue),
                 [=](auto... bytes) mutable { ((*dst++ = static_cast<uint8_t>(bytes)), ...); });
 }

@@ -11,9 +11,9 @@ using namespace color;
 
 // ---- arithmetic ----
 
-// What chroma adds to luma, in 16 bits. A gain is 2^shift + rest, so that
-//     (gain * luma + term) >> shift = luma + whole + ((rest * luma + fraction) >> shift),
-// where term = whole * 2^shift + fraction, and rest * luma + fraction fits 16 bits.
+// A gain is 2^shift + rest, and a weighted sum of chroma is whole * 2^shift + fraction, so that
+//     (gain * luma + sum) >> shift = luma + whole + ((rest * luma + fraction) >> shift),
+// all in 16 bits. Where there is no rest, `whole` is the rounded sum.
 struct Term {
     s16v whole;
     u16v fraction;
@@ -29,22 +29,48 @@ struct TermsPair {
 };
 
 template <const Scheme& s>
-constexpr uint16_t kRest = (uint16_t)(s.gain - (1 << s.shift));
+constexpr int32_t kRest = s.gain - (1 << s.shift);
+
+// The multiple of 2^shift that is nearest to a weight.
+template <const Scheme& s>
+constexpr int32_t nearest(int32_t weight)
+{
+    return (weight + (1 << s.shift) / 2) >> s.shift;
+}
+// What is left of it.
+template <const Scheme& s>
+constexpr int32_t left(int32_t weight)
+{
+    return weight - nearest<s>(weight) * (1 << s.shift);
+}
+// Whether the sum of what is left of the weights fits 16 bits, with chroma of up to 128.
+template <const Scheme& s>
+constexpr bool leavesLittle(int32_t weightU, int32_t weightV)
+{
+    const int32_t u = left<s>(weightU), v = left<s>(weightV);
+    return s.chromaScale == 1 && 128 * ((u < 0 ? -u : u) + (v < 0 ? -v : v)) + s.rounding <= 32767;
+}
 
 template <const Scheme& s, int32_t weightU, int32_t weightV>
 ODX_INLINE Term term(s16v u, s16v v)
 {
-    constexpr bool rounds = s.offset == 1 << (s.shift - 1);
+    constexpr bool single = weightU == 0 || weightV == 0;
+    const s16v chroma = weightU == 0 ? v : u;
+    constexpr int32_t weight = weightU + weightV; // of `chroma`
     Term t = {};
-    if constexpr (rounds && weightU == 0) {
-        t.whole = mulRound(v << (15 - s.shift), weightV);
-    } else if constexpr (rounds && weightV == 0) {
-        t.whole = mulRound(u << (15 - s.shift), weightU);
+    if constexpr (single && s.rounding != 0) {
+        static_assert(s.rounding == 1 << (s.shift - 1));
+        t.whole = mulRound(chroma << (15 - s.shift), weight);
+    } else if constexpr (single) {
+        t.whole = mulHigh(chroma << (16 - s.shift), weight);
+    } else if constexpr (leavesLittle<s>(weightU, weightV)) {
+        const s16v rest = u * (int16_t)left<s>(weightU) + v * (int16_t)left<s>(weightV) + (int16_t)s.rounding;
+        t.whole = u * (int16_t)nearest<s>(weightU) + v * (int16_t)nearest<s>(weightV) + (rest >> s.shift);
     } else {
-        t.whole = dotShift<s.shift>(u, v, weightU, weightV, s.offset);
+        t.whole = dotShift<s.shift>(u, v, weightU, weightV, s.rounding);
     }
     if constexpr (kRest<s> != 0) {
-        const u16v sum = (u16v)u * (uint16_t)weightU + (u16v)v * (uint16_t)weightV + (uint16_t)s.offset;
+        const u16v sum = (u16v)u * (uint16_t)weightU + (u16v)v * (uint16_t)weightV; // its low bits
         t.fraction = sum & (uint16_t)((1 << s.shift) - 1);
     }
     return t;
@@ -59,15 +85,21 @@ ODX_INLINE TermsV termsOf(u16v cb, u16v cr)
 }
 
 template <const Scheme& s>
-ODX_INLINE s16v channel(u16v luma, const Term& term)
+ODX_INLINE s16v channel(s16v luma, const Term& term)
 {
-    s16v value = (s16v)luma + term.whole;
-    if constexpr (kRest<s> != 0) value += (s16v)((luma * kRest<s> + term.fraction) >> s.shift);
+    s16v value = luma + term.whole;
+    if constexpr (kRest<s> != 0) {
+        // The sum is negative only below black, and needs a 16th bit only where that cannot be.
+        constexpr bool negative = s.darkest < s.black;
+        static_assert(kRest<s> * (255 - s.black) + (1 << s.shift) <= (negative ? 32767 : 65535));
+        const u16v sum = (u16v)luma * (uint16_t)kRest<s> + term.fraction;
+        value += negative ? (s16v)sum >> s.shift : (s16v)(sum >> s.shift);
+    }
     return value;
 }
 
 template <const Scheme& s>
-ODX_INLINE u8v channel(const u16p& luma, const Term& a, const Term& b)
+ODX_INLINE u8v channel(const s16p& luma, const Term& a, const Term& b)
 {
     return joinClamped({channel<s>(luma.a, a), channel<s>(luma.b, b)});
 }
@@ -78,7 +110,8 @@ ODX_INLINE void convertLuma(const uint8_t* y, const TermsPair& t, uint8_t* dst)
 {
     u8v bytes = load<u8v>(y);
     if constexpr (s.darkest != 0) bytes = max(bytes, u8v{} + (uint8_t)s.darkest);
-    const u16p luma = split(bytes);
+    const u16p split16 = split(bytes);
+    const s16p luma = {(s16v)split16.a - (int16_t)s.black, (s16v)split16.b - (int16_t)s.black};
     u8v red = channel<s>(luma, t.a.red, t.b.red), green = channel<s>(luma, t.a.green, t.b.green),
         blue = channel<s>(luma, t.a.blue, t.b.blue);
     if constexpr (backward) {
@@ -283,79 +316,69 @@ void odxColorYUV420toRGB8888u8V(const uint8_t* src, uint32_t width, uint32_t hei
 }
 
 // ---- coded blocks ----
+//
+// Units are laid out as a planar image, a piece of a row of units at a time, which is then converted as any other.
 
-// Each byte of four twice.
-ODX_INLINE uint64_t spread(const uint8_t* four)
+// Pixels of a piece. A remainder that is narrower than a vector is converted with the piece before it.
+constexpr uint32_t kPiece = 256;
+
+template <class Unit>
+struct PlanarUnits {
+    static constexpr size_t kWidth = kPiece + 64, kChromaWidth = kWidth / Unit::kAcross;
+    uint8_t y[Unit::kHeight * kWidth], cb[8 * kChromaWidth], cr[8 * kChromaWidth];
+};
+
+ODX_INLINE void copyBlock(const uint8_t* block, uint8_t* dst, size_t stride)
 {
-    uint32_t bytes;
-    memcpy(&bytes, four, sizeof bytes);
-    uint64_t x = bytes;
-    x = (x | x << 16) & 0x0000FFFF0000FFFFu;
-    x = (x | x << 8) & 0x00FF00FF00FF00FFu;
-    return x | x << 8;
+    for (uint32_t row = 0; row < 8; ++row)
+        memcpy(dst + stride * row, block + 8 * row, 8);
 }
 
-// The chroma of one luma block, enlarged to its size.
 template <class Unit>
-ODX_INLINE void enlarge(const uint8_t* chroma, uint32_t blockX, uint32_t blockY, uint8_t* enlarged)
+ODX_INLINE void layOut(const uint8_t* unit, size_t units, PlanarUnits<Unit>& planes)
 {
-    chroma += 8 / Unit::kDown * 8 * blockY + 8 / Unit::kAcross * blockX;
-    for (uint32_t row = 0; row < 8; ++row) {
-        const uint8_t* from = chroma + 8 * (row / Unit::kDown);
-        if constexpr (Unit::kAcross == 1) {
-            memcpy(enlarged + 8 * row, from, 8);
-        } else {
-            const uint64_t x = spread(from);
-            memcpy(enlarged + 8 * row, &x, 8);
+    using Planes = PlanarUnits<Unit>;
+    for (size_t i = 0; i < units; ++i, unit += Unit::kSize) {
+        for (size_t block = 0; block < Unit::kAcross * Unit::kDown; ++block) {
+            uint8_t* const rows = planes.y + 8 * Planes::kWidth * (block / Unit::kAcross);
+            copyBlock(unit + 64 * block, rows + Unit::kWidth * i + 8 * (block % Unit::kAcross), Planes::kWidth);
         }
+        copyBlock(unit + Unit::kCb, planes.cb + 8 * i, Planes::kChromaWidth);
+        copyBlock(unit + Unit::kCr, planes.cr + 8 * i, Planes::kChromaWidth);
     }
 }
 
-// A block, as 8 rows of 8 pixels one after the other.
-ODX_INLINE void convertBlock(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* pixels)
-{
-    for (uint32_t i = 0; i < 64; i += kBytes)
-        convertLuma<kJpeg, RGB888, false>(y + i, fullTerms<kJpeg, Chroma::Planes>(cb, cr, i), pixels + 3 * i);
-}
-
+// False for an image that is too narrow.
 template <class Unit>
-ODX_INLINE void convertUnit(const uint8_t* unit, uint8_t* dst, size_t stride, size_t columns, size_t rows)
+ODX_INLINE bool convertUnits(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst)
 {
-    for (uint32_t blockY = 0; blockY < Unit::kDown && rows > 8 * blockY; ++blockY) {
-        for (uint32_t blockX = 0; blockX < Unit::kAcross && columns > 8 * blockX; ++blockX) {
-            uint8_t cb[64], cr[64], pixels[3 * 64];
-            enlarge<Unit>(unit + Unit::kCb, blockX, blockY, cb);
-            enlarge<Unit>(unit + Unit::kCr, blockX, blockY, cr);
-            convertBlock(unit + 64 * (Unit::kAcross * blockY + blockX), cb, cr, pixels);
-            const size_t blockColumns = columns - 8 * blockX, blockRows = rows - 8 * blockY;
-            uint8_t* out = rowOf(dst, stride, 8 * blockY) + 3 * 8 * blockX;
-            for (uint32_t row = 0; row < 8 && row < blockRows; ++row, out += stride) {
-                if (blockColumns >= 8) {
-                    memcpy(out, pixels + 24 * row, 24);
-                } else {
-                    memcpy(out, pixels + 24 * row, 3 * blockColumns);
-                }
-            }
-        }
-    }
-}
-
-template <class Unit>
-ODX_INLINE void convertUnits(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst)
-{
-    const size_t stride = 3 * size_t{width};
+    using Planes = PlanarUnits<Unit>;
+    using L = Layout<Unit::kAcross, Unit::kDown, Chroma::Planes, true>;
+    static_assert(kBytes <= 64);
+    if (width < kBytes + 1) return false; // an odd width has a vector and a pixel
+    Planes planes;
+    Frame piece = {
+        planes.y, planes.cb, planes.cr, 0, 0, Planes::kWidth, Planes::kChromaWidth, Planes::kChromaWidth,
+        dst,      3 * width};
     for (size_t y = 0; y < height; y += Unit::kHeight, src += Unit::rowSize(width)) {
-        const uint8_t* unit = src;
-        for (size_t x = 0; x < width; x += Unit::kWidth, unit += Unit::kSize)
-            convertUnit<Unit>(unit, rowOf(dst, stride, y) + 3 * x, stride, width - x, height - y);
+        piece.height = height - y < Unit::kHeight ? (uint32_t)(height - y) : Unit::kHeight;
+        for (size_t x = 0; x < width; x += piece.width) {
+            piece.width = width - x < Planes::kWidth ? (uint32_t)(width - x) : kPiece;
+            piece.dst = rowOf(dst, 3 * size_t{width}, y) + 3 * x;
+            layOut<Unit>(src + Unit::kSize * (x / Unit::kWidth), (piece.width + Unit::kWidth - 1) / Unit::kWidth,
+                         planes);
+            convert<kJpeg, RGB888, L>(piece, piece.height);
+        }
     }
+    return true;
 }
 
 #define ODX_COLOR_UNITS(across, down)                                                                      \
     void odxColorYCrCbH##across##V##down##toRGB888u8V(const uint8_t* src, uint32_t width, uint32_t height, \
                                                       uint8_t* dst)                                        \
     {                                                                                                      \
-        convertUnits<Units<across, down>>(src, width, height, dst);                                        \
+        if (!convertUnits<Units<across, down>>(src, width, height, dst))                                   \
+            odxColorYCrCbH##across##V##down##toRGB888u8C(src, width, height, dst);                         \
     }
 ODX_COLOR_UNITS(1, 1)
 ODX_COLOR_UNITS(2, 2)

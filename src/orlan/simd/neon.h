@@ -103,6 +103,10 @@ ODX_INLINE u16v mulRound(u16v v, int16_t k)
     return (u16v)vqrdmulhq_n_s16((int16x8_t)v, k);
 }
 
+ODX_INLINE s16v mulHigh(s16v v, int16_t k)
+{
+    return (s16v)vshrq_n_s16(vqdmulhq_n_s16((int16x8_t)v, k), 1); // doubled first
+}
 ODX_INLINE s16v mulRound(s16v v, int16_t k)
 {
     return (s16v)vqrdmulhq_n_s16((int16x8_t)v, k);

@@ -19,7 +19,7 @@
 //   eachTwice(v)                 each 16-bit lane for two neighbouring bytes, as a pair in the same order
 //   dot2<a, b>(p)                p[i] * a + p[i + 1] * b for each lane i, as a pair in the same order;
 //                                of bytes: a and b up to 127, 255 * (a + b) up to 32767
-//   mulHigh(v, k)                the upper halves of 16-bit products
+//   mulHigh(v, k)                the upper halves of 16-bit products, of u16v and s16v
 //   mulRound(v, k)               (v * k + 16384) >> 15 for v and k up to 32767, of u16v and s16v
 //   dotShift<n>(v, w, k, l, c)   (v * k + w * l + c) >> n of s16v, with 32-bit sums; for results that fit 16 bits
 //   reverse(v)                   the last byte first

@@ -127,6 +127,10 @@ ODX_INLINE u16v mulRound(u16v v, int16_t k)
     return (u16v)ODX_MM(mulhrs_epi16)((ODX_MI)v, ODX_MM(set1_epi16)(k));
 }
 
+ODX_INLINE s16v mulHigh(s16v v, int16_t k)
+{
+    return (s16v)ODX_MM(mulhi_epi16)((ODX_MI)v, ODX_MM(set1_epi16)(k));
+}
 ODX_INLINE s16v mulRound(s16v v, int16_t k)
 {
     return (s16v)ODX_MM(mulhrs_epi16)((ODX_MI)v, ODX_MM(set1_epi16)(k));
