@@ -26,11 +26,22 @@ Rgb meanOf(const Picture& picture, int left, int top, int right, int bottom)
     return {rounded(r), rounded(g), rounded(b)};
 }
 
-// How much a pixel looks like a corner: the smaller of its differences to the right and downwards.
-int cornerness(const Plane<uint8_t>& grey, unsigned x, unsigned y)
+// How much the gradients in a window differ in direction: nothing for a single edge.
+double detailIn(const Plane<uint8_t>& grey, const Rectangle& window)
 {
-    const int here = grey.at(x, y);
-    return std::min(abs(grey.at(x + 1, y) - here), abs(grey.at(x, y + 1) - here));
+    double xx = 0, yy = 0, xy = 0;
+    for (int y = window.y; y < window.bottom(); ++y) {
+        for (int x = window.x; x < window.right(); ++x) {
+            const auto pixel = [&](int dx, int dy) {
+                return grey.at(static_cast<unsigned>(x + dx), static_cast<unsigned>(y + dy));
+            };
+            const int dx = pixel(1, 0) - pixel(0, 0), dy = pixel(0, 1) - pixel(0, 0);
+            xx += dx * dx;
+            yy += dy * dy;
+            xy += dx * dy;
+        }
+    }
+    return xx * yy - xy * xy;
 }
 
 } // namespace
@@ -107,16 +118,14 @@ Rectangle mostDetailed(const Plane<uint8_t>& grey, int width, int height)
     // The search stays away from the rim, where a window about the place would have nothing to show on one side.
     const int marginX = fullWidth / 6, marginY = fullHeight / 6;
     Rectangle best = windowAbout(fullWidth / 2, fullHeight / 2, width, height, fullWidth, fullHeight);
-    int64_t most = -1;
+    double most = -1;
     for (int top = marginY; top + height < fullHeight - marginY; top += height / 2) {
         for (int left = marginX; left + width < fullWidth - marginX; left += width / 2) {
-            int64_t sum = 0;
-            for (int y = top; y < top + height; ++y)
-                for (int x = left; x < left + width; ++x)
-                    sum += cornerness(grey, static_cast<unsigned>(x), static_cast<unsigned>(y));
-            if (sum > most) {
-                most = sum;
-                best = {left, top, width, height};
+            const Rectangle window{left, top, width, height};
+            const double detail = detailIn(grey, window);
+            if (detail > most) {
+                most = detail;
+                best = window;
             }
         }
     }
