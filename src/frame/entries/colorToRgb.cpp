@@ -24,8 +24,6 @@ bool gpuFits(uint32_t width, Addresses... addresses)
 
 extern "C" {
 
-// clang-format off: the text of a check is logged as it stands.
-
 // The conversions of planar images: chromaWidth is the length of a chroma row in bytes, pixelSize that of a pixel.
 #define ODX_PLANAR(name, chromaWidth, pixelSize)                                                                 \
     void name(const uint8_t* srcY, const uint8_t* srcCb, const uint8_t* srcCr, uint32_t srcWidth,                \
@@ -47,15 +45,18 @@ extern "C" {
         call(srcY, srcCb, srcCr, srcWidth, srcHeight, srcYStride, srcCbStride, srcCrStride, dst, dstStride);     \
     }
 
+// The widths stand in the text of the checks.
+// clang-format off
 ODX_PLANAR(odxColorYCbCr444PlanarToRGB565u8, srcWidth, 2)
 ODX_PLANAR(odxColorYCbCr444PlanarToRGB888u8, srcWidth, 3)
 ODX_PLANAR(odxColorYCbCr444PlanarToRGBA8888u8, srcWidth, 4)
-ODX_PLANAR(odxColorYCbCr422PlanarToRGB565u8, (srcWidth + 1) / 2, 2)
-ODX_PLANAR(odxColorYCbCr422PlanarToRGB888u8, (srcWidth + 1) / 2, 3)
-ODX_PLANAR(odxColorYCbCr422PlanarToRGBA8888u8, (srcWidth + 1) / 2, 4)
-ODX_PLANAR(odxColorYCbCr420PlanarToRGB565u8, (srcWidth + 1) / 2, 2)
-ODX_PLANAR(odxColorYCbCr420PlanarToRGB888u8, (srcWidth + 1) / 2, 3)
-ODX_PLANAR(odxColorYCbCr420PlanarToRGBA8888u8, (srcWidth + 1) / 2, 4)
+ODX_PLANAR(odxColorYCbCr422PlanarToRGB565u8, (srcWidth+1)/2, 2)
+ODX_PLANAR(odxColorYCbCr422PlanarToRGB888u8, (srcWidth+1)/2, 3)
+ODX_PLANAR(odxColorYCbCr422PlanarToRGBA8888u8, (srcWidth+1)/2, 4)
+ODX_PLANAR(odxColorYCbCr420PlanarToRGB565u8, (srcWidth+1)/2, 2)
+ODX_PLANAR(odxColorYCbCr420PlanarToRGB888u8, (srcWidth+1)/2, 3)
+ODX_PLANAR(odxColorYCbCr420PlanarToRGBA8888u8, (srcWidth+1)/2, 4)
+// clang-format on
 #undef ODX_PLANAR
 
 // The conversions of pseudo-planar images.
@@ -74,15 +75,17 @@ ODX_PLANAR(odxColorYCbCr420PlanarToRGBA8888u8, (srcWidth + 1) / 2, 4)
         call(srcY, srcC, srcWidth, srcHeight, srcYStride, srcCStride, dst, dstStride);                           \
     }
 
-ODX_PSEUDO_PLANAR(odxColorYCbCr444PseudoPlanarToRGB565u8, srcWidth * 2, 2)
-ODX_PSEUDO_PLANAR(odxColorYCbCr444PseudoPlanarToRGB888u8, srcWidth * 2, 3)
-ODX_PSEUDO_PLANAR(odxColorYCbCr444PseudoPlanarToRGBA8888u8, srcWidth * 2, 4)
+// clang-format off
+ODX_PSEUDO_PLANAR(odxColorYCbCr444PseudoPlanarToRGB565u8, srcWidth*2, 2)
+ODX_PSEUDO_PLANAR(odxColorYCbCr444PseudoPlanarToRGB888u8, srcWidth*2, 3)
+ODX_PSEUDO_PLANAR(odxColorYCbCr444PseudoPlanarToRGBA8888u8, srcWidth*2, 4)
 ODX_PSEUDO_PLANAR(odxColorYCbCr422PseudoPlanarToRGB565u8, srcWidth, 2)
 ODX_PSEUDO_PLANAR(odxColorYCbCr422PseudoPlanarToRGB888u8, srcWidth, 3)
 ODX_PSEUDO_PLANAR(odxColorYCbCr422PseudoPlanarToRGBA8888u8, srcWidth, 4)
 ODX_PSEUDO_PLANAR(odxColorYCbCr420PseudoPlanarToRGB565u8, srcWidth, 2)
 ODX_PSEUDO_PLANAR(odxColorYCbCr420PseudoPlanarToRGB888u8, srcWidth, 3)
 ODX_PSEUDO_PLANAR(odxColorYCbCr420PseudoPlanarToRGBA8888u8, srcWidth, 4)
+// clang-format on
 #undef ODX_PSEUDO_PLANAR
 
 // The conversions of images in one packed buffer.
@@ -104,7 +107,6 @@ ODX_SINGLE_BUFFER(odxColorYCrCbH2V2toRGB888u8)
 ODX_SINGLE_BUFFER(odxColorYCrCbH2V1toRGB888u8)
 ODX_SINGLE_BUFFER(odxColorYCrCbH1V2toRGB888u8)
 #undef ODX_SINGLE_BUFFER
-// clang-format on
 
 void odxColorYCrCb420PseudoPlanarToRGB8888u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
                                              uint32_t srcYStride, uint32_t srcCStride, uint8_t* dst,
