@@ -22,6 +22,7 @@
 
 #include "frame/log.h"
 #include "frame/operations.h"
+#include "frame/shared.h"
 #include "frame/tables.h"
 #include "ondrix/types.h"
 
@@ -73,19 +74,19 @@ class Call
     static uint32_t selected()
     {
         if constexpr (kNumber < kPublicSlots) {
-            return odxImplTable[kNumber];
+            return current(odxImplTable[kNumber]);
         } else {
-            return odxInternalImplTable[kNumber - kPublicSlots];
+            return current(odxInternalImplTable[kNumber - kPublicSlots]);
         }
     }
 
     static Function* entry(uint32_t impl)
     {
         if constexpr (kNumber < kPublicSlots) {
-            return reinterpret_cast<Function*>(odxFuncTable.entry[kNumber * kImplementations + impl]);
+            return reinterpret_cast<Function*>(current(odxFuncTable.entry[kNumber * kImplementations + impl]));
         } else {
             return reinterpret_cast<Function*>(
-                odxInternalFuncTable.entry[(kNumber - kPublicSlots) * kImplementations + impl]);
+                current(odxInternalFuncTable.entry[(kNumber - kPublicSlots) * kImplementations + impl]));
         }
     }
 
@@ -94,10 +95,11 @@ public:
     Call(const char* name, RemoteFits remoteFits, GpuFits gpuFits) : name_(name), impl_(selected())
     {
         if (__builtin_expect(impl_ > ODX_IMPL_ORLAN, 0)) {
-            const bool fits = impl_ == ODX_IMPL_GPU ? gpuFits() : HW_constraint_checks_enable == 0 || remoteFits();
+            const bool fits =
+                impl_ == ODX_IMPL_GPU ? gpuFits() : current(HW_constraint_checks_enable) == 0 || remoteFits();
             if (!fits) impl_ = ODX_IMPL_ORLAN;
         }
-        if (__builtin_expect(libLogPrint != 0, 0)) logDispatch(name_, impl_);
+        if (__builtin_expect(current(libLogPrint) != 0, 0)) logDispatch(name_, impl_);
     }
 
     // Calls the chosen implementation. A status operation that its implementation does not handle goes to the SIMD

@@ -1,5 +1,7 @@
 #include "frame/log.h"
 
+#include "frame/shared.h"
+
 #include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
@@ -33,7 +35,7 @@ namespace odx
 
 void readLogSwitch()
 {
-    libLogPrint = platform::propertyNumber("vendor.runtime.ondrix.log") != 0 ? 1 : 0;
+    publish(libLogPrint, platform::propertyNumber("vendor.runtime.ondrix.log") != 0 ? 1 : 0);
 }
 
 void fatalAssertion(const char* source, int line, const char* text)

@@ -4,6 +4,7 @@
 #include "dsp/dsp.h"
 #include "frame/hardware.h"
 #include "frame/log.h"
+#include "frame/shared.h"
 #include "frame/tables.h"
 
 #include <initializer_list>
@@ -58,10 +59,10 @@ void fillTables(unsigned hw)
 void resetIndices()
 {
     for (uint32_t entry = 0; entry < kInternalEntries; ++entry) {
-        if (entry != 11) odxInternalImplTable[entry] = ODX_IMPL_CPU;
+        if (entry != 11) odx::publish(odxInternalImplTable[entry], ODX_IMPL_CPU);
     }
     for (uint32_t slot = 0; slot < kPublicSlots; ++slot) {
-        if (slot != 362 && slot != 363) odxImplTable[slot] = ODX_IMPL_CPU;
+        if (slot != 362 && slot != 363) odx::publish(odxImplTable[slot], ODX_IMPL_CPU);
     }
 }
 
@@ -138,7 +139,7 @@ extern "C" {
 int odxSelectMode(int32_t mode)
 {
     odxSetHWFlag(1);
-    nOdxAvailableProc = odxAvailableProcessors();
+    odx::publish(nOdxAvailableProc, odxAvailableProcessors());
     odx::readLogSwitch();
     const unsigned hw = odxAvailableHardware(mode);
     if (unusable(hw)) return kUnusableProcessor;
@@ -235,7 +236,7 @@ void odxGetVersion(char* version, unsigned int versionLength)
 
 void odxSetHWFlag(unsigned int flag)
 {
-    HW_constraint_checks_enable = flag;
+    odx::publish(HW_constraint_checks_enable, flag);
     odxUpdateZ9ConstraintCheckFlag(flag);
 }
 }

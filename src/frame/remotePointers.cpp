@@ -3,6 +3,7 @@
 #include "dsp/dsp.h"
 #include "frame/hardware.h"
 #include "frame/operations.h"
+#include "frame/shared.h"
 
 extern "C" {
 #define ODX_REMOTE_POINTER(name, variant) __attribute__((visibility("default"))) void* name##R_ = nullptr;
@@ -44,7 +45,7 @@ constexpr ListPosition kCpuOffload[] = {
 
 void point(const RemotePointer& remote)
 {
-    *remote.pointer = odx::dspVariant(remote.variant);
+    odx::publish(*remote.pointer, odx::dspVariant(remote.variant));
 }
 
 template <size_t n>
@@ -61,9 +62,9 @@ void useRemote(ODX_FUNC_MANAGER* manager, uint32_t number)
     // A record with shorter tables is filled as far as it reaches.
     if (number >= kPublicSlots) {
         const uint32_t entry = number - kPublicSlots;
-        if (entry < manager->internalEntries) manager->internalImplTable[entry] = ODX_IMPL_XDSP;
+        if (entry < manager->internalEntries) odx::publish(manager->internalImplTable[entry], ODX_IMPL_XDSP);
     } else if (number < manager->publicSlots) {
-        manager->implTable[number] = ODX_IMPL_XDSP;
+        odx::publish(manager->implTable[number], ODX_IMPL_XDSP);
     }
 }
 

@@ -4,6 +4,7 @@
 #include "frame/helpers.h"
 #include "frame/log.h"
 #include "frame/operations.h"
+#include "frame/shared.h"
 #include "orlan/targets.h"
 
 extern "C" {
@@ -92,7 +93,7 @@ void uCTable(ODX_FUNC_TABLE* funcTable, ODX_INTERNAL_FUNC_TABLE* internalTable, 
         void*& entry = listed.number < kPublicSlots
                            ? funcTable->entry[listed.number * kImplementations + column]
                            : internalTable->entry[(listed.number - kPublicSlots) * kImplementations + column];
-        entry = listed.reference;
+        odx::publish(entry, listed.reference);
     }
 }
 
@@ -116,9 +117,9 @@ void uVIndex()
     for (const Listed& listed : kListed) {
         if (listed.simdIndex == ODX_IMPL_CPU) continue;
         if (listed.number < kPublicSlots) {
-            odxImplTable[listed.number] = listed.simdIndex;
+            odx::publish(odxImplTable[listed.number], listed.simdIndex);
         } else {
-            odxInternalImplTable[listed.number - kPublicSlots] = listed.simdIndex;
+            odx::publish(odxInternalImplTable[listed.number - kPublicSlots], listed.simdIndex);
         }
     }
 }

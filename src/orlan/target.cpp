@@ -3,6 +3,7 @@
 
 #include "frame/helpers.h"
 #include "frame/operations.h"
+#include "frame/shared.h"
 #include "orlan/simd/target.h"
 
 namespace odx::ODX_TARGET
@@ -18,9 +19,9 @@ namespace odx::ODX_TARGET
 static void fillColumn([[maybe_unused]] void** publicColumn, [[maybe_unused]] void** internalColumn)
 {
 #define ODX_OPERATION(slot, name, family, index, columns) \
-    ODX_IF_##columns##_V(publicColumn[slot * kImplementations] = reinterpret_cast<void*>(&name##V);)
+    ODX_IF_##columns##_V(publish(publicColumn[slot * kImplementations], reinterpret_cast<void*>(&name##V));)
 #define ODX_INTERNAL(entry, name, family, index, columns) \
-    ODX_IF_##columns##_V(internalColumn[entry * kImplementations] = reinterpret_cast<void*>(&name##V);)
+    ODX_IF_##columns##_V(publish(internalColumn[entry * kImplementations], reinterpret_cast<void*>(&name##V));)
 #include "frame/operations.def"
 }
 

@@ -1,6 +1,5 @@
 #include "platform/platform.h"
 
-#include <dlfcn.h>
 #include <errno.h>
 #include <fcntl.h>
 #include <limits.h>
@@ -59,25 +58,9 @@ int64_t wallClockMicroseconds()
     return int64_t{now.tv_sec} * 1000000 + now.tv_usec;
 }
 
-void* openLibrary(const char* path)
+void sleepSeconds(unsigned seconds)
 {
-    return dlopen(path, RTLD_LAZY);
-}
-
-void closeLibrary(void* handle)
-{
-    dlclose(handle);
-}
-
-void* findSymbol(void* handle, const char* symbol)
-{
-    return dlsym(handle, symbol);
-}
-
-const char* loaderError()
-{
-    const char* text = dlerror();
-    return text != nullptr ? text : "none";
+    sleep(seconds);
 }
 
 } // namespace odx::platform

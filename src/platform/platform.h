@@ -39,11 +39,22 @@ long onlineProcessors();
 // Wall-clock time in microseconds.
 int64_t wallClockMicroseconds();
 
+void sleepSeconds(unsigned seconds);
+
 // Dynamic loading. `loaderError` tells what went wrong last, and is never null.
 void* openLibrary(const char* path); // lazy binding
 void closeLibrary(void* handle);
 void* findSymbol(void* handle, const char* symbol);
+void* findSymbolInProcess(const char* symbol); // in what is loaded for everybody
 const char* loaderError();
+
+// Buffers of the shared-memory allocator. `mapShared` maps one for reading and writing, and gives null on failure,
+// with errno set; access by this processor is bracketed by a start and an end.
+void* mapShared(int descriptor, size_t length);
+void unmap(void* address, size_t length);
+void closeDescriptor(int descriptor);
+bool startBufferAccess(int descriptor);
+bool endBufferAccess(int descriptor);
 
 } // namespace odx::platform
 

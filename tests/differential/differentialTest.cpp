@@ -36,7 +36,11 @@ class Differential : public testing::TestWithParam<Row>
 TEST_P(Differential, ColumnsWriteTheSameBytes)
 {
     const Row row = GetParam();
-    static const std::vector<Column> columns = allColumns();
+    static const std::vector<Column> columns = [] {
+        auto all = allColumns();
+        all.push_back(remoteColumn());
+        return all;
+    }();
     const bool single = getenv("ONDRIX_TEST_SEED") != nullptr;
     const uint64_t first = environmentNumber("ONDRIX_TEST_SEED", 1);
     const uint64_t cases = single ? 1 : environmentNumber("ONDRIX_TEST_CASES", 400);
@@ -44,9 +48,11 @@ TEST_P(Differential, ColumnsWriteTheSameBytes)
     std::vector<std::vector<uint8_t>> expected(cases);
     uint64_t effective = 0;
     for (const Column& column : columns) {
+        if (column.remote && !isRemote(row.operation)) continue;
         column.select();
+        const uint32_t callsBefore = column.remote ? remoteCalls() : 0;
         for (uint64_t i = 0; i < cases; ++i) {
-            Draw draw(first + i);
+            Draw draw(first + i, column.remote);
             row.run(draw);
             SCOPED_TRACE(column.name + ", seed " + std::to_string(first + i) + ": " + draw.description());
             ASSERT_TRUE(draw.surroundingsIntact()) << "wrote outside its buffers";
@@ -59,6 +65,7 @@ TEST_P(Differential, ColumnsWriteTheSameBytes)
                 ASSERT_EQ(firstDifference(expected[i], outcome), outcome.size()) << "first differing byte";
             }
         }
+        if (column.remote) EXPECT_GE(2 * (remoteCalls() - callsBefore), cases) << "most calls were not sent";
     }
     EXPECT_GE(2 * effective, cases) << "most cases were refused, or wrote nothing";
 }

@@ -1,9 +1,12 @@
 #include "operations/draw.h"
 
+#include "dsp/remoteEntries.h"
 #include "frame/tables.h"
 #include "ondrix/modes.h"
 #include "orlan/targets.h"
+#include "stub/control.h"
 
+#include <dlfcn.h>
 #include <stdio.h>
 #include <stdlib.h>
 
@@ -19,6 +22,17 @@ void selectMode(odxOperationMode mode)
         fprintf(stderr, "the operation mode %x cannot be selected\n", static_cast<unsigned>(mode));
         exit(1);
     }
+}
+
+// The stub, held so that it keeps its counts.
+void* stub()
+{
+    static void* const handle = dlopen(ODX_STUB_LIBRARY, RTLD_NOW);
+    if (handle == nullptr) {
+        fprintf(stderr, "no stub: %s\n", dlerror());
+        exit(1);
+    }
+    return handle;
 }
 
 } // namespace
@@ -38,6 +52,36 @@ std::vector<Column> allColumns()
                            }});
     }
     return columns;
+}
+
+Column remoteColumn()
+{
+    const auto select = [] {
+        stub();
+        setenv("RO_BOARD_PLATFORM", "vka", 1); // a board that has the remote processor
+        selectMode(ONDRIX_OP_EXT_XDSP);
+    };
+    return {"remote", select, true};
+}
+
+bool isRemote(const char* operation)
+{
+    std::string slot = operation;
+#define ODX_VERSION(name, base, columns) \
+    if (slot == #name) slot = #base;
+#include "frame/operations.def"
+#define ODX_REMOTE(name, ...) \
+    if (slot == #name) return true;
+#include "dsp/remote.def"
+    return false;
+}
+
+uint32_t remoteCalls()
+{
+    static const auto count = reinterpret_cast<decltype(&odxStubCount)>(dlsym(stub(), "odxStubCount"));
+    odxStubCounts counts;
+    count(&counts);
+    return counts.completed;
 }
 
 std::vector<Row> allRows()

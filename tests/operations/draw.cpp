@@ -21,17 +21,17 @@ size_t pageSize()
 
 } // namespace
 
-GuardedBuffer::GuardedBuffer(size_t size, bool flushWithEnd, size_t offset) : size_(size)
+GuardedBuffer::GuardedBuffer(size_t size, bool flushWithEnd, size_t offset, size_t tail) : size_(size)
 {
     const size_t page = pageSize();
-    const size_t inner = (size + offset + page - 1) / page * page;
+    const size_t inner = (size + offset + tail + page - 1) / page * page;
     mapSize_ = inner + 2 * page;
     void* const map = mmap(nullptr, mapSize_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (map == MAP_FAILED || mprotect(static_cast<uint8_t*>(map) + page, inner, PROT_READ | PROT_WRITE) != 0)
         abort();
     map_ = static_cast<uint8_t*>(map);
     memset(map_ + page, kSurroundings, inner);
-    data_ = flushWithEnd ? map_ + page + inner - offset - size : map_ + page + offset;
+    data_ = flushWithEnd ? map_ + page + inner - offset - tail - size : map_ + page + offset;
 }
 
 GuardedBuffer::~GuardedBuffer()
@@ -47,7 +47,7 @@ bool GuardedBuffer::surroundingsIntact() const
     return intact(map_ + pageSize(), data_) && intact(data_ + size_, map_ + mapSize_ - pageSize());
 }
 
-Draw::Draw(uint64_t seed) : purpose_(Purpose::Compare), random_(seed) {}
+Draw::Draw(uint64_t seed, bool wholeRows) : purpose_(Purpose::Compare), wholeRows_(wholeRows), random_(seed) {}
 
 Draw::Draw(const Measurement& measurement, std::function<void(const std::function<void()>&)> timer)
     : purpose_(Purpose::Measure), measurement_(measurement), timer_(std::move(timer)), random_(1)
@@ -122,11 +122,11 @@ double Draw::realPixel(uint32_t x, uint32_t y)
     }
 }
 
-uint8_t* Draw::addBuffer(size_t size, size_t elementSize)
+uint8_t* Draw::addBuffer(size_t size, size_t elementSize, size_t padding)
 {
     const bool flushWithEnd = measures() || below(4) != 0;
     const size_t offset = measures() ? 0 : elementSize * (below(3) == 0 ? below(17) : 0);
-    buffers_.push_back(std::make_unique<GuardedBuffer>(size, flushWithEnd, offset));
+    buffers_.push_back(std::make_unique<GuardedBuffer>(size, flushWithEnd, offset, wholeRows_ ? padding : 0));
     constant_ = measures() ? 100 : random_();
     return buffers_.back()->data();
 }

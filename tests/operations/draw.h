@@ -35,8 +35,9 @@ struct Measurement {
 class GuardedBuffer
 {
 public:
-    // `offset` bytes separate the buffer from the page that it is flush with.
-    GuardedBuffer(size_t size, bool flushWithEnd, size_t offset);
+    // `offset` bytes separate the buffer from the page that it is flush with, and at least `tail` bytes from the
+    // page behind it.
+    GuardedBuffer(size_t size, bool flushWithEnd, size_t offset, size_t tail = 0);
     ~GuardedBuffer();
     GuardedBuffer(const GuardedBuffer&) = delete;
     GuardedBuffer& operator=(const GuardedBuffer&) = delete;
@@ -72,8 +73,9 @@ class Draw
 public:
     enum class Purpose { Compare, Measure };
 
-    // Draws for one comparison; the same seed gives the same arguments.
-    explicit Draw(uint64_t seed);
+    // Draws for one comparison; the same seed gives the same arguments. With `wholeRows` the last row of every
+    // image is followed by as many accessible bytes as the others.
+    explicit Draw(uint64_t seed, bool wholeRows = false);
     // Draws the arguments of a measurement.
     Draw(const Measurement& measurement, std::function<void(const std::function<void()>&)> timer);
 
@@ -186,7 +188,7 @@ private:
         image.stride = static_cast<uint32_t>(row + padding);
         image.defaulted = padding == 0 && !measures() && below(2) == 0;
         const size_t size = size_t{image.stride} * (extent.height - 1) + row;
-        image.pixels = reinterpret_cast<T*>(addBuffer(size, sizeof(T)));
+        image.pixels = reinterpret_cast<T*>(addBuffer(size, sizeof(T), padding));
         note(name,
              std::to_string(extent.width) + "x" + std::to_string(extent.height) + "+" + std::to_string(padding));
         return image;
@@ -229,10 +231,11 @@ private:
     uint64_t below(uint64_t n) { return random_() % n; }
     uint64_t pixel(uint32_t x, uint32_t y); // the low bits make an integer pixel
     double realPixel(uint32_t x, uint32_t y);
-    uint8_t* addBuffer(size_t size, size_t elementSize);
+    uint8_t* addBuffer(size_t size, size_t elementSize, size_t padding);
     void note(const char* name, const std::string& value);
 
     Purpose purpose_;
+    bool wholeRows_ = false;
     Measurement measurement_{};
     std::function<void(const std::function<void()>&)> timer_;
     std::mt19937_64 random_;
@@ -262,12 +265,19 @@ std::vector<Row> allRows();
 // The public operations that exist, from the library's own list.
 std::vector<std::string> builtOperations();
 
-// A way to run an operation: the reference, or one of the SIMD targets that the processor supports.
+// A way to run an operation: the reference, one of the SIMD targets that the processor supports, or the remote
+// processor, which the loopback stub stands in for.
 struct Column {
     std::string name;
     std::function<void()> select;
+    bool remote = false; // runs only the remote operations, and reaches to the end of the last row
 };
-std::vector<Column> allColumns(); // the reference first
+std::vector<Column> allColumns(); // of this processor, the reference first
+Column remoteColumn();
+
+// Whether the remote processor has an operation, and how many calls it has completed.
+bool isRemote(const char* operation);
+uint32_t remoteCalls();
 
 } // namespace odx::test
 

@@ -1,0 +1,29 @@
+// The session with the remote processor, and what brings it back after a restart.
+#ifndef ODX_DSP_SESSION_H
+#define ODX_DSP_SESSION_H
+
+#include "dsp/dsp.h"
+
+extern "C" {
+int odxZ9Initialize(int mode, char* version); // the same as ODXAZ9_init
+int odxZ9SessionInit(unsigned mode, const char* version);
+int odxZ9SessionInit_internal(unsigned mode, const char* version); // with the stub already open
+void odxZ9SessionDeInit();
+
+// Makes a restarted processor usable again: 0 when it is, -1 when it does not come back.
+unsigned adspSSRcleanUpSequence();
+
+extern uint32_t Z9_constraint_checks_enable; // as HW_constraint_checks_enable, for the variants
+extern uint8_t libLogPrintX;                 // the variants tell when they do not send a call
+}
+
+namespace odx::dsp
+{
+
+// The way of a call that found the processor restarted: brings it back and calls again, several times if need be.
+// Meanwhile other threads' calls stay on this processor. Returns what the last attempt did.
+int callAfterRestart(int (*again)(void* context), void* context);
+
+} // namespace odx::dsp
+
+#endif

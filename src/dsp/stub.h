@@ -1,0 +1,63 @@
+// The stub library: loading, symbols, and who may use it when.
+#ifndef ODX_DSP_STUB_H
+#define ODX_DSP_STUB_H
+
+#include "dsp/remoteEntries.h"
+
+#include <pthread.h>
+
+extern "C" {
+// The remote entries; null while the stub is not loaded, or has no such symbol.
+#define ODX_REMOTE_ENTRY(name) extern decltype(&ondrixadsp_##name##X) pFnX_##name##X;
+#include "dsp/remote.def"
+
+// One more user of the stub, and one less; the first and the last one load and unload it. Loading gives 0 or -1.
+int dlopen_stub();
+void dlclose_stub();
+void* dlsym_get(const char* symbol);
+// Looks all entries up. Returns -1 at the first one that is missing; those before it stay set.
+int load_stub_symbols();
+}
+
+namespace odx::dsp
+{
+
+constexpr int kRestarted = 104;  // what an entry returns after a restart of the processor
+constexpr int kUnreachable = -1; // instead of a call to an entry that is not there
+
+// Remote calls hold the stub while they are inside it; it is replaced only when none is.
+extern pthread_rwlock_t stubLock;
+
+class StubInUse
+{
+public:
+    enum Patience { kNow, kWaits };
+    // A call does not wait for a stub that is being replaced: it is done locally.
+    explicit StubInUse(Patience patience)
+        : held_((patience == kNow ? pthread_rwlock_tryrdlock(&stubLock) : pthread_rwlock_rdlock(&stubLock)) == 0)
+    {
+    }
+    ~StubInUse()
+    {
+        if (held_) pthread_rwlock_unlock(&stubLock);
+    }
+    StubInUse(const StubInUse&) = delete;
+    StubInUse& operator=(const StubInUse&) = delete;
+    explicit operator bool() const { return held_; }
+
+private:
+    bool held_;
+};
+
+class StubReplaced
+{
+public:
+    StubReplaced() { pthread_rwlock_wrlock(&stubLock); }
+    ~StubReplaced() { pthread_rwlock_unlock(&stubLock); }
+    StubReplaced(const StubReplaced&) = delete;
+    StubReplaced& operator=(const StubReplaced&) = delete;
+};
+
+} // namespace odx::dsp
+
+#endif
