@@ -1,0 +1,665 @@
+// Which implementation each mode gives each operation, on every kind of processor.
+#include "ondrix/modes.h"
+
+#include "dsp/dsp.h"
+#include "frame/fakeDsp.h"
+#include "frame/hardware.h"
+#include "frame/helpers.h"
+#include "frame/log.h"
+#include "frame/operations.h"
+#include "frame/remotePointers.h"
+#include "orlan/targets.h"
+#include "support/logCapture.h"
+#include "support/processors.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <numeric>
+#include <string.h>
+#include <unistd.h>
+
+using namespace odx;
+using namespace odx::test;
+
+namespace
+{
+
+using Names = std::vector<std::string>;
+
+constexpr auto kUnknownMode = static_cast<odxOperationMode>(INT32_MIN + 3);
+
+struct Indices {
+    std::vector<uint32_t> slots = std::vector<uint32_t>(odxImplTable, odxImplTable + kPublicSlots);
+    std::vector<uint32_t> internal =
+        std::vector<uint32_t>(odxInternalImplTable, odxInternalImplTable + kInternalEntries);
+
+    bool operator==(const Indices& other) const { return slots == other.slots && internal == other.internal; }
+};
+
+enum Columns { kReference, kSimd };
+
+// What a mode without remote operations selects, on tables that were zero.
+Indices expected(Columns columns)
+{
+    Indices indices;
+    std::fill(indices.slots.begin(), indices.slots.end(), 0);
+    std::fill(indices.internal.begin(), indices.internal.end(), 0);
+    if (columns == kReference) return indices;
+    const auto setIndex = [&](uint32_t number, char letter) {
+        if (letter == 'V')
+            (number < kPublicSlots ? indices.slots[number] : indices.internal[number - kPublicSlots]) = 1;
+    };
+#define ODX_OPERATION(slot, name, family, index, columns) setIndex(op_##name, #index[0]);
+#define ODX_INTERNAL(entry, name, family, index, columns) setIndex(op_##name, #index[0]);
+#include "frame/operations.def"
+    return indices;
+}
+
+uint32_t count(const std::vector<uint32_t>& indices, uint32_t index)
+{
+    return static_cast<uint32_t>(std::count(indices.begin(), indices.end(), index));
+}
+
+// Both tables' entries of one column, the internal ones behind the public ones.
+std::vector<void*> column(uint32_t impl)
+{
+    std::vector<void*> entries;
+    for (uint32_t slot = 0; slot < kPublicSlots; ++slot) {
+        entries.push_back(odxFuncTable.entry[slot * kImplementations + impl]);
+    }
+    for (uint32_t entry = 0; entry < kInternalEntries; ++entry) {
+        entries.push_back(odxInternalFuncTable.entry[entry * kImplementations + impl]);
+    }
+    return entries;
+}
+
+std::vector<void*> referenceColumn()
+{
+    std::vector<void*> entries(kOperationNumbers, nullptr);
+#define ODX_OPERATION(slot, name, family, index, columns) \
+    ODX_IF_##columns##_C(entries[op_##name] = reinterpret_cast<void*>(&name##C);)
+#define ODX_INTERNAL(entry, name, family, index, columns) ODX_OPERATION(entry, name, family, index, columns)
+#include "frame/operations.def"
+    return entries;
+}
+
+// A column after the SIMD entries were written over it.
+std::vector<void*> withSimd(std::vector<void*> entries)
+{
+    static ODX_FUNC_TABLE publicTable;
+    static ODX_INTERNAL_FUNC_TABLE internalTable;
+    if (const orlan::Target* target = orlan::bestTarget())
+        target->fillColumn(publicTable.entry, internalTable.entry);
+    for (uint32_t number = 0; number < kOperationNumbers; ++number) {
+        void* const simd = number < kPublicSlots ? publicTable.entry[number * kImplementations]
+                                                 : internalTable.entry[(number - kPublicSlots) * kImplementations];
+        if (simd != nullptr) entries[number] = simd;
+    }
+    return entries;
+}
+
+std::vector<void*> remoteColumn(std::vector<void*> entries)
+{
+    for (uint32_t number = 0; number < kOperationNumbers; ++number) {
+        if (isRemote(number)) entries[number] = dspVariant(number);
+    }
+    return entries;
+}
+
+void poison(uint32_t impl, void* value)
+{
+    for (uint32_t i = impl; i < kPublicSlots * kImplementations; i += kImplementations)
+        odxFuncTable.entry[i] = value;
+    for (uint32_t i = impl; i < kInternalEntries * kImplementations; i += kImplementations) {
+        odxInternalFuncTable.entry[i] = value;
+    }
+}
+
+ODX_FUNC_MANAGER managerOf(uint32_t slots, uint32_t entries, uint32_t implementations)
+{
+    return {odxImplTable,          slots,          &odxFuncTable, odxInternalImplTable, entries,
+            &odxInternalFuncTable, implementations};
+}
+
+// Names of the remote pointers that are set.
+Names setPointers()
+{
+    Names names;
+#define ODX_REMOTE_POINTER(name, variant) \
+    if (name##R_ != nullptr) names.push_back(#name);
+#define ODX_REMOTE_POINTER_UNLISTED(name, variant) ODX_REMOTE_POINTER(name, variant)
+#include "frame/remotePointers.def"
+    return names;
+}
+
+} // namespace
+
+TEST(Modes, SelectColumnsByProcessor)
+{
+    const auto extended = [](uint32_t target) { return static_cast<odxOperationMode>(0x80000000u | target); };
+    const auto standard = [](int mode) { return static_cast<odxOperationMode>(mode); };
+    const struct {
+        std::vector<const Processor*> processors;
+        std::vector<odxOperationMode> modes;
+        int result;
+        Columns columns;
+    } rows[] = {
+        // Standard modes take the SIMD code on mobile targets only.
+        {{&kArmSimd, &kVendorSimd, &kOtherSimdOnVendorBoard},
+         {standard(0), standard(1), standard(2), standard(3)},
+         0,
+         kSimd},
+        {{&kOtherSimd, &kFloatOnly}, {standard(0), standard(1), standard(2), standard(3)}, 0, kReference},
+        {{&kArmSimd, &kOtherSimd}, {standard(4), standard(INT32_MAX)}, 0, kReference},
+        // The extended modes take it wherever there is any.
+        {{&kArmSimd, &kOtherSimd},
+         {extended(1), extended(4), extended(8), extended(32), extended(1024)},
+         0,
+         kSimd},
+        {{&kFloatOnly}, {extended(1), extended(4), extended(8), extended(32), extended(1024)}, 0, kReference},
+        {{&kArmSimd, &kOtherSimd, &kFloatOnly}, {extended(2)}, 0, kReference},
+        {{&kOtherSimd},
+         {extended(3), extended(5), extended(6), extended(7), extended(9), extended(31), extended(0), extended(33),
+          extended(1023), extended(0x7FFFFFFF)},
+         -1,
+         kSimd},
+        {{&kFloatOnly}, {extended(3), extended(33)}, -1, kReference},
+    };
+    for (const auto& row : rows) {
+        for (const Processor* processor : row.processors) {
+            for (const odxOperationMode mode : row.modes) {
+                SCOPED_TRACE(mode);
+                onProcessor(*processor, [&] {
+                    EXPECT_EQ(row.result, odxSetOperationMode(mode));
+                    EXPECT_TRUE(Indices() == expected(row.columns));
+                    EXPECT_EQ(mode, mode_globalVar);
+                    EXPECT_EQ(1, odxImplTablesInitialized);
+                    const bool dspMode = mode == ONDRIX_OP_EXT_DSP || mode == ONDRIX_OP_EXT_XDSP;
+                    EXPECT_EQ(dspMode ? 0u : 1u, HW_constraint_checks_enable);
+                    EXPECT_EQ(HW_constraint_checks_enable, dsp.constraintChecks);
+                    EXPECT_EQ(sysconf(_SC_NPROCESSORS_ONLN), nOdxAvailableProc);
+                });
+            }
+        }
+    }
+}
+
+TEST(Modes, RefuseAnUnusableProcessor)
+{
+    for (const Processor& processor : {kNeither, kUnreadable}) {
+        for (const odxOperationMode mode : {ONDRIX_OP_CPU_PERFORMANCE, ONDRIX_OP_EXT_REFERENCE, kUnknownMode}) {
+            onProcessor(processor, [&] {
+                EXPECT_EQ(999, odxSetOperationMode(mode));
+                EXPECT_EQ(999u, odxSetOperationModeRemoteLib(mode));
+                EXPECT_EQ(1, odxSetOperationModeExt(ONDRIX_EXT_TARGET_GPU));
+                EXPECT_EQ(ONDRIX_OP_EXT_GPU, mode_globalVar);
+                EXPECT_EQ(0, odxImplTablesInitialized);
+                for (void* entry : odxFuncTable.entry)
+                    ASSERT_EQ(nullptr, entry);
+                EXPECT_EQ(nullptr, odxMasterFuncManager);
+            });
+        }
+    }
+}
+
+TEST(Modes, BecomeCpuPerformanceOnACpuOnlyChip)
+{
+    const std::vector<LogLine> warning{
+        {6, "ondrix_lib_log", "DSP and GPU not present. Setting ONDRIX mode to ONDRIX_OP_CPU_PERFORMANCE.\n"}};
+    for (const odxOperationMode mode :
+         {ONDRIX_OP_LOW_POWER, ONDRIX_OP_CPU_PERFORMANCE, ONDRIX_OP_EXT_XDSP, kUnknownMode}) {
+        onProcessor(kCpuOnlyChip, [&] {
+            dsp.openResult = 0;
+            LogCapture log;
+            EXPECT_EQ(0, odxSetOperationMode(mode));
+            EXPECT_EQ(warning, log.take());
+            EXPECT_EQ(ONDRIX_OP_CPU_PERFORMANCE, mode_globalVar);
+            EXPECT_TRUE(Indices() == expected(kSimd));
+            EXPECT_EQ(0u, dsp.events.size());
+        });
+    }
+    onProcessor(kCpuOnlyChip, [&] {
+        LogCapture log;
+        EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE));
+        EXPECT_EQ(std::vector<LogLine>{}, log.take());
+        EXPECT_EQ(ONDRIX_OP_EXT_REFERENCE, mode_globalVar);
+        EXPECT_TRUE(Indices() == expected(kReference));
+    });
+}
+
+TEST(Modes, SimdIndicesAreAllButThoseOfReferenceOnlyOperations)
+{
+    const Indices simd = expected(kSimd);
+    EXPECT_EQ(504u - 145u, count(simd.slots, 1));
+    EXPECT_EQ((std::vector<uint32_t>{1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 0, 0, 1, 1, 0, 0}), simd.internal);
+    EXPECT_EQ(0u, simd.slots[362] + simd.slots[363]);
+    for (uint32_t withoutSimd :
+         {op_odxAdaptiveThresholdMean3x3u8, op_odxColorRGB888ToYCbCr444Planaru8, op_odxFilterMedianMxNs16,
+          op_odxKDTreeDestroy36s8f32, op_odxTiltedIntegralu8s32, op_odxUpsampleVerticalu8}) {
+        EXPECT_EQ(0u, simd.slots[withoutSimd]) << withoutSimd;
+    }
+    for (uint32_t number : {1, 3, 5, 6, 216, 368, 396})
+        EXPECT_EQ(1u, simd.slots[number]) << number;
+    EXPECT_EQ(1, op_odx3ChannelWarpPerspectiveu8);
+    EXPECT_EQ(6, op_odxAbsDiffVc3f32);
+    EXPECT_EQ(216, op_odxFilterMedian3x3u8);
+    EXPECT_EQ(368, op_odxSumOfAbsoluteDiffs8x8u8);
+    EXPECT_EQ(396, op_odxAddScalarf32);
+}
+
+TEST(Modes, ResetKeepsTwoSlotsAndTheBufferRegistration)
+{
+    onProcessor(kArmSimd, [] {
+        EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_CPU_PERFORMANCE));
+        for (uint32_t& index : odxImplTable)
+            index = 5;
+        for (uint32_t& index : odxInternalImplTable)
+            index = 5;
+        Indices left = expected(kReference);
+        left.slots[362] = left.slots[363] = left.internal[11] = 5;
+        EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE));
+        EXPECT_TRUE(Indices() == left);
+    });
+}
+
+TEST(Modes, FirstSelectionFillsFourColumns)
+{
+    onProcessor(kArmSimd, [] {
+        EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE));
+        EXPECT_EQ(referenceColumn(), column(ODX_IMPL_CPU));
+        const std::vector<void*> simd = withSimd(referenceColumn());
+        for (uint32_t impl : {ODX_IMPL_ORLAN, ODX_IMPL_XDSP, ODX_IMPL_GPU})
+            EXPECT_EQ(simd, column(impl)) << impl;
+        for (uint32_t impl : {ODX_IMPL_ADSP, ODX_IMPL_CDSP, ODX_IMPL_MDSP}) {
+            EXPECT_EQ(std::vector<void*>(kOperationNumbers, nullptr), column(impl)) << impl;
+        }
+        if (orlan::bestTarget() != nullptr) {
+            EXPECT_NE(referenceColumn()[op_odxBitCountu8], simd[op_odxBitCountu8]);
+        }
+    });
+    onProcessor(kFloatOnly, [] {
+        EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_CPU));
+        for (uint32_t impl : {ODX_IMPL_CPU, ODX_IMPL_ORLAN, ODX_IMPL_XDSP, ODX_IMPL_GPU}) {
+            EXPECT_EQ(referenceColumn(), column(impl)) << impl;
+        }
+    });
+    EXPECT_NE(nullptr, referenceColumn()[op_odxBitCountu8]);
+}
+
+TEST(Modes, LaterSelectionsRefillTheRemoteColumnOnly)
+{
+    static char mark;
+    const std::vector<void*> marks(kOperationNumbers, &mark);
+    const auto selectTwice = [&] {
+        EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_CPU));
+        for (uint32_t impl = 0; impl < kImplementations; ++impl)
+            poison(impl, &mark);
+        EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_CPU));
+        for (uint32_t impl = 0; impl < kImplementations; ++impl) {
+            EXPECT_EQ(impl != ODX_IMPL_XDSP, marks == column(impl)) << impl;
+        }
+    };
+    onProcessor(kArmSimd, [&] {
+        selectTwice();
+        EXPECT_EQ(withSimd(marks), column(ODX_IMPL_XDSP)); // what has no SIMD code keeps its remote variant
+    });
+    onProcessor(kFloatOnly, [&] {
+        selectTwice();
+        std::vector<void*> refilled = referenceColumn();
+        refilled[362] = refilled[363] = &mark; // no operation
+        EXPECT_EQ(refilled, column(ODX_IMPL_XDSP));
+    });
+}
+
+TEST(Modes, HelperPointersFollowTheMode)
+{
+    onProcessor(kArmSimd, [] {
+        odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE);
+#define ODX_HELPER(name, columns) EXPECT_EQ(&name##C, name##_) << #name;
+#include "frame/helpers.def"
+    });
+}
+
+TEST(Modes, SelectingInternallyDoesNotRecordTheMode)
+{
+    EXPECT_EQ(ONDRIX_OP_CPU_PERFORMANCE, mode_globalVar);
+    onProcessor(kArmSimd, [] {
+        EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE));
+        EXPECT_EQ(0, odxSelectMode(ONDRIX_OP_CPU_PERFORMANCE));
+        EXPECT_EQ(ONDRIX_OP_EXT_REFERENCE, mode_globalVar);
+        EXPECT_TRUE(Indices() == expected(kSimd));
+    });
+}
+
+TEST(Modes, ReadTheLogSwitch)
+{
+    onProcessor(kFloatOnly, [] {
+        setenv("VENDOR_RUNTIME_ONDRIX_LOG", "2", 1);
+        odxSetOperationMode(ONDRIX_OP_EXT_CPU);
+        EXPECT_EQ(1, libLogPrint);
+        setenv("VENDOR_RUNTIME_ONDRIX_LOG", "0", 1);
+        odxSetOperationModeRemoteLib(ONDRIX_OP_EXT_CPU);
+        EXPECT_EQ(0, libLogPrint);
+        libLogPrint = 1;
+        unsetenv("VENDOR_RUNTIME_ONDRIX_LOG");
+        odxSetOperationMode(ONDRIX_OP_EXT_CPU);
+        EXPECT_EQ(0, libLogPrint);
+    });
+}
+
+TEST(Modes, ExtendedSelection)
+{
+    onProcessor(kOtherSimd, [] {
+        LogCapture log;
+        for (int option : {2, -1, 0x400}) {
+            EXPECT_EQ(1, odxSetOperationModeExt(static_cast<odxOperationModeExt>(option)));
+            EXPECT_EQ(
+                (std::vector<LogLine>{
+                    {3, "ondrix_lib_log",
+                     "Failed in odxSetOperationModeExt. Please select appropriate option for mode to "
+                     "odxSetOperationModeExt based on the target of interest"},
+                    {3, "ondrix_lib_log",
+                     "For mobile targets, odxSetOperationModeExt supports only ONDRIX_OP_EXT_XDSP and "
+                     "ONDRIX_OP_EXT_GPU options"},
+                    {3, "ondrix_lib_log",
+                     "For non mobile targets(IOT or BXR), odxSetOperationModeExt supports ONDRIX_OP_EXT_XDSP, "
+                     "ONDRIX_OP_EXT_GPU, ONDRIX_OP_EXT_ADSP, ONDRIX_OP_EXT_CDSP and ONDRIX_OP_EXT_MDSP  "
+                     "options"}}),
+                log.take());
+        }
+        EXPECT_EQ(0, odxImplTablesInitialized);
+        EXPECT_EQ(ONDRIX_OP_CPU_PERFORMANCE, mode_globalVar);
+
+        EXPECT_EQ(0, odxSetOperationModeExt(ONDRIX_EXT_TARGET_GPU));
+        EXPECT_EQ(ONDRIX_OP_EXT_GPU, mode_globalVar);
+        EXPECT_EQ(1u, HW_constraint_checks_enable);
+        EXPECT_EQ(0, odxSetOperationModeExt(ONDRIX_EXT_TARGET_XDSP));
+        EXPECT_EQ(ONDRIX_OP_EXT_XDSP, mode_globalVar);
+        EXPECT_EQ(0u, HW_constraint_checks_enable);
+        EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_CPU));
+        EXPECT_EQ(1u, HW_constraint_checks_enable);
+        EXPECT_EQ(1u, dsp.constraintChecks);
+        EXPECT_EQ(std::vector<LogLine>{}, log.take());
+    });
+}
+
+TEST(Version, IsCopiedWholeOrNotAtAll)
+{
+    LogCapture log;
+    char version[8];
+    for (unsigned length = 0; length <= sizeof version; ++length) {
+        memset(version, '#', sizeof version);
+        odxGetVersion(version, length);
+        const std::string text = length >= 6 ? std::string("1.7.1\0", 6) : std::string(length, '\0');
+        EXPECT_EQ(text + std::string(sizeof version - text.size(), '#'), std::string(version, sizeof version))
+            << length;
+        EXPECT_EQ((std::vector<LogLine>{{3, "ondrix_lib_log", "Ondrix vendor library\n"}}), log.take());
+    }
+    odxGetVersion(nullptr, 6);
+    EXPECT_EQ(1u, log.take().size());
+}
+
+TEST(RemoteModes, LowPower)
+{
+    onProcessor(kFloatOnly, [] {
+        dsp.openResult = 0;
+        LogCapture log;
+        EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_LOW_POWER));
+        EXPECT_EQ((std::vector<LogLine>{{3, "ondrix_lib_log", "Ondrix vendor library\n"},
+                                        {3, "ondrix_lib_log", "XDSP is available"}}),
+                  log.take());
+        EXPECT_EQ((Names{"close", "open 1 for 1.7.1"}), dsp.takeEvents());
+        EXPECT_EQ(49u, setPointers().size());
+        EXPECT_EQ(dspVariant(op_odxBoxFilter5x5u8), odxBoxFilter5x5u8R_);
+        EXPECT_EQ(dspVariant(op_odxFilterMedian3x3u8), odxFilterMedian3x3u8_v2R_);
+        EXPECT_EQ(nullptr, odxBoxFilter3x3u8R_);
+        EXPECT_EQ(remoteColumn(referenceColumn()), column(ODX_IMPL_XDSP));
+
+        const Indices indices;
+        EXPECT_EQ((std::vector<uint32_t>{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2, 2, 0, 0, 0, 0}), indices.internal);
+        EXPECT_EQ(2u, indices.slots[op_odxBoxFilter5x5u8]);
+        EXPECT_EQ(2u, indices.slots[op_odxFilterMedian3x3u8]);
+        EXPECT_EQ(0u, indices.slots[op_odxBoxFilter3x3u8]);
+        EXPECT_EQ(1u, XDSP_initflag);
+
+        EXPECT_EQ(0, odxCleanUp());
+        EXPECT_EQ(Names{"clean up"}, dsp.takeEvents());
+        EXPECT_EQ(0u, XDSP_initflag);
+        EXPECT_EQ(1, odxImplTablesInitialized);
+        EXPECT_TRUE(Indices() == indices);
+    });
+}
+
+TEST(RemoteModes, PerformanceProbesTwicePowerModes)
+{
+    onProcessor(kArmSimd, [] {
+        dsp.openResult = 0;
+        EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_PERFORMANCE));
+        // The lists of a mode are set by a fresh probe in low power.
+        EXPECT_EQ((Names{"close", "open 2 for 1.7.1", "close", "open 1 for 1.7.1"}), dsp.takeEvents());
+        EXPECT_EQ((Names{"odxAdaptiveThresholdMean11x11u8", "odxBilateralFilter7x7u8", "odxBilateralFilter9x9u8",
+                         "odxConAdaTrackf32", "odxFilterCanny3x3u8_v2", "odxFilterCanny3x3u8_v3",
+                         "odxImageIntensityHistogram", "odxRemapRGBA8888BLu8", "odxScaleDownMNInterleaveu8",
+                         "odxSumOfAbsoluteDiffs8x8u8_v2", "probeZ9Time"}),
+                  [] {
+                      Names names = setPointers();
+                      std::sort(names.begin(), names.end());
+                      return names;
+                  }());
+        EXPECT_EQ(dspVariant(op_odxSumOfAbsoluteDiffs8x8u8), odxSumOfAbsoluteDiffs8x8u8_v2R_);
+        EXPECT_EQ(dspVariant(op_odxFilterCanny3x3u8), odxFilterCanny3x3u8_v2R_);
+        const Indices indices;
+        EXPECT_EQ(2u, indices.slots[op_odxRemapRGBA8888BLu8]);
+        EXPECT_EQ(1u, indices.slots[op_odxBoxFilter5x5u8]);
+        EXPECT_EQ(2u, indices.internal[10]);
+        EXPECT_EQ(0u, indices.internal[11]);
+    });
+}
+
+TEST(RemoteModes, CpuOffload)
+{
+    onProcessor(kArmSimd, [] {
+        dsp.openResult = 0;
+        EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_CPU_OFFLOAD));
+        EXPECT_EQ((Names{"close", "open 1 for 1.7.1"}), dsp.takeEvents());
+        EXPECT_EQ(78u, setPointers().size());
+        EXPECT_EQ(dspVariant(op_odxFilterCorrSep11x11s16), odxFilterCorrSep11x11s16_v3R_);
+        const Indices indices;
+        EXPECT_EQ(2u, indices.slots[op_odxTransposef32]);
+        EXPECT_EQ(1u, indices.slots[op_odxTransposeu8]);
+        EXPECT_EQ(2u, indices.internal[10]);
+    });
+}
+
+TEST(RemoteModes, ExtendedDspTakesAllThatIsRemote)
+{
+    for (const odxOperationMode mode : {ONDRIX_OP_EXT_DSP, ONDRIX_OP_EXT_XDSP}) {
+        onProcessor(kArmSimd, [&] {
+            dsp.openResult = 0;
+            EXPECT_EQ(0, odxSetOperationMode(mode));
+            EXPECT_EQ((Names{"close", "open 2 for 1.7.1"}), dsp.takeEvents());
+            EXPECT_EQ(0u, HW_constraint_checks_enable);
+            EXPECT_EQ(0u, dsp.constraintChecks);
+            EXPECT_EQ(394u - 1u, setPointers().size()); // odxTransposeu16's variant is missing here
+            EXPECT_EQ(nullptr, odxTransposeu16R_);
+            const Indices indices;
+            EXPECT_EQ(504u - 1u, count(indices.slots, 2));
+            EXPECT_EQ(1u, indices.slots[op_odxTransposeu16]);
+            EXPECT_EQ((std::vector<uint32_t>{2, 2, 2, 2, 2, 2, 2, 2, 1, 1, 2, 2, 2, 1, 0, 0}), indices.internal);
+            EXPECT_EQ(remoteColumn(withSimd(referenceColumn())), column(ODX_IMPL_XDSP));
+            uRNull();
+            EXPECT_EQ(Names{}, setPointers());
+        });
+    }
+}
+
+TEST(RemoteModes, NeverMindAMissingDsp)
+{
+    onProcessor(kArmSimd, [] {
+        for (const odxOperationMode mode : {ONDRIX_OP_LOW_POWER, ONDRIX_OP_PERFORMANCE, ONDRIX_OP_CPU_OFFLOAD,
+                                            ONDRIX_OP_EXT_XDSP, ONDRIX_OP_EXT_GPU}) {
+            EXPECT_EQ(0, odxSetOperationMode(mode)) << mode;
+            EXPECT_TRUE(Indices() == expected(kSimd)) << mode;
+            EXPECT_EQ(Names{}, setPointers()) << mode;
+        }
+    });
+    // A session that is lost between two selections leaves no index behind, but for the buffer registration's.
+    onProcessor(kArmSimd, [] {
+        dsp.openResult = 0;
+        EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_XDSP));
+        dsp = {};
+        EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_XDSP));
+        Indices indices = expected(kSimd);
+        indices.internal[11] = 2;
+        EXPECT_TRUE(Indices() == indices);
+    });
+}
+
+TEST(RemoteModes, ServingTheRemoteSideResetsNoIndex)
+{
+    onProcessor(kVendorSimd, [] {
+        dsp.openResult = 0;
+        EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_CPU));
+        const auto startOver = [] {
+            for (uint32_t& index : odxImplTable)
+                index = 1;
+            HW_constraint_checks_enable = dsp.constraintChecks = 7;
+            poison(ODX_IMPL_XDSP, nullptr);
+            uX();
+        };
+        const struct {
+            odxOperationMode mode;
+            size_t pointers;
+            unsigned checks;
+            bool remoteTranspose;
+        } rows[] = {{ONDRIX_OP_LOW_POWER, 49, 1, false},  {ONDRIX_OP_PERFORMANCE, 11, 1, false},
+                    {ONDRIX_OP_CPU_OFFLOAD, 78, 1, true}, {ONDRIX_OP_CPU_PERFORMANCE, 0, 1, false},
+                    {ONDRIX_OP_EXT_XDSP, 393, 0, true},   {ONDRIX_OP_EXT_DSP, 393, 0, true},
+                    {ONDRIX_OP_EXT_GPU, 0, 1, false},     {ONDRIX_OP_EXT_REFERENCE, 0, 1, false}};
+        for (const auto& row : rows) {
+            SCOPED_TRACE(row.mode);
+            startOver();
+            EXPECT_EQ(0u, odxSetOperationModeRemoteLib(row.mode));
+            EXPECT_EQ(row.pointers, setPointers().size());
+            EXPECT_EQ(row.checks, HW_constraint_checks_enable);
+            EXPECT_EQ(row.checks, dsp.constraintChecks);
+            EXPECT_EQ(row.remoteTranspose ? 2u : 1u, odxImplTable[op_odxTransposef32]);
+            EXPECT_EQ(1u, odxImplTable[op_odxTransposeu16]);
+            const bool probed = row.mode != ONDRIX_OP_CPU_PERFORMANCE && row.mode != ONDRIX_OP_EXT_REFERENCE;
+            EXPECT_EQ(probed ? dspVariant(op_odxCopy) : nullptr, column(ODX_IMPL_XDSP)[op_odxCopy]);
+            EXPECT_EQ(ONDRIX_OP_EXT_CPU, mode_globalVar);
+        }
+    });
+    // Without a mobile target the standard modes do nothing.
+    onProcessor(kOtherSimd, [] {
+        dsp.openResult = 0;
+        EXPECT_EQ(0u, odxSetOperationModeRemoteLib(ONDRIX_OP_CPU_OFFLOAD));
+        EXPECT_EQ(Names{}, setPointers());
+        EXPECT_EQ(0u, odxSetOperationModeRemoteLib(ONDRIX_OP_EXT_XDSP));
+        EXPECT_EQ(1u, HW_constraint_checks_enable);
+        EXPECT_TRUE(Indices() == expected(kReference));
+    });
+}
+
+TEST(Manager, IsRefusedIncomplete)
+{
+    onProcessor(kArmSimd, [] {
+        ODX_FUNC_MANAGER whole = managerOf(kPublicSlots, kInternalEntries, kImplementations);
+        EXPECT_EQ(1u, odxInitializeMasterFuncManager(nullptr));
+        ODX_FUNC_MANAGER parts[4] = {whole, whole, whole, whole};
+        parts[0].implTable = parts[1].internalImplTable = nullptr;
+        parts[2].funcTable = nullptr;
+        parts[3].internalFuncTable = nullptr;
+        for (ODX_FUNC_MANAGER& part : parts)
+            EXPECT_EQ(1u, odxInitializeMasterFuncManager(&part));
+        EXPECT_EQ(nullptr, odxMasterFuncManager);
+        EXPECT_EQ(0u, odxInitializeMasterFuncManager(&whole));
+        EXPECT_EQ(&whole, odxMasterFuncManager);
+    });
+}
+
+TEST(Manager, IndexRoutinesRefuseWhatTheyCannotFill)
+{
+    onProcessor(kArmSimd, [] {
+        ODX_FUNC_MANAGER whole = managerOf(kPublicSlots, kInternalEntries, kImplementations);
+        ODX_FUNC_MANAGER noIndices = whole, noInternalIndices = whole, narrow = whole;
+        noIndices.implTable = nullptr;
+        noInternalIndices.internalImplTable = nullptr;
+        narrow.implementations = 2;
+        EXPECT_EQ(1u, uXIndex(nullptr));
+        EXPECT_EQ(2u, uXIndex(&noIndices));
+        EXPECT_EQ(3u, uXIndex(&noInternalIndices));
+        EXPECT_EQ(4u, uXIndex(&narrow));
+        EXPECT_EQ(1u, uGIndex(nullptr));
+        EXPECT_EQ(0u, uGIndex(&whole));
+
+        for (auto* table : {uHWLowPowerModeTable, uHWPerformanceModeTable, uXCpuOffloadModeTable}) {
+            dsp = {};
+            EXPECT_EQ(1u, table(&whole)); // no DSP
+            dsp.openResult = 0;
+            EXPECT_EQ(1u, table(nullptr));
+            for (ODX_FUNC_MANAGER* part : {&noIndices, &noInternalIndices, &narrow})
+                EXPECT_EQ(1u, table(part));
+            EXPECT_TRUE(Indices() == expected(kReference));
+            EXPECT_EQ(0u, table(&whole));
+            EXPECT_EQ(2u, odxInternalImplTable[10]);
+            odxInternalImplTable[10] = odxInternalImplTable[11] = 0;
+            for (uint32_t& index : odxImplTable)
+                index = 0;
+        }
+    });
+}
+
+TEST(Manager, ShorterTablesAreFilledAsFarAsTheyReach)
+{
+    onProcessor(kArmSimd, [] {
+        dsp.openResult = 0;
+        for (const auto& [slots, entries] : {std::pair{0u, 0u}, {100u, 11u}, {396u, 12u}, {505u, 13u}}) {
+            SCOPED_TRACE(slots);
+            for (auto* fill : {uXIndex, uHWLowPowerModeTable, uHWPerformanceModeTable, uXCpuOffloadModeTable}) {
+                for (uint32_t& index : odxImplTable)
+                    index = 0;
+                for (uint32_t& index : odxInternalImplTable)
+                    index = 0;
+                ODX_FUNC_MANAGER part = {
+                    odxImplTable, slots, &odxFuncTable, odxInternalImplTable, entries, &odxInternalFuncTable, 3};
+                EXPECT_EQ(0u, fill(&part));
+                const Indices filled;
+                part.publicSlots = kPublicSlots;
+                part.internalEntries = kInternalEntries;
+                EXPECT_EQ(0u, fill(&part));
+                Indices whole;
+                std::fill(whole.slots.begin() + slots, whole.slots.end(), 0);
+                std::fill(whole.internal.begin() + entries, whole.internal.end(), 0);
+                EXPECT_TRUE(filled == whole);
+            }
+        }
+    });
+}
+
+TEST(TableFill, ReportsTheTargetsThatAreThere)
+{
+    onProcessor(kArmSimd, [] {
+        const auto fill = [](bool xdsp, bool gpu) {
+            return odxTableHWInit(&odxFuncTable, &odxInternalFuncTable, xdsp, gpu);
+        };
+        LogCapture log;
+        EXPECT_EQ(1u, odxTableHWInit(nullptr, &odxInternalFuncTable, true, true));
+        EXPECT_EQ(1u, odxTableHWInit(&odxFuncTable, nullptr, true, true));
+        EXPECT_EQ(0u, fill(false, false));
+        EXPECT_EQ(std::vector<LogLine>{}, log.take());
+
+        EXPECT_EQ(1u, fill(false, true)); // no master record yet
+        EXPECT_EQ((std::vector<LogLine>{{3, "ondrix_lib_log", "GPU is available"}}), log.take());
+
+        ODX_FUNC_MANAGER manager = managerOf(kPublicSlots, kInternalEntries, 3);
+        EXPECT_EQ(0u, odxInitializeMasterFuncManager(&manager));
+        EXPECT_EQ(4u, fill(false, true));
+        manager.implementations = 4;
+        EXPECT_EQ(0u, fill(true, true));
+        EXPECT_EQ(dspVariant(op_odxCopy), column(ODX_IMPL_XDSP)[op_odxCopy]);
+        manager.funcTable = nullptr;
+        EXPECT_EQ(2u, fill(false, true));
+    });
+}
