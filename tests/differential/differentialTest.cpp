@@ -65,7 +65,9 @@ TEST_P(Differential, ColumnsWriteTheSameBytes)
                 ASSERT_EQ(firstDifference(expected[i], outcome), outcome.size()) << "first differing byte";
             }
         }
-        if (column.remote) EXPECT_GE(2 * (remoteCalls() - callsBefore), cases) << "most calls were not sent";
+        if (column.remote) {
+            EXPECT_GE(2 * (remoteCalls() - callsBefore), cases) << "most calls were not sent";
+        }
     }
     EXPECT_GE(2 * effective, cases) << "most cases were refused, or wrote nothing";
 }
