@@ -7,6 +7,7 @@
 #ifndef ONDRIX_H
 #define ONDRIX_H
 
+#include "ondrix/colorFromRgb.h"
 #include "ondrix/colorToRgb.h"
 #include "ondrix/descriptors.h"
 #include "ondrix/memory.h"

@@ -4,6 +4,7 @@
 
 #include "cpu/ondrixBlurC.h"
 #include "cpu/ondrixColorC.h"
+#include "cpu/ondrixColorFromRgbC.h"
 #include "cpu/ondrixDotC.h"
 
 #endif

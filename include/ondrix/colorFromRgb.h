@@ -1,0 +1,375 @@
+/// \file colorFromRgb.h
+/// Conversions from packed RGB: to luma and chroma, grey, HSV, L*a*b*, and to other packed layouts; and between
+/// the layouts of luma and chroma images.
+///
+/// Conventions of this page
+/// - Widths and heights are in pixels, strides in bytes. A stride of 0 means packed rows. Buffers may have any
+///   alignment.
+/// - Results are exact. `>>` rounds toward minus infinity, `clamp` is to 0..255.
+/// - Source and destination must not overlap, except where in-place operation is stated.
+/// - Refused arguments are logged ("Assertion failed @...") and nothing is written: null pointers, sizes of 0, and
+///   strides that are neither 0 nor at least a packed row.
+///
+/// Mind the order of the bytes: it is part of each function's contract, and the conversions to luma and chroma
+/// read blue first where all others read red first.
+#ifndef ONDRIX_COLOR_FROM_RGB_H
+#define ONDRIX_COLOR_FROM_RGB_H
+
+#include "ondrix/types.h"
+
+/// \name RGB to luma and chroma
+/// Full range:
+///     Y  = (77 * R + 150 * G + 29 * B + 128) >> 8
+///     Cb = min(128 + ((-43 * R - 85 * G + 128 * B + 128) >> 8), 255)
+///     Cr = min(128 + ((128 * R - 107 * G - 21 * B + 128) >> 8), 255)
+///
+/// Sources, in order of memory
+/// - RGB888: bytes B, G, R. RGBA8888: bytes B, G, R, A; A is ignored.
+/// - RGB565: a little-endian 16-bit word with R in bits 11 to 15, G in bits 5 to 10 and B in bits 0 to 4, each
+///   shifted up to 8 bits with low bits of 0.
+///
+/// Destinations
+/// - Planar: a plane each of Y, Cb and Cr. Pseudo-planar: a plane of Y and one of interleaved pairs, Cb first.
+/// - 4:4:4 has a chroma pair for each pixel. 4:2:2 has the pair of the first of two neighbours in a row, and 4:2:0
+///   has those of even rows only: chroma is picked, not averaged.
+/// - Images of odd width are left unwritten by the conversions to 4:2:2 and 4:2:0.
+/// - An odd height of 4:2:0 gives the last row a chroma row of its own.
+///
+/// Packed rows have srcWidth pixels of the source, and srcWidth bytes of luma; srcWidth / 2 of a 4:2:2 or 4:2:0
+/// chroma plane and srcWidth of a 4:4:4 one; 2 * srcWidth of interleaved 4:4:4 chroma and srcWidth of interleaved
+/// 4:2:2 or 4:2:0 chroma.
+/// @{
+ODX_API void odxColorRGB565ToYCbCr444Planaru8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                              uint32_t srcStride, uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr,
+                                              uint32_t dstYStride, uint32_t dstCbStride, uint32_t dstCrStride);
+ODX_API void odxColorRGB888ToYCbCr444Planaru8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                              uint32_t srcStride, uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr,
+                                              uint32_t dstYStride, uint32_t dstCbStride, uint32_t dstCrStride);
+ODX_API void odxColorRGBA8888ToYCbCr444Planaru8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                                uint32_t srcStride, uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr,
+                                                uint32_t dstYStride, uint32_t dstCbStride, uint32_t dstCrStride);
+ODX_API void odxColorRGB565ToYCbCr422Planaru8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                              uint32_t srcStride, uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr,
+                                              uint32_t dstYStride, uint32_t dstCbStride, uint32_t dstCrStride);
+ODX_API void odxColorRGB888ToYCbCr422Planaru8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                              uint32_t srcStride, uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr,
+                                              uint32_t dstYStride, uint32_t dstCbStride, uint32_t dstCrStride);
+ODX_API void odxColorRGBA8888ToYCbCr422Planaru8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                                uint32_t srcStride, uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr,
+                                                uint32_t dstYStride, uint32_t dstCbStride, uint32_t dstCrStride);
+ODX_API void odxColorRGB565ToYCbCr420Planaru8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                              uint32_t srcStride, uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr,
+                                              uint32_t dstYStride, uint32_t dstCbStride, uint32_t dstCrStride);
+ODX_API void odxColorRGB888ToYCbCr420Planaru8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                              uint32_t srcStride, uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr,
+                                              uint32_t dstYStride, uint32_t dstCbStride, uint32_t dstCrStride);
+ODX_API void odxColorRGBA8888ToYCbCr420Planaru8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                                uint32_t srcStride, uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr,
+                                                uint32_t dstYStride, uint32_t dstCbStride, uint32_t dstCrStride);
+ODX_API void odxColorRGB565ToYCbCr444PseudoPlanaru8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                                    uint32_t srcStride, uint8_t* dstY, uint8_t* dstC,
+                                                    uint32_t dstYStride, uint32_t dstCStride);
+ODX_API void odxColorRGB888ToYCbCr444PseudoPlanaru8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                                    uint32_t srcStride, uint8_t* dstY, uint8_t* dstC,
+                                                    uint32_t dstYStride, uint32_t dstCStride);
+ODX_API void odxColorRGBA8888ToYCbCr444PseudoPlanaru8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                                      uint32_t srcStride, uint8_t* dstY, uint8_t* dstC,
+                                                      uint32_t dstYStride, uint32_t dstCStride);
+ODX_API void odxColorRGB565ToYCbCr422PseudoPlanaru8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                                    uint32_t srcStride, uint8_t* dstY, uint8_t* dstC,
+                                                    uint32_t dstYStride, uint32_t dstCStride);
+ODX_API void odxColorRGB888ToYCbCr422PseudoPlanaru8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                                    uint32_t srcStride, uint8_t* dstY, uint8_t* dstC,
+                                                    uint32_t dstYStride, uint32_t dstCStride);
+ODX_API void odxColorRGBA8888ToYCbCr422PseudoPlanaru8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                                      uint32_t srcStride, uint8_t* dstY, uint8_t* dstC,
+                                                      uint32_t dstYStride, uint32_t dstCStride);
+ODX_API void odxColorRGB565ToYCbCr420PseudoPlanaru8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                                    uint32_t srcStride, uint8_t* dstY, uint8_t* dstC,
+                                                    uint32_t dstYStride, uint32_t dstCStride);
+ODX_API void odxColorRGB888ToYCbCr420PseudoPlanaru8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                                    uint32_t srcStride, uint8_t* dstY, uint8_t* dstC,
+                                                    uint32_t dstYStride, uint32_t dstCStride);
+ODX_API void odxColorRGBA8888ToYCbCr420PseudoPlanaru8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                                      uint32_t srcStride, uint8_t* dstY, uint8_t* dstC,
+                                                      uint32_t dstYStride, uint32_t dstCStride);
+/// @}
+
+/// \name RGB to single and interleaved planes
+/// The source has bytes R, G, B.
+/// @{
+
+/// Grey: (19595 * R + 38469 * G + 7471 * B + 32768) >> 16.
+ODX_API void odxColorRGB888ToGrayu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                    uint8_t* dst, uint32_t dstStride);
+
+/// Three bytes a pixel, Y, Cr, Cb:
+///     Y  = clamp((9798 * R + 19235 * G + 3736 * B + 16384) >> 15)
+///     Cr = clamp(128 + ((16384 * R - 13720 * G - 2664 * B + 16384) >> 15))
+///     Cb = min(128 + ((-5529 * R - 10855 * G + 16384 * B + 16384) >> 15), 255)
+/// Packed rows; works in place.
+ODX_API void odxColorRGB888toYCrCbu8(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst);
+
+/// As odxColorRGB888toYCrCbu8, with strides; works in place with equal strides.
+ODX_API void odxColorRGB888toYCrCbu8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                        uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
+
+/// Three bytes a pixel, H, S, V, each over the full range of 0..255: H covers the circle in 256 steps, from red
+/// (0) over green (85) to blue (170). A grey pixel has H = S = 0. With reciprocals of 16 fractional bits, rounded,
+/// 1/0 = 0, V = max(R, G, B) and d = V - min(R, G, B):
+///     h = (G - B) * (1/d), and 6 more where G < B       if R is the greatest, else
+///         (B - R) * (1/d) + 2                           if G is the greatest, else
+///         (R - G) * (1/d) + 4                           in sixths of the circle
+///     H = (((h * 85) >> 1) + 32768) >> 16
+///     S = ((1/V) * d * 255 + 32768) >> 16
+/// Works in place with equal strides.
+ODX_API void odxColorRGB888ToHSV888u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                      uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
+
+/// CIE L*a*b* of sRGB pixels (bytes R, G, B, A; A is ignored) relative to the white D65. Three bytes a pixel:
+/// L * 255 / 100, a + 128, b + 128, rounded. The arithmetic is of integers, with the same bytes everywhere; before
+/// the rounding it is within 0.05 of the exact value. Grey pixels have a = b = 128.
+ODX_API void odxColorRGBA8888ToLABu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                     uint8_t* dst, uint32_t dstStride);
+/// @}
+
+/// \name Packed RGB to packed RGB
+/// Layouts, in order of memory
+/// - RGB888: bytes R, G, B. RGBA8888: bytes R, G, B, A.
+/// - RGB565: a little-endian 16-bit word with R in bits 0 to 4, G in bits 5 to 10, B in bits 11 to 15.
+/// - BGR888, BGRA8888, BGR565: the same with R and B exchanged.
+///
+/// Channels of 8 bits become 5 or 6 bits by dropping the low ones. Channels of 5 or 6 bits become 8 by repeating
+/// their highest bits below (abcde gives abcdeabc), so that 0 and full brightness stay what they are. A is kept
+/// between layouts that have it, and 255 where the source has none.
+/// @{
+ODX_API void odxColorRGB565ToRGB888u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                      uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
+ODX_API void odxColorRGB565ToRGBA8888u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                        uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
+ODX_API void odxColorRGB565ToBGR565u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                      uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
+ODX_API void odxColorRGB565ToBGR888u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                      uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
+ODX_API void odxColorRGB565ToBGRA8888u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                        uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
+ODX_API void odxColorRGB888ToRGB565u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                      uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
+ODX_API void odxColorRGB888ToRGBA8888u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                        uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
+ODX_API void odxColorRGB888ToBGR565u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                      uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
+ODX_API void odxColorRGB888ToBGR888u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                      uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
+ODX_API void odxColorRGB888ToBGRA8888u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                        uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
+ODX_API void odxColorRGBA8888ToRGB565u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                        uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
+ODX_API void odxColorRGBA8888ToRGB888u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                        uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
+ODX_API void odxColorRGBA8888ToBGR565u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                        uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
+ODX_API void odxColorRGBA8888ToBGR888u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                        uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
+ODX_API void odxColorRGBA8888ToBGRA8888u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                          uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
+
+/// As odxColorRGB888ToRGB565u8, turned by 180 degrees: source pixel (x, y) goes to
+/// (srcWidth - 1 - x, srcHeight - 1 - y).
+ODX_API void odxColorRGB888ToRGB565Rotate180u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
+                                               uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
+/// @}
+
+/// \name Between layouts of luma and chroma
+/// Luma is copied. Chroma is picked and replicated, never averaged or interpolated: fewer samples take those of
+/// even columns and rows, more samples repeat each one over the pixels that it covers.
+///
+/// Layouts, and their packed rows, are those of the conversions above, except that a plane of 4:2:2 or 4:2:0
+/// chroma has (srcWidth + 1) / 2 samples a row, and 4:2:0 has (srcHeight + 1) / 2 rows of chroma: any size is
+/// converted. Interleaved 4:2:2 or 4:2:0 chroma of an odd width has (srcWidth + 1) / 2 pairs a row if its stride
+/// has room for them, that is srcWidth + 1 bytes; with a stride of srcWidth it is a pair less, and the last pixel
+/// shares the pair before (if there is none, its chroma counts as 128).
+/// @{
+ODX_API void odxColorYCbCr444PlanarToYCbCr422Planaru8(const uint8_t* srcY, const uint8_t* srcCb,
+                                                      const uint8_t* srcCr, uint32_t srcWidth, uint32_t srcHeight,
+                                                      uint32_t srcYStride, uint32_t srcCbStride,
+                                                      uint32_t srcCrStride, uint8_t* dstY, uint8_t* dstCb,
+                                                      uint8_t* dstCr, uint32_t dstYStride, uint32_t dstCbStride,
+                                                      uint32_t dstCrStride);
+ODX_API void odxColorYCbCr444PlanarToYCbCr420Planaru8(const uint8_t* srcY, const uint8_t* srcCb,
+                                                      const uint8_t* srcCr, uint32_t srcWidth, uint32_t srcHeight,
+                                                      uint32_t srcYStride, uint32_t srcCbStride,
+                                                      uint32_t srcCrStride, uint8_t* dstY, uint8_t* dstCb,
+                                                      uint8_t* dstCr, uint32_t dstYStride, uint32_t dstCbStride,
+                                                      uint32_t dstCrStride);
+ODX_API void odxColorYCbCr444PlanarToYCbCr444PseudoPlanaru8(const uint8_t* srcY, const uint8_t* srcCb,
+                                                            const uint8_t* srcCr, uint32_t srcWidth,
+                                                            uint32_t srcHeight, uint32_t srcYStride,
+                                                            uint32_t srcCbStride, uint32_t srcCrStride,
+                                                            uint8_t* dstY, uint8_t* dstC, uint32_t dstYStride,
+                                                            uint32_t dstCStride);
+ODX_API void odxColorYCbCr444PlanarToYCbCr422PseudoPlanaru8(const uint8_t* srcY, const uint8_t* srcCb,
+                                                            const uint8_t* srcCr, uint32_t srcWidth,
+                                                            uint32_t srcHeight, uint32_t srcYStride,
+                                                            uint32_t srcCbStride, uint32_t srcCrStride,
+                                                            uint8_t* dstY, uint8_t* dstC, uint32_t dstYStride,
+                                                            uint32_t dstCStride);
+ODX_API void odxColorYCbCr444PlanarToYCbCr420PseudoPlanaru8(const uint8_t* srcY, const uint8_t* srcCb,
+                                                            const uint8_t* srcCr, uint32_t srcWidth,
+                                                            uint32_t srcHeight, uint32_t srcYStride,
+                                                            uint32_t srcCbStride, uint32_t srcCrStride,
+                                                            uint8_t* dstY, uint8_t* dstC, uint32_t dstYStride,
+                                                            uint32_t dstCStride);
+ODX_API void odxColorYCbCr422PlanarToYCbCr444Planaru8(const uint8_t* srcY, const uint8_t* srcCb,
+                                                      const uint8_t* srcCr, uint32_t srcWidth, uint32_t srcHeight,
+                                                      uint32_t srcYStride, uint32_t srcCbStride,
+                                                      uint32_t srcCrStride, uint8_t* dstY, uint8_t* dstCb,
+                                                      uint8_t* dstCr, uint32_t dstYStride, uint32_t dstCbStride,
+                                                      uint32_t dstCrStride);
+ODX_API void odxColorYCbCr422PlanarToYCbCr420Planaru8(const uint8_t* srcY, const uint8_t* srcCb,
+                                                      const uint8_t* srcCr, uint32_t srcWidth, uint32_t srcHeight,
+                                                      uint32_t srcYStride, uint32_t srcCbStride,
+                                                      uint32_t srcCrStride, uint8_t* dstY, uint8_t* dstCb,
+                                                      uint8_t* dstCr, uint32_t dstYStride, uint32_t dstCbStride,
+                                                      uint32_t dstCrStride);
+ODX_API void odxColorYCbCr422PlanarToYCbCr444PseudoPlanaru8(const uint8_t* srcY, const uint8_t* srcCb,
+                                                            const uint8_t* srcCr, uint32_t srcWidth,
+                                                            uint32_t srcHeight, uint32_t srcYStride,
+                                                            uint32_t srcCbStride, uint32_t srcCrStride,
+                                                            uint8_t* dstY, uint8_t* dstC, uint32_t dstYStride,
+                                                            uint32_t dstCStride);
+ODX_API void odxColorYCbCr422PlanarToYCbCr422PseudoPlanaru8(const uint8_t* srcY, const uint8_t* srcCb,
+                                                            const uint8_t* srcCr, uint32_t srcWidth,
+                                                            uint32_t srcHeight, uint32_t srcYStride,
+                                                            uint32_t srcCbStride, uint32_t srcCrStride,
+                                                            uint8_t* dstY, uint8_t* dstC, uint32_t dstYStride,
+                                                            uint32_t dstCStride);
+ODX_API void odxColorYCbCr422PlanarToYCbCr420PseudoPlanaru8(const uint8_t* srcY, const uint8_t* srcCb,
+                                                            const uint8_t* srcCr, uint32_t srcWidth,
+                                                            uint32_t srcHeight, uint32_t srcYStride,
+                                                            uint32_t srcCbStride, uint32_t srcCrStride,
+                                                            uint8_t* dstY, uint8_t* dstC, uint32_t dstYStride,
+                                                            uint32_t dstCStride);
+ODX_API void odxColorYCbCr420PlanarToYCbCr444Planaru8(const uint8_t* srcY, const uint8_t* srcCb,
+                                                      const uint8_t* srcCr, uint32_t srcWidth, uint32_t srcHeight,
+                                                      uint32_t srcYStride, uint32_t srcCbStride,
+                                                      uint32_t srcCrStride, uint8_t* dstY, uint8_t* dstCb,
+                                                      uint8_t* dstCr, uint32_t dstYStride, uint32_t dstCbStride,
+                                                      uint32_t dstCrStride);
+ODX_API void odxColorYCbCr420PlanarToYCbCr422Planaru8(const uint8_t* srcY, const uint8_t* srcCb,
+                                                      const uint8_t* srcCr, uint32_t srcWidth, uint32_t srcHeight,
+                                                      uint32_t srcYStride, uint32_t srcCbStride,
+                                                      uint32_t srcCrStride, uint8_t* dstY, uint8_t* dstCb,
+                                                      uint8_t* dstCr, uint32_t dstYStride, uint32_t dstCbStride,
+                                                      uint32_t dstCrStride);
+ODX_API void odxColorYCbCr420PlanarToYCbCr444PseudoPlanaru8(const uint8_t* srcY, const uint8_t* srcCb,
+                                                            const uint8_t* srcCr, uint32_t srcWidth,
+                                                            uint32_t srcHeight, uint32_t srcYStride,
+                                                            uint32_t srcCbStride, uint32_t srcCrStride,
+                                                            uint8_t* dstY, uint8_t* dstC, uint32_t dstYStride,
+                                                            uint32_t dstCStride);
+ODX_API void odxColorYCbCr420PlanarToYCbCr422PseudoPlanaru8(const uint8_t* srcY, const uint8_t* srcCb,
+                                                            const uint8_t* srcCr, uint32_t srcWidth,
+                                                            uint32_t srcHeight, uint32_t srcYStride,
+                                                            uint32_t srcCbStride, uint32_t srcCrStride,
+                                                            uint8_t* dstY, uint8_t* dstC, uint32_t dstYStride,
+                                                            uint32_t dstCStride);
+ODX_API void odxColorYCbCr420PlanarToYCbCr420PseudoPlanaru8(const uint8_t* srcY, const uint8_t* srcCb,
+                                                            const uint8_t* srcCr, uint32_t srcWidth,
+                                                            uint32_t srcHeight, uint32_t srcYStride,
+                                                            uint32_t srcCbStride, uint32_t srcCrStride,
+                                                            uint8_t* dstY, uint8_t* dstC, uint32_t dstYStride,
+                                                            uint32_t dstCStride);
+ODX_API void odxColorYCbCr444PseudoPlanarToYCbCr444Planaru8(const uint8_t* srcY, const uint8_t* srcC,
+                                                            uint32_t srcWidth, uint32_t srcHeight,
+                                                            uint32_t srcYStride, uint32_t srcCStride,
+                                                            uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr,
+                                                            uint32_t dstYStride, uint32_t dstCbStride,
+                                                            uint32_t dstCrStride);
+ODX_API void odxColorYCbCr444PseudoPlanarToYCbCr422Planaru8(const uint8_t* srcY, const uint8_t* srcC,
+                                                            uint32_t srcWidth, uint32_t srcHeight,
+                                                            uint32_t srcYStride, uint32_t srcCStride,
+                                                            uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr,
+                                                            uint32_t dstYStride, uint32_t dstCbStride,
+                                                            uint32_t dstCrStride);
+ODX_API void odxColorYCbCr444PseudoPlanarToYCbCr420Planaru8(const uint8_t* srcY, const uint8_t* srcC,
+                                                            uint32_t srcWidth, uint32_t srcHeight,
+                                                            uint32_t srcYStride, uint32_t srcCStride,
+                                                            uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr,
+                                                            uint32_t dstYStride, uint32_t dstCbStride,
+                                                            uint32_t dstCrStride);
+ODX_API void odxColorYCbCr444PseudoPlanarToYCbCr422PseudoPlanaru8(const uint8_t* srcY, const uint8_t* srcC,
+                                                                  uint32_t srcWidth, uint32_t srcHeight,
+                                                                  uint32_t srcYStride, uint32_t srcCStride,
+                                                                  uint8_t* dstY, uint8_t* dstC,
+                                                                  uint32_t dstYStride, uint32_t dstCStride);
+ODX_API void odxColorYCbCr444PseudoPlanarToYCbCr420PseudoPlanaru8(const uint8_t* srcY, const uint8_t* srcC,
+                                                                  uint32_t srcWidth, uint32_t srcHeight,
+                                                                  uint32_t srcYStride, uint32_t srcCStride,
+                                                                  uint8_t* dstY, uint8_t* dstC,
+                                                                  uint32_t dstYStride, uint32_t dstCStride);
+ODX_API void odxColorYCbCr422PseudoPlanarToYCbCr444Planaru8(const uint8_t* srcY, const uint8_t* srcC,
+                                                            uint32_t srcWidth, uint32_t srcHeight,
+                                                            uint32_t srcYStride, uint32_t srcCStride,
+                                                            uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr,
+                                                            uint32_t dstYStride, uint32_t dstCbStride,
+                                                            uint32_t dstCrStride);
+ODX_API void odxColorYCbCr422PseudoPlanarToYCbCr422Planaru8(const uint8_t* srcY, const uint8_t* srcC,
+                                                            uint32_t srcWidth, uint32_t srcHeight,
+                                                            uint32_t srcYStride, uint32_t srcCStride,
+                                                            uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr,
+                                                            uint32_t dstYStride, uint32_t dstCbStride,
+                                                            uint32_t dstCrStride);
+ODX_API void odxColorYCbCr422PseudoPlanarToYCbCr420Planaru8(const uint8_t* srcY, const uint8_t* srcC,
+                                                            uint32_t srcWidth, uint32_t srcHeight,
+                                                            uint32_t srcYStride, uint32_t srcCStride,
+                                                            uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr,
+                                                            uint32_t dstYStride, uint32_t dstCbStride,
+                                                            uint32_t dstCrStride);
+ODX_API void odxColorYCbCr422PseudoPlanarToYCbCr444PseudoPlanaru8(const uint8_t* srcY, const uint8_t* srcC,
+                                                                  uint32_t srcWidth, uint32_t srcHeight,
+                                                                  uint32_t srcYStride, uint32_t srcCStride,
+                                                                  uint8_t* dstY, uint8_t* dstC,
+                                                                  uint32_t dstYStride, uint32_t dstCStride);
+ODX_API void odxColorYCbCr422PseudoPlanarToYCbCr420PseudoPlanaru8(const uint8_t* srcY, const uint8_t* srcC,
+                                                                  uint32_t srcWidth, uint32_t srcHeight,
+                                                                  uint32_t srcYStride, uint32_t srcCStride,
+                                                                  uint8_t* dstY, uint8_t* dstC,
+                                                                  uint32_t dstYStride, uint32_t dstCStride);
+ODX_API void odxColorYCbCr420PseudoPlanarToYCbCr444Planaru8(const uint8_t* srcY, const uint8_t* srcC,
+                                                            uint32_t srcWidth, uint32_t srcHeight,
+                                                            uint32_t srcYStride, uint32_t srcCStride,
+                                                            uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr,
+                                                            uint32_t dstYStride, uint32_t dstCbStride,
+                                                            uint32_t dstCrStride);
+ODX_API void odxColorYCbCr420PseudoPlanarToYCbCr422Planaru8(const uint8_t* srcY, const uint8_t* srcC,
+                                                            uint32_t srcWidth, uint32_t srcHeight,
+                                                            uint32_t srcYStride, uint32_t srcCStride,
+                                                            uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr,
+                                                            uint32_t dstYStride, uint32_t dstCbStride,
+                                                            uint32_t dstCrStride);
+ODX_API void odxColorYCbCr420PseudoPlanarToYCbCr420Planaru8(const uint8_t* srcY, const uint8_t* srcC,
+                                                            uint32_t srcWidth, uint32_t srcHeight,
+                                                            uint32_t srcYStride, uint32_t srcCStride,
+                                                            uint8_t* dstY, uint8_t* dstCb, uint8_t* dstCr,
+                                                            uint32_t dstYStride, uint32_t dstCbStride,
+                                                            uint32_t dstCrStride);
+ODX_API void odxColorYCbCr420PseudoPlanarToYCbCr444PseudoPlanaru8(const uint8_t* srcY, const uint8_t* srcC,
+                                                                  uint32_t srcWidth, uint32_t srcHeight,
+                                                                  uint32_t srcYStride, uint32_t srcCStride,
+                                                                  uint8_t* dstY, uint8_t* dstC,
+                                                                  uint32_t dstYStride, uint32_t dstCStride);
+ODX_API void odxColorYCbCr420PseudoPlanarToYCbCr422PseudoPlanaru8(const uint8_t* srcY, const uint8_t* srcC,
+                                                                  uint32_t srcWidth, uint32_t srcHeight,
+                                                                  uint32_t srcYStride, uint32_t srcCStride,
+                                                                  uint8_t* dstY, uint8_t* dstC,
+                                                                  uint32_t dstYStride, uint32_t dstCStride);
+/// @}
+
+/// Exchanges the samples of each pair of an interleaved chroma plane (Cb, Cr to Cr, Cb, or back). srcWidth is the
+/// number of pairs in a row, srcHeight that of chroma rows; packed rows are 2 * srcWidth bytes. Works in place
+/// with equal strides.
+ODX_API void odxColorCbCrSwapu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
+                                uint8_t* dst, uint32_t dstStride);
+
+#endif

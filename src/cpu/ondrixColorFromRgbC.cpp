@@ -1,0 +1,397 @@
+// Conversions from RGB. A row is taken in chunks: a layout spreads the channels of a chunk into planes, which the
+// arithmetic, or another layout, takes from there. So a layout is written in one place, and every loop over a
+// channel is one that compilers vectorise.
+#include "cpu/ondrixColorFromRgbC.h"
+
+#include "cpu/ondrixColorFromRgb.h"
+#include "cpu/triples.h"
+
+namespace odx::color
+{
+
+namespace
+{
+
+// ---- layouts ----
+
+constexpr size_t kChunk = 256;
+
+// The channels of up to kChunk pixels.
+struct Pixels {
+    alignas(16) uint8_t red[kChunk], green[kChunk], blue[kChunk];
+};
+
+// How pixels are stored, from the first channel to the third in order of memory, or from the low bits up. What is
+// stored beside them is 255.
+
+struct Triples {
+    static constexpr size_t kSize = 3;
+    static constexpr auto load = triples::split;
+    static constexpr auto store = triples::join;
+};
+
+struct Quads {
+    static constexpr size_t kSize = 4;
+
+    static void load(const uint8_t* __restrict src, uint8_t* __restrict first, uint8_t* __restrict second,
+                     uint8_t* __restrict third, size_t count)
+    {
+        for (size_t x = 0; x < count; ++x) {
+            first[x] = src[4 * x];
+            second[x] = src[4 * x + 1];
+            third[x] = src[4 * x + 2];
+        }
+    }
+    static void store(const uint8_t* __restrict first, const uint8_t* __restrict second,
+                      const uint8_t* __restrict third, uint8_t* __restrict dst, size_t count)
+    {
+        for (size_t x = 0; x < count; ++x) {
+            dst[4 * x] = first[x];
+            dst[4 * x + 1] = second[x];
+            dst[4 * x + 2] = third[x];
+            dst[4 * x + 3] = 255;
+        }
+    }
+};
+
+// What the missing low bits of a channel become.
+enum class LowBits { Zero, HighBits };
+
+// 16-bit words with channels of 5, 6 and 5 bits.
+template <LowBits lowBits>
+struct Words565 {
+    static constexpr size_t kSize = 2;
+
+    static void load(const uint8_t* __restrict src, uint8_t* __restrict first, uint8_t* __restrict second,
+                     uint8_t* __restrict third, size_t count)
+    {
+        constexpr uint16_t low = lowBits == LowBits::HighBits ? 0xFF : 0;
+        for (size_t x = 0; x < count; ++x) {
+            uint16_t w;
+            memcpy(&w, src + 2 * x, sizeof w);
+            first[x] = static_cast<uint8_t>((w << 3 & 0xF8) | (w >> 2 & 0x07 & low));
+            second[x] = static_cast<uint8_t>((w >> 3 & 0xFC) | (w >> 9 & 0x03 & low));
+            third[x] = static_cast<uint8_t>((w >> 8 & 0xF8) | (w >> 13 & 0x07 & low));
+        }
+    }
+    static void store(const uint8_t* __restrict first, const uint8_t* __restrict second,
+                      const uint8_t* __restrict third, uint8_t* __restrict dst, size_t count)
+    {
+        for (size_t x = 0; x < count; ++x) {
+            dst[2 * x] = static_cast<uint8_t>(first[x] >> 3 | (second[x] << 3 & 0xE0));
+            dst[2 * x + 1] = static_cast<uint8_t>(second[x] >> 5 | (third[x] & 0xF8));
+        }
+    }
+};
+
+enum class Order { RedFirst, BlueFirst };
+
+// A layout of pixels: how they are stored, and in which order.
+template <class Storage, Order order>
+struct Layout {
+    static constexpr size_t kSize = Storage::kSize;
+
+    static void load(const uint8_t* src, Pixels& pixels, size_t count)
+    {
+        if constexpr (order == Order::RedFirst) {
+            Storage::load(src, pixels.red, pixels.green, pixels.blue, count);
+        } else {
+            Storage::load(src, pixels.blue, pixels.green, pixels.red, count);
+        }
+    }
+    static void store(const Pixels& pixels, uint8_t* dst, size_t count)
+    {
+        if constexpr (order == Order::RedFirst) {
+            Storage::store(pixels.red, pixels.green, pixels.blue, dst, count);
+        } else {
+            Storage::store(pixels.blue, pixels.green, pixels.red, dst, count);
+        }
+    }
+};
+
+using RGB565 = Layout<Words565<LowBits::HighBits>, Order::RedFirst>;
+using RGB888 = Layout<Triples, Order::RedFirst>;
+using RGBA8888 = Layout<Quads, Order::RedFirst>;
+using BGR565 = Layout<Words565<LowBits::HighBits>, Order::BlueFirst>;
+using BGR888 = Layout<Triples, Order::BlueFirst>;
+using BGRA8888 = Layout<Quads, Order::BlueFirst>;
+
+// Calls use(pixels, x, count) for one chunk of a row after the other.
+template <class Source, class Use>
+[[gnu::always_inline]] inline void inChunks(const uint8_t* src, size_t width, Use use)
+{
+    Pixels pixels;
+    for (size_t x = 0, count; x < width; x += count) {
+        count = width - x < kChunk ? width - x : kChunk;
+        Source::load(src + Source::kSize * x, pixels, count);
+        use(pixels, x, count);
+    }
+}
+
+// ---- RGB to luma and chroma ----
+
+// What these conversions call by the same names: blue comes first, and the missing bits are 0.
+namespace blueFirst
+{
+using RGB565 = Layout<Words565<LowBits::Zero>, Order::BlueFirst>;
+using RGB888 = BGR888;
+using RGBA8888 = BGRA8888;
+} // namespace blueFirst
+
+void lumaOf(const Pixels& pixels, uint8_t* __restrict y, size_t count)
+{
+    const uint8_t *const r = pixels.red, *const g = pixels.green, *const b = pixels.blue;
+    for (size_t x = 0; x < count; ++x)
+        y[x] = static_cast<uint8_t>(static_cast<uint16_t>(77 * r[x] + 150 * g[x] + 29 * b[x] + 128) >> 8);
+}
+
+// min(128 + ((difference + 128) >> 8), 255) of differences from -32640 to 32640, so that no step leaves 16 bits.
+// The 5 and 6 bits of RGB565 never come near the limit: there it is the same as ((difference + 128) >> 8) ^ 128.
+uint8_t chromaOf(int16_t difference)
+{
+    const int16_t value = static_cast<int16_t>(128 + (((difference >> 1) + 64) >> 7));
+    return static_cast<uint8_t>(value < 255 ? value : 255);
+}
+
+enum class Chroma { Planes, Pairs };
+
+// The chroma of every pixel, or of every second one.
+template <Chroma chroma, size_t step>
+void chromaOf(const Pixels& pixels, uint8_t* __restrict cb, uint8_t* __restrict cr, size_t count)
+{
+    for (size_t i = 0; i < count / step; ++i) {
+        const int r = pixels.red[step * i], g = pixels.green[step * i], b = pixels.blue[step * i];
+        const uint8_t u = chromaOf(static_cast<int16_t>(128 * b - 43 * r - 85 * g));
+        const uint8_t v = chromaOf(static_cast<int16_t>(128 * r - 107 * g - 21 * b));
+        if constexpr (chroma == Chroma::Planes) {
+            cb[i] = u;
+            cr[i] = v;
+        } else {
+            cb[2 * i] = u;
+            cb[2 * i + 1] = v;
+        }
+    }
+}
+
+// A row with luma and the chroma of every `step`-th pixel. Of pairs, `cb` is the plane.
+template <class Source, Chroma chroma, size_t step>
+void yuvRow(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, size_t width)
+{
+    inChunks<Source>(src, width, [=](const Pixels& pixels, size_t x, size_t count) {
+        constexpr size_t size = chroma == Chroma::Pairs ? 2 : 1;
+        lumaOf(pixels, y + x, count);
+        chromaOf<chroma, step>(pixels, cb + size * (x / step), cr + size * (x / step), count);
+    });
+}
+
+template <class Source>
+void yRow(const uint8_t* src, uint8_t* y, size_t width)
+{
+    inChunks<Source>(src, width,
+                     [=](const Pixels& pixels, size_t x, size_t count) { lumaOf(pixels, y + x, count); });
+}
+
+struct Destination {
+    uint8_t *y, *cb, *cr;
+    uint32_t yStride, cbStride, crStride;
+};
+
+template <class Source, Chroma chroma, uint32_t subsampling>
+void convertToYuv(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcStride, const Destination& dst)
+{
+    constexpr size_t across = subsampling == 444 ? 1 : 2, down = subsampling == 420 ? 2 : 1;
+    if (width % across != 0) return;
+    for (size_t row = 0; row < height; ++row) {
+        const uint8_t* const in = rowOf(src, srcStride, row);
+        uint8_t* const y = rowOf(dst.y, dst.yStride, row);
+        if (row % down == 0) {
+            yuvRow<Source, chroma, across>(in, y, rowOf(dst.cb, dst.cbStride, row / down),
+                                           rowOf(dst.cr, dst.crStride, row / down), width);
+        } else {
+            yRow<Source>(in, y, width);
+        }
+    }
+}
+
+// ---- RGB to grey, Y/Cr/Cb and HSV ----
+
+void greyRow(const uint8_t* src, uint8_t* dst, size_t width)
+{
+    inChunks<RGB888>(src, width, [=](const Pixels& pixels, size_t x0, size_t count) {
+        const Weights w = kGrey;
+        for (size_t x = 0; x < count; ++x) {
+            const int32_t sum = w.red * pixels.red[x] + w.green * pixels.green[x] + w.blue * pixels.blue[x];
+            dst[x0 + x] = static_cast<uint8_t>((sum + 32768) >> 16);
+        }
+    });
+}
+
+uint8_t clamp(int32_t value)
+{
+    return static_cast<uint8_t>(value < 0 ? 0 : value > 255 ? 255 : value);
+}
+
+void yCrCbRow(const uint8_t* src, uint8_t* dst, size_t width)
+{
+    inChunks<RGB888>(src, width, [=](const Pixels& pixels, size_t x0, size_t count) {
+        alignas(16) uint8_t y[kChunk], cr[kChunk], cb[kChunk];
+        for (size_t x = 0; x < count; ++x) {
+            const int32_t r = pixels.red[x], g = pixels.green[x], b = pixels.blue[x];
+            const auto sum = [=](const Weights& w) {
+                return (w.red * r + w.green * g + w.blue * b + 16384) >> 15;
+            };
+            y[x] = clamp(sum(kFineY));
+            cr[x] = clamp(128 + sum(kFineCr));
+            cb[x] = clamp(128 + sum(kFineCb));
+        }
+        triples::join(y, cr, cb, dst + 3 * x0, count);
+    });
+}
+
+struct Reciprocals {
+    uint32_t entry[256];
+
+    constexpr Reciprocals() : entry()
+    {
+        for (uint32_t i = 1; i < 256; ++i)
+            entry[i] = (65536 + i / 2) / i;
+    }
+};
+constexpr Reciprocals kReciprocals;
+constexpr const uint32_t (&OneByxLUT)[256] = kReciprocals.entry;
+
+void rgb8882hsv(const uint8_t* src, uint8_t* dst, size_t width)
+{
+    for (size_t x = 0; x < width; ++x, src += 3, dst += 3) {
+        const int32_t r = src[0], g = src[1], b = src[2];
+        const int32_t greatest = r > g ? (r > b ? r : b) : (g > b ? g : b);
+        const int32_t least = r < g ? (r < b ? r : b) : (g < b ? g : b);
+        const int32_t d = greatest - least;
+        const int32_t difference = greatest == r ? g - b : greatest == g ? b - r : r - g;
+        const int32_t sixths = greatest == r ? (g < b ? 6 : 0) : greatest == g ? 2 : 4;
+        const int32_t h = static_cast<int32_t>(OneByxLUT[d]) * difference + sixths * 65536;
+        dst[0] = static_cast<uint8_t>((32768 + ((h * 85) >> 1)) >> 16);
+        dst[1] = static_cast<uint8_t>((OneByxLUT[greatest] * static_cast<uint32_t>(d) * 255 + 32768) >> 16);
+        dst[2] = static_cast<uint8_t>(greatest);
+    }
+}
+
+// ---- packed RGB to packed RGB ----
+
+template <class Source, class Target>
+struct Repacking {
+    static void row(const uint8_t* src, uint8_t* dst, size_t width)
+    {
+        inChunks<Source>(src, width, [=](const Pixels& pixels, size_t x, size_t count) {
+            Target::store(pixels, dst + Target::kSize * x, count);
+        });
+    }
+};
+
+// Pairs of layouts that have a shorter way.
+
+template <>
+struct Repacking<RGB888, RGBA8888> {
+    static constexpr auto row = triples::widen;
+};
+template <>
+struct Repacking<RGBA8888, RGB888> {
+    static constexpr auto row = triples::narrow;
+};
+template <>
+struct Repacking<RGB888, BGR888> {
+    static constexpr auto row = triples::mirror;
+};
+
+template <>
+struct Repacking<RGB565, BGR565> {
+    static void row(const uint8_t* __restrict src, uint8_t* __restrict dst, size_t width)
+    {
+        for (size_t x = 0; x < width; ++x) {
+            uint16_t w;
+            memcpy(&w, src + 2 * x, sizeof w);
+            w = static_cast<uint16_t>((w & 0x07E0) | w << 11 | w >> 11);
+            memcpy(dst + 2 * x, &w, sizeof w);
+        }
+    }
+};
+
+// The only pair in which both have a fourth channel, which is kept.
+template <>
+struct Repacking<RGBA8888, BGRA8888> {
+    static void row(const uint8_t* __restrict src, uint8_t* __restrict dst, size_t width)
+    {
+        for (size_t x = 0; x < width; ++x) {
+            uint32_t w;
+            memcpy(&w, src + 4 * x, sizeof w);
+            w = (w & 0xFF00FF00) | (w & 0xFF) << 16 | (w >> 16 & 0xFF);
+            memcpy(dst + 4 * x, &w, sizeof w);
+        }
+    }
+};
+
+// Reads a row backward.
+void rgb888_to_rgb565_srcFromRight_dstFromLeft(const uint8_t* __restrict src, uint8_t* __restrict dst,
+                                               size_t width)
+{
+    src += 3 * width;
+    for (size_t x = 0; x < width; ++x) {
+        src -= 3;
+        const uint16_t w = static_cast<uint16_t>((src[2] & 0xF8) << 8 | (src[1] & 0xFC) << 3 | src[0] >> 3);
+        memcpy(dst + 2 * x, &w, sizeof w);
+    }
+}
+
+} // namespace
+
+} // namespace odx::color
+
+using namespace odx::color;
+
+extern "C" {
+
+#define ODX_DEFINE(pixels, subsampling)                                                                           \
+    void odxColor##pixels##ToYCbCr##subsampling##Planaru8C(ODX_Packed_SOURCE, ODX_Planar_DESTINATION)             \
+    {                                                                                                             \
+        convertToYuv<blueFirst::pixels, Chroma::Planes, subsampling>(                                             \
+            src, srcWidth, srcHeight, srcStride, {dstY, dstCb, dstCr, dstYStride, dstCbStride, dstCrStride});     \
+    }                                                                                                             \
+    void odxColor##pixels##ToYCbCr##subsampling##PseudoPlanaru8C(ODX_Packed_SOURCE, ODX_PseudoPlanar_DESTINATION) \
+    {                                                                                                             \
+        convertToYuv<blueFirst::pixels, Chroma::Pairs, subsampling>(                                              \
+            src, srcWidth, srcHeight, srcStride, {dstY, dstC, dstC, dstYStride, dstCStride, dstCStride});         \
+    }
+ODX_RGB_TO_YCBCR(ODX_DEFINE)
+#undef ODX_DEFINE
+
+#define ODX_DEFINE(from, to)                                                    \
+    void odxColor##from##To##to##u8C(ODX_Packed_SOURCE, ODX_Packed_DESTINATION) \
+    {                                                                           \
+        eachRow(ODX_Packed_ARGUMENTS, Repacking<from, to>::row);                \
+    }
+ODX_RGB_TO_RGB(ODX_DEFINE)
+#undef ODX_DEFINE
+
+void odxColorRGB888ToGrayu8C(ODX_Packed_SOURCE, ODX_Packed_DESTINATION)
+{
+    eachRow(ODX_Packed_ARGUMENTS, greyRow);
+}
+
+void odxColorRGB888toYCrCbu8C(ODX_Packed_SOURCE, ODX_Packed_DESTINATION)
+{
+    eachRow(ODX_Packed_ARGUMENTS, yCrCbRow);
+}
+
+void odxColorRGB888ToHSV888u8C(ODX_Packed_SOURCE, ODX_Packed_DESTINATION)
+{
+    eachRow(ODX_Packed_ARGUMENTS, rgb8882hsv);
+}
+
+void odxColorRGB888ToRGB565Rotate180u8C(ODX_Packed_SOURCE, ODX_Packed_DESTINATION)
+{
+    for (size_t y = 0; y < srcHeight; ++y) {
+        rgb888_to_rgb565_srcFromRight_dstFromLeft(odx::rowOf(src, srcStride, y),
+                                                  odx::rowOf(dst, dstStride, srcHeight - 1 - y), srcWidth);
+    }
+}
+}

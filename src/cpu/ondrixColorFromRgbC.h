@@ -1,0 +1,103 @@
+// Reference implementations: colour conversions from RGB, and between layouts of luma and chroma.
+#ifndef ODX_CPU_ONDRIX_COLOR_FROM_RGB_C_H
+#define ODX_CPU_ONDRIX_COLOR_FROM_RGB_C_H
+
+#include "ondrix/colorFromRgb.h"
+
+// ---- the conversions, as tables ----
+
+// Every combination of X(pixels, subsampling); each exists to planar and to pseudo-planar images.
+#define ODX_RGB_TO_YCBCR(X) \
+    X(RGB565, 444)          \
+    X(RGB565, 422)          \
+    X(RGB565, 420)          \
+    X(RGB888, 444)          \
+    X(RGB888, 422)          \
+    X(RGB888, 420)          \
+    X(RGBA8888, 444)        \
+    X(RGBA8888, 422)        \
+    X(RGBA8888, 420)
+
+// X(source pixels, destination pixels)
+#define ODX_RGB_TO_RGB(X) \
+    X(RGB565, RGB888)     \
+    X(RGB565, RGBA8888)   \
+    X(RGB565, BGR565)     \
+    X(RGB565, BGR888)     \
+    X(RGB565, BGRA8888)   \
+    X(RGB888, RGB565)     \
+    X(RGB888, RGBA8888)   \
+    X(RGB888, BGR565)     \
+    X(RGB888, BGR888)     \
+    X(RGB888, BGRA8888)   \
+    X(RGBA8888, RGB565)   \
+    X(RGBA8888, RGB888)   \
+    X(RGBA8888, BGR565)   \
+    X(RGBA8888, BGR888)   \
+    X(RGBA8888, BGRA8888)
+
+// X(source layout, source subsampling, destination layout, destination subsampling), for layouts `Planar` and
+// `PseudoPlanar`
+#define ODX_YCBCR_TO_OTHER_SUBSAMPLING(X, from, to) \
+    X(from, 420, to, 422)                           \
+    X(from, 420, to, 444)                           \
+    X(from, 422, to, 420)                           \
+    X(from, 422, to, 444)                           \
+    X(from, 444, to, 420)                           \
+    X(from, 444, to, 422)
+#define ODX_YCBCR_TO_OTHER_LAYOUT(X, from, to) \
+    X(from, 420, to, 420)                      \
+    X(from, 422, to, 422)                      \
+    X(from, 444, to, 444)
+#define ODX_YCBCR_TO_YCBCR(X)                                     \
+    ODX_YCBCR_TO_OTHER_SUBSAMPLING(X, Planar, Planar)             \
+    ODX_YCBCR_TO_OTHER_SUBSAMPLING(X, Planar, PseudoPlanar)       \
+    ODX_YCBCR_TO_OTHER_SUBSAMPLING(X, PseudoPlanar, Planar)       \
+    ODX_YCBCR_TO_OTHER_SUBSAMPLING(X, PseudoPlanar, PseudoPlanar) \
+    ODX_YCBCR_TO_OTHER_LAYOUT(X, Planar, PseudoPlanar)            \
+    ODX_YCBCR_TO_OTHER_LAYOUT(X, PseudoPlanar, Planar)
+
+// ---- their parameters, and the names of these as arguments ----
+
+#define ODX_Packed_SOURCE const uint8_t *src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride
+#define ODX_Packed_DESTINATION uint8_t *dst, uint32_t dstStride
+#define ODX_Packed_ARGUMENTS src, srcWidth, srcHeight, srcStride, dst, dstStride
+
+#define ODX_Planar_SOURCE                                                                                   \
+    const uint8_t *srcY, const uint8_t *srcCb, const uint8_t *srcCr, uint32_t srcWidth, uint32_t srcHeight, \
+        uint32_t srcYStride, uint32_t srcCbStride, uint32_t srcCrStride
+#define ODX_Planar_DESTINATION \
+    uint8_t *dstY, uint8_t *dstCb, uint8_t *dstCr, uint32_t dstYStride, uint32_t dstCbStride, uint32_t dstCrStride
+#define ODX_PseudoPlanar_SOURCE                                                                           \
+    const uint8_t *srcY, const uint8_t *srcC, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcYStride, \
+        uint32_t srcCStride
+#define ODX_PseudoPlanar_DESTINATION uint8_t *dstY, uint8_t *dstC, uint32_t dstYStride, uint32_t dstCStride
+
+extern "C" {
+
+#define ODX_DECLARE(pixels, subsampling)                                                                          \
+    decltype(odxColor##pixels##ToYCbCr##subsampling##Planaru8) odxColor##pixels##ToYCbCr##subsampling##Planaru8C; \
+    decltype(odxColor##pixels##ToYCbCr##subsampling##PseudoPlanaru8)                                              \
+        odxColor##pixels##ToYCbCr##subsampling##PseudoPlanaru8C;
+ODX_RGB_TO_YCBCR(ODX_DECLARE)
+#undef ODX_DECLARE
+
+#define ODX_DECLARE(from, to) decltype(odxColor##from##To##to##u8) odxColor##from##To##to##u8C;
+ODX_RGB_TO_RGB(ODX_DECLARE)
+#undef ODX_DECLARE
+
+#define ODX_DECLARE(from, fromSubsampling, to, toSubsampling)                      \
+    decltype(odxColorYCbCr##fromSubsampling##from##ToYCbCr##toSubsampling##to##u8) \
+        odxColorYCbCr##fromSubsampling##from##ToYCbCr##toSubsampling##to##u8C;
+ODX_YCBCR_TO_YCBCR(ODX_DECLARE)
+#undef ODX_DECLARE
+
+decltype(odxColorRGB888ToGrayu8) odxColorRGB888ToGrayu8C;
+decltype(odxColorRGB888toYCrCbu8_v2) odxColorRGB888toYCrCbu8C;
+decltype(odxColorRGB888ToHSV888u8) odxColorRGB888ToHSV888u8C;
+decltype(odxColorRGBA8888ToLABu8) odxColorRGBA8888ToLABu8C;
+decltype(odxColorRGB888ToRGB565Rotate180u8) odxColorRGB888ToRGB565Rotate180u8C;
+decltype(odxColorCbCrSwapu8) odxColorCbCrSwapu8C;
+}
+
+#endif

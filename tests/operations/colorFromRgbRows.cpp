@@ -1,0 +1,188 @@
+#include "operations/draw.h"
+
+#include "cpu/ondrixColorFromRgbC.h"
+
+namespace odx::test
+{
+
+namespace
+{
+
+// Rows of the functions that share a signature. Sizes of pixels are in bytes; `across` and `down` are the pixels
+// that a chroma sample covers.
+
+enum PixelSize : uint32_t { RGB565 = 2, RGB888 = 3, RGBA8888 = 4, BGR565 = 2, BGR888 = 3, BGRA8888 = 4 };
+
+template <uint32_t subsampling>
+constexpr Extent kCovers = {subsampling == 444 ? 1 : 2, subsampling == 420 ? 2 : 1};
+
+Image<uint8_t> sourcePixels(Draw& draw, Extent extent, uint32_t size)
+{
+    return draw.source<uint8_t>("src", {extent.width * size, extent.height});
+}
+
+Image<uint8_t> destinationPixels(Draw& draw, Extent extent, uint32_t size)
+{
+    return draw.destination<uint8_t>("dst", {extent.width * size, extent.height});
+}
+
+template <uint32_t sourceSize, uint32_t destinationSize, auto* operation>
+void packed(Draw& draw)
+{
+    const Extent extent = draw.extent();
+    const auto src = sourcePixels(draw, extent, sourceSize),
+               dst = destinationPixels(draw, extent, destinationSize);
+    draw.run([&] {
+        operation(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels, dst.strideArgument());
+    });
+}
+
+template <uint32_t size, auto* operation>
+void packedOrInPlace(Draw& draw)
+{
+    if (draw.measures() || draw.pick("in place", {0, 1}) == 0) return packed<size, size, operation>(draw);
+    const Extent extent = draw.extent();
+    const auto src = sourcePixels(draw, extent, size);
+    draw.writesInPlace(src);
+    draw.run([&] {
+        operation(src.pixels, extent.width, extent.height, src.strideArgument(), src.pixels, src.strideArgument());
+    });
+}
+
+void yCrCb(Draw& draw)
+{
+    const Extent extent = draw.extent();
+    const uint32_t bytes = 3 * extent.width * extent.height;
+    const uint8_t* src = draw.sourceArray<uint8_t>("src", bytes);
+    uint8_t* dst = draw.destinationArray<uint8_t>("dst", bytes);
+    draw.run([&] { odxColorRGB888toYCrCbu8(src, extent.width, extent.height, dst); });
+}
+
+// Even widths for the most part, where odd ones are left unwritten.
+template <uint32_t subsampling>
+Extent mostlyWhole(Draw& draw)
+{
+    Extent extent = draw.extent();
+    const uint32_t across = kCovers<subsampling>.width;
+    if (draw.pick("odd", {0, 0, 0, 1}) == 0) extent.width = (extent.width + across - 1) / across * across;
+    return extent;
+}
+
+template <uint32_t subsampling>
+Extent chroma(Extent extent)
+{
+    const Extent covers = kCovers<subsampling>;
+    return {(extent.width + covers.width - 1) / covers.width, (extent.height + covers.height - 1) / covers.height};
+}
+
+template <uint32_t size, uint32_t subsampling, auto* operation>
+void rgbToPlanar(Draw& draw)
+{
+    const Extent extent = mostlyWhole<subsampling>(draw), samples = chroma<subsampling>(extent);
+    const auto src = sourcePixels(draw, extent, size), y = draw.destination<uint8_t>("dstY", extent);
+    const auto cb = draw.destination<uint8_t>("dstCb", samples), cr = draw.destination<uint8_t>("dstCr", samples);
+    draw.run([&] {
+        operation(src.pixels, extent.width, extent.height, src.strideArgument(), y.pixels, cb.pixels, cr.pixels,
+                  y.strideArgument(), cb.strideArgument(), cr.strideArgument());
+    });
+}
+
+template <uint32_t size, uint32_t subsampling, auto* operation>
+void rgbToPseudoPlanar(Draw& draw)
+{
+    const Extent extent = mostlyWhole<subsampling>(draw), samples = chroma<subsampling>(extent);
+    const auto src = sourcePixels(draw, extent, size), y = draw.destination<uint8_t>("dstY", extent);
+    const auto c = draw.destination<uint8_t>("dstC", {2 * samples.width, samples.height});
+    draw.run([&] {
+        operation(src.pixels, extent.width, extent.height, src.strideArgument(), y.pixels, c.pixels,
+                  y.strideArgument(), c.strideArgument());
+    });
+}
+
+// The planes of a luma and chroma image, drawn by `plane(name, extent, packed)`; of interleaved chroma cr is not
+// used.
+struct Planes {
+    Image<uint8_t> y, cb, cr;
+};
+
+template <uint32_t subsampling, bool interleaved, class Plane>
+Planes planes(Draw& draw, Extent extent, Plane plane)
+{
+    const Extent samples = chroma<subsampling>(extent);
+    Planes all;
+    all.y = plane("Y", extent, false);
+    if (!interleaved) {
+        all.cb = plane("Cb", samples, false);
+        all.cr = plane("Cr", samples, false);
+    } else if (subsampling == 444 || extent.width % 2 == 0) {
+        all.cb = plane("C", Extent{2 * samples.width, samples.height}, false);
+    } else if (draw.pick("packed pairs", {0, 1}) == 1) { // a pair less
+        all.cb = plane("C", Extent{extent.width, samples.height}, true);
+    } else { // which 0 does not stand for
+        all.cb = plane("C", Extent{extent.width + 1, samples.height}, false);
+        all.cb.defaulted = false;
+    }
+    return all;
+}
+
+template <uint32_t fromSubsampling, bool fromPairs, uint32_t toSubsampling, bool toPairs, auto* operation>
+void yCbCr(Draw& draw)
+{
+    const Extent extent = draw.extent();
+    const Planes s = planes<fromSubsampling, fromPairs>(
+        draw, extent, [&](auto... plane) { return draw.source<uint8_t>(plane...); });
+    const Planes d = planes<toSubsampling, toPairs>(
+        draw, extent, [&](auto... plane) { return draw.destination<uint8_t>(plane...); });
+    const auto call = [&](auto... source) {
+        if constexpr (toPairs) {
+            operation(source..., d.y.pixels, d.cb.pixels, d.y.strideArgument(), d.cb.strideArgument());
+        } else {
+            operation(source..., d.y.pixels, d.cb.pixels, d.cr.pixels, d.y.strideArgument(), d.cb.strideArgument(),
+                      d.cr.strideArgument());
+        }
+    };
+    draw.run([&] {
+        if constexpr (fromPairs) {
+            call(s.y.pixels, s.cb.pixels, extent.width, extent.height, s.y.strideArgument(),
+                 s.cb.strideArgument());
+        } else {
+            call(s.y.pixels, s.cb.pixels, s.cr.pixels, extent.width, extent.height, s.y.strideArgument(),
+                 s.cb.strideArgument(), s.cr.strideArgument());
+        }
+    });
+}
+
+constexpr bool Planar = false, PseudoPlanar = true;
+
+} // namespace
+
+std::vector<Row> colorFromRgbRows()
+{
+    return {
+#define ODX_ROW(pixels, subsampling)                                                      \
+    {"odxColor" #pixels "ToYCbCr" #subsampling "Planaru8",                                \
+     rgbToPlanar<pixels, subsampling, odxColor##pixels##ToYCbCr##subsampling##Planaru8>}, \
+        {"odxColor" #pixels "ToYCbCr" #subsampling "PseudoPlanaru8",                      \
+         rgbToPseudoPlanar<pixels, subsampling, odxColor##pixels##ToYCbCr##subsampling##PseudoPlanaru8>},
+        ODX_RGB_TO_YCBCR(ODX_ROW)
+#undef ODX_ROW
+#define ODX_ROW(from, to) {"odxColor" #from "To" #to "u8", packed<from, to, odxColor##from##To##to##u8>},
+            ODX_RGB_TO_RGB(ODX_ROW)
+#undef ODX_ROW
+#define ODX_ROW(from, fromSubsampling, to, toSubsampling)                      \
+    {"odxColorYCbCr" #fromSubsampling #from "ToYCbCr" #toSubsampling #to "u8", \
+     yCbCr<fromSubsampling, from, toSubsampling, to,                           \
+           odxColorYCbCr##fromSubsampling##from##ToYCbCr##toSubsampling##to##u8>},
+                ODX_YCBCR_TO_YCBCR(ODX_ROW)
+#undef ODX_ROW
+                    {"odxColorRGB888ToRGB565Rotate180u8", packed<3, 2, odxColorRGB888ToRGB565Rotate180u8>},
+        {"odxColorRGB888ToGrayu8", packed<3, 1, odxColorRGB888ToGrayu8>},
+        {"odxColorRGB888toYCrCbu8", yCrCb},
+        {"odxColorRGB888toYCrCbu8_v2", packedOrInPlace<3, odxColorRGB888toYCrCbu8_v2>},
+        {"odxColorRGB888ToHSV888u8", packedOrInPlace<3, odxColorRGB888ToHSV888u8>},
+        {"odxColorRGBA8888ToLABu8", packed<4, 3, odxColorRGBA8888ToLABu8>},
+        {"odxColorCbCrSwapu8", packedOrInPlace<2, odxColorCbCrSwapu8>},
+    };
+}
+
+} // namespace odx::test
