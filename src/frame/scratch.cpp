@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <atomic>
 #include <pthread.h>
+#include <sched.h>
 #include <string.h>
 
 namespace
@@ -22,23 +23,28 @@ struct Header {
 };
 static_assert(sizeof(Header) == 2 * sizeof(void*));
 
-struct Entry {
-    uint8_t* raw; // null until the entry is used first
-    uint32_t rawSize;
-    uint8_t* usable;
-    uint32_t capacity;           // the largest request served; `usable` has room for it
-    std::atomic<uint32_t> inUse; // read ahead of the mutex, which alone decides
-    pthread_mutex_t mutex;       // held while the block is lent; guards all of the above
+// What an entry's block is doing.
+enum Use : uint32_t {
+    kIdle,
+    kLent,
+    kOrphan // lent, and the pool was destroyed meanwhile
 };
 
+struct Entry {
+    uint8_t* raw = nullptr; // null until the entry is used first
+    uint32_t rawSize = 0;
+    uint8_t* usable = nullptr;
+    uint32_t capacity = 0; // the largest request served; `usable` has room for it
+    std::atomic<uint32_t> use{kIdle};
+    pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER; // held while the block is lent; guards the four fields
+};
+
+// The entries outlive the pool, so that a request may run into its destruction.
 Entry pool[32];
 std::atomic<uint8_t> poolReady{0};
 
-// Users, creation and destruction. The entries' mutexes outlive the pool, so that a request may run into its
-// destruction.
-pthread_mutex_t usersMutex = PTHREAD_MUTEX_INITIALIZER;
+pthread_mutex_t usersMutex = PTHREAD_MUTEX_INITIALIZER; // held during creation and destruction too
 uint32_t users = 0;
-bool entryMutexesExist = false;
 
 Header* headerOf(void* block)
 {
@@ -76,19 +82,14 @@ void* lendFromSystem(uint32_t size, uint32_t alignment)
     return raw == nullptr ? nullptr : lend(usableIn(raw, alignment), kSystemMarker, raw);
 }
 
-// Makes the entry's block fit a request. What it served before it still serves afterwards, whatever the order of
-// sizes and alignments, so that repeated work comes to rest.
+// Makes the entry's block fit a request. Its capacity never falls, so that repeated work comes to rest: the first
+// time brings every entry to its largest size, the second, at the latest, to its strictest alignment.
 bool fit(Entry& entry, uint32_t size, uint32_t alignment)
 {
+    const bool aligned = (reinterpret_cast<uintptr_t>(entry.usable) & (alignment - 1)) == 0;
+    if (entry.raw != nullptr && size <= entry.capacity && aligned) return true;
+
     const uint32_t capacity = std::max(size, entry.capacity);
-    if (entry.raw != nullptr && capacity == entry.capacity) {
-        uint8_t* const usable = usableIn(entry.raw, alignment);
-        if ((reinterpret_cast<uintptr_t>(entry.usable) & (alignment - 1)) == 0) return true;
-        if (static_cast<size_t>(usable - entry.raw) + capacity <= entry.rawSize) {
-            entry.usable = usable;
-            return true;
-        }
-    }
     const uint32_t rawSize = rawSizeFor(capacity, alignment);
     uint8_t* const raw = allocateRaw(rawSize);
     if (raw == nullptr) return false;
@@ -104,7 +105,7 @@ bool fit(Entry& entry, uint32_t size, uint32_t alignment)
 Entry* takeEntry()
 {
     for (Entry& entry : pool) {
-        if (entry.inUse.load(std::memory_order_relaxed) == 0 && pthread_mutex_trylock(&entry.mutex) == 0)
+        if (entry.use.load(std::memory_order_relaxed) == kIdle && pthread_mutex_trylock(&entry.mutex) == 0)
             return &entry;
     }
     return nullptr;
@@ -115,44 +116,42 @@ bool isPoolReady()
     return poolReady.load(std::memory_order_acquire) != 0;
 }
 
-void createPool()
+void empty(Entry& entry)
 {
-    if (!entryMutexesExist) {
-        // The destruction meets entries that its own thread has lent: those must fail to lock, not wait.
-        pthread_mutexattr_t attributes;
-        pthread_mutexattr_init(&attributes);
-        pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_ERRORCHECK);
-        for (Entry& entry : pool)
-            pthread_mutex_init(&entry.mutex, &attributes);
-        pthread_mutexattr_destroy(&attributes);
-        entryMutexesExist = true;
-    }
-    odxHeapStatsInit();
-    poolReady.store(1, std::memory_order_release);
-}
-
-// Waits for blocks that other threads have. A block that this thread has becomes one of the system's.
-void emptyEntry(Entry& entry)
-{
-    pthread_mutex_lock(&entry.mutex);
-    if (entry.inUse.load(std::memory_order_relaxed) != 0) {
-        lend(entry.usable, kSystemMarker, entry.raw);
-    } else {
-        odx::heapFree(entry.raw);
-    }
+    odx::heapFree(entry.raw);
     entry.raw = nullptr;
     entry.rawSize = 0;
     entry.usable = nullptr;
     entry.capacity = 0;
-    entry.inUse.store(0, std::memory_order_relaxed);
-    pthread_mutex_unlock(&entry.mutex);
+}
+
+// A lent block stays with its borrower, whose release frees it. Waits only for a borrower that is just taking or
+// returning one.
+void retire(Entry& entry)
+{
+    for (;;) {
+        if (pthread_mutex_trylock(&entry.mutex) == 0) {
+            empty(entry);
+            pthread_mutex_unlock(&entry.mutex);
+            return;
+        }
+        uint32_t use = kLent;
+        if (entry.use.compare_exchange_strong(use, kOrphan) || use == kOrphan) return;
+        sched_yield();
+    }
+}
+
+void createPool()
+{
+    odxHeapStatsInit();
+    poolReady.store(1, std::memory_order_release);
 }
 
 void destroyPool()
 {
     poolReady.store(0, std::memory_order_release);
     for (Entry& entry : pool)
-        emptyEntry(entry);
+        retire(entry);
     odxHeapStats();
 }
 
@@ -176,7 +175,7 @@ void* local_odxGetScratchBufferAligned(uint32_t size, uint32_t alignment)
         pthread_mutex_unlock(&entry->mutex);
         return destroyedMeanwhile ? lendFromSystem(size, alignment) : nullptr;
     }
-    entry->inUse.store(1, std::memory_order_relaxed);
+    entry->use.store(kLent);
     return lend(entry->usable, kPoolMarker, entry);
 }
 
@@ -195,8 +194,11 @@ int local_odxReleaseScratchBuffer(void* block)
     }
     if (header->marker != kPoolMarker) return 0;
     auto* const entry = static_cast<Entry*>(header->origin);
-    entry->inUse.store(0, std::memory_order_relaxed);
-    return pthread_mutex_unlock(&entry->mutex) == 0 ? 1 : 0;
+    const uint32_t use = entry->use.exchange(kIdle);
+    if (use == kIdle) return 0; // it was returned before
+    if (use == kOrphan) empty(*entry);
+    pthread_mutex_unlock(&entry->mutex);
+    return 1;
 }
 
 int odxMemInit(void)
@@ -222,7 +224,7 @@ int odxMemInitPreAlloc(unsigned int preAllocBytes)
 int odxMemDeInit(void)
 {
     pthread_mutex_lock(&usersMutex);
-    if (users != 0 && --users == 0) destroyPool();
+    if (users > 0 && --users == 0) destroyPool();
     pthread_mutex_unlock(&usersMutex);
     return 0;
 }

@@ -1,0 +1,36 @@
+// What this program asks of the system allocator. The linker hands the malloc family of everything that it links
+// statically, the library included, to heapWatch.cpp.
+#ifndef ODX_TESTS_MEMORY_HEAP_WATCH_H
+#define ODX_TESTS_MEMORY_HEAP_WATCH_H
+
+#include <stddef.h>
+
+namespace odx::test
+{
+
+// Allocations so far. The C++ library's own, by new, do not count.
+unsigned allocationCount();
+
+// While it lives, malloc fails.
+class NoMemory
+{
+public:
+    NoMemory();
+    ~NoMemory();
+    NoMemory(const NoMemory&) = delete;
+    NoMemory& operator=(const NoMemory&) = delete;
+};
+
+// What the library told the statistics hooks so far.
+struct HeapReport {
+    unsigned poolsCreated, poolsDestroyed;
+    unsigned allocations, frees;
+    size_t liveBlocks;
+    const void* lastBlock; // of the latest allocation
+    size_t lastBytes;
+};
+HeapReport heapReport();
+
+} // namespace odx::test
+
+#endif

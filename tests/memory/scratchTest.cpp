@@ -1,0 +1,471 @@
+// The scratch pool.
+#include "frame/scratch.h"
+#include "memory/heapWatch.h"
+#include "ondrix/modes.h"
+#include "ondrix/smoothing.h"
+#include "support/logCapture.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <random>
+#include <string.h>
+#include <thread>
+
+namespace odx::test
+{
+
+namespace
+{
+
+constexpr uint32_t kPoolMarker = 0xCDCDCDCD;
+constexpr uint32_t kSystemMarker = 0xABABABAB;
+constexpr uint32_t kHeader = 2 * sizeof(void*);
+constexpr size_t kEntries = 32;
+
+uint8_t* aligned(uint32_t size, uint32_t alignment)
+{
+    return static_cast<uint8_t*>(odxGetScratchBufferAligned_(size, alignment));
+}
+uint8_t* unaligned(uint32_t size)
+{
+    return static_cast<uint8_t*>(odxGetScratchBufferUnaligned_(size));
+}
+bool release(void* block)
+{
+    return odxReleaseScratchBuffer_(block) == 1;
+}
+
+uint32_t marker(const uint8_t* block)
+{
+    uint32_t value;
+    memcpy(&value, block - kHeader, sizeof value);
+    return value;
+}
+const void* origin(const uint8_t* block)
+{
+    const void* value;
+    memcpy(&value, block - sizeof value, sizeof value);
+    return value;
+}
+
+bool poolExists()
+{
+    const HeapReport report = heapReport();
+    return report.poolsCreated != report.poolsDestroyed;
+}
+
+// Where a block lies in the raw block that was allocated for it.
+void expectLatestAllocation(const uint8_t* block, uint32_t size, uint32_t alignment)
+{
+    const HeapReport report = heapReport();
+    EXPECT_EQ(size + alignment - 1 + kHeader, report.lastBytes);
+    const auto raw = reinterpret_cast<uintptr_t>(report.lastBlock);
+    const auto expected = (raw + kHeader + alignment - 1) / alignment * alignment;
+    EXPECT_EQ(expected, reinterpret_cast<uintptr_t>(block));
+}
+
+// Every test begins and ends without a pool, and leaves nothing allocated.
+class ScratchPool : public testing::Test
+{
+protected:
+    void SetUp() override { ASSERT_FALSE(poolExists()); }
+    void TearDown() override
+    {
+        EXPECT_FALSE(poolExists());
+        EXPECT_EQ(0u, heapReport().liveBlocks);
+    }
+};
+
+TEST_F(ScratchPool, AbsentBlocksComeFromTheSystemAndGoBack)
+{
+    for (const auto& [size, alignment] : {std::pair{100u, 64u}, {100, 1}, {0, 16}, {1, 4096}}) {
+        uint8_t* const block = aligned(size, alignment);
+        expectLatestAllocation(block, size, alignment);
+        EXPECT_EQ(kSystemMarker, marker(block));
+        EXPECT_EQ(heapReport().lastBlock, origin(block));
+        memset(block, 0xFF, size);
+        EXPECT_TRUE(release(block));
+        EXPECT_EQ(0u, heapReport().liveBlocks);
+    }
+    // No powers of two: as an alignment of 1, and as the unaligned request.
+    for (const uint32_t alignment : {24u, 0u, 0x80000001u}) {
+        uint8_t* const block = aligned(100, alignment);
+        expectLatestAllocation(block, 100, 1);
+        EXPECT_TRUE(release(block));
+    }
+    uint8_t* const block = unaligned(100);
+    expectLatestAllocation(block, 100, 1);
+    EXPECT_TRUE(release(block));
+
+    const unsigned before = allocationCount();
+    const bool refused = aligned(UINT32_MAX, 1) == nullptr && aligned(UINT32_MAX - 64, 64) == nullptr &&
+                         aligned(UINT32_MAX, 0x80000000) == nullptr && unaligned(UINT32_MAX) == nullptr;
+    EXPECT_EQ(before, allocationCount());
+    EXPECT_TRUE(refused);
+}
+
+TEST_F(ScratchPool, KeepsAndGrowsItsBlocks)
+{
+    EXPECT_EQ(1, odxMemInit());
+    uint8_t* const first = aligned(100, 16);
+    expectLatestAllocation(first, 100, 16);
+    EXPECT_EQ(kPoolMarker, marker(first));
+    const void* const entry = origin(first);
+    memset(first, 0xFF, 100);
+    EXPECT_TRUE(release(first));
+    EXPECT_EQ(1u, heapReport().liveBlocks);
+
+    const unsigned before = allocationCount();
+    bool same = true;
+    for (const auto& [size, alignment] : {std::pair{100u, 16u}, {7, 8}, {0, 1}, {99, 24}}) {
+        uint8_t* const block = aligned(size, alignment);
+        same &= block == first && marker(block) == kPoolMarker && origin(block) == entry && release(block);
+    }
+    uint8_t* const loose = unaligned(100);
+    same &= loose == first && release(loose);
+    EXPECT_EQ(before, allocationCount());
+    EXPECT_TRUE(same);
+
+    // One byte more: the entry gets a new block and the old one is freed.
+    uint8_t* const grown = unaligned(101);
+    expectLatestAllocation(grown, 101, 1);
+    EXPECT_EQ(entry, origin(grown));
+    EXPECT_EQ(1u, heapReport().liveBlocks);
+    EXPECT_TRUE(release(grown));
+    EXPECT_EQ(0, odxMemDeInit());
+}
+
+TEST_F(ScratchPool, KeepsItsCapacityWhenItRealigns)
+{
+    odxMemInit();
+    EXPECT_TRUE(release(unaligned(1000)));
+    uint8_t* const page = aligned(10, 1u << 20);
+    expectLatestAllocation(page, 1000, 1u << 20);
+    EXPECT_EQ(1u, heapReport().liveBlocks);
+    EXPECT_TRUE(release(page));
+
+    const unsigned before = allocationCount();
+    uint8_t* const again = unaligned(1000);
+    EXPECT_EQ(before, allocationCount());
+    memset(again, 0xFF, 1000);
+    EXPECT_TRUE(release(again));
+
+    uint8_t* const empty = aligned(0, 16);
+    uint8_t* const emptyToo = aligned(0, 16); // from an entry that never held memory
+    EXPECT_NE(nullptr, emptyToo);
+    EXPECT_NE(empty, emptyToo);
+    release(empty);
+    release(emptyToo);
+    odxMemDeInit();
+}
+
+// A frame's work: blocks of all sizes and alignments, taken and returned in an order of its own.
+void doFrame(uint32_t seed)
+{
+    std::mt19937 random(seed);
+    std::pair<uint8_t*, uint8_t> held[8] = {};
+    for (int step = 0; step < 100; ++step) {
+        auto& [block, pattern] = held[random() % 8];
+        if (block != nullptr) {
+            EXPECT_EQ(pattern, block[0]);
+            EXPECT_TRUE(release(block));
+        }
+        const uint32_t size = 1 + random() % 3000, alignment = 1u << random() % 10;
+        block = aligned(size, alignment);
+        ASSERT_NE(nullptr, block);
+        EXPECT_EQ(0u, reinterpret_cast<uintptr_t>(block) % alignment);
+        pattern = static_cast<uint8_t>(step);
+        memset(block, pattern, size);
+    }
+    for (const auto& [block, pattern] : held)
+        release(block);
+}
+
+// The first frame brings every entry to its size, the second to its alignment.
+TEST_F(ScratchPool, ComesToRestAfterTwoFrames)
+{
+    odxMemInit();
+    for (const uint32_t seed : {1u, 2u, 3u}) {
+        doFrame(seed);
+        doFrame(seed);
+        const unsigned before = allocationCount();
+        doFrame(seed);
+        EXPECT_EQ(before, allocationCount());
+    }
+    EXPECT_LE(heapReport().liveBlocks, 8u);
+    odxMemDeInit();
+}
+
+TEST_F(ScratchPool, LendsThirtyTwoBlocks)
+{
+    odxMemInit();
+    std::vector<uint8_t*> lent;
+    for (size_t i = 0; i < kEntries; ++i) {
+        lent.push_back(i % 2 == 0 ? aligned(64, 64) : unaligned(64));
+        ASSERT_NE(nullptr, lent.back());
+        for (size_t j = 0; j < i; ++j)
+            ASSERT_NE(origin(lent[j]), origin(lent[i]));
+    }
+    EXPECT_EQ(nullptr, aligned(64, 64));
+    EXPECT_EQ(nullptr, unaligned(1));
+    EXPECT_TRUE(release(lent[17]));
+    uint8_t* const next = unaligned(64);
+    EXPECT_EQ(lent[17], next);
+    for (uint8_t* const block : lent)
+        EXPECT_TRUE(release(block));
+    odxMemDeInit();
+}
+
+TEST_F(ScratchPool, ExhaustedFailsTheOperationsThatNeedIt)
+{
+    odxMemInit();
+    const std::vector<float> real(8 * 8, 2);
+    const std::vector<int16_t> small(8 * 8, 2);
+    for (const odxOperationMode mode : {ONDRIX_OP_EXT_REFERENCE, ONDRIX_OP_CPU_PERFORMANCE}) {
+        ASSERT_EQ(0, odxSetOperationMode(mode));
+        std::vector<uint8_t*> lent;
+        for (size_t i = 0; i < kEntries; ++i)
+            lent.push_back(unaligned(16));
+
+        LogCapture log;
+        std::vector<float> mean(8 * 8, -1);
+        odxBoxFilterNxNf32(real.data(), 8, 8, 0, 3, mean.data(), 0);
+        EXPECT_EQ(std::vector<float>(8 * 8, -1), mean);
+        const LogLine line = {6, "ondrix_lib_log",
+                              "Error - can not allocate scratch buffer for odxBoxFilterNxNf32C"};
+        EXPECT_EQ(std::vector<LogLine>{line}, log.take());
+        std::vector<int16_t> median(8 * 8, -1);
+        EXPECT_EQ(ONDRIX_NO_MEMORY, odxFilterMedianMxNs16(small.data(), 8, 8, 16, 3, 3, median.data(), 16));
+        EXPECT_EQ(std::vector<int16_t>(8 * 8, -1), median);
+
+        for (uint8_t* const block : lent)
+            EXPECT_TRUE(release(block));
+        EXPECT_EQ(ONDRIX_SUCCESS, odxFilterMedianMxNs16(small.data(), 8, 8, 16, 3, 3, median.data(), 16));
+        EXPECT_EQ(small, median);
+        EXPECT_TRUE(log.take().empty()); // the pool itself never logs
+    }
+    odxMemDeInit();
+}
+
+TEST_F(ScratchPool, SurvivesFailedAllocations)
+{
+    const auto withoutMemory = [](auto&& request) {
+        const NoMemory noMemory;
+        return request();
+    };
+    EXPECT_EQ(nullptr, withoutMemory([] { return aligned(100, 16); }));
+    EXPECT_EQ(nullptr, withoutMemory([] { return unaligned(100); }));
+
+    odxMemInit();
+    EXPECT_EQ(nullptr, withoutMemory([] { return aligned(100, 16); }));
+    uint8_t* const block = aligned(100, 16); // the entry is not lost
+    const void* const entry = origin(block);
+    EXPECT_TRUE(release(block));
+    EXPECT_EQ(nullptr, withoutMemory([] { return aligned(101, 16); }));
+    EXPECT_EQ(nullptr, withoutMemory([] { return aligned(UINT32_MAX, 16); }));
+    // Neither is the block that it had.
+    uint8_t* const kept = withoutMemory([] { return aligned(100, 16); });
+    EXPECT_EQ(block, kept);
+    EXPECT_EQ(entry, origin(kept));
+    EXPECT_TRUE(release(kept));
+    odxMemDeInit();
+}
+
+TEST_F(ScratchPool, IsPreAllocated)
+{
+    EXPECT_EQ(1, odxMemInitPreAlloc(0));
+    EXPECT_EQ(0u, heapReport().liveBlocks);
+    EXPECT_TRUE(poolExists());
+    EXPECT_EQ(1, odxMemInitPreAlloc(5000));
+    EXPECT_EQ(5000 + 15 + kHeader, heapReport().lastBytes);
+    const unsigned before = allocationCount();
+    uint8_t* const block = aligned(5000, 16);
+    EXPECT_EQ(before, allocationCount());
+    EXPECT_TRUE(std::all_of(block, block + 5000, [](uint8_t byte) { return byte == 0; }));
+    release(block);
+
+    EXPECT_EQ(1, odxMemInitPreAlloc(UINT32_MAX));
+    EXPECT_EQ(33177600 + 15 + kHeader, heapReport().lastBytes);
+    EXPECT_EQ(1u, heapReport().liveBlocks);
+    for (int user = 0; user < 3; ++user)
+        odxMemDeInit();
+    EXPECT_FALSE(poolExists());
+
+    // The memory cannot be had: the user counts nevertheless.
+    int result = 1;
+    {
+        const NoMemory noMemory;
+        result = odxMemInitPreAlloc(5000);
+    }
+    EXPECT_EQ(0, result);
+    EXPECT_TRUE(poolExists());
+    odxMemDeInit();
+}
+
+TEST_F(ScratchPool, LivesAsLongAsItHasUsers)
+{
+    const unsigned created = heapReport().poolsCreated;
+    EXPECT_EQ(0, odxMemDeInit()); // no user
+    EXPECT_FALSE(poolExists());
+    for (unsigned round = 1; round <= 3; ++round) {
+        EXPECT_EQ(1, odxMemInit());
+        EXPECT_EQ(1, odxMemInit());
+        EXPECT_EQ(created + round, heapReport().poolsCreated);
+        release(unaligned(100));
+        EXPECT_EQ(0, odxMemDeInit());
+        EXPECT_TRUE(poolExists());
+        EXPECT_EQ(1u, heapReport().liveBlocks);
+        EXPECT_EQ(0, odxMemDeInit());
+        EXPECT_FALSE(poolExists());
+        EXPECT_EQ(0u, heapReport().liveBlocks);
+        EXPECT_EQ(0, odxMemDeInit());
+    }
+}
+
+TEST_F(ScratchPool, TakesBackBlocksFromBeforeAndAfterItsTime)
+{
+    uint8_t* const before = aligned(100, 16);
+    odxMemInit();
+    uint8_t* const during = aligned(100, 16);
+    const void* const entry = origin(during);
+    EXPECT_TRUE(release(before));
+    odxMemDeInit();
+    memset(during, 0xFF, 100); // it is still the borrower's
+    EXPECT_EQ(1u, heapReport().liveBlocks);
+
+    // So is its entry in later pools.
+    odxMemInit();
+    uint8_t* const next = aligned(100, 16);
+    EXPECT_NE(entry, origin(next));
+    EXPECT_TRUE(release(next));
+    odxMemDeInit();
+    odxMemInit();
+    EXPECT_EQ(1u, heapReport().liveBlocks);
+    EXPECT_TRUE(release(during));
+    EXPECT_EQ(0u, heapReport().liveBlocks);
+
+    uint8_t* const anew = aligned(50, 16);
+    EXPECT_EQ(entry, origin(anew));
+    expectLatestAllocation(anew, 50, 16);
+    EXPECT_TRUE(release(anew));
+    EXPECT_FALSE(release(anew)); // twice
+    odxMemDeInit();
+}
+
+TEST_F(ScratchPool, LeavesForeignBlocksAlone)
+{
+    alignas(16) uint8_t foreign[64] = {};
+    const HeapReport before = heapReport();
+    EXPECT_FALSE(release(nullptr));
+    EXPECT_FALSE(release(foreign + 32));
+    EXPECT_EQ(before.frees, heapReport().frees);
+}
+
+TEST_F(ScratchPool, ReportsWhatItAllocates)
+{
+    const unsigned counted = allocationCount(), reported = heapReport().allocations;
+    odxMemInitPreAlloc(100);
+    release(aligned(200, 1024));
+    odxMemDeInit();
+    release(unaligned(10));
+    odxMemFree(odxMemAlloc(10, 16));
+    EXPECT_EQ(4u, heapReport().allocations - reported);
+    EXPECT_EQ(4u, allocationCount() - counted);
+}
+
+// ---- threads ----
+
+template <class F>
+void inThreads(unsigned count, F&& body)
+{
+    std::vector<std::thread> threads;
+    for (unsigned i = 0; i < count; ++i)
+        threads.emplace_back([&body, i] { body(i); });
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
+// Takes some blocks at once, more than there are when all threads do; checks that nobody else writes to them.
+unsigned borrow(unsigned thread, std::mt19937& random)
+{
+    constexpr unsigned kBlocks = 12;
+    uint8_t* blocks[kBlocks];
+    uint32_t sizes[kBlocks];
+    unsigned refused = 0;
+    for (unsigned i = 0; i < kBlocks; ++i) {
+        sizes[i] = 1 + random() % 500;
+        blocks[i] = aligned(sizes[i], 1u << random() % 8);
+        if (blocks[i] == nullptr) {
+            ++refused;
+        } else {
+            memset(blocks[i], static_cast<int>(thread), sizes[i]);
+        }
+    }
+    for (unsigned i = 0; i < kBlocks; ++i) {
+        if (blocks[i] == nullptr) continue;
+        EXPECT_EQ(sizes[i], std::count(blocks[i], blocks[i] + sizes[i], static_cast<uint8_t>(thread)));
+        EXPECT_TRUE(release(blocks[i]));
+    }
+    return refused;
+}
+
+TEST_F(ScratchPool, ThreadsNeverShareABlockNorWait)
+{
+    odxMemInit();
+    std::atomic<unsigned> refused{0};
+    inThreads(6, [&](unsigned thread) {
+        std::mt19937 random(thread);
+        for (int round = 0; round < 200; ++round)
+            refused += borrow(thread, random);
+    });
+    EXPECT_LE(heapReport().liveBlocks, kEntries);
+
+    // Deterministic contention: all blocks are held elsewhere.
+    std::vector<uint8_t*> lent;
+    for (size_t i = 0; i < kEntries; ++i)
+        lent.push_back(unaligned(1));
+    inThreads(1, [](unsigned) { EXPECT_EQ(nullptr, aligned(1, 1)); });
+    for (uint8_t* const block : lent)
+        EXPECT_TRUE(release(block));
+    inThreads(1, [](unsigned) { EXPECT_TRUE(release(aligned(1, 1))); });
+    odxMemDeInit();
+}
+
+TEST_F(ScratchPool, ThreadsBorrowWhileThePoolComesAndGoes)
+{
+    inThreads(4, [](unsigned thread) {
+        std::mt19937 random(thread);
+        for (int round = 0; round < 150; ++round) {
+            if (thread < 2) {
+                EXPECT_EQ(1, odxMemInit());
+                EXPECT_EQ(0, odxMemDeInit());
+            } else {
+                borrow(thread, random);
+            }
+        }
+    });
+}
+
+TEST_F(ScratchPool, ThreadsKeepTheirBlocksWhenItIsDestroyed)
+{
+    for (int round = 0; round < 100; ++round) {
+        odxMemInit();
+        std::atomic<bool> lent{false};
+        std::thread worker([&] {
+            uint8_t* const block = unaligned(100);
+            lent = true;
+            memset(block, 0xFF, 100); // as the pool goes
+            EXPECT_TRUE(release(block));
+        });
+        while (!lent)
+            std::this_thread::yield();
+        odxMemDeInit();
+        worker.join();
+        ASSERT_EQ(0u, heapReport().liveBlocks);
+    }
+}
+
+} // namespace
+
+} // namespace odx::test
