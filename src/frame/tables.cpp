@@ -43,6 +43,12 @@ const Listed kListed[] = {
 #include "frame/operations.def"
 };
 
+void*& entryOf(ODX_FUNC_TABLE* funcTable, ODX_INTERNAL_FUNC_TABLE* internalTable, uint32_t number, unsigned column)
+{
+    return number < kPublicSlots ? funcTable->entry[number * kImplementations + column]
+                                 : internalTable->entry[(number - kPublicSlots) * kImplementations + column];
+}
+
 constexpr bool numbersAscend()
 {
     constexpr uint32_t numbers[] = {
@@ -90,17 +96,20 @@ unsigned odxTableHWInit(ODX_FUNC_TABLE* funcTable, ODX_INTERNAL_FUNC_TABLE* inte
 void uCTable(ODX_FUNC_TABLE* funcTable, ODX_INTERNAL_FUNC_TABLE* internalTable, unsigned column)
 {
     for (const Listed& listed : kListed) {
-        void*& entry = listed.number < kPublicSlots
-                           ? funcTable->entry[listed.number * kImplementations + column]
-                           : internalTable->entry[(listed.number - kPublicSlots) * kImplementations + column];
-        odx::publish(entry, listed.reference);
+        odx::publish(entryOf(funcTable, internalTable, listed.number, column), listed.reference);
     }
 }
 
 void uVTable(ODX_FUNC_TABLE* funcTable, ODX_INTERNAL_FUNC_TABLE* internalTable, unsigned column)
 {
-    if (const odx::orlan::Target* target = odx::orlan::bestTarget()) {
-        target->fillColumn(funcTable->entry + column, internalTable->entry + column);
+    const odx::orlan::Target* target = odx::orlan::bestTarget();
+    if (target == nullptr) return;
+    target->fillColumn(funcTable->entry + column, internalTable->entry + column);
+    // The one reference function that counts as SIMD code.
+    for (const Listed& listed : kListed) {
+        if (listed.number == odx::op_odxSolveLUf32 && listed.reference != nullptr) {
+            odx::publish(entryOf(funcTable, internalTable, listed.number, column), listed.reference);
+        }
     }
 }
 
@@ -131,7 +140,7 @@ unsigned uGIndex(ODX_FUNC_MANAGER* manager)
 
 void uCHelper()
 {
-#define ODX_HELPER(name, columns) name##_ = &name##C;
+#define ODX_HELPER(name, columns) odx::publish(name##_, &name##C);
 #include "frame/helpers.def"
 }
 

@@ -1,0 +1,78 @@
+// Calls from many threads at once, between selections of a mode. A race is the thread sanitizer's to find.
+#include "frame/hardware.h"
+#include "frame/log.h"
+#include "ondrix.h"
+#include "support/logCapture.h"
+#include "support/processors.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <thread>
+
+using namespace odx::test;
+
+namespace
+{
+
+constexpr unsigned kThreads = 8;
+
+template <class Body>
+void inThreads(Body body)
+{
+    std::vector<std::thread> threads;
+    for (unsigned i = 0; i < kThreads; ++i)
+        threads.emplace_back([&body, i] { body(i); });
+    for (std::thread& thread : threads)
+        thread.join();
+}
+
+} // namespace
+
+TEST(Threads, DetectTheProcessorTogether)
+{
+    onProcessor(kArmSimd, [] {
+        std::vector<unsigned> masks(kThreads);
+        inThreads([&](unsigned i) { masks[i] = odxAvailableHardware(ONDRIX_OP_CPU_PERFORMANCE); });
+        EXPECT_EQ(std::vector<unsigned>(kThreads, odxAvailableHardware(ONDRIX_OP_CPU_PERFORMANCE)), masks);
+        EXPECT_TRUE(masks[0] & ONDRIX_HW_SIMD);
+    });
+}
+
+TEST(Threads, CallBetweenSelections)
+{
+    onProcessor(kArmSimd, [] {
+        constexpr uint32_t kWidth = 96, kHeight = 40, kPixels = kWidth * kHeight;
+        constexpr int kCalls = 10;
+        std::vector<uint8_t> src(kPixels);
+        uint32_t state = 1;
+        for (uint8_t& pixel : src)
+            pixel = static_cast<uint8_t>((state = state * 1664525 + 1013904223) >> 24);
+        std::vector<uint8_t> first;
+
+        setenv("VENDOR_RUNTIME_ONDRIX_LOG", "1", 1);
+        EXPECT_EQ(1, odxMemInit());
+        for (const odxOperationMode mode :
+             {ONDRIX_OP_EXT_REFERENCE, ONDRIX_OP_EXT_CPU, ONDRIX_OP_CPU_PERFORMANCE}) {
+            ASSERT_EQ(0, odxSetOperationMode(mode));
+            LogCapture log;
+            std::vector<std::vector<uint8_t>> results(kThreads, std::vector<uint8_t>(kPixels));
+            inThreads([&](unsigned i) {
+                for (int call = 0; call < kCalls; ++call) {
+                    odxFilterGaussian5x5u8(src.data(), kWidth, kHeight, results[i].data(), 1);
+                    odxFilterGaussian5x5u8(nullptr, kWidth, kHeight, results[i].data(), 1);
+                }
+            });
+            const std::vector<LogLine> lines = log.take();
+            EXPECT_EQ(3 * kThreads * kCalls, lines.size()); // two traces and a refusal
+            const char* const column = mode == ONDRIX_OP_EXT_REFERENCE ? "_CPU" : "_ORLAN";
+            const LogLine trace{6, ODX_RUNTIME_LOG, std::string("odxFilterGaussian5x5u8") + column};
+            EXPECT_EQ(2 * kThreads * kCalls, std::count(lines.begin(), lines.end(), trace));
+            if (first.empty()) first = results[0];
+            for (const std::vector<uint8_t>& result : results)
+                EXPECT_EQ(first, result);
+            EXPECT_EQ(0, odxCleanUp());
+        }
+        EXPECT_EQ(0, odxMemDeInit());
+    });
+}
