@@ -62,9 +62,9 @@ Call::Call() : life_(__atomic_load_n(&life, __ATOMIC_SEQ_CST)), arrival_(reach()
 {
     increment(counts.calls);
     if (arrival_ != kDone) return;
-    if (const uint32_t delay = current(behaviour.delayMicroseconds)) usleep(delay);
     const uint32_t period = current(behaviour.restartEvery);
     if (period != 0 && increment(callsUntilNow) % period == 0) restart();
+    if (const uint32_t delay = current(behaviour.delayMicroseconds)) usleep(delay);
     arrival_ = current(behaviour.failure);
 }
 

@@ -1,0 +1,40 @@
+// A process whose operations all go to the remote processor, and calls in it whose results are known.
+#ifndef ODX_TESTS_DSP_REMOTE_CASE_H
+#define ODX_TESTS_DSP_REMOTE_CASE_H
+
+#include "dsp/lines.h"
+#include "ondrix.h"
+#include "support/processors.h"
+
+#include <gtest/gtest.h>
+
+namespace odx::test
+{
+
+// Runs a test in a process where a mode is selected, whose log lines are taken.
+inline void inMode(odxOperationMode mode, const std::function<void(Stub&, LogCapture&)>& body)
+{
+    onProcessor(kArmSimd, [&] {
+        Stub stub;
+        LogCapture log;
+        ASSERT_EQ(0, odxSetOperationMode(mode));
+        log.take();
+        body(stub, log);
+    });
+}
+inline void onRemote(const std::function<void(Stub&, LogCapture&)>& body)
+{
+    inMode(ONDRIX_OP_EXT_XDSP, body);
+}
+
+// Three words with 1 + 32 + 0 bits.
+inline uint32_t countBits()
+{
+    static const uint32_t words[] = {0x8000, 0xFFFFFFFF, 0};
+    return odxBitCountu32(words, 3);
+}
+constexpr uint32_t kBits = 33;
+
+} // namespace odx::test
+
+#endif

@@ -1,0 +1,136 @@
+// Restarts under the calls of several threads.
+#include "dsp/remoteCase.h"
+#include "dsp/stub.h"
+#include "frame/operations.h"
+
+#include <algorithm>
+#include <atomic>
+#include <thread>
+#include <vector>
+
+using namespace odx;
+using namespace odx::test;
+
+namespace
+{
+
+constexpr int kThreads = 4;
+
+// A thread's own images: what an operation gives must be what the reference gives, whichever column ran.
+class Work
+{
+public:
+    explicit Work(uint32_t seed) : source_(kWidth * kHeight), result_(source_.size()), expected_(source_.size())
+    {
+        uint32_t state = seed;
+        for (uint8_t& pixel : source_)
+            pixel = static_cast<uint8_t>((state = state * 1664525 + 1013904223) >> 24);
+        odxFilterGaussian5x5u8C(source_.data(), kWidth, kHeight, kWidth, expected_.data(), kWidth, 1);
+        bits_ = odxBitCountu8C(source_.data(), kWidth * kHeight);
+    }
+
+    // Number of wrong results.
+    int run()
+    {
+        std::fill(result_.begin(), result_.end(), uint8_t{0});
+        odxFilterGaussian5x5u8(source_.data(), kWidth, kHeight, result_.data(), 1);
+        return (result_ != expected_ ? 1 : 0) + (odxBitCountu8(source_.data(), kWidth * kHeight) != bits_ ? 1 : 0);
+    }
+
+private:
+    static constexpr uint32_t kWidth = 37, kHeight = 9;
+    std::vector<uint8_t> source_, result_, expected_;
+    uint32_t bits_;
+};
+
+int wrongResults(int rounds)
+{
+    std::atomic<int> wrong{0};
+    std::vector<std::thread> threads;
+    for (int i = 0; i < kThreads; ++i) {
+        threads.emplace_back([&wrong, rounds, i] {
+            Work work(static_cast<uint32_t>(i) + 1);
+            for (int round = 0; round < rounds; ++round)
+                wrong += work.run();
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    return wrong;
+}
+
+} // namespace
+
+TEST(RemoteThreads, EveryResultIsRightWhileTheProcessorRestarts)
+{
+    for (const auto& [every, failedReturns] : {std::pair{7u, 0u}, {40u, 0u}, {40u, 2u}, {1u, 0u}}) {
+        SCOPED_TRACE(every);
+        const uint32_t period = every, failures = failedReturns;
+        onRemote([&](Stub& stub, LogCapture& log) {
+            odxStubBehaviour behaviour = {};
+            behaviour.restartEvery = period;
+            behaviour.failedReturns = failures;
+            behaviour.delayMicroseconds = 50;
+            stub.behaves(behaviour);
+            EXPECT_EQ(0, wrongResults(200));
+            const odxStubCounts counts = stub.counts();
+            EXPECT_GT(counts.restarts, 0u);
+            if (period > 1) EXPECT_GT(counts.completed, 0u);
+            // Nothing is left behind: calls are remote again, once one has brought back what the last restart left.
+            stub.behaves({});
+            EXPECT_EQ(kBits, countBits());
+            const uint32_t completed = stub.counts().completed;
+            log.take();
+            EXPECT_EQ(kBits, countBits());
+            EXPECT_EQ(Lines{}, log.take());
+            EXPECT_EQ(completed + 1, stub.counts().completed);
+            EXPECT_EQ(2u, odxImplTable[op_odxBitCountu8]);
+        });
+    }
+}
+
+// The stub really leaves the process, while other threads' calls want into it.
+TEST(RemoteThreads, NobodyIsInsideAStubThatIsUnloaded)
+{
+    onProcessor(kArmSimd, [] {
+        setenv("ONDRIX_STUB_RESTART_EVERY", "30", 1);
+        setenv("ONDRIX_STUB_DELAY", "50", 1);
+        loader.stub = ODX_TEST_UNLOADING_STUB;
+        LogCapture log;
+        ASSERT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_XDSP));
+        EXPECT_EQ(0, wrongResults(200));
+        EXPECT_GT(loader.opened, 2);
+        EXPECT_EQ(loader.opened, loader.closed + 1);
+        odxCleanUp();
+        EXPECT_EQ(loader.opened, loader.closed);
+    });
+}
+
+TEST(RemoteThreads, ALateThreadFindsTheProcessorUp)
+{
+    onRemote([](Stub& stub, LogCapture& log) {
+        // All calls are under way when the processor restarts: one thread reloads it, the others find it up.
+        odxStubBehaviour behaviour = {};
+        behaviour.delayMicroseconds = 200000;
+        behaviour.restartEvery = kThreads;
+        stub.behaves(behaviour);
+        std::atomic<int> right{0};
+        std::vector<std::thread> threads;
+        for (int i = 0; i < kThreads; ++i)
+            threads.emplace_back([&right] { right += countBits() == kBits ? 1 : 0; });
+        while (stub.counts().restarts == 0)
+            std::this_thread::yield();
+        stub.behaves({});
+        for (std::thread& thread : threads)
+            thread.join();
+        EXPECT_EQ(kThreads, right);
+        const Lines lines = log.take();
+        const auto count = [&](const char* text) {
+            return std::count(lines.begin(), lines.end(), debug(text)[0]);
+        };
+        EXPECT_EQ(count("ADSP SSR cleanup sequence initiated."),
+                  count("Z9 already up. Skipping reload.") + count("DSP reinitialization success."));
+        EXPECT_EQ(kThreads, count("ADSP SSR cleanup sequence initiated."));
+        EXPECT_EQ(1, count("DSP reinitialization success."));
+    });
+}

@@ -1,0 +1,169 @@
+// The variants themselves: limits, defaults, lengths, what happens where no remote entry can be called.
+#include "dsp/remoteCase.h"
+#include "dsp/services.h"
+#include "dsp/session.h"
+#include "dsp/stub.h"
+#include "frame/operations.h"
+#include "frame/remotePointers.h"
+
+#include <string.h>
+
+using namespace odx;
+using namespace odx::test;
+
+namespace
+{
+
+template <auto* Reference>
+decltype(Reference) variantOf()
+{
+    return reinterpret_cast<decltype(Reference)>(dspVariant(numberOf<Reference>));
+}
+
+constexpr uint32_t kWidth = 160, kHeight = 159; // just worth sending
+
+} // namespace
+
+TEST(Variants, AreWhereTheTablesAndPointersSayTheyAre)
+{
+    onRemote([](Stub&, LogCapture&) {
+        EXPECT_EQ(odxFuncTable.entry[op_odxFilterMedian3x3u8 * kImplementations + ODX_IMPL_XDSP],
+                  dspVariant(op_odxFilterMedian3x3u8));
+        EXPECT_EQ(odxFilterMedian3x3u8_v2R_, dspVariant(op_odxFilterMedian3x3u8));
+        EXPECT_NE(nullptr, odxFilterMedian3x3u8_v2R_);
+        EXPECT_EQ(odxInternalFuncTable.entry[10 * kImplementations + ODX_IMPL_XDSP], probeZ9TimeR_);
+        EXPECT_NE(nullptr, probeZ9TimeR_);
+        EXPECT_EQ(nullptr, dspVariant(362));
+        EXPECT_EQ(1u, uXTable(nullptr, 2));
+        ODX_FUNC_MANAGER manager = *odxMasterFuncManager;
+        EXPECT_EQ(4u, uXTable(&manager, 7));
+        manager.funcTable = nullptr;
+        EXPECT_EQ(2u, uXTable(&manager, 2));
+    });
+}
+
+// The limits stand in the wrapper, too; a variant can also be called through its exported pointer.
+TEST(Variants, OfStatusOperationsLeaveWhatIsBeyondTheirLimitsToTheCaller)
+{
+    onRemote([](Stub& stub, LogCapture& log) {
+        alignas(16) static uint8_t src[kWidth * kHeight + 8], dst[kWidth * kHeight + 8];
+        const auto median = [](uint32_t height, int offset) {
+            return variantOf<odxFilterMedian3x3u8_v3C>()(src + offset, kWidth, height, kWidth, dst, kWidth,
+                                                         ONDRIX_BORDER_REPLICATE, 0);
+        };
+        EXPECT_EQ(ONDRIX_SUCCESS, median(1, 1)); // the checks are off
+        odxSetHWFlag(1);
+        EXPECT_EQ(ONDRIX_SUCCESS, median(kHeight, 0));
+        EXPECT_EQ(ONDRIX_UNSUPPORTED_HERE, median(kHeight - 1, 0));
+        EXPECT_EQ(ONDRIX_UNSUPPORTED_HERE, median(kHeight, 4));
+        EXPECT_EQ(Lines{}, log.take());
+        libLogPrintX = 1;
+        EXPECT_EQ(ONDRIX_UNSUPPORTED_HERE, median(3, 0));
+        EXPECT_EQ(debug("odxFilterMedian3x3u8_v3X: Warning - Unsatisfied HW limitation, will try CPU"),
+                  log.take());
+        EXPECT_EQ(ONDRIX_SUCCESS, median(kHeight, 0));
+        EXPECT_EQ(Lines{}, log.take());
+        EXPECT_EQ(3u, stub.counts().calls);
+    });
+}
+
+TEST(Variants, OfStatusOperationsReturnTheRemoteStatus)
+{
+    onRemote([](Stub& stub, LogCapture&) {
+        // An even window is none: the wrapper refuses it, the reference does not see it.
+        const int16_t src[9] = {5, 1, 9, 3, 7, 2, 8, 6, 4};
+        int16_t dst[9] = {};
+        EXPECT_EQ(ONDRIX_SUCCESS, odxFilterMedianMxNs16(src, 3, 3, 6, 3, 3, dst, 6));
+        EXPECT_EQ(5, dst[4]);
+        EXPECT_EQ(ONDRIX_BAD_PARAMETER, odxFilterMedianMxNs16(src, 3, 3, 6, 2, 3, dst, 6));
+        EXPECT_EQ(1u, stub.counts().calls);
+    });
+}
+
+// What the remote processor refuses with the internal status goes the way of every such call.
+TEST(Variants, DefaultTheStridesOfDirectCalls)
+{
+    onRemote([](Stub& stub, LogCapture&) {
+        const int16_t src[5 * 6] = {0, 0, 0, 0, 0, 0, 0, 0, 256};
+        int16_t packed[5 * 6] = {}, given[5 * 6] = {};
+        const auto gaussian = variantOf<odxFilterGaussian5x5s16C>();
+        gaussian(src, 5, 6, 0, packed, 0, 1);
+        gaussian(src, 5, 6, 10, given, 10, 1);
+        EXPECT_EQ(0, memcmp(packed, given, sizeof packed));
+        EXPECT_NE(0, packed[8]);
+        EXPECT_EQ(2u, stub.counts().completed);
+    });
+}
+
+TEST(Variants, KeepWhatIsTooLongForARemoteCall)
+{
+    static uint32_t local;
+    onRemote([](Stub& stub, LogCapture&) {
+        local = 0;
+        using BitCount = decltype(odxBitCountu8C);
+        BitCount* const here = [](const uint8_t*, uint32_t length) { return local = length; };
+        odxFuncTable.entry[op_odxBitCountu8 * kImplementations + ODX_IMPL_ORLAN] = reinterpret_cast<void*>(here);
+        using Box = decltype(odxBoxFilter5x5u8C);
+        Box* const boxHere = [](const uint8_t*, uint32_t, uint32_t height, uint32_t, uint8_t*, uint32_t) {
+            local = height;
+        };
+        odxFuncTable.entry[op_odxBoxFilter5x5u8 * kImplementations + ODX_IMPL_ORLAN] =
+            reinterpret_cast<void*>(boxHere);
+        uint8_t byte = 0;
+        EXPECT_EQ(0x80000000u, odxBitCountu8(&byte, 0x80000000u));
+        odxBoxFilter5x5u8(&byte, 5, 65536, 65536, &byte, 65536); // 2^32 bytes of rows
+        EXPECT_EQ(65536u, local);
+        EXPECT_EQ(0u, stub.counts().calls);
+    });
+}
+
+TEST(Variants, RunHereWhileTheStubIsReplaced)
+{
+    onRemote([](Stub& stub, LogCapture& log) {
+        const dsp::StubReplaced replaced;
+        EXPECT_EQ(kBits, countBits());
+        EXPECT_EQ(0u, stub.counts().calls);
+        EXPECT_EQ(Lines{}, log.take());
+    });
+}
+
+TEST(Variants, TellTheTraceWhereACallGoes)
+{
+    onRemote([](Stub& stub, LogCapture& log) {
+        const auto trace = [](const char* text) { return Lines{{6, "ondrix_runtime_log", text}}; };
+        libLogPrint = 1;
+        countBits();
+        EXPECT_EQ(trace("odxBitCountu32_XDSP"), log.take());
+        odxSetHWFlag(1);
+        countBits();
+        EXPECT_EQ(trace("odxBitCountu32_ORLAN"), log.take());
+        EXPECT_EQ(1u, stub.counts().calls);
+    });
+}
+
+TEST(Services, ForwardToTheProcessor)
+{
+    onRemote([](Stub& stub, LogCapture&) {
+        const int64_t now = odxGetTime();
+        EXPECT_NEAR(static_cast<double>(now), static_cast<double>(odxZ9GetClkX()), 1e7);
+        EXPECT_NEAR(static_cast<double>(now), static_cast<double>(probeZ9TimeX()), 1e7);
+        uint8_t buffer[8] = {};
+        EXPECT_EQ(0, odxRegisterBufX(buffer, sizeof buffer, 3));
+        EXPECT_EQ(0, odx_cache_flush_invalidateX(buffer, sizeof buffer));
+        EXPECT_EQ(0u, odxUpdateDSPMsgFlagX(1));
+
+        odxStubBehaviour restarting = {};
+        restarting.restartEvery = 1;
+        stub.behaves(restarting);
+        uint32_t word = 0, count;
+        EXPECT_EQ(104, pFnX_odxBitCountu32X(&word, 1, 1, &count)); // it is down now
+        EXPECT_EQ(0, odxZ9GetClkX());
+        EXPECT_EQ(0, probeZ9TimeX());
+        EXPECT_EQ(104, odxRegisterBufX(buffer, sizeof buffer, 3));
+        EXPECT_EQ(1u, odxUpdateDSPMsgFlagX(1));
+        odxCleanUp();
+        EXPECT_EQ(0, odxZ9GetClkX());
+        EXPECT_EQ(-1, odxRegisterBufX(buffer, sizeof buffer, 3));
+        EXPECT_EQ(1u, odxUpdateDSPMsgFlagX(0));
+    });
+}
