@@ -10,6 +10,7 @@
 #include "ondrix/colorFromRgb.h"
 #include "ondrix/colorToRgb.h"
 #include "ondrix/descriptors.h"
+#include "ondrix/fastCorners.h"
 #include "ondrix/memory.h"
 #include "ondrix/modes.h"
 #include "ondrix/smoothing.h"

@@ -6,5 +6,6 @@
 #include "cpu/ondrixColorC.h"
 #include "cpu/ondrixColorFromRgbC.h"
 #include "cpu/ondrixDotC.h"
+#include "cpu/ondrixFastC.h"
 
 #endif

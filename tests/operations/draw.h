@@ -257,6 +257,7 @@ struct Row {
 // The rows of each family; a family's file defines its own.
 std::vector<Row> smoothingRows();
 std::vector<Row> descriptorRows();
+std::vector<Row> fastRows();
 std::vector<Row> colorFromRgbRows();
 std::vector<Row> colorToRgbRows();
 

@@ -165,6 +165,57 @@ ODX_INLINE u8v popCount(u8v v)
     return (u8v)vcntq_u8((uint8x16_t)v);
 }
 
+ODX_INLINE u8v subSat(u8v a, u8v b)
+{
+    return (u8v)vqsubq_u8((uint8x16_t)a, (uint8x16_t)b);
+}
+
+// 32-bit NEON has no reduction of whole vectors, but one of neighbours.
+ODX_INLINE uint8_t highest(u8v v)
+{
+#if defined(__aarch64__)
+    return vmaxvq_u8((uint8x16_t)v);
+#else
+    uint8x8_t half = vpmax_u8(vget_low_u8((uint8x16_t)v), vget_high_u8((uint8x16_t)v));
+    half = vpmax_u8(half, half);
+    half = vpmax_u8(half, half);
+    return vget_lane_u8(vpmax_u8(half, half), 0);
+#endif
+}
+
+ODX_INLINE bool any(u8v v)
+{
+#if defined(__aarch64__)
+    return vmaxvq_u32((uint32x4_t)v) != 0;
+#else
+    const uint64x2_t halves = (uint64x2_t)v;
+    return vget_lane_u64(vorr_u64(vget_low_u64(halves), vget_high_u64(halves)), 0) != 0;
+#endif
+}
+
+ODX_INLINE u8v loadHalves(const uint8_t* p, const uint8_t* q)
+{
+    return (u8v)vcombine_u8(vld1_u8(p), vld1_u8(q));
+}
+
+ODX_INLINE u8v repeat(uint64_t low, uint64_t high)
+{
+    return (u8v)vcombine_u64(vcreate_u64(low), vcreate_u64(high));
+}
+
+template <int n>
+ODX_INLINE u8v rotate(u8v v)
+{
+    return (u8v)vextq_u8((uint8x16_t)v, (uint8x16_t)v, n);
+}
+
+constexpr uint32_t kLaneBits = 4;
+ODX_INLINE uint64_t laneBits(s8v mask)
+{
+    const uint8x8_t nibbles = vshrn_n_u16((uint16x8_t)mask, 4);
+    return vget_lane_u64(vreinterpret_u64_u8(nibbles), 0) & 0x1111111111111111u;
+}
+
 } // namespace odx::ODX_TARGET::simd
 
 #endif

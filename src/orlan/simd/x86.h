@@ -281,6 +281,67 @@ ODX_INLINE u8v popCount(u8v v)
     return (u8v)ODX_MM(shuffle_epi8)(table, (ODX_MI)low) + (u8v)ODX_MM(shuffle_epi8)(table, (ODX_MI)high);
 }
 
+ODX_INLINE u8v subSat(u8v a, u8v b)
+{
+    return (u8v)ODX_MM(subs_epu8)((ODX_MI)a, (ODX_MI)b);
+}
+
+ODX_INLINE bool any(u8v v)
+{
+#if ODX_VECTOR_BYTES == 64
+    return _mm512_test_epi64_mask((__m512i)v, (__m512i)v) != 0;
+#else
+    return _mm256_testz_si256((__m256i)v, (__m256i)v) == 0;
+#endif
+}
+
+ODX_INLINE u8v loadHalves(const uint8_t* p, const uint8_t* q)
+{
+#if ODX_VECTOR_BYTES == 64
+    return (u8v)_mm512_inserti64x4(_mm512_castsi256_si512(_mm256_loadu_si256((const __m256i*)p)),
+                                   _mm256_loadu_si256((const __m256i*)q), 1);
+#else
+    return (u8v)_mm256_inserti128_si256(_mm256_castsi128_si256(_mm_loadu_si128((const __m128i*)p)),
+                                        _mm_loadu_si128((const __m128i*)q), 1);
+#endif
+}
+
+ODX_INLINE u8v repeat(uint64_t low, uint64_t high)
+{
+    return (u8v)inEachLane(_mm_set_epi64x((long long)high, (long long)low));
+}
+
+template <int n>
+ODX_INLINE u8v rotate(u8v v)
+{
+    return (u8v)ODX_MM(alignr_epi8)((ODX_MI)v, (ODX_MI)v, n);
+}
+
+constexpr uint32_t kLaneBits = 1;
+ODX_INLINE uint64_t laneBits(s8v mask)
+{
+#if ODX_VECTOR_BYTES == 64
+    return _mm512_movepi8_mask((__m512i)mask);
+#else
+    return (uint32_t)_mm256_movemask_epi8((__m256i)mask);
+#endif
+}
+
+ODX_INLINE uint8_t highest(u8v v)
+{
+#if ODX_VECTOR_BYTES == 64
+    const __m512i all64 = (__m512i)v;
+    const __m256i half = _mm256_max_epu8(_mm512_castsi512_si256(all64), _mm512_extracti64x4_epi64(all64, 1));
+#else
+    const __m256i half = (__m256i)v;
+#endif
+    const __m128i all = _mm_max_epu8(_mm256_castsi256_si128(half), _mm256_extracti128_si256(half, 1));
+    // The processor has a minimum of 16-bit lanes, so the bytes are inverted and reduced to pairs first.
+    const __m128i inverted = _mm_xor_si128(all, _mm_set1_epi8(-1));
+    const __m128i pairs = _mm_min_epu8(inverted, _mm_srli_epi16(inverted, 8));
+    return (uint8_t)~_mm_cvtsi128_si32(_mm_minpos_epu16(pairs));
+}
+
 } // namespace odx::ODX_TARGET::simd
 
 #endif
