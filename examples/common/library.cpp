@@ -1,5 +1,7 @@
 #include "common/library.h"
 
+#include "common/loopback.h"
+
 #include <algorithm>
 #include <chrono>
 #include <cstdarg>
@@ -7,6 +9,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
+#include <set>
 
 namespace
 {
@@ -18,12 +21,15 @@ struct LogLine {
 std::mutex logMutex;
 bool listening = false;
 std::vector<LogLine> heard;
+std::set<std::string> said;
 
-constexpr int kInfoPriority = 4;
+constexpr int kErrorPriority = 6;
+constexpr const char *kTraceTag = "ondrix_runtime_log", *kMessageTag = "ondrix_lib_log";
 
 } // namespace
 
-// In place of the platform's: while an operation is watched its lines are kept, other lines go to stderr.
+// In place of the platform's: while an operation is watched its lines are kept; other error lines go to stderr,
+// each text once.
 extern "C" __attribute__((visibility("default"), format(printf, 3, 4))) int
 __android_log_print(int priority, const char* tag, const char* format, ...);
 
@@ -39,7 +45,7 @@ extern "C" int __android_log_print(int priority, const char* tag, const char* fo
     const std::lock_guard lock(logMutex);
     if (listening) {
         heard.push_back({tag, text});
-    } else if (priority >= kInfoPriority) {
+    } else if (priority >= kErrorPriority && strcmp(tag, kMessageTag) == 0 && said.insert(text).second) {
         fprintf(stderr, "%s: %s\n", tag, text);
     }
     return length;
@@ -70,7 +76,7 @@ std::string implementationIn(const std::vector<LogLine>& lines, const std::strin
 {
     for (const LogLine& line : lines) {
         const size_t end = line.text.rfind('_');
-        if (line.tag == "ondrix_runtime_log" && end != std::string::npos && line.text.substr(0, end) == operation)
+        if (line.tag == kTraceTag && end != std::string::npos && line.text.substr(0, end) == operation)
             return line.text.substr(end + 1);
     }
     return "?";
@@ -80,7 +86,7 @@ std::string implementationIn(const std::vector<LogLine>& lines, const std::strin
 bool isRefusal(const LogLine& line)
 {
     const auto startsWith = [&](const char* start) { return line.text.rfind(start, 0) == 0; };
-    return line.tag == "ondrix_lib_log" && (startsWith("Assertion failed @") || startsWith("Error at "));
+    return line.tag == kMessageTag && (startsWith("Assertion failed @") || startsWith("Error at "));
 }
 
 std::string refusalIn(const std::vector<LogLine>& lines, odxStatus status)
@@ -102,9 +108,12 @@ std::string refusalIn(const std::vector<LogLine>& lines, odxStatus status)
 Trial tried(const std::string& operation, const std::function<odxStatus()>& call)
 {
     odxStatus status = ONDRIX_SUCCESS;
+    const long remoteBefore = loopbackCalls();
     const std::vector<LogLine> lines = linesOf([&] { status = call(); });
     Trial trial;
     trial.implementation = implementationIn(lines, operation);
+    if (trial.implementation == "XDSP" && remoteBefore >= 0 && loopbackCalls() == remoteBefore)
+        trial.implementation += " failed"; // and the library did the work on the processor here
     trial.refusal = refusalIn(lines, status);
     return trial;
 }

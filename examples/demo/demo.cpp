@@ -126,6 +126,9 @@ int show(const Options& options, const std::string& version)
         if (result != 0) return fail("selecting " + column.modeName + " failed with " + std::to_string(result));
     }
 
+    if (options.remote && (odxAvailableHardware(ONDRIX_OP_EXT_XDSP) & ONDRIX_HW_XDSP) == 0)
+        return fail("no session with a remote processor; tools/stub/README.md says what it takes");
+
     printf("Ondrix %s\n", version.c_str());
     std::vector<Fact> facts = factsBefore(options.picture.empty() ? "rendered scene" : baseName(options.picture),
                                           picture, columns.back().mode);

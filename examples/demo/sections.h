@@ -12,8 +12,10 @@ void showBoxes(Stage& stage);
 void showMedians(Stage& stage);
 void showWidePixels(Stage& stage);
 void showBorders(Stage& stage);
+void showColours(Stage& stage);
 
-constexpr void (*kSections[])(Stage&) = {showGaussians, showBoxes, showMedians, showWidePixels, showBorders};
+constexpr void (*kSections[])(Stage&) = {showGaussians,  showBoxes,   showMedians,
+                                         showWidePixels, showBorders, showColours};
 
 } // namespace demo
 
