@@ -11,6 +11,7 @@
 #include "ondrix/colorToRgb.h"
 #include "ondrix/descriptors.h"
 #include "ondrix/fastCorners.h"
+#include "ondrix/harrisCorners.h"
 #include "ondrix/memory.h"
 #include "ondrix/modes.h"
 #include "ondrix/smoothing.h"

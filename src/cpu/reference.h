@@ -7,5 +7,6 @@
 #include "cpu/ondrixColorFromRgbC.h"
 #include "cpu/ondrixDotC.h"
 #include "cpu/ondrixFastC.h"
+#include "cpu/ondrixHarrisC.h"
 
 #endif

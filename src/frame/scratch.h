@@ -32,19 +32,19 @@ template <class T>
 class Scratch
 {
 public:
-    explicit Scratch(uint64_t count, uint32_t alignment = 64)
+    [[gnu::always_inline]] explicit Scratch(uint64_t count, uint32_t alignment = 64)
         : block_(count > UINT32_MAX / 2 / sizeof(T) ? nullptr
                                                     : static_cast<T*>(odxGetScratchBufferAligned_(
                                                           static_cast<uint32_t>(count * sizeof(T)), alignment)))
     {
     }
-    ~Scratch() { odxReleaseScratchBuffer_(block_); }
+    [[gnu::always_inline]] ~Scratch() { odxReleaseScratchBuffer_(block_); }
     Scratch(const Scratch&) = delete;
     Scratch& operator=(const Scratch&) = delete;
 
-    explicit operator bool() const { return block_ != nullptr; }
-    T* get() const { return block_; }
-    T& operator[](size_t i) const { return block_[i]; }
+    [[gnu::always_inline]] explicit operator bool() const { return block_ != nullptr; }
+    [[gnu::always_inline]] T* get() const { return block_; }
+    [[gnu::always_inline]] T& operator[](size_t i) const { return block_[i]; }
 
 private:
     T* block_;

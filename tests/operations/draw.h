@@ -258,6 +258,7 @@ struct Row {
 std::vector<Row> smoothingRows();
 std::vector<Row> descriptorRows();
 std::vector<Row> fastRows();
+std::vector<Row> harrisRows();
 std::vector<Row> colorFromRgbRows();
 std::vector<Row> colorToRgbRows();
 

@@ -24,6 +24,11 @@ ODX_INLINE s16v max(s16v a, s16v b)
     return (s16v)vmaxq_s16((int16x8_t)a, (int16x8_t)b);
 }
 
+ODX_INLINE s32v max(s32v a, s32v b)
+{
+    return (s32v)vmaxq_s32((int32x4_t)a, (int32x4_t)b);
+}
+
 ODX_INLINE u16v loadWiden(const uint8_t* p)
 {
     return (u16v)vmovl_u8(vld1_u8(p));
@@ -72,6 +77,12 @@ template <int n>
 ODX_INLINE s16v joinShifted(const s32p& p)
 {
     return (s16v)vcombine_s16(vmovn_s32((int32x4_t)(p.a >> n)), vmovn_s32((int32x4_t)(p.b >> n)));
+}
+
+ODX_INLINE void storeInOrder(int32_t* p, const s32p& pair)
+{
+    store(p, pair.a);
+    store(p + 4, pair.b);
 }
 
 template <int a, int b>

@@ -10,11 +10,12 @@
 //   load2(p), load3(p), load4(p) kBytes pixels of 2, 3 or 4 interleaved bytes as one vector a channel, in order
 //   store2(p, a, b), store3(p, a, b, c), store4(p, a, b, c, d)
 //                                the reverse
-//   min, max                     of u8v and s16v
+//   min, max                     of u8v and s16v; max of s32v
 //   split(v), join(pair)         bytes to 16 bits (or signed 16 to 32) and back, as a pair in the target's own
 //   lane
 //                                order: even and odd lanes on x86, halves on ARM. join takes values that fit.
 //   joinShifted<n>(pair)         join(pair >> n)
+//   storeInOrder(p, pair)        the 32-bit lanes of a pair
 //   joinClamped(pair)            join of signed values, clamped to 0..255
 //   eachTwice(v)                 each 16-bit lane for two neighbouring bytes, as a pair in the same order
 //   dot2<a, b>(p)                p[i] * a + p[i + 1] * b for each lane i, as a pair in the same order;
@@ -41,7 +42,7 @@
 #define ODX_INLINE [[gnu::always_inline]] static inline
 #define ODX_MEMBER [[gnu::always_inline]] inline
 
-#if defined(__AVX512BW__)
+#if defined(__AVX512BW__) || defined(ODX_EMULATE_AVX512)
 #define ODX_VECTOR_BYTES 64
 #elif defined(__AVX2__)
 #define ODX_VECTOR_BYTES 32

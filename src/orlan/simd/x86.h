@@ -32,6 +32,11 @@ ODX_INLINE s16v max(s16v a, s16v b)
     return (s16v)ODX_MM(max_epi16)((ODX_MI)a, (ODX_MI)b);
 }
 
+ODX_INLINE s32v max(s32v a, s32v b)
+{
+    return (s32v)ODX_MM(max_epi32)((ODX_MI)a, (ODX_MI)b);
+}
+
 ODX_INLINE u16v loadWiden(const uint8_t* p)
 {
 #if ODX_VECTOR_BYTES == 64
@@ -99,6 +104,19 @@ template <int n>
 ODX_INLINE s16v joinShifted(const s32p& p)
 {
     return (s16v)(((p.a >> n) & 0xFFFF) | (s32v)((u32v)(p.b >> n) << 16));
+}
+
+ODX_INLINE void storeInOrder(int32_t* p, const s32p& pair)
+{
+    const ODX_MI low = ODX_MM(unpacklo_epi32)((ODX_MI)pair.a, (ODX_MI)pair.b),
+                 high = ODX_MM(unpackhi_epi32)((ODX_MI)pair.a, (ODX_MI)pair.b);
+#if ODX_VECTOR_BYTES == 64
+    store(p, _mm512_permutex2var_epi64(low, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), high));
+    store(p + 16, _mm512_permutex2var_epi64(low, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), high));
+#else
+    store(p, _mm256_permute2x128_si256(low, high, 0x20));
+    store(p + 8, _mm256_permute2x128_si256(low, high, 0x31));
+#endif
 }
 
 template <int a, int b>

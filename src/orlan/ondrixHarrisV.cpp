@@ -1,0 +1,242 @@
+// SIMD Harris corners. The smoothing of a row of products is a horizontal sum, then a cascade of four sums of
+// neighbouring rows, whose state lies in memory. Rows have room for whole vectors beyond their end.
+#include "cpu/ondrixHarris.h"
+#include "cpu/ondrixHarrisC.h"
+#include "orlan/simd/simd.h"
+
+namespace odx::ODX_TARGET
+{
+using namespace simd;
+using harris::Memory;
+using harris::Planes;
+using harris::Recent;
+using harris::View;
+
+#define ODX_HARRIS(name) decltype(name##C) name##V
+ODX_HARRIS(odxCornerHarrisu8);
+ODX_HARRIS(odxCornerHarrisInMasku8);
+ODX_HARRIS(odxCornerHarrisAdaptiveu8);
+ODX_HARRIS(odxCornerHarrisScoreu8);
+ODX_HARRIS(odxLocalHarrisMaxu8);
+ODX_HARRIS(odxGoodFeatureToTracku8);
+
+namespace
+{
+
+class Rows
+{
+    static constexpr uint32_t kPlanes = 3, kStages = 4, kLanes = kBytes / sizeof(int16_t), kWords = kLanes / 2;
+
+public:
+    static constexpr uint32_t kLeastWidth = kLanes + 2;
+
+    ODX_MEMBER static uint64_t responseBytes(uint32_t width) { return sizeof(int32_t) * padded(width); }
+    ODX_MEMBER static uint64_t gradientBytes(uint32_t width)
+    {
+        return kPlanes * (sizeof(int16_t) + kStages * sizeof(int32_t)) * padded(width);
+    }
+    ODX_MEMBER static uint64_t smoothedBytes(uint32_t width) { return kPlanes * sizeof(int16_t) * padded(width); }
+
+    ODX_MEMBER Rows(const View& view, const Memory& memory)
+        : view_(view), products_(planesAt(memory.grads)), smoothed_(planesAt(memory.blurgrads)),
+          stages_(reinterpret_cast<int32_t*>(memory.grads + kPlanes * padded(view.width)))
+    {
+        memset(memory.grads, 0, gradientBytes(view.width)); // what lies beyond the rows takes part in sums
+        memset(memory.blurgrads, 0, smoothedBytes(view.width));
+    }
+
+    // The smoothed row is made here: it is right once five rows were pushed.
+    ODX_MEMBER void push(uint32_t y)
+    {
+        gradients(view_.row(y - 1) + 1, view_.row(y) + 1, view_.row(y + 1) + 1, view_.width - 2);
+        int32_t* stages = stages_;
+        stages = smoothPlane(products_.xx, smoothed_.xx, stages);
+        stages = smoothPlane(products_.yy, smoothed_.yy, stages);
+        smoothPlane(products_.xy, smoothed_.xy, stages);
+    }
+
+    ODX_MEMBER const Planes& smooth() const { return smoothed_; }
+
+    ODX_MEMBER void harrisRow(const Planes& planes, int32_t* out) const
+    {
+        const uint32_t end = view_.width - harris::kMargin;
+        for (uint32_t x = harris::kMargin; x < end; x += kLanes) {
+            const s32p xx = split(load<s16v>(planes.xx + x)), yy = split(load<s16v>(planes.yy + x)),
+                       xy = split(load<s16v>(planes.xy + x));
+            storeInOrder(out + x, s32p{response(xx.a, yy.a, xy.a), response(xx.b, yy.b, xy.b)});
+        }
+    }
+
+    // Reads up to a vector beyond `to`, which the rows have room for.
+    template <class F>
+    ODX_MEMBER static void maxima(const Recent& recent, uint32_t from, uint32_t to, int32_t threshold, F f)
+    {
+        using harris::kSearched;
+        for (uint32_t count; from < to; from += count) {
+            count = to - from < kSearched ? to - from : kSearched;
+            s32v above = {};
+            for (uint32_t x = 0; x < count; x += kWords)
+                above |= load<s32v>(recent.row[2] + from + x) > threshold;
+            if (!any((u8v)above)) continue;
+
+            harris::Neighbours n;
+            for (uint32_t x = 0; x < count + 4; x += kWords) {
+                const auto row = [&](uint32_t i) __attribute__((always_inline))
+                {
+                    return load<s32v>(recent.row[i] + from - 2 + x);
+                };
+                const s32v around = max(max(row(0), row(1)), max(row(3), row(4)));
+                store(n.around + x, around);
+                store(n.column + x, max(around, row(2)));
+            }
+            for (uint32_t x = 0; x < count; x += kWords) {
+                const auto column = [&](uint32_t i) __attribute__((always_inline))
+                {
+                    return load<s32v>(n.column + x + i);
+                };
+                const s32v response = load<s32v>(recent.row[2] + from + x);
+                const s32v beside = max(max(column(0), column(1)), max(column(3), column(4)));
+                const s32v maximum =
+                    (response > max(beside, load<s32v>(n.around + x + 2))) & (response > threshold);
+                if (!any((u8v)maximum)) continue;
+                int32_t found[kWords];
+                store(found, maximum);
+                for (uint32_t i = 0; i < kWords && x + i < count; ++i) {
+                    if (found[i] != 0 && !f(from + x + i)) return;
+                }
+            }
+        }
+    }
+
+private:
+    ODX_MEMBER static size_t padded(uint32_t width) { return size_t{width} + 2 * kLanes; }
+    ODX_MEMBER Planes planesAt(int16_t* row) const
+    {
+        return {row, row + padded(view_.width), row + 2 * padded(view_.width)};
+    }
+
+    ODX_MEMBER static s32v response(s32v xx, s32v yy, s32v xy)
+    {
+        const s32v trace = xx + yy;
+        return xx * yy - (xy * xy + (s32v)((u32v)(trace * trace) >> 4));
+    }
+
+    // Products of `count` columns, at least a vector's lanes, from column 1 on.
+    ODX_MEMBER void gradients(const uint8_t* above, const uint8_t* here, const uint8_t* below,
+                              uint32_t count) const
+    {
+        for (uint32_t x = 0;; x += kLanes) {
+            if (count - x < kLanes) x = count - kLanes;
+            const s16v dx = ((s16v)loadWiden(here + x + 1) - (s16v)loadWiden(here + x - 1)) >> 1;
+            const s16v dy = ((s16v)loadWiden(below + x) - (s16v)loadWiden(above + x)) >> 1;
+            store(products_.xx + 1 + x, dx * dx);
+            store(products_.yy + 1 + x, dy * dy);
+            store(products_.xy + 1 + x, dx * dy);
+            if (x + kLanes == count) return;
+        }
+    }
+
+    // Returns where the stages of the next plane begin.
+    ODX_MEMBER int32_t* smoothPlane(const int16_t* products, int16_t* out, int32_t* stages) const
+    {
+        const uint32_t end = view_.width - harris::kMargin;
+        for (uint32_t x = harris::kMargin; x < end; x += kLanes) {
+            const int16_t* const p = products + x - 2;
+            s32p sum = dot2<1, 4>(p) + dot2<6, 4>(p + 2) + split(load<s16v>(p + 4));
+            for (uint32_t i = 0; i < kStages; ++i, stages += 2 * kBytes / sizeof(int32_t)) {
+                int32_t* const second = stages + kBytes / sizeof(int32_t);
+                const s32p next = sum + s32p{load<s32v>(stages), load<s32v>(second)};
+                store(stages, sum.a);
+                store(second, sum.b);
+                sum = next;
+            }
+            store(out + x, joinShifted<8>(sum));
+        }
+        return stages;
+    }
+
+    const View view_;
+    const Planes products_, smoothed_;
+    int32_t* const stages_; // of a plane: for each vector of columns, the four stages
+};
+
+ODX_INLINE bool tooNarrow(uint32_t width)
+{
+    return width < Rows::kLeastWidth;
+}
+
+} // namespace
+
+void odxCornerHarrisu8V(const uint8_t* src, unsigned int width, unsigned int height, unsigned int stride,
+                        unsigned int border, uint32_t* xy, unsigned int nCornersMax, uint32_t* numcorners,
+                        int threshold)
+{
+    if (tooNarrow(width)) {
+        return odxCornerHarrisu8C(src, width, height, stride, border, xy, nCornersMax, numcorners, threshold);
+    }
+    const View view = {src, width, height, stride};
+    harris::corners<Rows>(view, border, threshold, {xy, nullptr, nCornersMax, numcorners}, fast::NoMask());
+}
+
+void odxCornerHarrisInMasku8V(const uint8_t* srcImg, unsigned int width, unsigned int height, unsigned int stride,
+                              unsigned int border, uint32_t* xy, unsigned int nCornersMax, uint32_t* numcorners,
+                              int threshold, const uint8_t* bitMask, unsigned int maskWidth,
+                              unsigned int maskHeight)
+{
+    if (tooNarrow(width)) {
+        return odxCornerHarrisInMasku8C(srcImg, width, height, stride, border, xy, nCornersMax, numcorners,
+                                        threshold, bitMask, maskWidth, maskHeight);
+    }
+    const View view = {srcImg, width, height, stride};
+    harris::cornersInMask<Rows>(view, border, threshold, {xy, nullptr, nCornersMax, numcorners}, bitMask,
+                                maskWidth, maskHeight);
+}
+
+void odxCornerHarrisAdaptiveu8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
+                                unsigned int srcStride, unsigned int border, uint32_t* xy,
+                                unsigned int nCornersMax, uint32_t* nCorners, int threshold)
+{
+    if (tooNarrow(srcWidth)) {
+        return odxCornerHarrisAdaptiveu8C(src, srcWidth, srcHeight, srcStride, border, xy, nCornersMax, nCorners,
+                                          threshold);
+    }
+    const View view = {src, srcWidth, srcHeight, srcStride};
+    harris::strongestCorners<Rows>(view, border, threshold, {xy, nullptr, nCornersMax, nCorners});
+}
+
+void odxCornerHarrisScoreu8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
+                             unsigned int srcStride, unsigned int border, uint32_t* xy, int32_t* scores,
+                             unsigned int nCornersMax, uint32_t* nCorners, int threshold)
+{
+    if (tooNarrow(srcWidth)) {
+        return odxCornerHarrisScoreu8C(src, srcWidth, srcHeight, srcStride, border, xy, scores, nCornersMax,
+                                       nCorners, threshold);
+    }
+    const View view = {src, srcWidth, srcHeight, srcStride};
+    harris::corners<Rows>(view, border, threshold, {xy, scores, nCornersMax, nCorners}, fast::NoMask());
+}
+
+odxStatus odxLocalHarrisMaxu8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
+                               unsigned int srcStride, unsigned int x, unsigned int y, unsigned int radius,
+                               uint32_t* maxX, uint32_t* maxY, int32_t* maxResponse)
+{
+    if (tooNarrow(srcWidth)) {
+        return odxLocalHarrisMaxu8C(src, srcWidth, srcHeight, srcStride, x, y, radius, maxX, maxY, maxResponse);
+    }
+    const View view = {src, srcWidth, srcHeight, srcStride};
+    return harris::localMaximum<Rows>(view, x, y, radius, maxX, maxY, maxResponse);
+}
+
+void odxGoodFeatureToTracku8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
+                              unsigned int srcStride, unsigned int border, uint32_t* xy, unsigned int nCornersMax,
+                              uint32_t* nCorners, float qualityLevel, unsigned int minDistance)
+{
+    if (tooNarrow(srcWidth)) {
+        return odxGoodFeatureToTracku8C(src, srcWidth, srcHeight, srcStride, border, xy, nCornersMax, nCorners,
+                                        qualityLevel, minDistance);
+    }
+    const View view = {src, srcWidth, srcHeight, srcStride};
+    harris::goodFeatures<Rows>(view, border, qualityLevel, minDistance, {xy, nullptr, nCornersMax, nCorners});
+}
+
+} // namespace odx::ODX_TARGET

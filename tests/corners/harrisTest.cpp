@@ -1,0 +1,524 @@
+// Harris corners against a model that computes whole images of responses, and their relatives against the corners.
+#include "ondrix/harrisCorners.h"
+
+#include "frame/scratch.h"
+#include "ondrix/modes.h"
+#include "support/childProcess.h"
+#include "support/logCapture.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+#include <tuple>
+#include <vector>
+
+using namespace odx::test;
+
+namespace
+{
+
+struct Image {
+    int width, height;
+    std::vector<uint8_t> pixels;
+
+    Image(int w, int h, uint8_t fill = 0)
+        : width(w), height(h), pixels(static_cast<size_t>(w) * static_cast<size_t>(h), fill)
+    {
+    }
+    uint8_t& at(int x, int y)
+    {
+        return pixels[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)];
+    }
+    int at(int x, int y) const { return const_cast<Image*>(this)->at(x, y); }
+    unsigned w() const { return static_cast<unsigned>(width); }
+    unsigned h() const { return static_cast<unsigned>(height); }
+    const uint8_t* data() const { return pixels.data(); }
+};
+
+Image noise(int width, int height, int range = 256)
+{
+    static std::mt19937 random(5);
+    Image image(width, height);
+    for (uint8_t& pixel : image.pixels)
+        pixel = static_cast<uint8_t>(random() % static_cast<unsigned>(range));
+    return image;
+}
+
+struct Corner {
+    uint32_t x, y;
+    int64_t strength;
+
+    bool operator==(const Corner& other) const
+    {
+        return x == other.x && y == other.y && strength == other.strength;
+    }
+};
+using Corners = std::vector<Corner>;
+
+std::ostream& operator<<(std::ostream& stream, const Corner& corner)
+{
+    return stream << "(" << corner.x << "," << corner.y << ": " << corner.strength << ")";
+}
+
+int64_t floorShift(int64_t value, int bits)
+{
+    return static_cast<int64_t>(std::floor(std::ldexp(static_cast<double>(value), -bits)));
+}
+
+// Ixx, Iyy and Ixy of a pixel.
+std::tuple<int64_t, int64_t, int64_t> smoothedProducts(const Image& image, int x, int y)
+{
+    static constexpr int weights[] = {1, 4, 6, 4, 1};
+    int64_t xx = 0, yy = 0, xy = 0;
+    for (int j = -2; j <= 2; ++j) {
+        for (int i = -2; i <= 2; ++i) {
+            const int u = x + i, v = y + j, weight = weights[i + 2] * weights[j + 2];
+            const int64_t dx = floorShift(image.at(u + 1, v) - image.at(u - 1, v), 1);
+            const int64_t dy = floorShift(image.at(u, v + 1) - image.at(u, v - 1), 1);
+            xx += weight * dx * dx;
+            yy += weight * dy * dy;
+            xy += weight * dx * dy;
+        }
+    }
+    return {floorShift(xx, 8), floorShift(yy, 8), floorShift(xy, 8)};
+}
+
+int64_t harris(const Image& image, int x, int y)
+{
+    const auto [xx, yy, xy] = smoothedProducts(image, x, y);
+    return xx * yy - xy * xy - (xx + yy) * (xx + yy) / 16;
+}
+
+int64_t minEigenvalue(const Image& image, int x, int y)
+{
+    const auto [xx, yy, xy] = smoothedProducts(image, x, y);
+    const auto root = static_cast<int64_t>(
+        std::floor(256 * std::sqrt(static_cast<long double>((xx - yy) * (xx - yy) + 4 * xy * xy))));
+    return floorShift(256 * (xx + yy) - root, 1);
+}
+
+// All corners in raster order, by their definition.
+template <class Strength>
+Corners corners(const Image& image, int border, int64_t threshold, Strength strength)
+{
+    border = std::max(border, 5);
+    std::vector<int64_t> responses(image.pixels.size());
+    const auto at = [&](int x, int y) -> int64_t& { return responses[static_cast<size_t>(y * image.width + x)]; };
+    for (int y = 3; y < image.height - 3; ++y) {
+        for (int x = 3; x < image.width - 3; ++x)
+            at(x, y) = strength(image, x, y);
+    }
+    Corners found;
+    for (int y = border; y < image.height - border; ++y) {
+        for (int x = border; x < image.width - border; ++x) {
+            bool corner = at(x, y) > threshold;
+            for (int j = -2; j <= 2; ++j) {
+                for (int i = -2; i <= 2; ++i)
+                    corner = corner && ((i == 0 && j == 0) || at(x, y) > at(x + i, y + j));
+            }
+            if (corner) found.push_back({static_cast<uint32_t>(x), static_cast<uint32_t>(y), at(x, y)});
+        }
+    }
+    return found;
+}
+
+constexpr unsigned kPlenty = 4000;
+
+Corners detected(const Image& image, unsigned border, int threshold, unsigned capacity = kPlenty)
+{
+    std::vector<uint32_t> xy(2 * kPlenty, 77);
+    std::vector<int32_t> scores(kPlenty, 77);
+    uint32_t count = 77, plainCount = 77;
+    odxCornerHarrisScoreu8(image.data(), image.w(), image.h(), 0, border, xy.data(), scores.data(), capacity,
+                           &count, threshold);
+    std::vector<uint32_t> plain(2 * kPlenty, 77);
+    odxCornerHarrisu8(image.data(), image.w(), image.h(), 0, border, plain.data(), capacity, &plainCount,
+                      threshold);
+    EXPECT_EQ(xy, plain);
+    EXPECT_EQ(count, plainCount);
+    EXPECT_TRUE(count == kPlenty || xy[2 * count] == 77) << "wrote beyond its corners";
+    Corners found;
+    for (uint32_t i = 0; i < count; ++i)
+        found.push_back({xy[2 * i], xy[2 * i + 1], scores[i]});
+    return found;
+}
+
+class Harris : public testing::Test
+{
+protected:
+    Harris() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
+};
+
+LogLine error(const std::string& text)
+{
+    return {6, "ondrix_lib_log", text};
+}
+
+// A checkered corner at a point between pixels, with pixels that are covered in part.
+Image checkered(double cornerX, double cornerY)
+{
+    Image image(41, 41);
+    for (int y = 0; y < 41; ++y) {
+        for (int x = 0; x < 41; ++x) {
+            const auto covered = [](double edge, int pixel) { return std::clamp(edge - (pixel - 0.5), 0.0, 1.0); };
+            const double left = covered(cornerX, x), top = covered(cornerY, y);
+            image.at(x, y) = static_cast<uint8_t>(std::lround(30 + 200 * (left * top + (1 - left) * (1 - top))));
+        }
+    }
+    return image;
+}
+
+} // namespace
+
+TEST_F(Harris, CornersAreStrictMaximaAboveTheThreshold)
+{
+    for (const auto& [width, height] : {std::pair{5, 5}, {7, 40}, {40, 7}, {11, 11}, {12, 13}, {64, 48}}) {
+        for (const int range : {256, 40, 3}) { // the last one has many ties
+            const Image image = noise(width, height, range);
+            for (const int border : {0, 5, 6, 9}) {
+                for (const int threshold : {0, -1000000000, 2000000}) {
+                    const Corners expected = corners(image, border, threshold, harris);
+                    ASSERT_EQ(expected, detected(image, static_cast<unsigned>(border), threshold))
+                        << width << "x" << height << " range " << range << " border " << border;
+                    const Corners first(expected.begin(),
+                                        expected.begin() + static_cast<std::ptrdiff_t>(expected.size() / 2));
+                    ASSERT_EQ(first, detected(image, static_cast<unsigned>(border), threshold,
+                                              static_cast<unsigned>(first.size())));
+                }
+            }
+        }
+    }
+    EXPECT_GT(corners(noise(64, 48), 0, 0, harris).size(), 20u);
+}
+
+TEST_F(Harris, FindsTheCornersOfASquare)
+{
+    Image image(60, 60, 20);
+    for (int y = 20; y < 40; ++y) {
+        for (int x = 20; x < 40; ++x)
+            image.at(x, y) = 220;
+    }
+    const Corners found = detected(image, 0, 1000000);
+    ASSERT_EQ(4u, found.size());
+    for (const Corner& corner : found) {
+        EXPECT_LE(std::min(std::abs(int(corner.x) - 20), std::abs(int(corner.x) - 39)), 1);
+        EXPECT_LE(std::min(std::abs(int(corner.y) - 20), std::abs(int(corner.y) - 39)), 1);
+    }
+}
+
+TEST_F(Harris, MaskBitsRuleOutCorners)
+{
+    const Image image = noise(64, 48);
+    const Corners all = detected(image, 0, 0);
+    for (const int shift : {0, 1, 2, 3, -1, -2, -3}) {
+        const auto scaled = [&](unsigned v) { return shift >= 0 ? v << shift : v >> -shift; };
+        const unsigned rowBytes = (scaled(64) + 7) / 8;
+        const Image bits = noise(static_cast<int>(rowBytes), static_cast<int>(scaled(48)));
+        Corners expected;
+        for (const Corner& corner : all) {
+            const unsigned x = scaled(corner.x), y = scaled(corner.y);
+            if ((bits.pixels[rowBytes * y + x / 8] >> (7 - x % 8) & 1) == 0) expected.push_back(corner);
+        }
+        std::vector<uint32_t> xy(2 * kPlenty);
+        uint32_t count = 77;
+        odxCornerHarrisInMasku8(image.data(), 64, 48, 0, 0, xy.data(), kPlenty, &count, 0, bits.data(), scaled(64),
+                                scaled(48));
+        ASSERT_EQ(expected.size(), count) << shift;
+        EXPECT_GT(count, 5u);
+        EXPECT_LT(count, all.size());
+        for (size_t i = 0; i < count; ++i) {
+            ASSERT_EQ(expected[i].x, xy[2 * i]);
+            ASSERT_EQ(expected[i].y, xy[2 * i + 1]);
+        }
+        count = 77;
+        odxCornerHarrisInMasku8(image.data(), 64, 48, 0, 0, xy.data(), kPlenty, &count, 0, bits.data(), scaled(64),
+                                scaled(48) + 1);
+        EXPECT_EQ(0u, count) << "a mask of another size";
+    }
+}
+
+TEST_F(Harris, TheAdaptiveThresholdKeepsTheStrongest)
+{
+    for (const int range : {256, 3}) {
+        const Image image = noise(64, 48, range);
+        const Corners all = corners(image, 0, 1000, harris);
+        for (const size_t capacity : {size_t{0}, size_t{1}, size_t{7}, all.size(), all.size() + 5}) {
+            Corners strongest = all;
+            std::stable_sort(strongest.begin(), strongest.end(),
+                             [](const Corner& a, const Corner& b) { return a.strength > b.strength; });
+            strongest.resize(std::min(capacity, all.size()), {});
+            Corners expected;
+            std::copy_if(all.begin(), all.end(), std::back_inserter(expected), [&](const Corner& corner) {
+                return std::find(strongest.begin(), strongest.end(), corner) != strongest.end();
+            });
+            std::vector<uint32_t> xy(2 * kPlenty, 77);
+            uint32_t count = 77;
+            odxCornerHarrisAdaptiveu8(image.data(), 64, 48, 0, 0, xy.data(), static_cast<unsigned>(capacity),
+                                      &count, 1000);
+            ASSERT_EQ(expected.size(), count);
+            for (size_t i = 0; i < count; ++i) {
+                ASSERT_EQ(expected[i].x, xy[2 * i]) << i;
+                ASSERT_EQ(expected[i].y, xy[2 * i + 1]) << i;
+            }
+            EXPECT_EQ(77u, xy[2 * count]);
+        }
+    }
+}
+
+TEST_F(Harris, TheLocalMaximumIsThatOfTheWindow)
+{
+    const Image image = noise(40, 30);
+    for (const auto& [x, y, radius] :
+         {std::tuple{20, 15, 0}, {20, 15, 4}, {0, 0, 5}, {39, 29, 6}, {20, 15, 1000}, {5, 28, 9}}) {
+        Corner best = {0, 0, INT64_MIN};
+        for (int v = std::max(3, y - radius); v <= std::min(26, y + radius); ++v) {
+            for (int u = std::max(3, x - radius); u <= std::min(36, x + radius); ++u) {
+                const int64_t response = harris(image, u, v);
+                if (response > best.strength)
+                    best = {static_cast<uint32_t>(u), static_cast<uint32_t>(v), response};
+            }
+        }
+        uint32_t maxX = 77, maxY = 77;
+        int32_t response = 77;
+        ASSERT_EQ(ONDRIX_SUCCESS,
+                  odxLocalHarrisMaxu8(image.data(), 40, 30, 0, static_cast<unsigned>(x), static_cast<unsigned>(y),
+                                      static_cast<unsigned>(radius), &maxX, &maxY, &response));
+        EXPECT_EQ(best, (Corner{maxX, maxY, response}));
+    }
+    uint32_t maxX = 77, maxY = 77;
+    int32_t response = 77;
+    for (const auto& [x, y, radius] :
+         {std::tuple{0u, 0u, 2u}, {37u, 15u, 0u}, {20u, 500u, 9u}, {4000000000u, 15u, 9u}})
+        EXPECT_EQ(ONDRIX_BAD_PARAMETER,
+                  odxLocalHarrisMaxu8(image.data(), 40, 30, 0, x, y, radius, &maxX, &maxY, &response));
+    EXPECT_EQ(ONDRIX_BAD_PARAMETER,
+              odxLocalHarrisMaxu8(image.data(), 40, 30, 39, 20, 15, 2, &maxX, &maxY, &response));
+    EXPECT_EQ(ONDRIX_BAD_PARAMETER,
+              odxLocalHarrisMaxu8(image.data(), 6, 30, 40, 2, 15, 9, &maxX, &maxY, &response));
+    EXPECT_EQ(77u, maxX);
+}
+
+TEST_F(Harris, GoodFeaturesAreStrongAndApart)
+{
+    const Image image = noise(64, 48);
+    Corners all = corners(image, 0, 0, minEigenvalue);
+    std::stable_sort(all.begin(), all.end(),
+                     [](const Corner& a, const Corner& b) { return a.strength > b.strength; });
+    ASSERT_GT(all.size(), 20u);
+    for (const unsigned distance : {0u, 1u, 5u, 12u, 1000000u}) {
+        for (const float quality : {0.0f, 0.3f, 1.0f}) {
+            for (const size_t capacity : {size_t{0}, size_t{5}, size_t{1000}}) {
+                Corners expected;
+                for (const Corner& corner : all) {
+                    const bool apart = std::all_of(expected.begin(), expected.end(), [&](const Corner& kept) {
+                        return std::hypot(double(kept.x) - corner.x, double(kept.y) - corner.y) >= distance;
+                    });
+                    const bool strong = static_cast<double>(corner.strength) >=
+                                        double(quality) * static_cast<double>(all[0].strength);
+                    if (apart && strong && expected.size() < capacity) expected.push_back(corner);
+                }
+                std::vector<uint32_t> xy(2 * kPlenty, 77);
+                uint32_t count = 77;
+                odxGoodFeatureToTracku8(image.data(), 64, 48, 0, 0, xy.data(), static_cast<unsigned>(capacity),
+                                        &count, quality, distance);
+                ASSERT_EQ(expected.size(), count) << distance << " " << quality << " " << capacity;
+                for (size_t i = 0; i < count; ++i) {
+                    ASSERT_EQ(expected[i].x, xy[2 * i]) << i;
+                    ASSERT_EQ(expected[i].y, xy[2 * i + 1]) << i;
+                }
+            }
+        }
+    }
+}
+
+TEST_F(Harris, CornersAreRefinedToAFractionOfAPixel)
+{
+    for (const auto& [x, y] : {std::pair{20.0, 20.0}, {20.3, 19.6}, {18.75, 21.5}}) {
+        const Image image = checkered(x, y);
+        float xy[] = {19, 21, 21, 20};
+        odxCornerRefineSubPixu8(image.data(), 41, 41, 0, xy, 2, 5, 20, 0.001f);
+        EXPECT_NEAR(x, double(xy[0]), 0.1);
+        EXPECT_NEAR(y, double(xy[1]), 0.1);
+        EXPECT_NEAR(x, double(xy[2]), 0.1);
+        EXPECT_NEAR(y, double(xy[3]), 0.1);
+    }
+    // Too near to the edge, no structure, only an edge, too far away, nowhere.
+    Image edge(41, 41);
+    for (int y = 0; y < 41; ++y) {
+        for (int x = 20; x < 41; ++x)
+            edge.at(x, y) = 200;
+    }
+    const Image corner = checkered(20, 20), flat(41, 41, 9);
+    const auto expectUnmoved = [](const Image& image, float x, float y) {
+        float xy[] = {x, y};
+        odxCornerRefineSubPixu8(image.data(), 41, 41, 0, xy, 1, 5, 20, 0.001f);
+        EXPECT_TRUE(xy[0] == x || (std::isnan(x) && std::isnan(xy[0]))) << xy[0];
+        EXPECT_EQ(y, xy[1]);
+    };
+    for (const float outside : {5.9f, 35.0f, -3.0f, 1e30f, NAN})
+        expectUnmoved(corner, outside, 20);
+    expectUnmoved(flat, 20, 20);
+    expectUnmoved(edge, 20, 20);
+}
+
+TEST_F(Harris, EdgesAlongALine)
+{
+    // Steps of 100 at columns 20 and 30, of 40 at column 35.
+    Image image(64, 64);
+    for (int y = 0; y < 64; ++y) {
+        for (int x = 0; x < 64; ++x)
+            image.at(x, y) = static_cast<uint8_t>(x < 20 ? 10 : x < 30 ? 110 : x < 35 ? 210 : 250);
+    }
+    const float pos[] = {28, 31}, right[] = {1, 0}, down[] = {0, 1}, slanted[] = {0.8f, 0.6f};
+    const auto found = [&](const float* p, const float* dir, unsigned capacity, int gradient, float angle) {
+        std::vector<float> maxima(8, 77.0f);
+        uint32_t count = 77;
+        EXPECT_EQ(0u, odxFindMultipleMaximau8(image.data(), 64, 64, 0, p, dir, 12, capacity, gradient, angle,
+                                              maxima.data(), &count));
+        EXPECT_EQ(77, maxima[count]);
+        maxima.resize(count);
+        return maxima;
+    };
+    // A sample at column 19 sees one bright neighbour of five, at column 20 four: the slope is the same at both,
+    // so the last one, column 20, wins.
+    EXPECT_EQ((std::vector<float>{-8, 2, 7}), found(pos, right, 7, 20, 0.9f));
+    EXPECT_EQ((std::vector<float>{-8, 2}), found(pos, right, 2, 20, 0.9f));
+    EXPECT_EQ((std::vector<float>{-8, 2}), found(pos, right, 7, 60, 0.9f));
+    EXPECT_EQ(std::vector<float>(), found(pos, right, 0, 20, 0.9f));
+    EXPECT_EQ(std::vector<float>(), found(pos, down, 7, 1, 0.0f));
+    EXPECT_EQ(3u, found(pos, slanted, 7, 20, 0.6f).size()); // cos^2 = 0.64
+    EXPECT_EQ(std::vector<float>(), found(pos, slanted, 7, 20, 0.7f));
+
+    // The ends must keep distance + 2 from the edges; outputs stay as they are.
+    std::vector<float> maxima(8, 77.0f);
+    uint32_t count = 77;
+    const auto search = [&](float x, float y, unsigned distance) {
+        const float at[] = {x, y};
+        return odxFindMultipleMaximau8(image.data(), 64, 64, 0, at, right, distance, 7, 20, 0, maxima.data(),
+                                       &count);
+    };
+    EXPECT_EQ(1u, search(26, 31, 13));
+    EXPECT_EQ(1u, search(28, 13.5f, 12));
+    EXPECT_EQ(1u, search(28, 50.5f, 12));
+    EXPECT_EQ(1u, search(NAN, 31, 12));
+    EXPECT_EQ(1u, search(28, 31, 4000000000u));
+    EXPECT_EQ(77u, count);
+    EXPECT_EQ(0u, search(32, 14, 12));
+    EXPECT_EQ(0u, search(32, 50, 12));
+
+    // Padded rows: vertical neighbours are taken a width apart, here from the row's own padding, which is dark.
+    Image padded(128, 64);
+    for (int y = 0; y < 64; ++y)
+        std::copy_n(image.pixels.begin() + y * 64, 64, padded.pixels.begin() + y * 128);
+    EXPECT_EQ(0u, odxFindMultipleMaximau8(padded.data(), 64, 64, 128, pos, right, 12, 7, 20, 0.0f, maxima.data(),
+                                          &count));
+    EXPECT_EQ(3u, count);
+    EXPECT_EQ(0u, odxFindMultipleMaximau8(padded.data(), 64, 64, 128, pos, right, 12, 7, 80, 0.0f, maxima.data(),
+                                          &count));
+    EXPECT_EQ(0u, count) << "three bright neighbours of five give a slope below 80";
+
+    auto* const lend = odxGetScratchBufferAligned_;
+    odxGetScratchBufferAligned_ = [](uint32_t, uint32_t) -> void* { return nullptr; };
+    count = 77;
+    EXPECT_EQ(1u, search(32, 31, 12));
+    EXPECT_EQ(0u, count);
+    odxGetScratchBufferAligned_ = lend;
+}
+
+TEST_F(Harris, RefusedArgumentsAreNamed)
+{
+    const Image image = noise(12, 12);
+    const uint8_t* const src = image.data();
+    uint32_t xy[8] = {}, count = 77;
+    int32_t scores[4];
+    float points[8] = {}, dir[2] = {1, 0};
+    struct Refused {
+        const char *operation, *condition;
+        std::vector<std::function<void()>> calls;
+    };
+    const Refused table[] = {
+        {"odxCornerHarrisu8",
+         "src && xy && numcorners && width && height && (stride >= width) && width > 4 && height > 4",
+         {[&] { odxCornerHarrisu8(nullptr, 12, 12, 0, 5, xy, 4, &count, 0); },
+          [&] { odxCornerHarrisu8(src, 12, 12, 0, 5, nullptr, 4, &count, 0); },
+          [&] { odxCornerHarrisu8(src, 12, 12, 0, 5, xy, 4, nullptr, 0); },
+          [&] { odxCornerHarrisu8(src, 4, 12, 0, 5, xy, 4, &count, 0); },
+          [&] { odxCornerHarrisu8(src, 12, 4, 0, 5, xy, 4, &count, 0); },
+          [&] { odxCornerHarrisu8(src, 12, 12, 11, 5, xy, 4, &count, 0); }}},
+        {"odxCornerHarrisInMasku8",
+         "srcImg && xy && numcorners && bitMask && width && height && (stride >= width) && maskHeight && "
+         "maskWidth",
+         {[&] { odxCornerHarrisInMasku8(nullptr, 12, 12, 0, 5, xy, 4, &count, 0, src, 12, 12); },
+          [&] { odxCornerHarrisInMasku8(src, 12, 12, 0, 5, xy, 4, &count, 0, nullptr, 12, 12); },
+          [&] { odxCornerHarrisInMasku8(src, 12, 12, 11, 5, xy, 4, &count, 0, src, 12, 12); },
+          [&] { odxCornerHarrisInMasku8(src, 12, 12, 0, 5, xy, 4, &count, 0, src, 0, 12); }}},
+        {"odxCornerHarrisAdaptiveu8",
+         "src && xy && nCorners && srcWidth && srcHeight && srcStride >= srcWidth && srcWidth > 4 && srcHeight > "
+         "4",
+         {[&] { odxCornerHarrisAdaptiveu8(nullptr, 12, 12, 0, 5, xy, 4, &count, 0); },
+          [&] { odxCornerHarrisAdaptiveu8(src, 12, 4, 0, 5, xy, 4, &count, 0); }}},
+        {"odxCornerHarrisScoreu8",
+         "src && xy && scores && nCorners && srcWidth && srcHeight && srcStride >= srcWidth && srcWidth > 4 && "
+         "srcHeight > 4",
+         {[&] { odxCornerHarrisScoreu8(src, 12, 12, 0, 5, xy, nullptr, 4, &count, 0); },
+          [&] { odxCornerHarrisScoreu8(src, 4, 12, 0, 5, xy, scores, 4, &count, 0); }}},
+        {"odxGoodFeatureToTracku8",
+         "src && xy && nCorners && srcWidth && srcHeight && srcStride >= srcWidth && srcWidth > 4 && srcHeight > "
+         "4 && "
+         "qualityLevel >= 0 && qualityLevel <= 1",
+         {[&] { odxGoodFeatureToTracku8(src, 12, 12, 0, 5, xy, 4, nullptr, 0.1f, 3); },
+          [&] { odxGoodFeatureToTracku8(src, 12, 12, 0, 5, xy, 4, &count, 1.1f, 3); },
+          [&] { odxGoodFeatureToTracku8(src, 12, 12, 0, 5, xy, 4, &count, NAN, 3); }}},
+        {"odxCornerRefineSubPixu8",
+         "src && xy && srcWidth && srcHeight && srcStride >= srcWidth && halfWindow >= 1 && halfWindow <= 15 && "
+         "maxIterations >= 1 && epsilon >= 0",
+         {[&] { odxCornerRefineSubPixu8(src, 12, 12, 0, points, 1, 0, 5, 0.1f); },
+          [&] { odxCornerRefineSubPixu8(src, 12, 12, 0, points, 1, 16, 5, 0.1f); },
+          [&] { odxCornerRefineSubPixu8(src, 12, 12, 0, points, 1, 2, 0, 0.1f); },
+          [&] { odxCornerRefineSubPixu8(src, 12, 12, 0, points, 1, 2, 5, -1.0f); }}},
+        {"odxFindMultipleMaximau8",
+         "src && pos && dir && maxima && numMaxima && srcWidth && srcHeight && srcStride >= srcWidth",
+         {[&] {
+              EXPECT_EQ(1u, odxFindMultipleMaximau8(src, 12, 12, 11, points, dir, 2, 4, 0, 0, points, &count));
+          },
+          [&] {
+              EXPECT_EQ(1u, odxFindMultipleMaximau8(src, 12, 12, 0, points, dir, 2, 4, 0, 0, nullptr, &count));
+          }}},
+    };
+    for (const Refused& refused : table) {
+        for (const auto& call : refused.calls) {
+            LogCapture log;
+            call();
+            EXPECT_EQ(std::vector<LogLine>{error(std::string("Assertion failed @") + refused.operation + ": " +
+                                                 refused.condition + "\n")},
+                      log.take());
+        }
+    }
+    EXPECT_EQ(77u, count);
+}
+
+TEST_F(Harris, WithoutTemporaryMemoryTheProcessEnds)
+{
+    for (const int failing : {1, 2, 3}) {
+        const ChildResult child = runInChild([failing] {
+            static int requests, released, fails;
+            fails = failing;
+            odxGetScratchBufferUnaligned_ = [](uint32_t size) -> void* {
+                return ++requests == fails ? nullptr : local_odxGetScratchBufferUnaligned(size);
+            };
+            odxReleaseScratchBuffer_ = [](void* block) {
+                if (block != nullptr && ++released == 2) fprintf(stderr, "two released\n");
+                return 0;
+            };
+            const Image image = noise(20, 20);
+            uint32_t xy[8], count;
+            odxCornerHarrisu8(image.data(), 20, 20, 0, 5, xy, 4, &count, 0);
+        });
+        EXPECT_EQ(1, child.exitStatus);
+        EXPECT_EQ(
+            "two released\n6/ondrix_lib_log: ondrixHarrisC@146: corner && grads && blurgrads Assertion failed\n\n",
+            child.output);
+    }
+}

@@ -1,0 +1,180 @@
+#include "operations/draw.h"
+
+#include "ondrix/harrisCorners.h"
+
+namespace odx::test
+{
+
+namespace
+{
+
+// A list of corners; what lies beyond the corners found must stay as it was.
+struct CornerList {
+    uint32_t capacity;
+    uint32_t* xy;
+    uint32_t* count;
+
+    explicit CornerList(Draw& draw)
+        : capacity(draw.number<uint32_t>("capacity", 0, draw.pick("plenty", {1, 0}) != 0 ? 2000 : 9, 20000)),
+          xy(draw.destinationArray<uint32_t>("xy", 2 * std::max(capacity, 1u))),
+          count(draw.destinationArray<uint32_t>("count", 1))
+    {
+    }
+};
+
+// Corners of noise everywhere, corners with contrast only, and a threshold that nearly all pixels exceed.
+int drawThreshold(Draw& draw)
+{
+    return draw.pick("threshold", {20000, 0, -100000000, 3000000});
+}
+
+uint32_t drawBorder(Draw& draw)
+{
+    return draw.pick("border", {0u, 5u, 6u, 9u, 40u});
+}
+
+void corners(Draw& draw)
+{
+    const Extent extent = draw.extent(5, 5);
+    const auto src = draw.source<uint8_t>("src", extent);
+    const CornerList list(draw);
+    const uint32_t border = drawBorder(draw);
+    const int threshold = drawThreshold(draw);
+    draw.run([&] {
+        odxCornerHarrisu8(src.pixels, extent.width, extent.height, src.strideArgument(), border, list.xy,
+                          list.capacity, list.count, threshold);
+    });
+}
+
+void cornersInMask(Draw& draw)
+{
+    Extent extent = draw.extent(5, 5);
+    Extent mask = extent;
+    const int shift = draw.pick("mask", {0, 1, 2, 3, -1, -2, -3});
+    if (!draw.measures()) { // sizes that halve
+        extent = {(extent.width + 7) / 8 * 8, (extent.height + 7) / 8 * 8};
+        mask = shift >= 0 ? Extent{extent.width << shift, extent.height << shift}
+                          : Extent{extent.width >> -shift, extent.height >> -shift};
+    }
+    const auto src = draw.source<uint8_t>("src", extent);
+    const auto bits = draw.source<uint8_t>("bits", {(mask.width + 7) / 8, mask.height}, true);
+    const CornerList list(draw);
+    const int threshold = drawThreshold(draw);
+    draw.run([&] {
+        odxCornerHarrisInMasku8(src.pixels, extent.width, extent.height, src.strideArgument(), 0, list.xy,
+                                list.capacity, list.count, threshold, bits.pixels, mask.width, mask.height);
+    });
+}
+
+void strongest(Draw& draw)
+{
+    const Extent extent = draw.extent(5, 5);
+    const auto src = draw.source<uint8_t>("src", extent);
+    const CornerList list(draw);
+    const int threshold = drawThreshold(draw);
+    draw.run([&] {
+        odxCornerHarrisAdaptiveu8(src.pixels, extent.width, extent.height, src.strideArgument(), 0, list.xy,
+                                  list.capacity, list.count, threshold);
+    });
+}
+
+void scores(Draw& draw)
+{
+    const Extent extent = draw.extent(5, 5);
+    const auto src = draw.source<uint8_t>("src", extent);
+    const CornerList list(draw);
+    int32_t* const responses = draw.destinationArray<int32_t>("scores", std::max(list.capacity, 1u));
+    const int threshold = drawThreshold(draw);
+    draw.run([&] {
+        odxCornerHarrisScoreu8(src.pixels, extent.width, extent.height, src.strideArgument(), 0, list.xy,
+                               responses, list.capacity, list.count, threshold);
+    });
+}
+
+void localMaximum(Draw& draw)
+{
+    const Extent extent = draw.extent(7, 7);
+    const auto src = draw.source<uint8_t>("src", extent);
+    const uint32_t x = draw.number<uint32_t>("x", 0, extent.width, extent.width / 2),
+                   y = draw.number<uint32_t>("y", 0, extent.height, extent.height / 2),
+                   radius = draw.pick("radius", {50u, 4u, 8u, 100u, 0xFFFFFFFFu});
+    uint32_t* const at = draw.destinationArray<uint32_t>("at", 2);
+    int32_t* const response = draw.destinationArray<int32_t>("response", 1);
+    draw.run([&] {
+        return odxLocalHarrisMaxu8(src.pixels, extent.width, extent.height, src.strideArgument(), x, y, radius, at,
+                                   at + 1, response);
+    });
+}
+
+void goodFeatures(Draw& draw)
+{
+    const Extent extent = draw.extent(5, 5);
+    const auto src = draw.source<uint8_t>("src", extent);
+    const CornerList list(draw);
+    const float quality = draw.real("quality", 0, 0.2f, 0.01f);
+    const uint32_t distance = draw.pick("distance", {10u, 0u, 4u, 31u, 100000u});
+    draw.run([&] {
+        odxGoodFeatureToTracku8(src.pixels, extent.width, extent.height, src.strideArgument(), 0, list.xy,
+                                list.capacity, list.count, quality, distance);
+    });
+}
+
+void refine(Draw& draw)
+{
+    const Extent extent = draw.extent(12, 12);
+    const auto src = draw.source<uint8_t>("src", extent);
+    const uint32_t count = draw.number<uint32_t>("count", 0, 20, 1000);
+    const Image<float> xy = draw.destination<float>("xy", {2 * count + 1, 1}, true);
+    const uint32_t half = draw.number<uint32_t>("half", 1, 15, 5);
+    std::vector<float> start;
+    for (uint32_t i = 0; i < count; ++i) {
+        start.push_back(
+            draw.real("x", -2, static_cast<float>(extent.width) + 2, static_cast<float>(extent.width / 2)));
+        start.push_back(
+            draw.real("y", -2, static_cast<float>(extent.height) + 2, static_cast<float>(extent.height / 2)));
+    }
+    draw.run([&] {
+        std::copy(start.begin(), start.end(), xy.pixels);
+        odxCornerRefineSubPixu8(src.pixels, extent.width, extent.height, src.strideArgument(), xy.pixels, count,
+                                half, 10, 0.01f);
+    });
+}
+
+void maximaAlongLine(Draw& draw)
+{
+    const Extent extent = draw.extent(20, 20);
+    const auto src = draw.source<uint8_t>("src", extent);
+    const float width = static_cast<float>(extent.width), height = static_cast<float>(extent.height);
+    const float pos[2] = {draw.real("x", 0.4f * width, 0.6f * width, 0.5f * width),
+                          draw.real("y", 0.4f * height, 0.6f * height, 0.5f * height)};
+    const float dir[2] = {draw.real("dx", -1, 1, 0.6f), draw.real("dy", -1, 1, 0.8f)};
+    const uint32_t distance = draw.number<uint32_t>("distance", 0, std::min(extent.width, extent.height) / 4, 100);
+    const uint32_t capacity = draw.number<uint32_t>("capacity", 0, 9, 50);
+    const int gradient = draw.pick("gradient", {10, 0, -50, 100});
+    const float angle = draw.real("angle", 0, 1, 0.5f);
+    float* const maxima = draw.destinationArray<float>("maxima", std::max(capacity, 1u));
+    uint32_t* const count = draw.destinationArray<uint32_t>("count", 1);
+    draw.run([&] {
+        return odxFindMultipleMaximau8(src.pixels, extent.width, extent.height, src.strideArgument(), pos, dir,
+                                       distance, capacity, gradient, angle, maxima, count);
+    });
+}
+
+} // namespace
+
+std::vector<Row> harrisRows()
+{
+    constexpr bool contentMatters = true;
+    return {
+        {"odxCornerHarrisu8", corners, contentMatters},
+        {"odxCornerHarrisInMasku8", cornersInMask, contentMatters},
+        {"odxCornerHarrisAdaptiveu8", strongest, contentMatters},
+        {"odxCornerHarrisScoreu8", scores, contentMatters},
+        {"odxLocalHarrisMaxu8", localMaximum},
+        {"odxGoodFeatureToTracku8", goodFeatures, contentMatters},
+        {"odxCornerRefineSubPixu8", refine},
+        {"odxFindMultipleMaximau8", maximaAlongLine},
+    };
+}
+
+} // namespace odx::test
