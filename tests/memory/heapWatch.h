@@ -8,7 +8,7 @@
 namespace odx::test
 {
 
-// Allocations so far. The C++ library's own, by new, do not count.
+// Allocations so far by the malloc family; those by new go unseen.
 unsigned allocationCount();
 
 // While it lives, malloc fails.
