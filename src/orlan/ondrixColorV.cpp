@@ -109,9 +109,10 @@ template <const Scheme& s, class Pixel, bool backward>
 ODX_INLINE void convertLuma(const uint8_t* y, const TermsPair& t, uint8_t* dst)
 {
     u8v bytes = load<u8v>(y);
-    if constexpr (s.darkest != 0) bytes = max(bytes, u8v{} + (uint8_t)s.darkest);
-    const u16p split16 = split(bytes);
-    const s16p luma = {(s16v)split16.a - (int16_t)s.black, (s16v)split16.b - (int16_t)s.black};
+    if constexpr (s.darkest != 0) bytes = max(bytes, u8v{} + (uint8_t)s.darkest) - (uint8_t)s.darkest;
+    const u16p wide = split(bytes);
+    constexpr int16_t black = s.black - s.darkest;
+    const s16p luma = {(s16v)wide.a - black, (s16v)wide.b - black};
     u8v red = channel<s>(luma, t.a.red, t.b.red), green = channel<s>(luma, t.a.green, t.b.green),
         blue = channel<s>(luma, t.a.blue, t.b.blue);
     if constexpr (backward) {
@@ -328,23 +329,34 @@ struct PlanarUnits {
     uint8_t y[Unit::kHeight * kWidth], cb[8 * kChromaWidth], cr[8 * kChromaWidth];
 };
 
-ODX_INLINE void copyBlock(const uint8_t* block, uint8_t* dst, size_t stride)
+// Puts the rows of two blocks side by side.
+ODX_INLINE void joinBlocks(const uint8_t* left, const uint8_t* right, uint8_t* dst, size_t stride)
 {
-    for (uint32_t row = 0; row < 8; ++row)
-        memcpy(dst + stride * row, block + 8 * row, 8);
+    for (uint32_t row = 0; row < 8; ++row) {
+        const uint64_t halves[2] = {load<uint64_t>(left + 8 * row), load<uint64_t>(right + 8 * row)};
+        memcpy(dst + stride * row, halves, sizeof halves);
+    }
 }
 
+// Two units at a time; of an odd count the last one comes twice.
 template <class Unit>
 ODX_INLINE void layOut(const uint8_t* unit, size_t units, PlanarUnits<Unit>& planes)
 {
     using Planes = PlanarUnits<Unit>;
-    for (size_t i = 0; i < units; ++i, unit += Unit::kSize) {
-        for (size_t block = 0; block < Unit::kAcross * Unit::kDown; ++block) {
-            uint8_t* const rows = planes.y + 8 * Planes::kWidth * (block / Unit::kAcross);
-            copyBlock(unit + 64 * block, rows + Unit::kWidth * i + 8 * (block % Unit::kAcross), Planes::kWidth);
+    for (size_t i = 0; i < units; i += 2, unit += 2 * Unit::kSize) {
+        const uint8_t* const next = i + 1 < units ? unit + Unit::kSize : unit;
+        for (size_t row = 0; row < Unit::kDown; ++row) {
+            uint8_t* const out = planes.y + 8 * Planes::kWidth * row + Unit::kWidth * i;
+            const size_t block = 64 * Unit::kAcross * row;
+            if constexpr (Unit::kAcross == 2) {
+                joinBlocks(unit + block, unit + block + 64, out, Planes::kWidth);
+                joinBlocks(next + block, next + block + 64, out + 16, Planes::kWidth);
+            } else {
+                joinBlocks(unit + block, next + block, out, Planes::kWidth);
+            }
         }
-        copyBlock(unit + Unit::kCb, planes.cb + 8 * i, Planes::kChromaWidth);
-        copyBlock(unit + Unit::kCr, planes.cr + 8 * i, Planes::kChromaWidth);
+        joinBlocks(unit + Unit::kCb, next + Unit::kCb, planes.cb + 8 * i, Planes::kChromaWidth);
+        joinBlocks(unit + Unit::kCr, next + Unit::kCr, planes.cr + 8 * i, Planes::kChromaWidth);
     }
 }
 
