@@ -76,7 +76,8 @@ TEST(RemoteThreads, EveryResultIsRightWhileTheProcessorRestarts)
             const odxStubCounts counts = stub.counts();
             EXPECT_GT(counts.restarts, 0u);
             if (period > 1) EXPECT_GT(counts.completed, 0u);
-            // Nothing is left behind: calls are remote again, once one has brought back what the last restart left.
+            // Nothing is left behind: calls are remote again, once one has brought back what the last restart
+            // left.
             stub.behaves({});
             EXPECT_EQ(kBits, countBits());
             const uint32_t completed = stub.counts().completed;
