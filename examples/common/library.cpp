@@ -70,16 +70,26 @@ std::vector<LogLine> linesOf(const std::function<void()>& action)
     return heard;
 }
 
-// The trace line of a call is the operation's name, an underscore and the implementation's. Operations called by
-// the operation leave lines of their own.
+// The trace line of a call is the operation's name, an underscore and the implementation's. Operations that the
+// operation calls leave lines of their own: their implementations follow, if they are others.
 std::string implementationIn(const std::vector<LogLine>& lines, const std::string& operation)
 {
+    std::string own = "?";
+    std::set<std::string> called;
     for (const LogLine& line : lines) {
         const size_t end = line.text.rfind('_');
-        if (line.tag == kTraceTag && end != std::string::npos && line.text.substr(0, end) == operation)
-            return line.text.substr(end + 1);
+        if (line.tag != kTraceTag || end == std::string::npos) continue;
+        const std::string implementation = line.text.substr(end + 1);
+        if (line.text.substr(0, end) == operation) {
+            own = implementation;
+        } else {
+            called.insert(implementation);
+        }
     }
-    return "?";
+    called.erase(own);
+    for (const std::string& implementation : called)
+        own += "+" + implementation;
+    return own;
 }
 
 // Lines that the remote path writes on its way to another implementation are no refusals.

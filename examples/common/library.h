@@ -28,7 +28,7 @@ std::string hardwareInWords(unsigned mask);
 
 // What one column made of an operation.
 struct Trial {
-    std::string implementation; // the one that the call took, in the library's own word; "?" when it did not say
+    std::string implementation; // what the call took, in the library's own words; "?" when it did not say
     std::string refusal;        // the library's line, or the status, when the arguments were refused; else empty
     double msPerMegapixel = 0;  // the best of several calls; 0 when not measured
 };

@@ -179,11 +179,11 @@ void showColours(Stage& stage)
                              decodedBgr.data(), decodedBgr.stride());
     const Frame again = showAsFrame(stage, "A frame again: luma", decodedBgr);
 
-    const auto levels = [](int count) { return std::to_string(count); };
-    stage.addFact("round trips", "frame, RGB, frame: at most " +
-                                     levels(largestDifference(frame.luma, again.luma)) + " levels in luma, " +
-                                     levels(largestDifference(frame.chroma, again.chroma)) +
-                                     " in chroma; RGB, HSV, RGB: " + levels(largestDifference(decoded, fromHsv)));
+    using std::to_string;
+    stage.addFact("round trips",
+                  "frame, RGB, frame: off by at most " + to_string(largestDifference(frame.luma, again.luma)) +
+                      " of 255 in luma, " + to_string(largestDifference(frame.chroma, again.chroma)) +
+                      " in chroma; RGB, HSV, RGB: " + to_string(largestDifference(decoded, fromHsv)));
 }
 
 } // namespace demo

@@ -13,9 +13,10 @@ void showMedians(Stage& stage);
 void showWidePixels(Stage& stage);
 void showBorders(Stage& stage);
 void showColours(Stage& stage);
+void showFastCorners(Stage& stage);
 
-constexpr void (*kSections[])(Stage&) = {showGaussians,  showBoxes,   showMedians,
-                                         showWidePixels, showBorders, showColours};
+constexpr void (*kSections[])(Stage&) = {showGaussians, showBoxes,   showMedians,    showWidePixels,
+                                         showBorders,   showColours, showFastCorners};
 
 } // namespace demo
 

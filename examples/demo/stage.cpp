@@ -39,7 +39,7 @@ Stage::Stage(const Picture& picture, std::vector<Column> columns)
 {
     printf("\n%-42s", "operation");
     for (const Column& column : columns_)
-        printf("  %-17s", (column.name + ", ms/Mpx").c_str());
+        printf("  %-19s", (column.name + ", ms/Mpx").c_str());
     printf("  %-8s  %s\n", "speed-up", "bytes");
 }
 
@@ -100,7 +100,7 @@ void Stage::printLine(const Outcome& outcome) const
     printf("  %-40s", outcome.operation.c_str());
     for (const Trial& trial : outcome.trials) {
         const std::string time = trial.msPerMegapixel != 0 ? timeText(trial.msPerMegapixel) : "-";
-        printf("  %-8s %-8s", trial.implementation.c_str(), time.c_str());
+        printf("  %-10s %-8s", trial.implementation.c_str(), time.c_str());
     }
     printf("  %-8s  %s\n", speedUpText(outcome).c_str(), outcome.identical ? "identical" : "DIFFERENT");
     if (outcome.refused()) printf("    refused: %s\n", outcome.trials.front().refusal.c_str());
