@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <dlfcn.h>
 #include <errno.h>
 #include <fcntl.h>
@@ -153,6 +154,28 @@ TEST(Detection, AnUnreadableDescriptionCountsAsRun)
         setenv("ONDRIX_CPUINFO", "/", 1); // opens, but cannot be read
         isEmpty();
     });
+}
+
+TEST(Detection, ReadsTheSystemsDescriptionUnlessAnotherIsNamed)
+{
+    std::string text(4096, '\0');
+    const int file = open("/proc/cpuinfo", O_RDONLY);
+    const ssize_t length = read(file, &text[0], text.size());
+    close(file);
+    text.resize(static_cast<size_t>(std::max<ssize_t>(length, 0)));
+#if defined(__x86_64__)
+    const ODX_CPU_INFO expected = parse(text, true);
+#else
+    const ODX_CPU_INFO expected = parse(text);
+#endif
+    for (const char* name : {"", static_cast<const char*>(nullptr)}) {
+        onProcessor(kUnreadable, [&] {
+            unsetenv("ONDRIX_CPUINFO");
+            if (name != nullptr) setenv("ONDRIX_CPUINFO", name, 1);
+            EXPECT_EQ(expected.features, processorInfo().features);
+            EXPECT_EQ(expected.implementer, processorInfo().implementer);
+        });
+    }
 }
 
 TEST(Detection, AnInterruptedReadIsRepeated)
