@@ -85,9 +85,9 @@ void showFastCorners(Stage& stage)
     stage.beginSection("FAST corners", "pixels with a long arc around them that is brighter or darker by " +
                                            std::to_string(kBarrier));
     showFast(stage, "FAST-9", NAMED(odxCornerFast9u8));
-    showBestOfFast(stage, "Suppressed", NAMED(odxCornerFast9Scoreu8_v2));
+    showBestOfFast(stage, "After suppression", NAMED(odxCornerFast9Scoreu8_v2));
     showFast(stage, "FAST-10", NAMED(odxCornerFast10u8));
-    showBestOfFast(stage, "Suppressed", NAMED(odxCornerFast10Scoreu8));
+    showBestOfFast(stage, "After suppression", NAMED(odxCornerFast10Scoreu8));
 }
 
 } // namespace demo

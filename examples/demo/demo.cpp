@@ -93,8 +93,7 @@ std::vector<Fact> factsAfter(const Stage& stage)
     std::vector<Fact> facts;
     for (size_t i = 0; i < stage.columns().size(); ++i) {
         const Column& column = stage.columns()[i];
-        facts.push_back({column.name,
-                         "mode " + column.modeName + ", implementations taken: " + stage.implementations(i),
+        facts.push_back({column.name, "mode " + column.modeName + ", calls took: " + stage.implementations(i),
                          colours::kBars[i]});
     }
     Fact bytes{"bytes", "identical in " + std::to_string(stage.identical()) + " of " +
