@@ -64,9 +64,40 @@ uint32_t lengthOf(const void* buffer, Count count)
 {
     return buffer == nullptr ? 0 : static_cast<uint32_t>(count);
 }
-inline uint64_t bytesOfRows(uint32_t stride, uint32_t height)
+// ---- what the lengths of the lines are made of ----
+
+// A product that stays at the largest number instead of overflowing: no such length fits.
+inline uint64_t product(uint64_t a, uint64_t b, uint64_t c = 1)
 {
-    return uint64_t{stride} * height;
+    uint64_t ab, abc;
+    return __builtin_mul_overflow(a, b, &ab) || __builtin_mul_overflow(ab, c, &abc) ? UINT64_MAX : abc;
+}
+// Samples that cover two pixels each, and the pixels that they cover.
+constexpr uint32_t half(uint32_t pixels)
+{
+    return pixels / 2 + pixels % 2;
+}
+constexpr uint32_t even(uint32_t pixels)
+{
+    return pixels + pixels % 2;
+}
+constexpr uint32_t atLeastOne(uint32_t capacity)
+{
+    return capacity == 0 ? 1 : capacity;
+}
+// Bytes of an image of bits, in rows of whole bytes.
+inline uint64_t bitMask(uint32_t width, uint32_t height)
+{
+    return product(uint64_t{width} / 8 + (width % 8 != 0 ? 1 : 0), height);
+}
+// Bytes of an image as coded units, in which a chroma block covers `across` x `down` luma blocks of 8x8. Rows of
+// units follow each other, except that those without subsampling move on by whole blocks of pixels only.
+inline uint64_t codedUnits(uint32_t width, uint32_t height, uint32_t across, uint32_t down)
+{
+    const auto units = [](uint32_t pixels, uint32_t size) { return pixels / size + (pixels % size != 0 ? 1 : 0); };
+    const uint32_t wide = units(width, 8 * across), high = units(height, 8 * down);
+    const uint32_t step = across * down == 1 ? width / 8 : wide;
+    return product(64 * (across * down + 2), product(step, high - 1) + wide);
 }
 
 template <class... Flags>
@@ -119,9 +150,9 @@ bool allOf(Flags... flags)
 #define ODX_ITEM_OUT(name, count) BUFFER, name, count, odx::dsp::kOut, odx::dsp::kElements
 #define ODX_ITEM_INOUT(name, count) BUFFER, name, count, odx::dsp::kInOut, odx::dsp::kElements
 #define ODX_ITEM_IN_ROWS(name, stride, height) \
-    BUFFER, name, odx::dsp::bytesOfRows(stride, height), odx::dsp::kIn, odx::dsp::kBytes
+    BUFFER, name, odx::dsp::product(stride, height), odx::dsp::kIn, odx::dsp::kBytes
 #define ODX_ITEM_INOUT_ROWS(name, stride, height) \
-    BUFFER, name, odx::dsp::bytesOfRows(stride, height), odx::dsp::kInOut, odx::dsp::kBytes
+    BUFFER, name, odx::dsp::product(stride, height), odx::dsp::kInOut, odx::dsp::kBytes
 
 #define ODX_MAKE(make, f, i, ...) ODX_MAKE_(make, f, i, __VA_ARGS__)
 #define ODX_MAKE_(make, f, i, kind, ...) make##_##kind(f, i, __VA_ARGS__)
