@@ -3,6 +3,7 @@
 #include "cpu/ondrixColorFromRgbC.h"
 
 #include <string.h>
+#include <type_traits>
 
 namespace odx::color
 {
@@ -23,68 +24,83 @@ struct Image {
     uint32_t yStride, cbStride, crStride;
 };
 
-// How a row of chroma is stored. `samples` is how many of each kind it has for `wanted` ones that the width asks
-// for, in rows of `stride` bytes.
+// An unsigned integer of n bytes, which lie in memory from its lowest to its highest. Neighbouring samples are
+// read and written as one, so that compilers see loops over whole integers.
+template <size_t n>
+using Integer = std::conditional_t<n == 1, uint8_t, std::conditional_t<n == 2, uint16_t, uint32_t>>;
+
+template <size_t n>
+uint32_t integerAt(const uint8_t* p, size_t i)
+{
+    Integer<n> value;
+    memcpy(&value, p + n * i, n);
+    return value;
+}
+template <size_t n>
+void setInteger(uint8_t* p, size_t i, uint32_t value)
+{
+    const Integer<n> narrow = static_cast<Integer<n>>(value);
+    memcpy(p + n * i, &narrow, n);
+}
+
+struct Sample {
+    uint32_t u, v;
+};
+
+// How a row of chroma is stored.
+// - samples(wanted, stride): how many a row has, of those that the width asks for
+// - load<n>(cb, cr, i): the first sample of the i-th group of n
+// - store<n>(cb, cr, i, sample): the i-th group of n equal samples
 struct Planar {
     static size_t samples(size_t wanted, uint32_t) { return wanted; }
 
-    template <class Byte>
-    struct Row {
-        Byte *cb, *cr;
-
-        uint8_t u(size_t i) const { return cb[i]; }
-        uint8_t v(size_t i) const { return cr[i]; }
-        void set(size_t i, uint8_t u, uint8_t v) const
-        {
-            cb[i] = u;
-            cr[i] = v;
-        }
-    };
+    template <size_t n>
+    static Sample load(const uint8_t* cb, const uint8_t* cr, size_t i)
+    {
+        return {integerAt<n>(cb, i) & 0xFF, integerAt<n>(cr, i) & 0xFF};
+    }
+    template <size_t n>
+    static void store(uint8_t* cb, uint8_t* cr, size_t i, Sample s)
+    {
+        constexpr uint32_t repeat = n == 2 ? 0x0101 : 1;
+        setInteger<n>(cb, i, s.u * repeat);
+        setInteger<n>(cr, i, s.v * repeat);
+    }
 };
 
+// `cb` is the plane of pairs.
 struct PseudoPlanar {
     static size_t samples(size_t wanted, uint32_t stride) { return wanted <= stride / 2 ? wanted : stride / 2; }
 
-    template <class Byte>
-    struct Row {
-        Byte *pairs, *unused;
-
-        uint8_t u(size_t i) const { return pairs[2 * i]; }
-        uint8_t v(size_t i) const { return pairs[2 * i + 1]; }
-        void set(size_t i, uint8_t u, uint8_t v) const
-        {
-            pairs[2 * i] = u;
-            pairs[2 * i + 1] = v;
-        }
-    };
+    template <size_t n>
+    static Sample load(const uint8_t* cb, const uint8_t*, size_t i)
+    {
+        const uint32_t pairs = integerAt<2 * n>(cb, i);
+        return {pairs & 0xFF, pairs >> 8 & 0xFF};
+    }
+    template <size_t n>
+    static void store(uint8_t* cb, uint8_t*, size_t i, Sample s)
+    {
+        constexpr uint32_t repeat = n == 2 ? 0x00010001 : 1;
+        setInteger<2 * n>(cb, i, (s.u | s.v << 8) * repeat);
+    }
 };
 
 // Writes `count` samples of a row from the `available` ones of another: each as it is, every second one, or each
-// twice. Beyond the last one it repeats.
+// twice. Where they run out, the last one is repeated.
 template <class From, size_t fromAcross, class To, size_t toAcross>
 void chromaRow(const uint8_t* __restrict srcCb, const uint8_t* __restrict srcCr, size_t available,
                uint8_t* __restrict dstCb, uint8_t* __restrict dstCr, size_t count)
 {
-    const typename From::template Row<const uint8_t> in = {srcCb, srcCr};
-    const typename To::template Row<uint8_t> out = {dstCb, dstCr};
-    size_t done;
-    if constexpr (fromAcross > toAcross) {
-        done = count / 2 < available ? count / 2 : available;
-        for (size_t i = 0; i < done; ++i) {
-            out.set(2 * i, in.u(i), in.v(i));
-            out.set(2 * i + 1, in.u(i), in.v(i));
-        }
-        done *= 2;
-    } else {
-        constexpr size_t step = toAcross / fromAcross;
-        const size_t whole = (available + step - 1) / step;
-        done = count < whole ? count : whole;
-        for (size_t i = 0; i < done; ++i)
-            out.set(i, in.u(step * i), in.v(step * i));
-    }
-    for (; done < count; ++done) {
-        const size_t last = fromAcross > toAcross && done / 2 < available ? done / 2 : available - 1;
-        out.set(done, available != 0 ? in.u(last) : 128, available != 0 ? in.v(last) : 128);
+    constexpr size_t step = toAcross > fromAcross ? 2 : 1, repeat = fromAcross > toAcross ? 2 : 1;
+    const size_t groups = available / step < count / repeat ? available / step : count / repeat;
+    for (size_t i = 0; i < groups; ++i)
+        To::template store<repeat>(dstCb, dstCr, i, From::template load<step>(srcCb, srcCr, i));
+    for (size_t i = repeat * groups; i < count; ++i) {
+        Sample sample = {128, 128};
+        const size_t at = i * step / repeat;
+        if (available != 0) sample = From::template load<1>(srcCb, srcCr, at < available ? at : available - 1);
+        To::template store<1>(dstCb, dstCr, i, sample);
     }
 }
 

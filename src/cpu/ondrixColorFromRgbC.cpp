@@ -3,8 +3,8 @@
 // channel is one that compilers vectorise.
 #include "cpu/ondrixColorFromRgbC.h"
 
+#include "cpu/channels.h"
 #include "cpu/ondrixColorFromRgb.h"
-#include "cpu/triples.h"
 
 namespace odx::color
 {
@@ -26,32 +26,14 @@ struct Pixels {
 
 struct Triples {
     static constexpr size_t kSize = 3;
-    static constexpr auto load = triples::split;
-    static constexpr auto store = triples::join;
+    static constexpr auto load = channels::split3;
+    static constexpr auto store = channels::join3;
 };
 
 struct Quads {
     static constexpr size_t kSize = 4;
-
-    static void load(const uint8_t* __restrict src, uint8_t* __restrict first, uint8_t* __restrict second,
-                     uint8_t* __restrict third, size_t count)
-    {
-        for (size_t x = 0; x < count; ++x) {
-            first[x] = src[4 * x];
-            second[x] = src[4 * x + 1];
-            third[x] = src[4 * x + 2];
-        }
-    }
-    static void store(const uint8_t* __restrict first, const uint8_t* __restrict second,
-                      const uint8_t* __restrict third, uint8_t* __restrict dst, size_t count)
-    {
-        for (size_t x = 0; x < count; ++x) {
-            dst[4 * x] = first[x];
-            dst[4 * x + 1] = second[x];
-            dst[4 * x + 2] = third[x];
-            dst[4 * x + 3] = 255;
-        }
-    }
+    static constexpr auto load = channels::split4;
+    static constexpr auto store = channels::join4;
 };
 
 // What the missing low bits of a channel become.
@@ -138,37 +120,60 @@ using RGB888 = BGR888;
 using RGBA8888 = BGRA8888;
 } // namespace blueFirst
 
-void lumaOf(const Pixels& pixels, uint8_t* __restrict y, size_t count)
+// Channel i of a plane, or channel 2 * i, as the low byte of a word.
+template <size_t step>
+uint8_t channelAt(const uint8_t* plane, size_t i)
 {
-    const uint8_t *const r = pixels.red, *const g = pixels.green, *const b = pixels.blue;
-    for (size_t x = 0; x < count; ++x)
-        y[x] = static_cast<uint8_t>(static_cast<uint16_t>(77 * r[x] + 150 * g[x] + 29 * b[x] + 128) >> 8);
+    if constexpr (step == 1) return plane[i];
+    uint16_t word;
+    memcpy(&word, plane + 2 * i, sizeof word);
+    return static_cast<uint8_t>(word);
 }
 
-// min(128 + ((difference + 128) >> 8), 255) of differences from -32640 to 32640, so that no step leaves 16 bits.
-// The 5 and 6 bits of RGB565 never come near the limit: there it is the same as ((difference + 128) >> 8) ^ 128.
-uint8_t chromaOf(int16_t difference)
+// Weighted sums of every `step`-th pixel, which must be from 0 to 65535. Sums that are stored keep compilers from
+// wider arithmetic.
+template <int red, int green, int blue, int offset, size_t step = 1>
+void sumsOf(const Pixels& pixels, uint16_t* __restrict sums, size_t count)
 {
-    const int16_t value = static_cast<int16_t>(128 + (((difference >> 1) + 64) >> 7));
-    return static_cast<uint8_t>(value < 255 ? value : 255);
+    for (size_t i = 0; i < count / step; ++i) {
+        const int r = channelAt<step>(pixels.red, i), g = channelAt<step>(pixels.green, i),
+                  b = channelAt<step>(pixels.blue, i);
+        sums[i] = static_cast<uint16_t>(red * r + green * g + blue * b + offset);
+    }
+}
+
+void lumaOf(const Pixels& pixels, uint8_t* __restrict y, size_t count)
+{
+    uint16_t sums[kChunk];
+    sumsOf<77, 150, 29, 128>(pixels, sums, count);
+    for (size_t x = 0; x < count; ++x)
+        y[x] = static_cast<uint8_t>(sums[x] >> 8);
+}
+
+// min(128 + ((sum + 128) >> 8), 255) of a chroma sum to which 32640 was added, so that it is from 0 to 65280.
+// Channels of 5 and 6 bits never come near the limit: for them it is the same as ((sum + 128) >> 8) ^ 128.
+uint8_t chromaOf(uint16_t sum)
+{
+    const uint8_t high = static_cast<uint8_t>(sum >> 8);
+    return static_cast<uint8_t>((high < 254 ? high : 254) + 1);
 }
 
 enum class Chroma { Planes, Pairs };
 
 // The chroma of every pixel, or of every second one.
 template <Chroma chroma, size_t step>
-void chromaOf(const Pixels& pixels, uint8_t* __restrict cb, uint8_t* __restrict cr, size_t count)
+void chromaRow(const Pixels& pixels, uint8_t* __restrict cb, uint8_t* __restrict cr, size_t count)
 {
+    uint16_t u[kChunk], v[kChunk];
+    sumsOf<-43, -85, 128, 32640, step>(pixels, u, count);
+    sumsOf<128, -107, -21, 32640, step>(pixels, v, count);
     for (size_t i = 0; i < count / step; ++i) {
-        const int r = pixels.red[step * i], g = pixels.green[step * i], b = pixels.blue[step * i];
-        const uint8_t u = chromaOf(static_cast<int16_t>(128 * b - 43 * r - 85 * g));
-        const uint8_t v = chromaOf(static_cast<int16_t>(128 * r - 107 * g - 21 * b));
         if constexpr (chroma == Chroma::Planes) {
-            cb[i] = u;
-            cr[i] = v;
+            cb[i] = chromaOf(u[i]);
+            cr[i] = chromaOf(v[i]);
         } else {
-            cb[2 * i] = u;
-            cb[2 * i + 1] = v;
+            const uint16_t pair = static_cast<uint16_t>(chromaOf(u[i]) | chromaOf(v[i]) << 8);
+            memcpy(cb + 2 * i, &pair, sizeof pair);
         }
     }
 }
@@ -180,7 +185,7 @@ void yuvRow(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, size_t wid
     inChunks<Source>(src, width, [=](const Pixels& pixels, size_t x, size_t count) {
         constexpr size_t size = chroma == Chroma::Pairs ? 2 : 1;
         lumaOf(pixels, y + x, count);
-        chromaOf<chroma, step>(pixels, cb + size * (x / step), cr + size * (x / step), count);
+        chromaRow<chroma, step>(pixels, cb + size * (x / step), cr + size * (x / step), count);
     });
 }
 
@@ -231,20 +236,23 @@ uint8_t clamp(int32_t value)
     return static_cast<uint8_t>(value < 0 ? 0 : value > 255 ? 255 : value);
 }
 
+// (weights * pixels + half) >> 15, on top of an offset.
+void fineSum(const Weights& w, int32_t offset, const Pixels& pixels, uint8_t* __restrict dst, size_t count)
+{
+    for (size_t x = 0; x < count; ++x) {
+        const int32_t sum = w.red * pixels.red[x] + w.green * pixels.green[x] + w.blue * pixels.blue[x];
+        dst[x] = clamp(offset + ((sum + 16384) >> 15));
+    }
+}
+
 void yCrCbRow(const uint8_t* src, uint8_t* dst, size_t width)
 {
-    inChunks<RGB888>(src, width, [=](const Pixels& pixels, size_t x0, size_t count) {
+    inChunks<RGB888>(src, width, [=](const Pixels& pixels, size_t x, size_t count) {
         alignas(16) uint8_t y[kChunk], cr[kChunk], cb[kChunk];
-        for (size_t x = 0; x < count; ++x) {
-            const int32_t r = pixels.red[x], g = pixels.green[x], b = pixels.blue[x];
-            const auto sum = [=](const Weights& w) {
-                return (w.red * r + w.green * g + w.blue * b + 16384) >> 15;
-            };
-            y[x] = clamp(sum(kFineY));
-            cr[x] = clamp(128 + sum(kFineCr));
-            cb[x] = clamp(128 + sum(kFineCb));
-        }
-        triples::join(y, cr, cb, dst + 3 * x0, count);
+        fineSum(kFineY, 0, pixels, y, count);
+        fineSum(kFineCr, 128, pixels, cr, count);
+        fineSum(kFineCb, 128, pixels, cb, count);
+        channels::join3(y, cr, cb, dst + 3 * x, count);
     });
 }
 
@@ -260,20 +268,43 @@ struct Reciprocals {
 constexpr Reciprocals kReciprocals;
 constexpr const uint32_t (&OneByxLUT)[256] = kReciprocals.entry;
 
+// What the hue of each pixel is computed from: a difference of two channels, and the sixths of the circle that it
+// counts from.
+struct Hues {
+    alignas(16) uint8_t greatest[kChunk], spread[kChunk], first[kChunk], second[kChunk], sixths[kChunk];
+};
+
+void huesOf(const Pixels& pixels, Hues& hues, size_t count)
+{
+    for (size_t x = 0; x < count; ++x) {
+        const uint8_t r = pixels.red[x], g = pixels.green[x], b = pixels.blue[x];
+        const uint8_t greater = g > b ? g : b, lesser = g < b ? g : b;
+        const uint8_t greatest = r > greater ? r : greater, least = r < lesser ? r : lesser;
+        hues.greatest[x] = greatest;
+        hues.spread[x] = static_cast<uint8_t>(greatest - least);
+        const uint8_t first = g == greatest ? b : r, second = g == greatest ? r : g, turn = g == greatest ? 2 : 4;
+        const uint8_t back = lesser == b ? 0 : 6; // where green is less than blue
+        hues.first[x] = r == greatest ? g : first;
+        hues.second[x] = r == greatest ? b : second;
+        hues.sixths[x] = r == greatest ? back : turn;
+    }
+}
+
 void rgb8882hsv(const uint8_t* src, uint8_t* dst, size_t width)
 {
-    for (size_t x = 0; x < width; ++x, src += 3, dst += 3) {
-        const int32_t r = src[0], g = src[1], b = src[2];
-        const int32_t greatest = r > g ? (r > b ? r : b) : (g > b ? g : b);
-        const int32_t least = r < g ? (r < b ? r : b) : (g < b ? g : b);
-        const int32_t d = greatest - least;
-        const int32_t difference = greatest == r ? g - b : greatest == g ? b - r : r - g;
-        const int32_t sixths = greatest == r ? (g < b ? 6 : 0) : greatest == g ? 2 : 4;
-        const int32_t h = static_cast<int32_t>(OneByxLUT[d]) * difference + sixths * 65536;
-        dst[0] = static_cast<uint8_t>((32768 + ((h * 85) >> 1)) >> 16);
-        dst[1] = static_cast<uint8_t>((OneByxLUT[greatest] * static_cast<uint32_t>(d) * 255 + 32768) >> 16);
-        dst[2] = static_cast<uint8_t>(greatest);
-    }
+    inChunks<RGB888>(src, width, [=](const Pixels& pixels, size_t x0, size_t count) {
+        Hues hues;
+        huesOf(pixels, hues, count);
+        uint8_t* hsv = dst + 3 * x0;
+        for (size_t x = 0; x < count; ++x, hsv += 3) {
+            const uint32_t value = hues.greatest[x], spread = hues.spread[x];
+            const int32_t reciprocal = static_cast<int32_t>(OneByxLUT[spread]);
+            const int32_t h = reciprocal * (hues.first[x] - hues.second[x]) + hues.sixths[x] * 65536;
+            hsv[0] = static_cast<uint8_t>((32768 + ((h * 85) >> 1)) >> 16);
+            hsv[1] = static_cast<uint8_t>((OneByxLUT[value] * spread * 255 + 32768) >> 16);
+            hsv[2] = static_cast<uint8_t>(value);
+        }
+    });
 }
 
 // ---- packed RGB to packed RGB ----
@@ -292,15 +323,15 @@ struct Repacking {
 
 template <>
 struct Repacking<RGB888, RGBA8888> {
-    static constexpr auto row = triples::widen;
+    static constexpr auto row = channels::widen;
 };
 template <>
 struct Repacking<RGBA8888, RGB888> {
-    static constexpr auto row = triples::narrow;
+    static constexpr auto row = channels::narrow;
 };
 template <>
 struct Repacking<RGB888, BGR888> {
-    static constexpr auto row = triples::mirror;
+    static constexpr auto row = channels::mirror3;
 };
 
 template <>
@@ -319,15 +350,7 @@ struct Repacking<RGB565, BGR565> {
 // The only pair in which both have a fourth channel, which is kept.
 template <>
 struct Repacking<RGBA8888, BGRA8888> {
-    static void row(const uint8_t* __restrict src, uint8_t* __restrict dst, size_t width)
-    {
-        for (size_t x = 0; x < width; ++x) {
-            uint32_t w;
-            memcpy(&w, src + 4 * x, sizeof w);
-            w = (w & 0xFF00FF00) | (w & 0xFF) << 16 | (w >> 16 & 0xFF);
-            memcpy(dst + 4 * x, &w, sizeof w);
-        }
-    }
+    static constexpr auto row = channels::mirror4;
 };
 
 // Reads a row backward.

@@ -23,13 +23,17 @@ constexpr double root(double t, double guess)
     return guess;
 }
 
-// Light by sRGB value: 1 is 2^17.
-constexpr int kLightBits = 17;
-
+// Light relative to white. 1 is 2^30.
+constexpr int kLightBits = 30;
 struct Light {
-    uint32_t of[256];
+    uint32_t x, y, z;
+};
 
-    constexpr Light() : of()
+// The light of a primary, which at its full brightness is x, y and z of that of white, by sRGB value.
+struct Primary {
+    Light of[256];
+
+    constexpr Primary(double x, double y, double z) : of()
     {
         double fifth = 0.3;
         for (int i = 0; i < 256; ++i) {
@@ -40,18 +44,24 @@ struct Light {
                 fifth = root<5>(square, fifth);
                 light = square * fifth; // base to the power of 2.4
             }
-            of[i] = static_cast<uint32_t>(light * (1 << kLightBits) + 0.5);
+            light *= 1 << kLightBits;
+            of[i] = {static_cast<uint32_t>(light * x + 0.5), static_cast<uint32_t>(light * y + 0.5),
+                     static_cast<uint32_t>(light * z + 0.5)};
         }
     }
 };
-constexpr Light kLight;
+constexpr double kWhiteX = 0.4124564 + 0.3575761 + 0.1804375, kWhiteZ = 0.0193339 + 0.1191920 + 0.9503041;
+constexpr Primary kRed(0.4124564 / kWhiteX, 0.2126729, 0.0193339 / kWhiteZ);
+constexpr Primary kGreen(0.3575761 / kWhiteX, 0.7151522, 0.1191920 / kWhiteZ);
+constexpr Primary kBlue(0.1804375 / kWhiteX, 0.0721750, 0.9503041 / kWhiteZ);
 
-// The curve f of L*a*b* over light of 0..1: cube roots, with a straight piece at the dark end. 1 is 2^15.
-constexpr int kCurveBits = 15, kSegmentBits = 6;
+// The curve f of L*a*b* over light of 0..1: cube roots, with a straight piece at the dark end; linear within each
+// of its segments. 1 is 2^15.
+constexpr int kCurveBits = 15, kSegmentBits = 19;
 constexpr uint32_t kSegments = 1 << (kLightBits - kSegmentBits);
 
 struct Curve {
-    uint16_t at[kSegments + 2]; // one more than the ends, for the light of 1
+    uint16_t at[kSegments + 2]; // the sums for white round up to a little more than 1
 
     constexpr Curve() : at()
     {
@@ -68,25 +78,14 @@ constexpr Curve kCurve;
 
 int32_t curve(uint32_t light)
 {
-    const uint32_t i = light >> kSegmentBits, part = light & ((1 << kSegmentBits) - 1);
+    constexpr int partBits = 10;
+    const uint32_t i = light >> kSegmentBits;
+    const uint32_t part = light >> (kSegmentBits - partBits) & ((1 << partBits) - 1);
     const uint32_t low = kCurve.at[i], high = kCurve.at[i + 1];
-    return static_cast<int32_t>(low + (((high - low) * part + (1 << (kSegmentBits - 1))) >> kSegmentBits));
+    return static_cast<int32_t>(low + (((high - low) * part + (1 << (partBits - 1))) >> partBits));
 }
 
 // ---- conversion ----
-
-// Light of the primaries to X, Y and Z relative to white: 1 is 2^14, the sum of each row, so that grey stays grey.
-constexpr int kWeightBits = 14;
-struct Primaries {
-    uint32_t red, green, blue;
-};
-constexpr Primaries kX = {7110, 6164, 3110}, kY = {3484, 11717, 1183}, kZ = {291, 1794, 14299};
-
-constexpr bool sumsToOne(const Primaries& p)
-{
-    return p.red + p.green + p.blue == 1 << kWeightBits;
-}
-static_assert(sumsToOne(kX) && sumsToOne(kY) && sumsToOne(kZ));
 
 // L = (116 * f(Y) - 16) * 255 / 100, with 7 more bits.
 constexpr int32_t kLScale = 37862, kLOffset = 5222;
@@ -95,12 +94,8 @@ void labRow(const uint8_t* __restrict src, uint8_t* __restrict dst, size_t width
 {
     constexpr int32_t half = 1 << (kCurveBits - 1);
     for (size_t x = 0; x < width; ++x, src += 4, dst += 3) {
-        const uint32_t r = kLight.of[src[0]], g = kLight.of[src[1]], b = kLight.of[src[2]];
-        const auto f = [=](const Primaries& p) {
-            const uint32_t sum = p.red * r + p.green * g + p.blue * b; // up to 2^31
-            return curve((sum + (1 << (kWeightBits - 1))) >> kWeightBits);
-        };
-        const int32_t fx = f(kX), fy = f(kY), fz = f(kZ);
+        const Light &r = kRed.of[src[0]], &g = kGreen.of[src[1]], &b = kBlue.of[src[2]];
+        const int32_t fx = curve(r.x + g.x + b.x), fy = curve(r.y + g.y + b.y), fz = curve(r.z + g.z + b.z);
         dst[0] = static_cast<uint8_t>((fy * kLScale - (kLOffset << kCurveBits) + (half << 7)) >> (kCurveBits + 7));
         dst[1] = static_cast<uint8_t>(128 + ((500 * (fx - fy) + half) >> kCurveBits));
         dst[2] = static_cast<uint8_t>(128 + ((200 * (fy - fz) + half) >> kCurveBits));
