@@ -90,4 +90,27 @@ void showFastCorners(Stage& stage)
     showBestOfFast(stage, "After suppression", NAMED(odxCornerFast10Scoreu8));
 }
 
+void showHarrisCorners(Stage& stage)
+{
+    constexpr int kThreshold = 20000;
+    constexpr unsigned kBest = 100, kDistance = 12;
+    constexpr float kQuality = 0.01F;
+
+    const Plane<uint8_t>& grey = stage.grey();
+    stage.beginSection("Harris corners", "pixels about which the picture changes in both directions");
+    stage.showSource("The picture in grey", "what the detectors work on", pictureOf(grey));
+    showCorners(stage, "Harris", "odxCornerHarrisu8", [&](Corners& corners) {
+        odxCornerHarrisu8(grey.data(), grey.width(), grey.height(), grey.stride(), kBorder, corners.xy.data(),
+                          corners.capacity, &corners.count, kThreshold);
+    });
+    showCorners(stage, "The strongest", "odxCornerHarrisAdaptiveu8", [&](Corners& corners) {
+        odxCornerHarrisAdaptiveu8(grey.data(), grey.width(), grey.height(), grey.stride(), kBorder,
+                                  corners.xy.data(), kBest, &corners.count, kThreshold);
+    });
+    showCorners(stage, "To track, apart", "odxGoodFeatureToTracku8", [&](Corners& corners) {
+        odxGoodFeatureToTracku8(grey.data(), grey.width(), grey.height(), grey.stride(), kBorder,
+                                corners.xy.data(), corners.capacity, &corners.count, kQuality, kDistance);
+    });
+}
+
 } // namespace demo

@@ -14,9 +14,10 @@ void showWidePixels(Stage& stage);
 void showBorders(Stage& stage);
 void showColours(Stage& stage);
 void showFastCorners(Stage& stage);
+void showHarrisCorners(Stage& stage);
 
-constexpr void (*kSections[])(Stage&) = {showGaussians, showBoxes,   showMedians,    showWidePixels,
-                                         showBorders,   showColours, showFastCorners};
+constexpr void (*kSections[])(Stage&) = {showGaussians, showBoxes,   showMedians,     showWidePixels,
+                                         showBorders,   showColours, showFastCorners, showHarrisCorners};
 
 } // namespace demo
 
