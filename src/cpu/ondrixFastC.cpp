@@ -9,13 +9,13 @@ using namespace odx::fast;
 namespace
 {
 
-// Candidates in raster order, each place one number that ascends.
+// Candidates in raster order. Their places are numbers that ascend, from 1 on: something is left of the first.
 struct Candidates {
     const uint32_t* xy;
     const uint32_t* scores;
     uint32_t count;
 
-    static uint64_t place(uint64_t x, uint64_t y) { return y << 32 | x; }
+    static uint64_t place(uint64_t x, uint64_t y) { return (y << 32 | x) + 1; }
     uint64_t placeOf(uint32_t i) const { return place(xy[2 * size_t{i}], xy[2 * size_t{i} + 1]); }
     // Beyond the list there is its last candidate again.
     uint32_t within(uint32_t i) const { return i < count ? i : count - 1; }
