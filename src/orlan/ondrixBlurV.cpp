@@ -489,9 +489,9 @@ struct Median3x3 {
         const u8v a = load<u8v>(row), b = load<u8v>(row + 1), c = load<u8v>(row + 2);
         const u8v lesser = min(a, b), greater = max(a, b);
         const Sorted next = {min(lesser, c), max(lesser, min(greater, c)), max(greater, c)};
-        const u8v median = middle(max(max(rows[0].low, rows[1].low), next.low),
-                                  middle(rows[0].mid, rows[1].mid, next.mid),
-                                  min(min(rows[0].high, rows[1].high), next.high));
+        const u8v median =
+            middle(max(max(rows[0].low, rows[1].low), next.low), middle(rows[0].mid, rows[1].mid, next.mid),
+                   min(min(rows[0].high, rows[1].high), next.high));
         rows[0] = rows[1];
         rows[1] = next;
         return median;

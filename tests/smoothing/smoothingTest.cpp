@@ -233,7 +233,8 @@ TEST_F(Smoothing, WithoutTemporaryMemoryNothingIsWritten)
         LogCapture log;
         odxBoxFilterNxNf32(real.data(), 9, 9, 0, 3, box.data(), 0);
         EXPECT_EQ(77, box.at(4, 4));
-        const LogLine line = {6, "ondrix_lib_log", "Error - can not allocate scratch buffer for odxBoxFilterNxNf32C"};
+        const LogLine line = {6, "ondrix_lib_log",
+                              "Error - can not allocate scratch buffer for odxBoxFilterNxNf32C"};
         EXPECT_EQ(std::vector<LogLine>{line}, log.take());
     }
     odxGetScratchBufferAligned_ = lend;
