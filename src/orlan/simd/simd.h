@@ -25,13 +25,6 @@
 //   dotShift<n>(v, w, k, l, c)   (v * k + w * l + c) >> n of s16v, with 32-bit sums; for results that fit 16 bits
 //   reverse(v)                   the last byte first
 //   popCount(v)                  set bits of each byte
-//   subSat(v, w)                 v - w of u8v and u16v, at least 0
-//   any(v)                       whether any byte is not 0
-//   highest(v)                   the greatest byte
-//   loadHalves(p, q)             kBytes / 2 bytes from p, then as many from q
-//   repeat(low, high)            the 16 bytes of two words, least significant first, repeated
-//   rotate<n>(v)                 byte (i + n) % 16 to place i, in each 16 bytes
-//   laneBits(mask)               one bit for each byte of a comparison that holds: bit kLaneBits * i for lane i
 //   subSat(v, w)                 v - w of bytes, at least 0
 //   any(v)                       whether any byte is not 0
 //   highest(v)                   the greatest byte
