@@ -214,7 +214,7 @@ std::string takeArgument(std::vector<char*>& arguments, const std::string& name)
 std::vector<Peer> allPeers()
 {
     std::vector<Peer> peers;
-    for (const auto& family : {colorPeers(), smoothingPeers()})
+    for (const auto& family : {colorPeers(), cornersPeers(), smoothingPeers()})
         peers.insert(peers.end(), family.begin(), family.end());
     return peers;
 }

@@ -19,6 +19,7 @@ struct Peer {
 
 // The peers of each family; empty where the library was not installed when the benchmark was built.
 std::vector<Peer> colorPeers();
+std::vector<Peer> cornersPeers();
 std::vector<Peer> smoothingPeers();
 
 std::vector<Peer> allPeers();

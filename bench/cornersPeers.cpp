@@ -1,0 +1,81 @@
+#include "peers.h"
+
+#ifdef ONDRIX_BENCH_OPENCV
+#include "opencv.h"
+
+#include <opencv2/features2d.hpp>
+#include <opencv2/imgproc.hpp>
+#endif
+
+namespace odx::bench
+{
+
+#ifdef ONDRIX_BENCH_OPENCV
+
+namespace
+{
+
+using test::Measurement;
+
+// FAST with the rows' barrier.
+template <int type, bool suppression>
+std::function<void()> fast(const Measurement& measurement)
+{
+    return [src = matrix(measurement, CV_8U), corners = std::vector<cv::KeyPoint>()]() mutable {
+        cv::FAST(src, corners, 20, suppression, cv::FastFeatureDetector::DetectorType(type));
+    };
+}
+constexpr int kArc9 = cv::FastFeatureDetector::TYPE_9_16;
+
+// Only the responses: the search for maxima comes on top.
+std::function<void()> harrisResponses(const Measurement& measurement)
+{
+    return [src = matrix(measurement, CV_8U), dst = cv::Mat()]() mutable {
+        cv::cornerHarris(src, dst, 5, 3, 0.0625);
+    };
+}
+
+std::function<void()> goodFeatures(const Measurement& measurement)
+{
+    return [src = matrix(measurement, CV_8U), corners = std::vector<cv::Point2f>()]() mutable {
+        cv::goodFeaturesToTrack(src, corners, 20000, 0.01, 10, cv::noArray(), 5);
+    };
+}
+
+std::function<void()> subPixels(const Measurement& measurement)
+{
+    const cv::Point2f start(static_cast<float>(measurement.extent.width / 2),
+                            static_cast<float>(measurement.extent.height / 2));
+    return [src = matrix(measurement, CV_8U), start, points = std::vector<cv::Point2f>()]() mutable {
+        points.assign(1000, start);
+        cv::cornerSubPix(src, points, {5, 5}, {-1, -1},
+                         {cv::TermCriteria::COUNT | cv::TermCriteria::EPS, 10, 0.01});
+    };
+}
+
+} // namespace
+
+std::vector<Peer> cornersPeers()
+{
+    return {
+        {"odxCornerFast9u8", "OpenCV", fast<kArc9, false>},
+        {"odxCornerFast9Scoreu8_v2", "OpenCV", fast<kArc9, true>},
+        {"odxCornerHarrisu8", "OpenCV", harrisResponses},
+        {"odxCornerHarrisInMasku8", "OpenCV", harrisResponses},
+        {"odxCornerHarrisAdaptiveu8", "OpenCV", harrisResponses},
+        {"odxCornerHarrisScoreu8", "OpenCV", harrisResponses},
+        {"odxGoodFeatureToTracku8", "OpenCV", goodFeatures},
+        {"odxCornerRefineSubPixu8", "OpenCV", subPixels},
+    };
+}
+
+#else
+
+std::vector<Peer> cornersPeers()
+{
+    return {};
+}
+
+#endif
+
+} // namespace odx::bench
