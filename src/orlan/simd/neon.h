@@ -133,6 +133,27 @@ ODX_INLINE s16v dotShift(s16v v, s16v w, int16_t k, int16_t l, int32_t c)
     return (s16v)vcombine_s16(vshrn_n_s32(low, n), vshrn_n_s32(high, n));
 }
 
+template <int n>
+ODX_INLINE s16v dotShift(s16v u, s16v v, s16v w, int16_t j, int16_t k, int16_t l, int32_t c)
+{
+    const auto sum = [=](int16x4_t a, int16x4_t b, int16x4_t d) {
+        return vmlal_n_s16(vmlal_n_s16(vmlal_n_s16(vdupq_n_s32(c), a, j), b, k), d, l);
+    };
+    const int16x8_t a = (int16x8_t)u, b = (int16x8_t)v, d = (int16x8_t)w;
+    return (s16v)vcombine_s16(vshrn_n_s32(sum(vget_low_s16(a), vget_low_s16(b), vget_low_s16(d)), n),
+                              vshrn_n_s32(sum(vget_high_s16(a), vget_high_s16(b), vget_high_s16(d)), n));
+}
+
+// Two Newton steps take the estimate to 2^-22 or so; the quotient is never that close to a half, unless it is one.
+ODX_INLINE s32v reciprocal16(s32v v)
+{
+    const float32x4_t n = vcvtq_f32_s32((int32x4_t)v);
+    float32x4_t r = vrecpeq_f32(n);
+    r = vmulq_f32(r, vrecpsq_f32(n, r));
+    r = vmulq_f32(r, vrecpsq_f32(n, r));
+    return (s32v)vcvtq_s32_f32(vaddq_f32(vmulq_n_f32(r, 65536.0f), vdupq_n_f32(0.5f)));
+}
+
 ODX_INLINE u8v reverse(u8v v)
 {
     const uint8x16_t halves = vrev64q_u8((uint8x16_t)v);

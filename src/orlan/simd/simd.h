@@ -23,6 +23,9 @@
 //   mulHigh(v, k)                the upper halves of 16-bit products, of u16v and s16v
 //   mulRound(v, k)               (v * k + 16384) >> 15 for v and k up to 32767, of u16v and s16v
 //   dotShift<n>(v, w, k, l, c)   (v * k + w * l + c) >> n of s16v, with 32-bit sums; for results that fit 16 bits
+//   dotShift<n>(u, v, w, j, k, l, c)
+//                                the same with three products; c is even
+//   reciprocal16(v)              65536 / v, rounded, of s32v from 1 to 255
 //   reverse(v)                   the last byte first
 //   popCount(v)                  set bits of each byte
 //   subSat(v, w)                 v - w of bytes, at least 0

@@ -165,6 +165,28 @@ ODX_INLINE s16v dotShift(s16v v, s16v w, int16_t k, int16_t l, int32_t c)
     return (s16v)ODX_MM(packs_epi32)((ODX_MI)sumLow, (ODX_MI)sumHigh);
 }
 
+template <int n>
+ODX_INLINE s16v dotShift(s16v u, s16v v, s16v w, int16_t j, int16_t k, int16_t l, int32_t c)
+{
+    // The constant is a fourth product: 2 and its half.
+    const ODX_MI weights = ODX_MM(set1_epi32)((j & 0xFFFF) | (int32_t)((uint32_t)k << 16)),
+                 others = ODX_MM(set1_epi32)((l & 0xFFFF) | (int32_t)((uint32_t)(c / 2) << 16)),
+                 two = ODX_MM(set1_epi16)(2);
+    const auto sum = [=](ODX_MI uv, ODX_MI w2) {
+        return (s32v)ODX_MM(madd_epi16)(uv, weights) + (s32v)ODX_MM(madd_epi16)(w2, others);
+    };
+    const s32v low = sum(ODX_MM(unpacklo_epi16)((ODX_MI)u, (ODX_MI)v), ODX_MM(unpacklo_epi16)((ODX_MI)w, two)),
+               high = sum(ODX_MM(unpackhi_epi16)((ODX_MI)u, (ODX_MI)v), ODX_MM(unpackhi_epi16)((ODX_MI)w, two));
+    return (s16v)ODX_MM(packs_epi32)((ODX_MI)(low >> n), (ODX_MI)(high >> n));
+}
+
+// The quotient is never as close to a half, unless it is one, as the division may be off.
+ODX_INLINE s32v reciprocal16(s32v v)
+{
+    const f32v quotient = 65536.0f / __builtin_convertvector(v, f32v);
+    return __builtin_convertvector(quotient + 0.5f, s32v);
+}
+
 ODX_INLINE u8v reverse(u8v v)
 {
     const ODX_MI lanes = ODX_MM(shuffle_epi8)(
