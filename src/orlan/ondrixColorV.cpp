@@ -11,12 +11,18 @@ using namespace color;
 
 // ---- arithmetic ----
 
-// A gain is 2^shift + rest, and a weighted sum of chroma is whole * 2^shift + fraction, so that
-//     (gain * luma + sum) >> shift = luma + whole + ((rest * luma + fraction) >> shift),
-// all in 16 bits. Where there is no rest, `whole` is the rounded sum.
+// A scheme in 16 bits. Powers of two that divide the gain are divided out before the sum is made, exactly:
+//     (gain * luma + sum) >> shift = (kGain * luma + (sum >> kCommon)) >> (shift - kCommon)
+// A kGain of 1 leaves no shift, and a sum that is clamped as a signed number. Otherwise the sum could need more
+// than 16 bits, but is clamped to fewer: it is made of unsigned steps that saturate.
+template <const Scheme& s>
+constexpr int kCommon = __builtin_ctz((uint32_t)s.gain);
+template <const Scheme& s>
+constexpr uint16_t kGain = (uint16_t)(s.gain >> kCommon<s>);
+
+// What is added to kGain * luma: `plus`, as a signed number, for a kGain of 1; else `plus`, and then less `minus`.
 struct Term {
-    s16v whole;
-    u16v fraction;
+    u16v plus, minus;
 };
 
 struct TermsV {
@@ -28,52 +34,53 @@ struct TermsPair {
     TermsV a, b;
 };
 
-template <const Scheme& s>
-constexpr int32_t kRest = s.gain - (1 << s.shift);
+// The multiple of 2^n that is nearest to a weight, divided by it, and what is left of the weight.
+constexpr int32_t nearest(int32_t weight, int n)
+{
+    return (weight + (1 << n) / 2) >> n;
+}
+constexpr int32_t left(int32_t weight, int n)
+{
+    return weight - nearest(weight, n) * (1 << n);
+}
+constexpr int32_t magnitude(int32_t number)
+{
+    return number < 0 ? -number : number;
+}
 
-// The multiple of 2^shift that is nearest to a weight.
-template <const Scheme& s>
-constexpr int32_t nearest(int32_t weight)
+// (weightU * u + weightV * v + rounding) >> kCommon, modulo 2^16.
+template <const Scheme& s, int32_t weightU, int32_t weightV>
+ODX_INLINE s16v weightedSum(s16v u, s16v v)
 {
-    return (weight + (1 << s.shift) / 2) >> s.shift;
-}
-// What is left of it.
-template <const Scheme& s>
-constexpr int32_t left(int32_t weight)
-{
-    return weight - nearest<s>(weight) * (1 << s.shift);
-}
-// Whether the sum of what is left of the weights fits 16 bits, with chroma of up to 128.
-template <const Scheme& s>
-constexpr bool leavesLittle(int32_t weightU, int32_t weightV)
-{
-    const int32_t u = left<s>(weightU), v = left<s>(weightV);
-    return s.chromaScale == 1 && 128 * ((u < 0 ? -u : u) + (v < 0 ? -v : v)) + s.rounding <= 32767;
+    constexpr int n = kCommon<s>;
+    constexpr int32_t leftU = left(weightU, n), leftV = left(weightV, n);
+    if constexpr (s.rounding != 0 && (weightU == 0 || weightV == 0)) {
+        static_assert(s.rounding == 1 << (n - 1));
+        return mulRound((weightU == 0 ? v : u) << (15 - n), weightU + weightV);
+    } else if constexpr (s.chromaOrigin * (magnitude(leftU) + magnitude(leftV)) + s.rounding <= 32767) {
+        const s16v rest = u * (int16_t)leftU + v * (int16_t)leftV + (int16_t)s.rounding;
+        const u16v whole = (u16v)u * (uint16_t)nearest(weightU, n) + (u16v)v * (uint16_t)nearest(weightV, n);
+        return (s16v)(whole + (u16v)(rest >> n));
+    } else {
+        return dotShift<n>(u, v, weightU, weightV, s.rounding);
+    }
 }
 
 template <const Scheme& s, int32_t weightU, int32_t weightV>
 ODX_INLINE Term term(s16v u, s16v v)
 {
-    constexpr bool single = weightU == 0 || weightV == 0;
-    const s16v chroma = weightU == 0 ? v : u;
-    constexpr int32_t weight = weightU + weightV; // of `chroma`
-    Term t = {};
-    if constexpr (single && s.rounding != 0) {
-        static_assert(s.rounding == 1 << (s.shift - 1));
-        t.whole = mulRound(chroma << (15 - s.shift), weight);
-    } else if constexpr (single) {
-        t.whole = mulHigh(chroma << (16 - s.shift), weight);
-    } else if constexpr (leavesLittle<s>(weightU, weightV)) {
-        const s16v rest = u * (int16_t)left<s>(weightU) + v * (int16_t)left<s>(weightV) + (int16_t)s.rounding;
-        t.whole = u * (int16_t)nearest<s>(weightU) + v * (int16_t)nearest<s>(weightV) + (rest >> s.shift);
+    const u16v sum = (u16v)weightedSum<s, weightU, weightV>(u, v);
+    if constexpr (kGain<s> == 1) {
+        return {sum, u16v{}};
     } else {
-        t.whole = dotShift<s.shift>(u, v, weightU, weightV, s.rounding);
+        // A sum of one product can need a bit more, but has the sign of its chroma.
+        constexpr bool single = weightU == 0 || weightV == 0;
+        static_assert(!single || weightU + weightV > 0);
+        static_assert(single || s.chromaOrigin * (magnitude(weightU) + magnitude(weightV)) >> kCommon<s> <= 32767);
+        const s16v sign = !single ? (s16v)sum : weightU == 0 ? v : u;
+        const u16v plus = sum & ~(u16v)(sign < 0);
+        return {plus, plus - sum + (uint16_t)(s.black * kGain<s>)};
     }
-    if constexpr (kRest<s> != 0) {
-        const u16v sum = (u16v)u * (uint16_t)weightU + (u16v)v * (uint16_t)weightV; // its low bits
-        t.fraction = sum & (uint16_t)((1 << s.shift) - 1);
-    }
-    return t;
 }
 
 template <const Scheme& s>
@@ -84,22 +91,20 @@ ODX_INLINE TermsV termsOf(u16v cb, u16v cr)
     return {term<s, 0, s.redCr>(u, v), term<s, s.greenCb, s.greenCr>(u, v), term<s, s.blueCb, 0>(u, v)};
 }
 
+// A channel from kGain * luma.
 template <const Scheme& s>
-ODX_INLINE s16v channel(s16v luma, const Term& term)
+ODX_INLINE s16v channel(u16v luma, const Term& term)
 {
-    s16v value = luma + term.whole;
-    if constexpr (kRest<s> != 0) {
-        // The sum is negative only below black, and needs a 16th bit only where that cannot be.
-        constexpr bool negative = s.darkest < s.black;
-        static_assert(kRest<s> * (255 - s.black) + (1 << s.shift) <= (negative ? 32767 : 65535));
-        const u16v sum = (u16v)luma * (uint16_t)kRest<s> + term.fraction;
-        value += negative ? (s16v)sum >> s.shift : (s16v)(sum >> s.shift);
+    if constexpr (kGain<s> == 1) {
+        static_assert(s.shift == kCommon<s> && s.black == 0);
+        return (s16v)(luma + term.plus);
+    } else {
+        return (s16v)(subSat(addSat(luma, term.plus), term.minus) >> (s.shift - kCommon<s>));
     }
-    return value;
 }
 
 template <const Scheme& s>
-ODX_INLINE u8v channel(const s16p& luma, const Term& a, const Term& b)
+ODX_INLINE u8v channel(const u16p& luma, const Term& a, const Term& b)
 {
     return joinClamped({channel<s>(luma.a, a), channel<s>(luma.b, b)});
 }
@@ -109,10 +114,9 @@ template <const Scheme& s, class Pixel, bool backward>
 ODX_INLINE void convertLuma(const uint8_t* y, const TermsPair& t, uint8_t* dst)
 {
     u8v bytes = load<u8v>(y);
-    if constexpr (s.darkest != 0) bytes = max(bytes, u8v{} + (uint8_t)s.darkest) - (uint8_t)s.darkest;
+    if constexpr (s.darkest != 0) bytes = max(bytes, u8v{} + (uint8_t)s.darkest);
     const u16p wide = split(bytes);
-    constexpr int16_t black = s.black - s.darkest;
-    const s16p luma = {(s16v)wide.a - black, (s16v)wide.b - black};
+    const u16p luma = {wide.a * kGain<s>, wide.b * kGain<s>};
     u8v red = channel<s>(luma, t.a.red, t.b.red), green = channel<s>(luma, t.a.green, t.b.green),
         blue = channel<s>(luma, t.a.blue, t.b.blue);
     if constexpr (backward) {
@@ -132,8 +136,8 @@ ODX_INLINE void convertLuma(const uint8_t* y, const TermsPair& t, uint8_t* dst)
 
 ODX_INLINE Term eachTwice(const Term& t, bool second)
 {
-    const s16p whole = simd::eachTwice(t.whole), fraction = simd::eachTwice((s16v)t.fraction);
-    return second ? Term{whole.b, (u16v)fraction.b} : Term{whole.a, (u16v)fraction.a};
+    const s16p plus = simd::eachTwice((s16v)t.plus), minus = simd::eachTwice((s16v)t.minus);
+    return second ? Term{(u16v)plus.b, (u16v)minus.b} : Term{(u16v)plus.a, (u16v)minus.a};
 }
 
 // A pair of chroma for each of the kBytes pixels from x on.

@@ -114,10 +114,6 @@ ODX_INLINE u16v mulRound(u16v v, int16_t k)
     return (u16v)vqrdmulhq_n_s16((int16x8_t)v, k);
 }
 
-ODX_INLINE s16v mulHigh(s16v v, int16_t k)
-{
-    return (s16v)vshrq_n_s16(vqdmulhq_n_s16((int16x8_t)v, k), 1); // doubled first
-}
 ODX_INLINE s16v mulRound(s16v v, int16_t k)
 {
     return (s16v)vqrdmulhq_n_s16((int16x8_t)v, k);
@@ -197,6 +193,14 @@ ODX_INLINE u8v popCount(u8v v)
     return (u8v)vcntq_u8((uint8x16_t)v);
 }
 
+ODX_INLINE u16v addSat(u16v v, u16v w)
+{
+    return (u16v)vqaddq_u16((uint16x8_t)v, (uint16x8_t)w);
+}
+ODX_INLINE u16v subSat(u16v v, u16v w)
+{
+    return (u16v)vqsubq_u16((uint16x8_t)v, (uint16x8_t)w);
+}
 ODX_INLINE u8v subSat(u8v a, u8v b)
 {
     return (u8v)vqsubq_u8((uint8x16_t)a, (uint8x16_t)b);

@@ -20,7 +20,7 @@
 //   eachTwice(v)                 each 16-bit lane for two neighbouring bytes, as a pair in the same order
 //   dot2<a, b>(p)                p[i] * a + p[i + 1] * b for each lane i, as a pair in the same order;
 //                                of bytes: a and b up to 127, 255 * (a + b) up to 32767
-//   mulHigh(v, k)                the upper halves of 16-bit products, of u16v and s16v
+//   mulHigh(v, k)                the upper halves of 16-bit products
 //   mulRound(v, k)               (v * k + 16384) >> 15 for v and k up to 32767, of u16v and s16v
 //   dotShift<n>(v, w, k, l, c)   (v * k + w * l + c) >> n of s16v, with 32-bit sums; for results that fit 16 bits
 //   dotShift<n>(u, v, w, j, k, l, c)
@@ -28,7 +28,8 @@
 //   reciprocal16(v)              65536 / v, rounded, of s32v from 1 to 255
 //   reverse(v)                   the last byte first
 //   popCount(v)                  set bits of each byte
-//   subSat(v, w)                 v - w of bytes, at least 0
+//   addSat(v, w)                 v + w of u16v, at most 65535
+//   subSat(v, w)                 v - w of u8v and u16v, at least 0
 //   any(v)                       whether any byte is not 0
 //   highest(v)                   the greatest byte
 //   loadHalves(p, q)             kBytes / 2 bytes from p, then as many from q

@@ -145,10 +145,6 @@ ODX_INLINE u16v mulRound(u16v v, int16_t k)
     return (u16v)ODX_MM(mulhrs_epi16)((ODX_MI)v, ODX_MM(set1_epi16)(k));
 }
 
-ODX_INLINE s16v mulHigh(s16v v, int16_t k)
-{
-    return (s16v)ODX_MM(mulhi_epi16)((ODX_MI)v, ODX_MM(set1_epi16)(k));
-}
 ODX_INLINE s16v mulRound(s16v v, int16_t k)
 {
     return (s16v)ODX_MM(mulhrs_epi16)((ODX_MI)v, ODX_MM(set1_epi16)(k));
@@ -321,6 +317,14 @@ ODX_INLINE u8v popCount(u8v v)
     return (u8v)ODX_MM(shuffle_epi8)(table, (ODX_MI)low) + (u8v)ODX_MM(shuffle_epi8)(table, (ODX_MI)high);
 }
 
+ODX_INLINE u16v addSat(u16v v, u16v w)
+{
+    return (u16v)ODX_MM(adds_epu16)((ODX_MI)v, (ODX_MI)w);
+}
+ODX_INLINE u16v subSat(u16v v, u16v w)
+{
+    return (u16v)ODX_MM(subs_epu16)((ODX_MI)v, (ODX_MI)w);
+}
 ODX_INLINE u8v subSat(u8v a, u8v b)
 {
     return (u8v)ODX_MM(subs_epu8)((ODX_MI)a, (ODX_MI)b);
