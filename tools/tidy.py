@@ -46,7 +46,7 @@ def main():
     def findings(source):
         run = subprocess.run([tool, "-quiet", "-p", str(work), str(source)], capture_output=True, text=True,
                              check=False)
-        return "" if run.returncode == 0 else run.stdout + run.stderr
+        return "" if run.returncode == 0 else run.stdout or run.stderr
 
     todo = [source for source in commands if keys[source] not in known]
     good = True
