@@ -16,17 +16,19 @@ namespace
 class Bitmap
 {
 public:
-    Bitmap(int width, int height) : width_(width), height_(height), bits_(static_cast<size_t>(width * height)) {}
+    Bitmap(int width, int height) : width_(width), height_(height), bits_(index(0, height)) {}
 
     int width() const { return width_; }
     int height() const { return height_; }
-    bool get(int x, int y) const
-    {
-        return x >= 0 && y >= 0 && x < width_ && y < height_ && bits_[static_cast<size_t>(y * width_ + x)];
-    }
-    void set(int x, int y, bool value) { bits_[static_cast<size_t>(y * width_ + x)] = value; }
+    bool get(int x, int y) const { return x >= 0 && y >= 0 && x < width_ && y < height_ && bits_[index(x, y)]; }
+    void set(int x, int y, bool value) { bits_[index(x, y)] = value; }
 
 private:
+    size_t index(int x, int y) const
+    {
+        return static_cast<size_t>(y) * static_cast<size_t>(width_) + static_cast<size_t>(x);
+    }
+
     int width_, height_;
     std::vector<bool> bits_;
 };

@@ -21,7 +21,7 @@ std::vector<std::string> wrapped(const std::string& text, size_t letters);
 void fill(Picture& picture, const Rectangle& area, Rgb colour);
 // A frame of this thickness around the area, inside it.
 void frame(Picture& picture, const Rectangle& area, int thickness, Rgb colour);
-void place(Picture& picture, int x, int y, const Picture& other);
+void place(Picture& picture, int left, int top, const Picture& other);
 // Text whose top left corner is at x, y. What lies beyond the picture is not drawn.
 void write(Picture& picture, int x, int y, TextSize size, Rgb colour, const std::string& text);
 void writeRight(Picture& picture, int right, int y, TextSize size, Rgb colour, const std::string& text);

@@ -4,6 +4,7 @@
 
 #include <ondrix.h>
 
+#include <cmath>
 #include <cstdint>
 #include <cstdlib>
 #include <vector>
@@ -14,6 +15,12 @@ namespace demo
 struct Rgb {
     uint8_t r, g, b;
 };
+
+// The nearest byte to a value of 0 to 255.
+inline uint8_t nearestByte(float value)
+{
+    return static_cast<uint8_t>(std::lround(value));
+}
 
 struct Point {
     int x, y;

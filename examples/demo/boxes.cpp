@@ -35,7 +35,7 @@ void showFloatBox(Stage& stage)
                     smooth.data(), smooth.stride());
     });
     const Picture picture = pictureOf(smooth, [](float value) {
-        const auto level = static_cast<uint8_t>(std::clamp(value, 0.0F, 1.0F) * 255 + 0.5F);
+        const uint8_t level = nearestByte(std::clamp(value, 0.0F, 1.0F) * 255);
         return Rgb{level, level, level};
     });
     stage.show("Box 25x25, float", outcome, picture);

@@ -63,7 +63,7 @@ Rgb rgbOfHsv(const uint8_t* pixel)
     const auto channel = [&](float from) {
         const float distance = std::abs(std::remainder(hue - from, 6.0F)); // from the channel's own hue
         const float part = std::clamp(2 - distance, 0.0F, 1.0F);
-        return static_cast<uint8_t>(least + (value - least) * part + 0.5F);
+        return nearestByte(least + (value - least) * part);
     };
     return {channel(0), channel(2), channel(4)};
 }
@@ -180,10 +180,11 @@ void showColours(Stage& stage)
     const Frame again = showAsFrame(stage, "A frame again: luma", decodedBgr);
 
     using std::to_string;
-    stage.addFact("round trips",
-                  "frame, RGB, frame: off by at most " + to_string(largestDifference(frame.luma, again.luma)) +
-                      " of 255 in luma, " + to_string(largestDifference(frame.chroma, again.chroma)) +
-                      " in chroma; RGB, HSV, RGB: " + to_string(largestDifference(decoded, fromHsv)));
+    stage.addFact("frame", "to RGB and back: off by at most " +
+                               to_string(largestDifference(frame.luma, again.luma)) + " of 255 in luma, " +
+                               to_string(largestDifference(frame.chroma, again.chroma)) + " in chroma");
+    stage.addFact("HSV", "from RGB and back: off by at most " + to_string(largestDifference(decoded, fromHsv)) +
+                             " of 255");
 }
 
 } // namespace demo

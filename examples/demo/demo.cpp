@@ -83,7 +83,7 @@ std::vector<Fact> factsBefore(const std::string& pictureName, const Picture& pic
     const unsigned hardware = odxAvailableHardware(widestMode);
     snprintf(mask, sizeof mask, "0x%x: ", hardware);
     const int processors = odxAvailableProcessors();
-    return {{"picture", pictureName + ", " + sizeText(picture)},
+    return {{"picture", sizeText(picture) + ", " + pictureName},
             {"hardware", mask + hardwareInWords(hardware)},
             {"processors", std::to_string(processors) + " online, one used"}};
 }

@@ -22,7 +22,7 @@ std::string number(const char* format, double value)
 // Three significant digits, as far as they are worth anything.
 std::string timeText(double ms)
 {
-    return number(ms < 1 ? "%.3f" : ms < 10 ? "%.2f" : ms < 100 ? "%.1f" : "%.0f", ms);
+    return number(ms < 0.9995 ? "%.3f" : ms < 9.995 ? "%.2f" : ms < 99.95 ? "%.1f" : "%.0f", ms);
 }
 
 std::string speedUpText(const Outcome& outcome)

@@ -22,7 +22,7 @@ int difference(const Plane<uint8_t>& grey, unsigned x, unsigned y, unsigned dx, 
 
 uint8_t between(int from, int to, float part)
 {
-    return static_cast<uint8_t>(static_cast<float>(from) + static_cast<float>(to - from) * part + 0.5F);
+    return nearestByte(static_cast<float>(from) + static_cast<float>(to - from) * part);
 }
 
 Rgb between(Rgb from, Rgb to, float part)
