@@ -34,4 +34,25 @@ ODX_API int odxMemInitPreAlloc(unsigned int preAllocBytes);
 /// is running meanwhile keeps the blocks that it has until it returns. \return 0
 ODX_API int odxMemDeInit(void);
 
+/// \name Memory shared with the DSP
+/// Selecting a mode that opens a session installs the allocator of shared memory, and odxCleanUp removes it; most
+/// applications call none of these.
+///
+/// There are up to 128 shared blocks, of whole pages. They belong to the session: free them before odxCleanUp or
+/// odxDeInitSharedMem. Where there is none to be had, odxMemAlloc gives ordinary memory, and remote calls copy it.
+/// @{
+
+/// Makes odxMemAlloc prefer shared memory, if the hardware mask has ONDRIX_HW_XDSP and not ONDRIX_HW_GPU.
+ODX_API void odxInitSharedMem(unsigned int hwMask);
+
+/// Ends that.
+ODX_API void odxDeInitSharedMem(void);
+
+/// Tells the DSP of shared memory that the application got on its own, so that remote calls do not copy it.
+/// \param descriptor  the DMA buffer that `buffer` is a mapping of
+/// \return 0, also without a DSP; -1 for a null buffer or no bytes ("Assertion failed @..."); else the failure of
+///         the remote call
+ODX_API int odxRegisterBuf(void* buffer, unsigned int nBytes, int descriptor);
+/// @}
+
 #endif

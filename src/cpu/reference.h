@@ -8,5 +8,6 @@
 #include "cpu/ondrixDotC.h"
 #include "cpu/ondrixFastC.h"
 #include "cpu/ondrixHarrisC.h"
+#include "cpu/ondrixRegisterC.h"
 
 #endif

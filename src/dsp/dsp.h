@@ -3,6 +3,7 @@
 #define ODX_DSP_DSP_H
 
 #include "frame/tables.h"
+#include "ondrix/memory.h"
 
 extern "C" {
 // Opens, queries and closes the session with the remote processor.
@@ -12,8 +13,6 @@ int ODXAZ9_is_ready(); // 1 when a session is open
 int ODXAZ9_get_current_mode();
 
 void odxUpdateZ9ConstraintCheckFlag(unsigned flag);
-void odxInitSharedMem(unsigned hwMask);
-void odxDeInitSharedMem();
 void odxCleanUpHW();
 int64_t odxZ9GetClkX();
 

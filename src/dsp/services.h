@@ -11,7 +11,7 @@ extern "C" {
 // Thin forwards to their remote entries. The clocks are 0 when the processor cannot be asked; the others return
 // what the entry returned, -1 when there is none.
 int64_t probeZ9TimeX();
-int odxRegisterBufX(void* buffer, unsigned nBytes, int descriptor);
+decltype(odxRegisterBuf) odxRegisterBufX;
 int odx_cache_flush_invalidateX(void* buffer, unsigned size);
 unsigned odxUpdateDSPMsgFlagX(unsigned flag); // the remote result; 1 when there is none
 

@@ -3,9 +3,27 @@
 #define ODX_FRAME_HELPERS_H
 
 #include "cpu/reference.h"
+#include "frame/shared.h"
+
+namespace odx
+{
+
+// A pointer to a kernel that a recovery may change while other threads call through it.
+template <class Kernel>
+class HelperPointer
+{
+public:
+    [[gnu::always_inline]] operator Kernel*() const { return current(kernel_); }
+    [[gnu::always_inline]] void operator=(Kernel* kernel) { publish(kernel_, kernel); }
+
+private:
+    Kernel* kernel_;
+};
+
+} // namespace odx
 
 extern "C" {
-#define ODX_HELPER(name, columns) extern decltype(&name##C) name##_;
+#define ODX_HELPER(name, columns) extern odx::HelperPointer<decltype(name##C)> name##_;
 #include "frame/helpers.def"
 }
 

@@ -16,7 +16,7 @@ const char* const odxImplChar[kImplementations] = {"CPU", "ORLAN", "XDSP", "GPU"
 uint32_t HW_constraint_checks_enable = 1;
 ODX_FUNC_MANAGER* odxMasterFuncManager = nullptr;
 
-#define ODX_HELPER(name, columns) decltype(&name##C) name##_ = nullptr;
+#define ODX_HELPER(name, columns) odx::HelperPointer<decltype(name##C)> name##_;
 #include "frame/helpers.def"
 }
 
@@ -140,7 +140,7 @@ unsigned uGIndex(ODX_FUNC_MANAGER* manager)
 
 void uCHelper()
 {
-#define ODX_HELPER(name, columns) odx::publish(name##_, &name##C);
+#define ODX_HELPER(name, columns) name##_ = &name##C;
 #include "frame/helpers.def"
 }
 

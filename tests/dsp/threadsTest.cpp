@@ -27,6 +27,7 @@ public:
             pixel = static_cast<uint8_t>((state = state * 1664525 + 1013904223) >> 24);
         odxFilterGaussian5x5u8C(source_.data(), kWidth, kHeight, kWidth, expected_.data(), kWidth, 1);
         bits_ = odxBitCountu8C(source_.data(), kWidth * kHeight);
+        expectedCorners_ = corners(odxCornerFast9Scoreu8C);
     }
 
     // Number of wrong results.
@@ -38,8 +39,19 @@ public:
     }
 
 private:
+    // Corners and their scores, which the columns work out through the helper pointers.
+    std::vector<uint32_t> corners(decltype(odxCornerFast9Scoreu8)* detect) const
+    {
+        constexpr uint32_t kCapacity = 100;
+        std::vector<uint32_t> list(3 * kCapacity + 1);
+        detect(source_.data(), kWidth, kHeight, kWidth, 1, 3, list.data(), list.data() + 2 * kCapacity, kCapacity,
+               &list.back());
+        return list;
+    }
+
     static constexpr uint32_t kWidth = 37, kHeight = 9;
     std::vector<uint8_t> source_, result_, expected_;
+    std::vector<uint32_t> expectedCorners_;
     uint32_t bits_;
 };
 

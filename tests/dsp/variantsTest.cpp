@@ -148,7 +148,7 @@ TEST(Services, ForwardToTheProcessor)
         EXPECT_NEAR(static_cast<double>(now), static_cast<double>(odxZ9GetClkX()), 1e7);
         EXPECT_NEAR(static_cast<double>(now), static_cast<double>(probeZ9TimeX()), 1e7);
         uint8_t buffer[8] = {};
-        EXPECT_EQ(0, odxRegisterBufX(buffer, sizeof buffer, 3));
+        EXPECT_EQ(0, odxRegisterBuf(buffer, sizeof buffer, 3));
         EXPECT_EQ(0, odx_cache_flush_invalidateX(buffer, sizeof buffer));
         EXPECT_EQ(0u, odxUpdateDSPMsgFlagX(1));
 
@@ -159,11 +159,16 @@ TEST(Services, ForwardToTheProcessor)
         EXPECT_EQ(104, pFnX_odxBitCountu32X(&word, 1, 1, &count)); // it is down now
         EXPECT_EQ(0, odxZ9GetClkX());
         EXPECT_EQ(0, probeZ9TimeX());
-        EXPECT_EQ(104, odxRegisterBufX(buffer, sizeof buffer, 3));
+        EXPECT_EQ(104, odxRegisterBuf(buffer, sizeof buffer, 3)); // the application's business
         EXPECT_EQ(1u, odxUpdateDSPMsgFlagX(1));
         odxCleanUp();
         EXPECT_EQ(0, odxZ9GetClkX());
         EXPECT_EQ(-1, odxRegisterBufX(buffer, sizeof buffer, 3));
+        ASSERT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE));
+        odxInternalImplTable[11] = ODX_IMPL_CPU; // a selection leaves it as it was
+        EXPECT_EQ(0, odxRegisterBuf(buffer, sizeof buffer, 3));
+        EXPECT_EQ(-1, odxRegisterBuf(nullptr, sizeof buffer, 3));
+        EXPECT_EQ(-1, odxRegisterBuf(buffer, 0, 3));
         EXPECT_EQ(1u, odxUpdateDSPMsgFlagX(0));
     });
 }

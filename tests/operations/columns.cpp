@@ -87,8 +87,8 @@ uint32_t remoteCalls()
 std::vector<Row> allRows()
 {
     std::vector<Row> rows;
-    for (const auto& family :
-         {colorFromRgbRows(), colorToRgbRows(), descriptorRows(), fastRows(), harrisRows(), smoothingRows()})
+    for (const auto& family : {colorFromRgbRows(), colorToRgbRows(), descriptorRows(), fastRows(), harrisRows(),
+                               memoryRows(), smoothingRows()})
         rows.insert(rows.end(), family.begin(), family.end());
     return rows;
 }

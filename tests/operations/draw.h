@@ -259,6 +259,7 @@ std::vector<Row> smoothingRows();
 std::vector<Row> descriptorRows();
 std::vector<Row> fastRows();
 std::vector<Row> harrisRows();
+std::vector<Row> memoryRows();
 std::vector<Row> colorFromRgbRows();
 std::vector<Row> colorToRgbRows();
 

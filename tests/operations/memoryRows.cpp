@@ -1,0 +1,25 @@
+#include "operations/draw.h"
+
+#include "ondrix/memory.h"
+
+namespace odx::test
+{
+
+namespace
+{
+
+void registerBuffer(Draw& draw)
+{
+    const uint32_t size = draw.number<uint32_t>("size", 1, 9, 4096);
+    const Image<uint8_t> buffer = draw.source<uint8_t>("buffer", {size, 1}, true);
+    draw.run([&] { return odxRegisterBuf(buffer.pixels, size, 3); });
+}
+
+} // namespace
+
+std::vector<Row> memoryRows()
+{
+    return {{"odxRegisterBuf", registerBuffer}};
+}
+
+} // namespace odx::test
