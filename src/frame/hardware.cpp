@@ -59,9 +59,7 @@ bool hasToken(const char* list, const char* token)
 
 bool isArmv7OrLater(const char* architecture)
 {
-    char* end;
-    const long number = strtol(architecture, &end, 10);
-    return end != architecture && number >= 7;
+    return strtol(architecture, nullptr, 10) >= 7; // a text without digits reads as 0
 }
 
 bool isCpuOnlyChip(const char* hardware)

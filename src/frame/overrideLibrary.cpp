@@ -38,8 +38,6 @@ int odxPlatformOptClose(void)
 
 void* odxPlatformOptGetFunc(const char* symbol)
 {
-    // An error that an earlier call left behind is not this one's.
-    platform::loaderError();
     void* const function =
         library != nullptr && symbol != nullptr ? platform::findSymbol(library, symbol) : nullptr;
     if (function == nullptr) {

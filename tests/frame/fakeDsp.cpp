@@ -83,7 +83,7 @@ unsigned uXTable(ODX_FUNC_MANAGER* manager, unsigned column)
         void** const table = number < kPublicSlots ? manager->funcTable->entry : manager->internalFuncTable->entry;
         table[(number < kPublicSlots ? number : number - kPublicSlots) * kImplementations + column] = variant;
     }
-    return 0;
+    return dsp.fillResult;
 }
 }
 

@@ -15,6 +15,7 @@ struct FakeDsp {
     int powerMode = -1;  // of the open session
     std::vector<std::string> events;
     unsigned constraintChecks = 1;
+    unsigned fillResult = 0;               // what filling the remote column reports
     std::vector<unsigned> sharedMemoryFor; // the masks that the shared memory was installed for
 
     std::vector<std::string> takeEvents();

@@ -317,9 +317,16 @@ TEST(Modes, LaterSelectionsRefillTheRemoteColumnOnly)
 TEST(Modes, HelperPointersFollowTheMode)
 {
     onProcessor(kArmSimd, [] {
-        odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE);
-#define ODX_HELPER(name, columns) EXPECT_EQ(&name##C, name##_) << #name;
+        for (const odxOperationMode mode : {ONDRIX_OP_EXT_REFERENCE, ONDRIX_OP_EXT_CPU, ONDRIX_OP_EXT_REFERENCE}) {
+            odxSetOperationMode(mode);
+            [[maybe_unused]] const bool simd = mode == ONDRIX_OP_EXT_CPU && orlan::bestTarget() != nullptr;
+#define SIMD_C false
+#define SIMD_CV simd
+#define ODX_HELPER(name, columns)                 \
+    EXPECT_NE(nullptr, name##_) << #name << mode; \
+    EXPECT_EQ(SIMD_##columns, &name##C != name##_) << #name << mode;
 #include "frame/helpers.def"
+        }
     });
 }
 
@@ -343,7 +350,9 @@ TEST(Modes, ReadTheLogSwitch)
         setenv("VENDOR_RUNTIME_ONDRIX_LOG", "0", 1);
         odxSetOperationModeRemoteLib(ONDRIX_OP_EXT_CPU);
         EXPECT_EQ(0, libLogPrint);
-        libLogPrint = 1;
+        setenv("VENDOR_RUNTIME_ONDRIX_LOG", "1", 1);
+        odxAvailableHardware(ONDRIX_OP_EXT_CPU);
+        EXPECT_EQ(1, libLogPrint);
         unsetenv("VENDOR_RUNTIME_ONDRIX_LOG");
         odxSetOperationMode(ONDRIX_OP_EXT_CPU);
         EXPECT_EQ(0, libLogPrint);
@@ -492,6 +501,7 @@ TEST(RemoteModes, ExtendedDspTakesAllThatIsRemote)
             EXPECT_EQ(1u, indices.slots[op_odxTransposeu16]);
             EXPECT_EQ((std::vector<uint32_t>{2, 2, 2, 2, 2, 2, 2, 2, 1, 1, 2, 2, 2, 1, 0, 0}), indices.internal);
             EXPECT_EQ(remoteColumn(withSimd(referenceColumn())), column(ODX_IMPL_XDSP));
+            odxHoughLineu8R_ = odxTransposeu16R_ = &dsp; // in no list, and left out
             uRNull();
             EXPECT_EQ(Names{}, setPointers());
         });
@@ -662,6 +672,8 @@ TEST(TableFill, ReportsTheTargetsThatAreThere)
         EXPECT_EQ(4u, fill(false, true));
         manager.implementations = 4;
         EXPECT_EQ(0u, fill(true, true));
+        dsp.fillResult = 16;
+        EXPECT_EQ(16u, fill(true, true));
         EXPECT_EQ(dspVariant(op_odxCopy), column(ODX_IMPL_XDSP)[op_odxCopy]);
         manager.funcTable = nullptr;
         EXPECT_EQ(2u, fill(false, true));

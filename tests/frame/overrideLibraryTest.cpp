@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <dlfcn.h>
 #include <filesystem>
 
 using namespace odx::test;
@@ -99,7 +100,15 @@ TEST(OverrideLibrary, IsHeldUntilItIsClosed)
     ASSERT_EQ(1u, lines.size());
     expectError(lines[0], "dlsym for odxMissing failed! \n Error:");
 
+    // However often it was loaded, one close unloads it; it can be loaded anew.
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(0, odxPlatformOptClose());
+        EXPECT_EQ(nullptr, dlopen(kPath, RTLD_LAZY | RTLD_NOLOAD));
+        EXPECT_EQ(nullptr, odxPlatformOptGetFunc("odxOverride"));
+        EXPECT_EQ(1u, log.take().size());
+        EXPECT_EQ(0, odxPlatformOptLoad());
+        EXPECT_NE(nullptr, odxPlatformOptGetFunc("odxOverride"));
+        EXPECT_EQ(2u, log.take().size());
+    }
     EXPECT_EQ(0, odxPlatformOptClose());
-    EXPECT_EQ(nullptr, odxPlatformOptGetFunc("odxOverride"));
-    EXPECT_EQ(1u, log.take().size());
 }
