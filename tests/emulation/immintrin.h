@@ -47,10 +47,21 @@ static inline __m512i mulhi_epu16(__m512i a, __m512i b)
     return lanes<uint16_t>([&](size_t i) { return (uint32_t{v[i]} * w[i]) >> 16; });
 }
 
+static inline __m512i alignr_epi8(__m512i a, __m512i b, size_t n)
+{
+    const Lanes<uint8_t, __m512i> upper(a), lower(b);
+    return lanes<uint8_t>([&](size_t i) {
+        const size_t lane = i & ~size_t{15}, from = i % 16 + n;
+        return from < 16 ? lower[lane + from] : upper[lane + from - 16];
+    });
+}
+
 } // namespace odx_emulation
 
 #define _mm512_cvtepu8_epi16(a) odx_emulation::cvtepu8_epi16(a)
 #define _mm512_mulhi_epu16(a, b) odx_emulation::mulhi_epu16(a, b)
+#undef _mm512_alignr_epi8
+#define _mm512_alignr_epi8(a, b, n) odx_emulation::alignr_epi8(a, b, n)
 #undef _mm512_madd_epi16
 #define _mm512_madd_epi16(a, b) simde_mm512_madd_epi16(a, b)
 
