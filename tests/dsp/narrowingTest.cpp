@@ -1,0 +1,226 @@
+// When a call may leave for the target that was selected: the limits of the remote targets (columns 2, 4, 5 and
+// 6), and of the GPU (column 3), as the trace of the call shows.
+#include "frame/log.h"
+#include "frame/operations.h"
+#include "ondrix.h"
+#include "support/logCapture.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+using namespace odx;
+using namespace odx::test;
+
+namespace
+{
+
+struct Arguments {
+    uint32_t width, height, srcStride, dstStride;
+    uintptr_t src, dst; // never followed: the tables are empty
+
+    const uint8_t* from() const { return reinterpret_cast<const uint8_t*>(src); }
+    uint8_t* to() const { return reinterpret_cast<uint8_t*>(dst); }
+};
+constexpr Arguments kFits = {192, 144, 1024, 1024, 0x10000, 0x80000};
+
+// What must divide each of the arguments.
+struct Multiples {
+    uint32_t width, srcStride, dstStride, src, dst;
+};
+constexpr Multiples kAny = {1, 1, 1, 1, 1};
+
+struct Limits {
+    const char* operation;
+    uint32_t slot;
+    std::function<void(const Arguments&)> call;
+    Multiples remote, gpu;
+    uint32_t leastHeight = 1;
+    uint32_t pixelSize = 1; // what the least amount of work counts a pixel as
+};
+
+// Runs the call with the column selected, and returns the one that it takes.
+std::string taken(const Limits& limits, uint32_t column, const Arguments& arguments)
+{
+    LogCapture log;
+    odxImplTable[limits.slot] = column;
+    libLogPrint = 1;
+    limits.call(arguments);
+    libLogPrint = 0;
+    odxImplTable[limits.slot] = 0;
+    const std::vector<LogLine> lines = log.take();
+    const std::string prefix = std::string(limits.operation) + "_";
+    return lines.empty() || lines[0].text.rfind(prefix, 0) != 0 ? "nothing" : lines[0].text.substr(prefix.size());
+}
+
+// The arguments with one of them a little larger than fits, and whether they still do.
+struct Perturbed {
+    const char* what;
+    Arguments arguments;
+    bool fits;
+};
+std::vector<Perturbed> perturbed(const Multiples& multiples)
+{
+    std::vector<Perturbed> all;
+    for (const uint32_t step : {1u, 2u, 4u, 8u, 16u}) {
+        Arguments a = kFits;
+        a.width += step;
+        all.push_back({"width", a, step % multiples.width == 0});
+        a = kFits;
+        a.srcStride += step;
+        all.push_back({"source stride", a, step % multiples.srcStride == 0});
+        a = kFits;
+        a.dstStride += step;
+        all.push_back({"destination stride", a, step % multiples.dstStride == 0});
+        a = kFits;
+        a.src += step;
+        all.push_back({"source", a, step % multiples.src == 0});
+        a = kFits;
+        a.dst += step;
+        all.push_back({"destination", a, step % multiples.dst == 0});
+    }
+    return all;
+}
+
+template <class T>
+const T* as(const Arguments& a)
+{
+    return reinterpret_cast<const T*>(a.src);
+}
+
+std::vector<Limits> allLimits()
+{
+    using A = const Arguments&;
+    constexpr Multiples kGaussian = {4, 4, 4, 4, 4}, kPackedGaussian = {4, 1, 1, 4, 4},
+                        kEvenWidth = {2, 1, 1, 1, 1};
+    constexpr Multiples kMedian = {8, 8, 8, 8, 8}, kPackedMedian = {8, 1, 1, 8, 8}, kMedianGpu = {8, 1, 1, 16, 16};
+    constexpr Multiples kColor = {1, 8, 8, 8, 8}, kPackedColor = {1, 1, 1, 8, 8};
+    constexpr Multiples kHarris = {8, 4, 1, 4, 1}, kHarrisGpu = {1, 8, 1, 16, 16};
+    constexpr Multiples kFast = {1, 8, 1, 8, 1}, kFastGpu = {1, 1, 1, 16, 16};
+    constexpr auto kBorder = ONDRIX_BORDER_REPLICATE;
+#define ODX_LIMITS(name, slot, call, ...)                \
+    Limits                                               \
+    {                                                    \
+#name, op_##slot, [](A a) { call; }, __VA_ARGS__ \
+    }
+    return {
+        ODX_LIMITS(odxFilterGaussian3x3u8, odxFilterGaussian3x3u8,
+                   odxFilterGaussian3x3u8(a.from(), a.width, a.height, a.to(), 0), kPackedGaussian, kEvenWidth, 3),
+        ODX_LIMITS(odxFilterGaussian3x3u8_v2, odxFilterGaussian3x3u8,
+                   odxFilterGaussian3x3u8_v2(a.from(), a.width, a.height, a.srcStride, a.to(), a.dstStride, 0),
+                   kGaussian, kEvenWidth, 3),
+        ODX_LIMITS(
+            odxFilterGaussian3x3u8_v3, odxFilterGaussian3x3u8_v3,
+            odxFilterGaussian3x3u8_v3(a.from(), a.width, a.height, a.srcStride, a.to(), a.dstStride, kBorder, 0),
+            kGaussian, kEvenWidth, 3),
+        ODX_LIMITS(odxFilterMedian3x3u8, odxFilterMedian3x3u8,
+                   odxFilterMedian3x3u8(a.from(), a.width, a.height, a.to()), kPackedMedian, kMedianGpu, 4),
+        ODX_LIMITS(odxFilterMedian3x3u8_v2, odxFilterMedian3x3u8,
+                   odxFilterMedian3x3u8_v2(a.from(), a.width, a.height, a.srcStride, a.to(), a.dstStride), kMedian,
+                   kMedianGpu, 4),
+        ODX_LIMITS(
+            odxFilterMedian3x3u8_v3, odxFilterMedian3x3u8_v3,
+            odxFilterMedian3x3u8_v3(a.from(), a.width, a.height, a.srcStride, a.to(), a.dstStride, kBorder, 0),
+            kMedian, kMedianGpu, 4),
+        ODX_LIMITS(odxFilterMedianMxNs16, odxFilterMedianMxNs16,
+                   odxFilterMedianMxNs16(as<int16_t>(a), a.width, a.height, a.srcStride, 3, 3,
+                                         reinterpret_cast<int16_t*>(a.dst), a.dstStride),
+                   kAny, kAny),
+        ODX_LIMITS(odxBoxFilterNxNf32, odxBoxFilterNxNf32,
+                   odxBoxFilterNxNf32(as<float>(a), a.width, a.height, a.srcStride, 3,
+                                      reinterpret_cast<float*>(a.dst), a.dstStride),
+                   {1, 8, 1, 8, 1}, kAny, 1, 4),
+        ODX_LIMITS(odxBoxFilter11x11u8, odxBoxFilter11x11u8,
+                   odxBoxFilter11x11u8(a.from(), a.width, a.height, a.srcStride, a.to(), a.dstStride), kAny, kAny),
+        ODX_LIMITS(odxColorRGB888ToGrayu8, odxColorRGB888ToGrayu8,
+                   odxColorRGB888ToGrayu8(a.from(), a.width, a.height, a.srcStride, a.to(), a.dstStride), kColor,
+                   kMedianGpu),
+        ODX_LIMITS(odxColorRGB888ToYCbCr420PseudoPlanaru8, odxColorRGB888ToYCbCr420PseudoPlanaru8,
+                   odxColorRGB888ToYCbCr420PseudoPlanaru8(a.from(), a.width, a.height, a.srcStride, a.to(), a.to(),
+                                                          a.dstStride, a.dstStride),
+                   kColor, kMedianGpu),
+        ODX_LIMITS(odxColorYCbCr420PlanarToRGB888u8, odxColorYCbCr420PlanarToRGB888u8,
+                   odxColorYCbCr420PlanarToRGB888u8(a.from(), a.from(), a.from(), a.width, a.height, a.srcStride,
+                                                    a.srcStride, a.srcStride, a.to(), a.dstStride),
+                   kColor, kMedianGpu),
+        ODX_LIMITS(odxColorYUV420toRGB8888u8, odxColorYUV420toRGB8888u8,
+                   odxColorYUV420toRGB8888u8(a.from(), a.width, a.height, a.to()), kPackedColor, kMedianGpu),
+        ODX_LIMITS(odxCornerHarrisu8, odxCornerHarrisu8,
+                   odxCornerHarrisu8(a.from(), a.width, a.height, a.srcStride, 0,
+                                     reinterpret_cast<uint32_t*>(a.dst), 9, reinterpret_cast<uint32_t*>(a.dst), 0),
+                   kHarris, kHarrisGpu),
+        ODX_LIMITS(odxCornerFast9u8, odxCornerFast9u8,
+                   odxCornerFast9u8(a.from(), a.width, a.height, a.srcStride, 9, 0,
+                                    reinterpret_cast<uint32_t*>(a.dst), 9, reinterpret_cast<uint32_t*>(a.dst)),
+                   kFast, kFastGpu),
+    };
+#undef ODX_LIMITS
+}
+
+constexpr struct {
+    uint32_t column;
+    const char* name;
+} kRemoteColumns[] = {{2, "XDSP"}, {4, "ADSP"}, {5, "CDSP"}, {6, "MDSP"}};
+
+} // namespace
+
+TEST(Narrowing, RemoteTargetsAskForAlignment)
+{
+    for (const Limits& limits : allLimits()) {
+        for (const auto& [column, name] : kRemoteColumns) {
+            EXPECT_EQ(name, taken(limits, column, kFits)) << limits.operation;
+            for (const Perturbed& p : perturbed(limits.remote)) {
+                EXPECT_EQ(p.fits ? name : "ORLAN", taken(limits, column, p.arguments))
+                    << limits.operation << ", " << p.what;
+            }
+        }
+    }
+}
+
+TEST(Narrowing, RemoteTargetsAskForWork)
+{
+    for (const Limits& limits : allLimits()) {
+        for (const auto& [column, name] : kRemoteColumns) {
+            Arguments a = kFits;
+            // The largest image of rows of 64 pixels that is not worth it, and the next one.
+            a.width = 64;
+            a.height = 25344 / (64 * limits.pixelSize);
+            EXPECT_EQ("ORLAN", taken(limits, column, a)) << limits.operation;
+            ++a.height;
+            EXPECT_EQ(name, taken(limits, column, a)) << limits.operation;
+            // Few rows, even if there is work enough.
+            a.width = 65536;
+            for (a.height = 1; a.height < 6; ++a.height) {
+                const bool fits = a.height >= limits.leastHeight;
+                EXPECT_EQ(fits ? name : "ORLAN", taken(limits, column, a)) << limits.operation << a.height;
+            }
+            // The number of pixels does not fit 32 bits.
+            a.width = a.height = 65536;
+            EXPECT_EQ(name, taken(limits, column, a)) << limits.operation;
+        }
+    }
+}
+
+TEST(Narrowing, WithoutChecksRemoteTargetsTakeAnything)
+{
+    odxSetHWFlag(0);
+    for (const Limits& limits : allLimits()) {
+        for (const auto& [column, name] : kRemoteColumns) {
+            EXPECT_EQ(name, taken(limits, column, {9, 1, 9, 9, 0x10001, 0x80001})) << limits.operation;
+        }
+    }
+    odxSetHWFlag(1);
+}
+
+TEST(Narrowing, GpuAsksForAlignmentWithAndWithoutChecks)
+{
+    for (const unsigned checks : {0u, 1u}) {
+        odxSetHWFlag(checks);
+        for (const Limits& limits : allLimits()) {
+            for (const Perturbed& p : perturbed(limits.gpu)) {
+                EXPECT_EQ(p.fits ? "GPU" : "ORLAN", taken(limits, ODX_IMPL_GPU, p.arguments))
+                    << limits.operation << ", " << p.what;
+            }
+        }
+    }
+}
