@@ -2,12 +2,15 @@
 //
 // A failure names the seed of its case. To run that case alone:
 //     ONDRIX_TEST_SEED=<seed> differential_tests --gtest_filter='*/<operation>'
-// ONDRIX_TEST_CASES sets the number of cases of each operation.
+// ONDRIX_TEST_CASES sets the number of cases of each operation. ONDRIX_TEST_DIGEST names a file that receives a line
+// for each operation, with a digest of what its reference wrote: builds for other processors and by other compilers
+// must give the same lines.
 #include "ondrix/modes.h"
 #include "operations/draw.h"
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <set>
 #include <stdlib.h>
 
@@ -27,6 +30,19 @@ uint64_t environmentNumber(const char* name, uint64_t otherwise)
 size_t firstDifference(const std::vector<uint8_t>& a, const std::vector<uint8_t>& b)
 {
     return static_cast<size_t>(std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin());
+}
+
+// Adds an operation's line to the digests, if they are asked for: over as many outcomes as every kind of run has.
+void recordDigest(const char* operation, const std::vector<std::vector<uint8_t>>& outcomes)
+{
+    const char* const path = getenv("ONDRIX_TEST_DIGEST");
+    if (path == nullptr) return;
+    uint64_t digest = 14695981039346656037u; // FNV-1a
+    for (size_t i = 0; i < std::min<size_t>(outcomes.size(), 100); ++i) {
+        for (const uint8_t byte : outcomes[i])
+            digest = (digest ^ byte) * 1099511628211u;
+    }
+    std::ofstream(path, std::ios::app) << operation << ' ' << std::hex << digest << '\n';
 }
 
 class Differential : public testing::TestWithParam<Row>
@@ -70,6 +86,7 @@ TEST_P(Differential, ColumnsWriteTheSameBytes)
         }
     }
     EXPECT_GE(2 * effective, cases) << "most cases were refused, or wrote nothing";
+    recordDigest(row.operation, expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(Operations, Differential, testing::ValuesIn(allRows()),
