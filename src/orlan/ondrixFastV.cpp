@@ -53,10 +53,9 @@ struct Batch {
     uint32_t count;
 
     const uint8_t* halves[2 * kBatch + 1];
-    uint16_t places[2 * kBatch + 1]; // 2 * vector + half
     uint32_t halfCount;
 
-    uint32_t corners[2 * kBatch]; // of each half of a vector
+    uint32_t corners[2 * kBatch + 1]; // of each half that is left, as laneBits has them
 };
 
 // Stage 1, of the vectors from p to before `end`; returns where it stopped.
@@ -67,8 +66,8 @@ ODX_STAGE const uint8_t* collect(Batch& batch, const uint8_t* p, const uint8_t* 
     const ptrdiff_t below = 3 * stride;
     uint32_t n = batch.count;
     for (; p < end; p += kBytes) {
-        const u8v centre = load<u8v>(p), south = load<u8v>(p + below), north = load<u8v>(p - below),
-                  east = load<u8v>(p + 3), west = load<u8v>(p - 3);
+        const u8v centre = loadOnce(p), south = loadOnce(p + below), north = loadOnce(p - below),
+                  east = loadOnce(p + 3), west = loadOnce(p - 3);
         const u8v bright = overPairs<Min, Max>(south, north, east, west);
         const u8v dark = overPairs<Max, Min>(south, north, east, west);
         batch.vectors[n] = p;
@@ -88,18 +87,15 @@ ODX_STAGE void sift(Batch& batch, ptrdiff_t stride, uint8_t barrierByte)
         const uint8_t* const p = batch.vectors[i];
         const auto at = [&](size_t k) __attribute__((always_inline))
         {
-            return load<u8v>(p + kCircle[k].dy * stride + kCircle[k].dx);
+            return loadOnce(p + kCircle[k].dy * stride + kCircle[k].dx);
         };
         const u8v a = at(0), b = at(8), c = at(4), d = at(12), e = at(2), f = at(10), g = at(6), h = at(14);
         const u8v bright = min(overPairs<Min, Max>(a, b, c, d), overPairs<Min, Max>(e, f, g, h));
         const u8v dark = max(overPairs<Max, Min>(a, b, c, d), overPairs<Max, Min>(e, f, g, h));
-        const uint64_t chances = laneBits(distance(bright, dark, load<u8v>(p)) > barrier);
-        batch.corners[2 * i] = batch.corners[2 * i + 1] = 0;
+        const uint64_t chances = laneBits(distance(bright, dark, loadOnce(p)) > barrier);
         batch.halves[n] = p;
-        batch.places[n] = (uint16_t)(2 * i);
         n += (chances & kHalfMask) != 0 ? 1 : 0;
         batch.halves[n] = p + kHalf;
-        batch.places[n] = (uint16_t)(2 * i + 1);
         n += (chances >> kHalfBits) != 0 ? 1 : 0;
     }
     batch.halfCount = n;
@@ -111,21 +107,26 @@ ODX_STAGE void testArcs(Batch& batch, ptrdiff_t stride, uint8_t barrierByte)
 {
     const u8v barrier = u8v{} + barrierByte;
     const uint32_t count = batch.halfCount;
-    if (count == 0) return;
-    batch.halves[count] = batch.halves[count - 1]; // one alone goes twice
-    batch.places[count] = batch.places[count - 1];
+    uint32_t n = 0;
+    const auto keep = [&](const uint8_t* half, uint64_t corners) __attribute__((always_inline))
+    {
+        batch.halves[n] = half;
+        batch.corners[n] = (uint32_t)corners;
+        n += corners != 0 ? 1 : 0;
+    };
     for (uint32_t i = 0; i < count; i += 2) {
         const uint8_t* const p = batch.halves[i];
-        const uint8_t* const q = batch.halves[i + 1];
+        const uint8_t* const q = batch.halves[i + 1 < count ? i + 1 : i]; // one alone goes twice
         const auto circle = circleOf<u8v>([&](size_t k) __attribute__((always_inline)) {
             const ptrdiff_t offset = kCircle[k].dy * stride + kCircle[k].dx;
             return loadHalves(p + offset, q + offset);
         });
         const u8v bright = overArcs<N, Min, Max>(circle), dark = overArcs<N, Max, Min>(circle);
         const uint64_t corners = laneBits(distance(bright, dark, loadHalves(p, q)) > barrier);
-        batch.corners[batch.places[i]] = (uint32_t)(corners & kHalfMask);
-        batch.corners[batch.places[i + 1]] = (uint32_t)(corners >> kHalfBits);
+        keep(p, corners & kHalfMask);
+        keep(q, corners >> kHalfBits);
     }
+    batch.halfCount = n;
 }
 
 // Where in the image the corners that were found last are.
@@ -140,10 +141,9 @@ struct Scan {
 template <class Excluded>
 ODX_STAGE bool emit(const Batch& batch, Scan& scan, CornerList& list, Excluded& excluded)
 {
-    for (uint32_t i = 0; i < batch.count; ++i) {
-        uint64_t corners = batch.corners[2 * i] | (uint64_t)batch.corners[2 * i + 1] << kHalfBits;
-        if (corners == 0) continue;
-        const uint8_t* const p = batch.vectors[i];
+    for (uint32_t i = 0; i < batch.halfCount; ++i) {
+        const uint8_t* const p = batch.halves[i];
+        uint64_t corners = batch.corners[i];
         if (p - scan.row >= scan.stride) {
             do {
                 scan.row += scan.stride;
@@ -153,7 +153,7 @@ ODX_STAGE bool emit(const Batch& batch, Scan& scan, CornerList& list, Excluded& 
             excluded.enter(scan.y);
         }
         const uint32_t x = (uint32_t)(p - scan.row);
-        // Vectors may overlap the one before, which has found the same corners.
+        // A row's first and last vector overlap their neighbours: what was found before is not found again.
         if (x <= scan.x) corners &= ~uint64_t{1} << ((scan.x - x) * kLaneBits);
         for (; corners != 0; corners &= corners - 1) {
             scan.x = x + (uint32_t)__builtin_ctzll(corners) / kLaneBits;

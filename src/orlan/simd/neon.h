@@ -229,6 +229,11 @@ ODX_INLINE bool any(u8v v)
 #endif
 }
 
+ODX_INLINE u8v loadOnce(const uint8_t* p)
+{
+    return load<u8v>(p);
+}
+
 ODX_INLINE u8v loadHalves(const uint8_t* p, const uint8_t* q)
 {
     return (u8v)vcombine_u8(vld1_u8(p), vld1_u8(q));

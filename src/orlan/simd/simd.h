@@ -32,6 +32,7 @@
 //   subSat(v, w)                 v - w of u8v and u16v, at least 0
 //   any(v)                       whether any byte is not 0
 //   highest(v)                   the greatest byte
+//   loadOnce(p)                  load<u8v>(p) for values with several uses: it stays one load with every compiler
 //   loadHalves(p, q)             kBytes / 2 bytes from p, then as many from q
 //   repeat(low, high)            the 16 bytes of two words, least significant first, repeated
 //   rotate<n>(v)                 byte (i + n) % 16 to place i, in each 16 bytes

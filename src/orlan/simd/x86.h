@@ -339,6 +339,16 @@ ODX_INLINE bool any(u8v v)
 #endif
 }
 
+// GCC repeats loads as operands of each instruction, which kernels that are bound by loads pay for.
+ODX_INLINE u8v loadOnce(const uint8_t* p)
+{
+    u8v v = load<u8v>(p);
+#if !defined(__clang__) && !defined(ODX_EMULATE_AVX512)
+    asm("" : "+v"(v));
+#endif
+    return v;
+}
+
 ODX_INLINE u8v loadHalves(const uint8_t* p, const uint8_t* q)
 {
 #if ODX_VECTOR_BYTES == 64
