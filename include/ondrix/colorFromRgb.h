@@ -128,7 +128,7 @@ ODX_API void odxColorRGB888ToHSV888u8(const uint8_t* src, uint32_t srcWidth, uin
 
 /// CIE L*a*b* of sRGB pixels (bytes R, G, B, A; A is ignored) relative to the white D65. Three bytes a pixel:
 /// L * 255 / 100, a + 128, b + 128, rounded. The arithmetic is of integers, with the same bytes everywhere; before
-/// the rounding it is within 0.05 of the exact value. Grey pixels have a = b = 128.
+/// the rounding it is within 0.03 of the exact value. Grey pixels have a = b = 128.
 ODX_API void odxColorRGBA8888ToLABu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                      uint8_t* dst, uint32_t dstStride);
 /// @}

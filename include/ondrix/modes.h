@@ -5,9 +5,9 @@
 /// and, on devices that have one, on a remote signal processor ("XDSP"). A mode chooses among them for the whole
 /// process. Selecting a mode is not synchronised with calls: do it while no other thread is inside the library.
 ///
-/// A remote call takes along stride x height bytes of each image, so that on the DSP the last row must be as long as
-/// the others. It may come back with what lies between the rows, which no other thread may write meanwhile. When
-/// the DSP fails or restarts, the call is done on the processor, and the application does not notice.
+/// A remote call takes along stride x height bytes of each image, so that on the DSP the last row must be as long
+/// as the others. It may come back with what lies between the rows, which no other thread may write meanwhile.
+/// When the DSP fails or restarts, the call is done on the processor, and the application does not notice.
 ///
 /// Before the first selection every operation logs one error line and returns its failure result.
 ///

@@ -196,12 +196,24 @@ void yRow(const uint8_t* src, uint8_t* y, size_t width)
                      [=](const Pixels& pixels, size_t x, size_t count) { lumaOf(pixels, y + x, count); });
 }
 
+#define ODX_ROWS(source, pixels)                                                   \
+    constexpr auto* source##2yuvp = yuvRow<blueFirst::pixels, Chroma::Planes, 1>;  \
+    constexpr auto* source##2yyuvp = yuvRow<blueFirst::pixels, Chroma::Planes, 2>; \
+    constexpr auto* source##2yuv = yuvRow<blueFirst::pixels, Chroma::Pairs, 1>;    \
+    constexpr auto* source##2yyuv = yuvRow<blueFirst::pixels, Chroma::Pairs, 2>;   \
+    constexpr auto* source##2y = yRow<blueFirst::pixels>;
+ODX_ROWS(rgb565, RGB565)
+ODX_ROWS(rgb888, RGB888)
+ODX_ROWS(rgba, RGBA8888)
+#undef ODX_ROWS
+
 struct Destination {
     uint8_t *y, *cb, *cr;
     uint32_t yStride, cbStride, crStride;
 };
 
-template <class Source, Chroma chroma, uint32_t subsampling>
+// Images of odd width have no whole pairs of pixels, and are left as they are where these share chroma.
+template <auto* convert, auto* convertLuma, uint32_t subsampling>
 void convertToYuv(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcStride, const Destination& dst)
 {
     constexpr size_t across = subsampling == 444 ? 1 : 2, down = subsampling == 420 ? 2 : 1;
@@ -210,10 +222,10 @@ void convertToYuv(const uint8_t* src, uint32_t width, uint32_t height, uint32_t 
         const uint8_t* const in = rowOf(src, srcStride, row);
         uint8_t* const y = rowOf(dst.y, dst.yStride, row);
         if (row % down == 0) {
-            yuvRow<Source, chroma, across>(in, y, rowOf(dst.cb, dst.cbStride, row / down),
-                                           rowOf(dst.cr, dst.crStride, row / down), width);
+            convert(in, y, rowOf(dst.cb, dst.cbStride, row / down), rowOf(dst.cr, dst.crStride, row / down),
+                    width);
         } else {
-            yRow<Source>(in, y, width);
+            convertLuma(in, y, width);
         }
     }
 }
@@ -373,15 +385,15 @@ using namespace odx::color;
 
 extern "C" {
 
-#define ODX_DEFINE(pixels, subsampling)                                                                           \
+#define ODX_DEFINE(pixels, subsampling, source, rows)                                                             \
     void odxColor##pixels##ToYCbCr##subsampling##Planaru8C(ODX_Packed_SOURCE, ODX_Planar_DESTINATION)             \
     {                                                                                                             \
-        convertToYuv<blueFirst::pixels, Chroma::Planes, subsampling>(                                             \
+        convertToYuv<source##2##rows##p, source##2y, subsampling>(                                                \
             src, srcWidth, srcHeight, srcStride, {dstY, dstCb, dstCr, dstYStride, dstCbStride, dstCrStride});     \
     }                                                                                                             \
     void odxColor##pixels##ToYCbCr##subsampling##PseudoPlanaru8C(ODX_Packed_SOURCE, ODX_PseudoPlanar_DESTINATION) \
     {                                                                                                             \
-        convertToYuv<blueFirst::pixels, Chroma::Pairs, subsampling>(                                              \
+        convertToYuv<source##2##rows, source##2y, subsampling>(                                                   \
             src, srcWidth, srcHeight, srcStride, {dstY, dstC, dstC, dstYStride, dstCStride, dstCStride});         \
     }
 ODX_RGB_TO_YCBCR(ODX_DEFINE)

@@ -108,7 +108,7 @@ TEST_P(FromRgb, LumaAndChromaFollowTheirFormula)
         convert(src.data(), dst);
         expectYCbCr(dst, layout, palette, name);
     };
-#define ODX_CASE(pixels, subsampling)                                                                          \
+#define ODX_CASE(pixels, subsampling, source, rows)                                                            \
     check("odxColor" #pixels "ToYCbCr" #subsampling "Planaru8", blueFirst::pixels, subsampling, false,         \
           [](const uint8_t* src, Destination& d) {                                                             \
               odxColor##pixels##ToYCbCr##subsampling##Planaru8(src, d.width, d.height, 0, d.y.data(),          \
@@ -134,7 +134,7 @@ TEST_P(FromRgb, OddWidthsOfSharedChromaStayUnwritten)
         EXPECT_EQ(written, y != untouched) << name;
         EXPECT_EQ(written, c != untouched) << name;
     };
-#define ODX_CASE(pixels, subsampling)                                                                    \
+#define ODX_CASE(pixels, subsampling, source, rows)                                                      \
     check("odxColor" #pixels "ToYCbCr" #subsampling "Planaru8", subsampling == 444,                      \
           [&](uint8_t* y, uint8_t* cb, uint8_t* cr) {                                                    \
               odxColor##pixels##ToYCbCr##subsampling##Planaru8(src.data(), 7, 2, 0, y, cb, cr, 0, 0, 0); \
@@ -263,8 +263,7 @@ TEST_P(FromRgb, LabIsTheRoundedExactValueButForTheStatedError)
         for (size_t k = 0; k < 3; ++k)
             worst = std::max(worst, std::abs(exact[k] - dst[3 * i + k]));
     }
-    EXPECT_LE(worst, 0.55);
-    printf("greatest distance from the exact value: %.4f\n", worst);
+    EXPECT_LE(worst, 0.53);
 }
 
 TEST_P(FromRgb, LabOfGreysAndPrimaries)

@@ -2,9 +2,9 @@
 //
 // A failure names the seed of its case. To run that case alone:
 //     ONDRIX_TEST_SEED=<seed> differential_tests --gtest_filter='*/<operation>'
-// ONDRIX_TEST_CASES sets the number of cases of each operation. ONDRIX_TEST_DIGEST names a file that receives a line
-// for each operation, with a digest of what its reference wrote: builds for other processors and by other compilers
-// must give the same lines.
+// ONDRIX_TEST_CASES sets the number of cases of each operation. ONDRIX_TEST_DIGEST names a file that receives a
+// line for each operation, with a digest of what its reference wrote: builds for other processors and by other
+// compilers must give the same lines.
 #include "ondrix/modes.h"
 #include "operations/draw.h"
 

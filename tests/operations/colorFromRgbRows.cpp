@@ -159,7 +159,7 @@ constexpr bool Planar = false, PseudoPlanar = true;
 std::vector<Row> colorFromRgbRows()
 {
     return {
-#define ODX_ROW(pixels, subsampling)                                                      \
+#define ODX_ROW(pixels, subsampling, source, rows)                                        \
     {"odxColor" #pixels "ToYCbCr" #subsampling "Planaru8",                                \
      rgbToPlanar<pixels, subsampling, odxColor##pixels##ToYCbCr##subsampling##Planaru8>}, \
         {"odxColor" #pixels "ToYCbCr" #subsampling "PseudoPlanaru8",                      \

@@ -1,26 +1,9 @@
 #include "ondrix/colorToRgb.h"
 
-#include "frame/entry.h"
+#include "frame/entries/color.h"
 
 using namespace odx;
-
-namespace
-{
-
-// What the remote targets, and the GPU, ask of every conversion.
-template <class... Values>
-bool remoteFits(uint32_t width, uint32_t height, Values... addressesAndStrides)
-{
-    return worthSending(uint64_t{width} * height) && multiplesOf(8, addressesAndStrides...);
-}
-
-template <class... Addresses>
-bool gpuFits(uint32_t width, Addresses... addresses)
-{
-    return multiplesOf(16, addresses...) && multiplesOf(8, width);
-}
-
-} // namespace
+using namespace odx::color;
 
 extern "C" {
 
