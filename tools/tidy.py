@@ -39,7 +39,8 @@ def main():
     version = subprocess.run([tool, "--version"], capture_output=True, check=True).stdout
     headers = [path for folder in ("include", *FOLDERS) for path in sorted((ROOT / folder).rglob("*"))
                if path.suffix in (".h", ".def")]
-    common = digest(version, (ROOT / ".clang-tidy").read_bytes(), *(path.read_bytes() for path in headers))
+    settings = sorted(path for path in ROOT.rglob(".clang-tidy") if "build" not in path.relative_to(ROOT).parts)
+    common = digest(version, *(path.read_bytes() for path in (*settings, *headers)))
     keys = {source: digest(common.encode(), entry["command"].encode(), source.read_bytes())
             for source, entry in commands.items()}
 

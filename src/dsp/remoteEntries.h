@@ -22,7 +22,7 @@ extern "C" {
 int dspRT_initZ9_with_attributes(const ODXAZ9_ATTRIBUTE* attributes, int count);
 int dspRT_deinitZ9(void);
 
-int ondrixadsp_odxGetVersionX(char* version, uint32_t versionLength);
+int ondrixadsp_odxGetVersionX(char* text, uint32_t textLength);
 int ondrixadsp_odxZ9GetClkX(int64_t* clock);
 int ondrixadsp_probeZ9TimeX(int64_t* microseconds);
 int ondrixadsp_odxRegisterBufX(uint64_t address, uint32_t nBytes, int32_t descriptor);

@@ -14,7 +14,11 @@ class HelperPointer
 {
 public:
     [[gnu::always_inline]] operator Kernel*() const { return current(kernel_); }
-    [[gnu::always_inline]] void operator=(Kernel* kernel) { publish(kernel_, kernel); }
+    [[gnu::always_inline]] HelperPointer& operator=(Kernel* kernel)
+    {
+        publish(kernel_, kernel);
+        return *this;
+    }
 
 private:
     Kernel* kernel_;

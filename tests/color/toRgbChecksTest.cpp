@@ -157,7 +157,7 @@ TEST_F(ToRgbChecks, OneColumnOfPairsEndsTheProcess)
             const size_t at = child.output.find("ondrixColorC@");
             ASSERT_NE(std::string::npos, at) << conversion.name << ": " << child.output;
             const size_t colon = child.output.find(": ", at);
-            EXPECT_NE(0, atoi(child.output.c_str() + at + strlen("ondrixColorC@")));
+            EXPECT_NE(0, std::stoi(child.output.substr(at + strlen("ondrixColorC@"))));
             EXPECT_EQ(": length > 1 Assertion failed\n", child.output.substr(colon, 30)) << conversion.name;
             ++ended;
         }

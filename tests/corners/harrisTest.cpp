@@ -105,7 +105,9 @@ Corners corners(const Image& image, int border, int64_t threshold, Strength stre
 {
     border = std::max(border, 5);
     std::vector<int64_t> responses(image.pixels.size());
-    const auto at = [&](int x, int y) -> int64_t& { return responses[static_cast<size_t>(y * image.width + x)]; };
+    const auto at = [&](int x, int y) -> int64_t& {
+        return responses[static_cast<size_t>(y) * static_cast<size_t>(image.width) + static_cast<size_t>(x)];
+    };
     for (int y = 3; y < image.height - 3; ++y) {
         for (int x = 3; x < image.width - 3; ++x)
             at(x, y) = strength(image, x, y);

@@ -30,7 +30,7 @@ bool processorCountFails = false;
 std::string field(const std::string& description, const char* name)
 {
     char* value = extract_cpuinfo_field(description.data(), static_cast<int>(description.size()), name);
-    const std::string text = value != nullptr ? value : "(absent)";
+    std::string text = value != nullptr ? value : "(absent)";
     free(value);
     return text;
 }

@@ -129,9 +129,9 @@ void refine(Draw& draw)
     std::vector<float> start;
     for (uint32_t i = 0; i < count; ++i) {
         start.push_back(
-            draw.real("x", -2, static_cast<float>(extent.width) + 2, static_cast<float>(extent.width / 2)));
+            draw.real("x", -2, static_cast<float>(extent.width) + 2, static_cast<float>(extent.width) / 2));
         start.push_back(
-            draw.real("y", -2, static_cast<float>(extent.height) + 2, static_cast<float>(extent.height / 2)));
+            draw.real("y", -2, static_cast<float>(extent.height) + 2, static_cast<float>(extent.height) / 2));
     }
     draw.run([&] {
         std::copy(start.begin(), start.end(), xy.pixels);

@@ -82,8 +82,7 @@ Taps binomial(const Grid<T>& src, int x, int y, const std::vector<int>& weights)
     Taps taps;
     window(r, r, [&](int dx, int dy) {
         if (!src.holds(x + dx, y + dy)) return;
-        const int64_t weight =
-            int64_t{weights[static_cast<size_t>(dx + r)]} * weights[static_cast<size_t>(dy + r)];
+        const int64_t weight = int64_t{weights.begin()[dx + r]} * weights.begin()[dy + r];
         taps.sum += weight * src.at(x + dx, y + dy);
         taps.weight += weight;
     });

@@ -38,8 +38,8 @@ struct odxStubCounts {
 };
 
 /// Sets the behaviour, and starts to count calls towards `restartEvery` anew.
-void odxStubBehave(const struct odxStubBehaviour* behaviour);
-void odxStubCount(struct odxStubCounts* counts);
+void odxStubBehave(const struct odxStubBehaviour* newBehaviour);
+void odxStubCount(struct odxStubCounts* newCounts);
 
 #if defined(__cplusplus)
 }

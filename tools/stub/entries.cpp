@@ -135,10 +135,10 @@ extern "C" {
 
 // ---- the processor itself ----
 
-int ondrixadsp_odxGetVersionX(char* text, uint32_t length)
+int ondrixadsp_odxGetVersionX(char* text, uint32_t textLength)
 {
     const int code = reach();
-    if (code == kDone) snprintf(text, length, "%s", version());
+    if (code == kDone) snprintf(text, textLength, "%s", version());
     return code;
 }
 

@@ -98,23 +98,23 @@ int __android_log_print(int, const char*, const char*, ...)
     return 0;
 }
 
-void odxStubBehave(const odxStubBehaviour* wanted)
+void odxStubBehave(const odxStubBehaviour* newBehaviour)
 {
-    publish(behaviour.restartEvery, wanted->restartEvery);
-    publish(behaviour.failedReturns, wanted->failedReturns);
-    publish(behaviour.failure, wanted->failure);
-    publish(behaviour.delayMicroseconds, wanted->delayMicroseconds);
-    memcpy(behaviour.version, wanted->version, sizeof behaviour.version);
+    publish(behaviour.restartEvery, newBehaviour->restartEvery);
+    publish(behaviour.failedReturns, newBehaviour->failedReturns);
+    publish(behaviour.failure, newBehaviour->failure);
+    publish(behaviour.delayMicroseconds, newBehaviour->delayMicroseconds);
+    memcpy(behaviour.version, newBehaviour->version, sizeof behaviour.version);
     publish(callsUntilNow, 0);
 }
 
-void odxStubCount(odxStubCounts* result)
+void odxStubCount(odxStubCounts* newCounts)
 {
-    result->calls = current(counts.calls);
-    result->completed = current(counts.completed);
-    result->restarts = current(counts.restarts);
-    result->initialisations = current(counts.initialisations);
-    result->powerMode = current(counts.powerMode);
+    newCounts->calls = current(counts.calls);
+    newCounts->completed = current(counts.completed);
+    newCounts->restarts = current(counts.restarts);
+    newCounts->initialisations = current(counts.initialisations);
+    newCounts->powerMode = current(counts.powerMode);
 }
 
 int dspRT_initZ9_with_attributes(const ODXAZ9_ATTRIBUTE* attributes, int count)
