@@ -34,25 +34,46 @@ std::function<void()> from420(const Measurement& measurement)
     return [src = matrix(planes, CV_8U), dst = cv::Mat()]() mutable { cv::cvtColor(src, dst, code); };
 }
 
-// Three interleaved channels, the nearest to 4:4:4.
-std::function<void()> from444(const Measurement& measurement)
+// Packed pixels, in both images or in one. Three interleaved channels are the nearest to 4:4:4.
+template <int type, int code>
+std::function<void()> packed(const Measurement& measurement)
 {
-    return [src = matrix(measurement, CV_8UC3), dst = cv::Mat()]() mutable {
-        cv::cvtColor(src, dst, cv::COLOR_YUV2RGB);
-    };
+    return [src = matrix(measurement, type), dst = cv::Mat()]() mutable { cv::cvtColor(src, dst, code); };
 }
 
 std::vector<Peer> opencvPeers()
 {
     return {
+        {"odxColorRGB565ToBGR888u8", "OpenCV", packed<CV_8UC2, cv::COLOR_BGR5652RGB>},
+        {"odxColorRGB565ToBGRA8888u8", "OpenCV", packed<CV_8UC2, cv::COLOR_BGR5652RGBA>},
+        {"odxColorRGB565ToRGB888u8", "OpenCV", packed<CV_8UC2, cv::COLOR_BGR5652BGR>},
+        {"odxColorRGB565ToRGBA8888u8", "OpenCV", packed<CV_8UC2, cv::COLOR_BGR5652BGRA>},
+        {"odxColorRGB888ToBGR565u8", "OpenCV", packed<CV_8UC3, cv::COLOR_RGB2BGR565>},
+        {"odxColorRGB888ToBGR888u8", "OpenCV", packed<CV_8UC3, cv::COLOR_RGB2BGR>},
+        {"odxColorRGB888ToBGRA8888u8", "OpenCV", packed<CV_8UC3, cv::COLOR_RGB2BGRA>},
+        {"odxColorRGB888ToGrayu8", "OpenCV", packed<CV_8UC3, cv::COLOR_RGB2GRAY>},
+        {"odxColorRGB888ToHSV888u8", "OpenCV", packed<CV_8UC3, cv::COLOR_RGB2HSV_FULL>},
+        {"odxColorRGB888ToRGB565u8", "OpenCV", packed<CV_8UC3, cv::COLOR_BGR2BGR565>},
+        {"odxColorRGB888ToRGBA8888u8", "OpenCV", packed<CV_8UC3, cv::COLOR_RGB2RGBA>},
+        {"odxColorRGB888ToYCbCr420Planaru8", "OpenCV", packed<CV_8UC3, cv::COLOR_BGR2YUV_I420>},
+        {"odxColorRGB888ToYCbCr444Planaru8", "OpenCV", packed<CV_8UC3, cv::COLOR_BGR2YUV>},
+        {"odxColorRGB888toYCrCbu8", "OpenCV", packed<CV_8UC3, cv::COLOR_RGB2YCrCb>},
+        {"odxColorRGB888toYCrCbu8_v2", "OpenCV", packed<CV_8UC3, cv::COLOR_RGB2YCrCb>},
+        {"odxColorRGBA8888ToBGR565u8", "OpenCV", packed<CV_8UC4, cv::COLOR_RGBA2BGR565>},
+        {"odxColorRGBA8888ToBGR888u8", "OpenCV", packed<CV_8UC4, cv::COLOR_RGBA2BGR>},
+        {"odxColorRGBA8888ToBGRA8888u8", "OpenCV", packed<CV_8UC4, cv::COLOR_RGBA2BGRA>},
+        {"odxColorRGBA8888ToLABu8", "OpenCV", packed<CV_8UC4, cv::COLOR_RGB2Lab>},
+        {"odxColorRGBA8888ToRGB565u8", "OpenCV", packed<CV_8UC4, cv::COLOR_BGRA2BGR565>},
+        {"odxColorRGBA8888ToRGB888u8", "OpenCV", packed<CV_8UC4, cv::COLOR_RGBA2RGB>},
+        {"odxColorRGBA8888ToYCbCr420Planaru8", "OpenCV", packed<CV_8UC4, cv::COLOR_BGRA2YUV_I420>},
         {"odxColorYCbCr420PlanarToRGB888u8", "OpenCV", from420<cv::COLOR_YUV2RGB_I420>},
         {"odxColorYCbCr420PlanarToRGBA8888u8", "OpenCV", from420<cv::COLOR_YUV2RGBA_I420>},
         {"odxColorYCbCr420PseudoPlanarToRGB888u8", "OpenCV", from420<cv::COLOR_YUV2RGB_NV12>},
         {"odxColorYCbCr420PseudoPlanarToRGBA8888u8", "OpenCV", from420<cv::COLOR_YUV2RGBA_NV12>},
         {"odxColorYUV420toRGB8888u8", "OpenCV", from420<cv::COLOR_YUV2RGBA_NV21>},
         {"odxColorYCrCb420PseudoPlanarToRGB8888u8", "OpenCV", from420<cv::COLOR_YUV2RGBA_NV21>},
-        {"odxColorYCbCr444PlanarToRGB888u8", "OpenCV", from444},
-        {"odxColorYCbCr444PseudoPlanarToRGB888u8", "OpenCV", from444},
+        {"odxColorYCbCr444PlanarToRGB888u8", "OpenCV", packed<CV_8UC3, cv::COLOR_YUV2RGB>},
+        {"odxColorYCbCr444PseudoPlanarToRGB888u8", "OpenCV", packed<CV_8UC3, cv::COLOR_YUV2RGB>},
     };
 }
 
@@ -73,11 +94,13 @@ struct Images {
         : width(static_cast<int>(measurement.extent.width)), height(static_cast<int>(measurement.extent.height))
     {
         const size_t pixels = size_t{measurement.extent.width} * measurement.extent.height;
-        planes.resize(3 * pixels);
+        planes.resize(4 * pixels);
         packed.resize(4 * pixels);
         uint32_t noise = 1;
-        for (uint8_t& byte : planes)
-            byte = static_cast<uint8_t>((noise = noise * 1664525 + 1013904223) >> 24);
+        for (std::vector<uint8_t>* bytes : {&planes, &packed}) {
+            for (uint8_t& byte : *bytes)
+                byte = static_cast<uint8_t>((noise = noise * 1664525 + 1013904223) >> 24);
+        }
         y = planes.data();
         second = y + pixels;
         third = second + pixels;
@@ -87,7 +110,7 @@ struct Images {
 
     int width, height;
     std::vector<uint8_t> planes, packed;
-    const uint8_t *y, *second, *third;
+    uint8_t *y, *second, *third;
 };
 
 // Chroma rows of 1/across of a plane's width.
@@ -109,10 +132,76 @@ std::function<void()> pairs(const Measurement& measurement)
     };
 }
 
+// The other way: pixels to luma and chroma.
+template <auto* convert, int across, int pixelSize>
+std::function<void()> toPlanes(const Measurement& measurement)
+{
+    return [i = std::make_shared<Images>(measurement)] {
+        const int chroma = i->width / across;
+        convert(i->packed.data(), pixelSize * i->width, i->y, i->width, i->second, chroma, i->third, chroma,
+                i->width, i->height);
+    };
+}
+
+template <auto* convert, int pixelSize>
+std::function<void()> toPairs(const Measurement& measurement)
+{
+    return [i = std::make_shared<Images>(measurement)] {
+        convert(i->packed.data(), pixelSize * i->width, i->y, i->width, i->second, i->width, i->width, i->height);
+    };
+}
+
+// One packed image to another.
+template <auto* convert, int fromSize, int toSize>
+std::function<void()> repack(const Measurement& measurement)
+{
+    return [i = std::make_shared<Images>(measurement)] {
+        convert(i->packed.data(), fromSize * i->width, i->y, toSize * i->width, i->width, i->height);
+    };
+}
+
+std::function<void()> joinChroma(const Measurement& measurement)
+{
+    return [i = std::make_shared<Images>(measurement)] {
+        const int chroma = i->width / 2;
+        libyuv::I420ToNV12(i->y, i->width, i->second, chroma, i->third, chroma, i->packed.data(), i->width,
+                           i->packed.data() + i->width * i->height, i->width, i->width, i->height);
+    };
+}
+
+std::function<void()> splitChroma(const Measurement& measurement)
+{
+    return [i = std::make_shared<Images>(measurement)] {
+        const int chroma = i->width / 2, pixels = i->width * i->height;
+        libyuv::NV12ToI420(i->y, i->width, i->second, i->width, i->packed.data(), i->width,
+                           i->packed.data() + pixels, chroma, i->packed.data() + 2 * pixels, chroma, i->width,
+                           i->height);
+    };
+}
+
+// The byte orders of libyuv's names are those of words; its "RAW" are bytes R, G, B.
 std::vector<Peer> libyuvPeers()
 {
     using namespace libyuv;
     return {
+        {"odxColorCbCrSwapu8", "libyuv", repack<SwapUVPlane, 2, 2>},
+        {"odxColorRGB565ToRGBA8888u8", "libyuv", repack<RGB565ToARGB, 2, 4>},
+        {"odxColorRGB565ToYCbCr420Planaru8", "libyuv", toPlanes<RGB565ToI420, 2, 2>},
+        {"odxColorRGB888ToBGR888u8", "libyuv", repack<RAWToRGB24, 3, 3>},
+        {"odxColorRGB888ToBGRA8888u8", "libyuv", repack<RAWToARGB, 3, 4>},
+        {"odxColorRGB888ToGrayu8", "libyuv", repack<RAWToJ400, 3, 1>},
+        {"odxColorRGB888ToRGBA8888u8", "libyuv", repack<RGB24ToARGB, 3, 4>},
+        {"odxColorRGB888ToYCbCr420Planaru8", "libyuv", toPlanes<RGB24ToI420, 2, 3>},
+        {"odxColorRGBA8888ToBGR888u8", "libyuv", repack<ARGBToRAW, 4, 3>},
+        {"odxColorRGBA8888ToBGRA8888u8", "libyuv", repack<ABGRToARGB, 4, 4>},
+        {"odxColorRGBA8888ToRGB565u8", "libyuv", repack<ARGBToRGB565, 4, 2>},
+        {"odxColorRGBA8888ToRGB888u8", "libyuv", repack<ARGBToRGB24, 4, 3>},
+        {"odxColorRGBA8888ToYCbCr420Planaru8", "libyuv", toPlanes<ARGBToI420, 2, 4>},
+        {"odxColorRGBA8888ToYCbCr420PseudoPlanaru8", "libyuv", toPairs<ARGBToNV12, 4>},
+        {"odxColorRGBA8888ToYCbCr422Planaru8", "libyuv", toPlanes<ARGBToI422, 2, 4>},
+        {"odxColorRGBA8888ToYCbCr444Planaru8", "libyuv", toPlanes<ARGBToI444, 1, 4>},
+        {"odxColorYCbCr420PlanarToYCbCr420PseudoPlanaru8", "libyuv", joinChroma},
+        {"odxColorYCbCr420PseudoPlanarToYCbCr420Planaru8", "libyuv", splitChroma},
         {"odxColorYCbCr420PlanarToRGB565u8", "libyuv", planes<I420ToRGB565, 2, 2>},
         {"odxColorYCbCr420PlanarToRGB888u8", "libyuv", planes<I420ToRAW, 2, 3>},
         {"odxColorYCbCr420PlanarToRGBA8888u8", "libyuv", planes<I420ToABGR, 2, 4>},

@@ -13,6 +13,12 @@
 #include <unistd.h>
 #include <utility>
 
+// What a sanitizer's runtime does to hear of mappings; null where there is none.
+extern "C" {
+[[gnu::weak]] void* __interceptor_mmap(void*, size_t, int, int, int, off_t);
+[[gnu::weak]] int __interceptor_munmap(void*, size_t);
+}
+
 namespace odx::test
 {
 
@@ -43,12 +49,21 @@ bool isBuffer(int descriptor)
 
 void* systemMap(void* address, size_t length, int protection, int flags, int descriptor, off_t offset)
 {
+    if (__interceptor_mmap != nullptr) {
+        return __interceptor_mmap(address, length, protection, flags, descriptor, offset);
+    }
 #if defined(SYS_mmap2)
     return reinterpret_cast<void*>(
         syscall(SYS_mmap2, address, length, protection, flags, descriptor, static_cast<long>(offset / 4096)));
 #else
     return reinterpret_cast<void*>(syscall(SYS_mmap, address, length, protection, flags, descriptor, offset));
 #endif
+}
+
+int systemUnmap(void* address, size_t length)
+{
+    if (__interceptor_munmap != nullptr) return __interceptor_munmap(address, length);
+    return static_cast<int>(syscall(SYS_munmap, address, length));
 }
 
 } // namespace
@@ -120,12 +135,12 @@ void* mmap(void* address, size_t length, int protection, int flags, int descript
 int munmap(void* address, size_t length) noexcept
 {
     const auto found = mapped.find(address);
-    if (found == mapped.end()) return static_cast<int>(syscall(SYS_munmap, address, length));
+    if (found == mapped.end()) return systemUnmap(address, length);
     happened("unmap %zu", length);
     mapped.erase(found);
     --ion.mappings;
     const auto page = reinterpret_cast<uintptr_t>(address) & ~uintptr_t{kMisalignment};
-    return static_cast<int>(syscall(SYS_munmap, page, length));
+    return systemUnmap(reinterpret_cast<void*>(page), length);
 }
 
 int ioctl(int descriptor, unsigned long request, ...) noexcept

@@ -117,8 +117,10 @@ double Draw::realPixel(uint32_t x, uint32_t y)
         return below(40) == 0 ? unit(random_) : 0;
     case 4:
         return 0.25 * x - 0.5 * y;
-    default: // from far below one to far above, down to where differences are denormal
-        return std::ldexp(unit(random_), static_cast<int>(below(250)) - 125);
+    default: { // from far below one to far above, down to where differences are denormal
+        const double fraction = unit(random_);
+        return std::ldexp(fraction, static_cast<int>(below(250)) - 125);
+    }
     }
 }
 
