@@ -35,7 +35,9 @@ public:
     {
         std::fill(result_.begin(), result_.end(), uint8_t{0});
         odxFilterGaussian5x5u8(source_.data(), kWidth, kHeight, result_.data(), 1);
-        return (result_ != expected_ ? 1 : 0) + (odxBitCountu8(source_.data(), kWidth * kHeight) != bits_ ? 1 : 0);
+        return (result_ != expected_ ? 1 : 0) +
+               (odxBitCountu8(source_.data(), kWidth * kHeight) != bits_ ? 1 : 0) +
+               (corners(odxCornerFast9Scoreu8) != expectedCorners_ ? 1 : 0);
     }
 
 private:
@@ -87,7 +89,9 @@ TEST(RemoteThreads, EveryResultIsRightWhileTheProcessorRestarts)
             EXPECT_EQ(0, wrongResults(200));
             const odxStubCounts counts = stub.counts();
             EXPECT_GT(counts.restarts, 0u);
-            if (period > 1) EXPECT_GT(counts.completed, 0u);
+            if (period > 1) {
+                EXPECT_GT(counts.completed, 0u);
+            }
             // Nothing is left behind: calls are remote again, once one has brought back what the last restart
             // left.
             stub.behaves({});
