@@ -4,7 +4,9 @@
 #include "cpu/ondrixColorFromRgbC.h"
 
 #include "cpu/channels.h"
+#include "cpu/ondrixColor.h"
 #include "cpu/ondrixColorFromRgb.h"
+#include "frame/helpers.h"
 
 namespace odx::color
 {
@@ -91,12 +93,24 @@ struct Layout {
     }
 };
 
+// The layouts of the conversions between packed images.
+namespace repacked
+{
 using RGB565 = Layout<Words565<LowBits::HighBits>, Order::RedFirst>;
 using RGB888 = Layout<Triples, Order::RedFirst>;
 using RGBA8888 = Layout<Quads, Order::RedFirst>;
 using BGR565 = Layout<Words565<LowBits::HighBits>, Order::BlueFirst>;
 using BGR888 = Layout<Triples, Order::BlueFirst>;
 using BGRA8888 = Layout<Quads, Order::BlueFirst>;
+} // namespace repacked
+
+// What the conversions to luma and chroma call by the same names: blue comes first, and the missing bits are 0.
+namespace blueFirst
+{
+using RGB565 = Layout<Words565<LowBits::Zero>, Order::BlueFirst>;
+using RGB888 = repacked::BGR888;
+using RGBA8888 = repacked::BGRA8888;
+} // namespace blueFirst
 
 // Calls use(pixels, x, count) for one chunk of a row after the other.
 template <class Source, class Use>
@@ -111,14 +125,6 @@ template <class Source, class Use>
 }
 
 // ---- RGB to luma and chroma ----
-
-// What these conversions call by the same names: blue comes first, and the missing bits are 0.
-namespace blueFirst
-{
-using RGB565 = Layout<Words565<LowBits::Zero>, Order::BlueFirst>;
-using RGB888 = BGR888;
-using RGBA8888 = BGRA8888;
-} // namespace blueFirst
 
 // Channel i of a plane, or channel 2 * i, as the low byte of a word.
 template <size_t step>
@@ -158,9 +164,7 @@ uint8_t chromaOf(uint16_t sum)
     return static_cast<uint8_t>((high < 254 ? high : 254) + 1);
 }
 
-enum class Chroma { Planes, Pairs };
-
-// The chroma of every pixel, or of every second one.
+// The chroma of every pixel, or of every second one, in planes or in pairs.
 template <Chroma chroma, size_t step>
 void chromaRow(const Pixels& pixels, uint8_t* __restrict cb, uint8_t* __restrict cr, size_t count)
 {
@@ -183,7 +187,7 @@ template <class Source, Chroma chroma, size_t step>
 void yuvRow(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, size_t width)
 {
     inChunks<Source>(src, width, [=](const Pixels& pixels, size_t x, size_t count) {
-        constexpr size_t size = chroma == Chroma::Pairs ? 2 : 1;
+        constexpr size_t size = chroma == Chroma::CbCrPairs ? 2 : 1;
         lumaOf(pixels, y + x, count);
         chromaRow<chroma, step>(pixels, cb + size * (x / step), cr + size * (x / step), count);
     });
@@ -196,25 +200,15 @@ void yRow(const uint8_t* src, uint8_t* y, size_t width)
                      [=](const Pixels& pixels, size_t x, size_t count) { lumaOf(pixels, y + x, count); });
 }
 
-#define ODX_ROWS(source, pixels)                                                   \
-    constexpr auto* source##2yuvp = yuvRow<blueFirst::pixels, Chroma::Planes, 1>;  \
-    constexpr auto* source##2yyuvp = yuvRow<blueFirst::pixels, Chroma::Planes, 2>; \
-    constexpr auto* source##2yuv = yuvRow<blueFirst::pixels, Chroma::Pairs, 1>;    \
-    constexpr auto* source##2yyuv = yuvRow<blueFirst::pixels, Chroma::Pairs, 2>;   \
-    constexpr auto* source##2y = yRow<blueFirst::pixels>;
-ODX_ROWS(rgb565, RGB565)
-ODX_ROWS(rgb888, RGB888)
-ODX_ROWS(rgba, RGBA8888)
-#undef ODX_ROWS
-
 struct Destination {
     uint8_t *y, *cb, *cr;
     uint32_t yStride, cbStride, crStride;
 };
 
 // Images of odd width have no whole pairs of pixels, and are left as they are where these share chroma.
-template <auto* convert, auto* convertLuma, uint32_t subsampling>
-void convertToYuv(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcStride, const Destination& dst)
+template <uint32_t subsampling>
+void convertToYuv(const HelperPointer<odxYuvRow>& convert, const HelperPointer<odxLumaRow>& convertLuma,
+                  const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcStride, const Destination& dst)
 {
     constexpr size_t across = subsampling == 444 ? 1 : 2, down = subsampling == 420 ? 2 : 1;
     if (width % across != 0) return;
@@ -234,7 +228,7 @@ void convertToYuv(const uint8_t* src, uint32_t width, uint32_t height, uint32_t 
 
 void greyRow(const uint8_t* src, uint8_t* dst, size_t width)
 {
-    inChunks<RGB888>(src, width, [=](const Pixels& pixels, size_t x0, size_t count) {
+    inChunks<repacked::RGB888>(src, width, [=](const Pixels& pixels, size_t x0, size_t count) {
         const Weights w = kGrey;
         for (size_t x = 0; x < count; ++x) {
             const int32_t sum = w.red * pixels.red[x] + w.green * pixels.green[x] + w.blue * pixels.blue[x];
@@ -259,7 +253,7 @@ void fineSum(const Weights& w, int32_t offset, const Pixels& pixels, uint8_t* __
 
 void yCrCbRow(const uint8_t* src, uint8_t* dst, size_t width)
 {
-    inChunks<RGB888>(src, width, [=](const Pixels& pixels, size_t x, size_t count) {
+    inChunks<repacked::RGB888>(src, width, [=](const Pixels& pixels, size_t x, size_t count) {
         alignas(16) uint8_t y[kChunk], cr[kChunk], cb[kChunk];
         fineSum(kFineY, 0, pixels, y, count);
         fineSum(kFineCr, 128, pixels, cr, count);
@@ -304,7 +298,7 @@ void huesOf(const Pixels& pixels, Hues& hues, size_t count)
 
 void rgb8882hsv(const uint8_t* src, uint8_t* dst, size_t width)
 {
-    inChunks<RGB888>(src, width, [=](const Pixels& pixels, size_t x0, size_t count) {
+    inChunks<repacked::RGB888>(src, width, [=](const Pixels& pixels, size_t x0, size_t count) {
         Hues hues;
         huesOf(pixels, hues, count);
         uint8_t* hsv = dst + 3 * x0;
@@ -334,20 +328,20 @@ struct Repacking {
 // Pairs of layouts that have a shorter way.
 
 template <>
-struct Repacking<RGB888, RGBA8888> {
+struct Repacking<repacked::RGB888, repacked::RGBA8888> {
     static constexpr auto row = channels::widen;
 };
 template <>
-struct Repacking<RGBA8888, RGB888> {
+struct Repacking<repacked::RGBA8888, repacked::RGB888> {
     static constexpr auto row = channels::narrow;
 };
 template <>
-struct Repacking<RGB888, BGR888> {
+struct Repacking<repacked::RGB888, repacked::BGR888> {
     static constexpr auto row = channels::mirror3;
 };
 
 template <>
-struct Repacking<RGB565, BGR565> {
+struct Repacking<repacked::RGB565, repacked::BGR565> {
     static void row(const uint8_t* __restrict src, uint8_t* __restrict dst, size_t width)
     {
         for (size_t x = 0; x < width; ++x) {
@@ -361,7 +355,7 @@ struct Repacking<RGB565, BGR565> {
 
 // The only pair in which both have a fourth channel, which is kept.
 template <>
-struct Repacking<RGBA8888, BGRA8888> {
+struct Repacking<repacked::RGBA8888, repacked::BGRA8888> {
     static constexpr auto row = channels::mirror4;
 };
 
@@ -385,16 +379,48 @@ using namespace odx::color;
 
 extern "C" {
 
+#define ODX_DEFINE(source, pixels)                                                               \
+    void source##2yuvpC(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, size_t width)  \
+    {                                                                                            \
+        yuvRow<blueFirst::pixels, Chroma::Planes, 1>(src, y, cb, cr, width);                     \
+    }                                                                                            \
+    void source##2yyuvpC(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, size_t width) \
+    {                                                                                            \
+        yuvRow<blueFirst::pixels, Chroma::Planes, 2>(src, y, cb, cr, width);                     \
+    }                                                                                            \
+    void source##2yuvC(const uint8_t* src, uint8_t* y, uint8_t* c, uint8_t*, size_t width)       \
+    {                                                                                            \
+        yuvRow<blueFirst::pixels, Chroma::CbCrPairs, 1>(src, y, c, c, width);                    \
+    }                                                                                            \
+    void source##2yyuvC(const uint8_t* src, uint8_t* y, uint8_t* c, uint8_t*, size_t width)      \
+    {                                                                                            \
+        yuvRow<blueFirst::pixels, Chroma::CbCrPairs, 2>(src, y, c, c, width);                    \
+    }                                                                                            \
+    void source##2yC(const uint8_t* src, uint8_t* y, size_t width)                               \
+    {                                                                                            \
+        yRow<blueFirst::pixels>(src, y, width);                                                  \
+    }
+ODX_RGB_SOURCES(ODX_DEFINE)
+#undef ODX_DEFINE
+
+#define ODX_DEFINE(from, to)                                                     \
+    void repack##from##To##to##C(const uint8_t* src, uint8_t* dst, size_t width) \
+    {                                                                            \
+        Repacking<repacked::from, repacked::to>::row(src, dst, width);           \
+    }
+ODX_RGB_TO_RGB(ODX_DEFINE)
+#undef ODX_DEFINE
+
 #define ODX_DEFINE(pixels, subsampling, source, rows)                                                             \
     void odxColor##pixels##ToYCbCr##subsampling##Planaru8C(ODX_Packed_SOURCE, ODX_Planar_DESTINATION)             \
     {                                                                                                             \
-        convertToYuv<source##2##rows##p, source##2y, subsampling>(                                                \
-            src, srcWidth, srcHeight, srcStride, {dstY, dstCb, dstCr, dstYStride, dstCbStride, dstCrStride});     \
+        convertToYuv<subsampling>(source##2##rows##p_, source##2y_, src, srcWidth, srcHeight, srcStride,          \
+                                  {dstY, dstCb, dstCr, dstYStride, dstCbStride, dstCrStride});                    \
     }                                                                                                             \
     void odxColor##pixels##ToYCbCr##subsampling##PseudoPlanaru8C(ODX_Packed_SOURCE, ODX_PseudoPlanar_DESTINATION) \
     {                                                                                                             \
-        convertToYuv<source##2##rows, source##2y, subsampling>(                                                   \
-            src, srcWidth, srcHeight, srcStride, {dstY, dstC, dstC, dstYStride, dstCStride, dstCStride});         \
+        convertToYuv<subsampling>(source##2##rows##_, source##2y_, src, srcWidth, srcHeight, srcStride,           \
+                                  {dstY, dstC, dstC, dstYStride, dstCStride, dstCStride});                        \
     }
 ODX_RGB_TO_YCBCR(ODX_DEFINE)
 #undef ODX_DEFINE
@@ -402,7 +428,8 @@ ODX_RGB_TO_YCBCR(ODX_DEFINE)
 #define ODX_DEFINE(from, to)                                                    \
     void odxColor##from##To##to##u8C(ODX_Packed_SOURCE, ODX_Packed_DESTINATION) \
     {                                                                           \
-        eachRow(ODX_Packed_ARGUMENTS, Repacking<from, to>::row);                \
+        odxRepackedRow* const row = repack##from##To##to##_;                    \
+        eachRow(ODX_Packed_ARGUMENTS, row);                                     \
     }
 ODX_RGB_TO_RGB(ODX_DEFINE)
 #undef ODX_DEFINE

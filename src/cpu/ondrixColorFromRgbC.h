@@ -6,8 +6,8 @@
 
 // ---- the conversions, as tables ----
 
-// X(pixels, subsampling, source, rows); each exists to planar and to pseudo-planar images. The reference's row
-// routines are <source>2<rows>p for planar and <source>2<rows> for interleaved chroma, <source>2y for luma alone.
+// X(pixels, subsampling, source, rows); each exists to planar and to pseudo-planar images. The row routines are
+// <source>2<rows>p for planar and <source>2<rows> for interleaved chroma, <source>2y for luma alone.
 #define ODX_RGB_TO_YCBCR(X)      \
     X(RGB565, 444, rgb565, yuv)  \
     X(RGB565, 422, rgb565, yyuv) \
@@ -19,7 +19,13 @@
     X(RGBA8888, 422, rgba, yyuv) \
     X(RGBA8888, 420, rgba, yyuv)
 
-// X(source pixels, destination pixels)
+// X(source, pixels): the sources of the row routines.
+#define ODX_RGB_SOURCES(X) \
+    X(rgb565, RGB565)      \
+    X(rgb888, RGB888)      \
+    X(rgba, RGBA8888)
+
+// X(source pixels, destination pixels). The row routine is repack<source pixels>To<destination pixels>.
 #define ODX_RGB_TO_RGB(X) \
     X(RGB565, RGB888)     \
     X(RGB565, RGBA8888)   \
@@ -75,6 +81,26 @@
 #define ODX_PseudoPlanar_DESTINATION uint8_t *dstY, uint8_t *dstC, uint32_t dstYStride, uint32_t dstCStride
 
 extern "C" {
+
+// ---- row routines ----
+
+// Luma and chroma of a row: of every pixel (2yuv), or with the chroma of every second one (2yyuv), for even
+// widths. Interleaved chroma is written to cb alone.
+typedef void odxYuvRow(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, size_t width);
+typedef void odxLumaRow(const uint8_t* src, uint8_t* y, size_t width);
+typedef void odxRepackedRow(const uint8_t* src, uint8_t* dst, size_t width);
+
+#define ODX_DECLARE(source, pixels)                                           \
+    odxYuvRow source##2yuvpC, source##2yyuvpC, source##2yuvC, source##2yyuvC; \
+    odxLumaRow source##2yC;
+ODX_RGB_SOURCES(ODX_DECLARE)
+#undef ODX_DECLARE
+
+#define ODX_DECLARE(from, to) odxRepackedRow repack##from##To##to##C;
+ODX_RGB_TO_RGB(ODX_DECLARE)
+#undef ODX_DECLARE
+
+// ---- operations ----
 
 #define ODX_DECLARE(pixels, subsampling, source, rows)                                                            \
     decltype(odxColor##pixels##ToYCbCr##subsampling##Planaru8) odxColor##pixels##ToYCbCr##subsampling##Planaru8C; \

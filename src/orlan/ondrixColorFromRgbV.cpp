@@ -16,6 +16,84 @@ ODX_COLOR(odxColorRGB888toYCrCbu8);
 ODX_COLOR(odxColorRGB888ToHSV888u8);
 ODX_COLOR(odxColorRGB888ToRGB565Rotate180u8);
 ODX_COLOR(odxColorCbCrSwapu8);
+#define ODX_ROWS(source, pixels) \
+    ODX_COLOR(source##2yuvp);    \
+    ODX_COLOR(source##2yyuvp);   \
+    ODX_COLOR(source##2yuv);     \
+    ODX_COLOR(source##2yyuv);    \
+    ODX_COLOR(source##2y);
+ODX_RGB_SOURCES(ODX_ROWS)
+#undef ODX_ROWS
+#define ODX_ROWS(from, to) ODX_COLOR(repack##from##To##to);
+ODX_RGB_TO_RGB(ODX_ROWS)
+#undef ODX_ROWS
+
+// ---- layouts ----
+
+// A layout loads kBytes pixels as one vector a channel, in order of memory or from the low bits up, and stores
+// them.
+
+struct Triples {
+    static constexpr size_t kSize = 3;
+    ODX_INLINE u8x3 load(const uint8_t* p) { return load3(p); }
+    ODX_INLINE void store(uint8_t* p, const u8x3& v) { store3(p, v.a, v.b, v.c); }
+};
+
+struct Quads {
+    static constexpr size_t kSize = 4;
+    ODX_INLINE u8x3 load(const uint8_t* p)
+    {
+        const u8x4 v = load4(p);
+        return {v.a, v.b, v.c};
+    }
+    ODX_INLINE void store(uint8_t* p, const u8x3& v) { store4(p, v.a, v.b, v.c, v.a | 255); }
+};
+
+// 16-bit words with channels of 5, 6 and 5 bits, whose missing low bits become 0, or copies of the high ones.
+template <bool copies>
+struct Words565 {
+    static constexpr size_t kSize = 2;
+    ODX_INLINE u8x3 load(const uint8_t* p)
+    {
+        const u8x2 v = load2(p);
+        const u8v first = v.a << 3, second = (v.a >> 3 & 0x1C) | v.b << 5, third = v.b & 0xF8;
+        if constexpr (!copies) return {first, second, third};
+        return {first | (first >> 5), second | (second >> 6), third | (third >> 5)};
+    }
+    ODX_INLINE void store(uint8_t* p, const u8x3& v)
+    {
+        RGB565::pack(v.a, v.b, v.c, [p](u8v low, u8v high) { store2(p, low, high); });
+    }
+};
+
+template <class Storage>
+struct BlueFirst {
+    static constexpr size_t kSize = Storage::kSize;
+    ODX_INLINE u8x3 load(const uint8_t* p)
+    {
+        const u8x3 v = Storage::load(p);
+        return {v.c, v.b, v.a};
+    }
+    ODX_INLINE void store(uint8_t* p, const u8x3& v) { Storage::store(p, {v.c, v.b, v.a}); }
+};
+
+namespace repacked
+{
+using RGB565 = Words565<true>;
+using RGB888 = Triples;
+using RGBA8888 = Quads;
+using BGR565 = BlueFirst<RGB565>;
+using BGR888 = BlueFirst<RGB888>;
+using BGRA8888 = BlueFirst<RGBA8888>;
+} // namespace repacked
+
+// What the conversions to luma and chroma call by the same names.
+namespace blueFirst
+{
+using RGB565 = BlueFirst<Words565<false>>;
+using RGB888 = BlueFirst<Triples>;
+using RGBA8888 = BlueFirst<Quads>;
+} // namespace blueFirst
 
 // Converts a row with group(src, dst), which converts kBytes pixels of srcSize bytes to pixels of dstSize bytes.
 template <size_t srcSize, size_t dstSize, class Group>
@@ -38,6 +116,145 @@ ODX_INLINE void convertImage(ODX_Packed_SOURCE, ODX_Packed_DESTINATION, Group gr
         convertRow<srcSize, dstSize>(in, out, width, group);
     });
 }
+
+// ---- luma and chroma ----
+
+// The upper bytes of weighted sums, which are from 0 to 65535. The channels are in 16 bits.
+template <int red, int green, int blue, int offset>
+ODX_INLINE u16v sumOf(u16v r, u16v g, u16v b)
+{
+    return r * (uint16_t)red + g * (uint16_t)green + b * (uint16_t)blue + (uint16_t)offset;
+}
+template <int red, int green, int blue, int offset>
+ODX_INLINE u8v highSum(const u8x3& rgb)
+{
+    const u16p r = split(rgb.a), g = split(rgb.b), b = split(rgb.c);
+    return joinShifted<8>(
+        u16p{sumOf<red, green, blue, offset>(r.a, g.a, b.a), sumOf<red, green, blue, offset>(r.b, g.b, b.b)});
+}
+// The same of every second pixel, as 16-bit lanes.
+template <int red, int green, int blue, int offset>
+ODX_INLINE u16v highSumOfPairs(const u8x3& rgb)
+{
+    const auto even = [](u8v v) { return (u16v)v & 0xFF; };
+    return sumOf<red, green, blue, offset>(even(rgb.a), even(rgb.b), even(rgb.c)) >> 8;
+}
+
+ODX_INLINE u8v lumaOf(const u8x3& rgb)
+{
+    return highSum<77, 150, 29, 128>(rgb);
+}
+
+// Converts kBytes pixels, with the chroma of every `step`-th one.
+template <class Source, Chroma layout, size_t step>
+ODX_INLINE void toYuv(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr)
+{
+    const u8x3 rgb = Source::load(src);
+    store(y, lumaOf(rgb));
+    const auto limited = [](auto high) { return (u8v)min((u8v)high, u8v{} + 254); };
+    if constexpr (step == 1) {
+        const u8v u = limited(highSum<-43, -85, 128, 32640>(rgb)) + 1,
+                  v = limited(highSum<128, -107, -21, 32640>(rgb)) + 1;
+        if constexpr (layout == Chroma::Planes) {
+            store(cb, u);
+            store(cr, v);
+        } else {
+            store2(cb, u, v);
+        }
+    } else {
+        const u16v u = (u16v)limited(highSumOfPairs<-43, -85, 128, 32640>(rgb)) + 1,
+                   v = (u16v)limited(highSumOfPairs<128, -107, -21, 32640>(rgb)) + 1;
+        if constexpr (layout == Chroma::Planes) {
+            storeNarrow(cb, u);
+            storeNarrow(cr, v);
+        } else {
+            store(cb, u | v << 8);
+        }
+    }
+}
+
+template <class Source, Chroma layout, size_t step>
+ODX_INLINE void yuvRow(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, size_t width)
+{
+    constexpr size_t size = layout == Chroma::CbCrPairs ? 2 : 1;
+    size_t x = 0;
+    for (; width - x >= kBytes; x += kBytes)
+        toYuv<Source, layout, step>(src + Source::kSize * x, y + x, cb + size * x / step, cr + size * x / step);
+    if (x == width) return;
+    const size_t left = width - x;
+    uint8_t in[Source::kSize * kBytes] = {}, luma[kBytes], chroma[2][2 * kBytes];
+    memcpy(in, src + Source::kSize * x, Source::kSize * left);
+    toYuv<Source, layout, step>(in, luma, chroma[0], chroma[1]);
+    memcpy(y + x, luma, left);
+    memcpy(cb + size * x / step, chroma[0], size * left / step);
+    if constexpr (layout == Chroma::Planes) memcpy(cr + x / step, chroma[1], left / step);
+}
+
+#define ODX_DEFINE(source, pixels)                                                                     \
+    void source##2yuvpV(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, size_t width)        \
+    {                                                                                                  \
+        yuvRow<blueFirst::pixels, Chroma::Planes, 1>(src, y, cb, cr, width);                           \
+    }                                                                                                  \
+    void source##2yyuvpV(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, size_t width)       \
+    {                                                                                                  \
+        yuvRow<blueFirst::pixels, Chroma::Planes, 2>(src, y, cb, cr, width);                           \
+    }                                                                                                  \
+    void source##2yuvV(const uint8_t* src, uint8_t* y, uint8_t* c, uint8_t*, size_t width)             \
+    {                                                                                                  \
+        yuvRow<blueFirst::pixels, Chroma::CbCrPairs, 1>(src, y, c, c, width);                          \
+    }                                                                                                  \
+    void source##2yyuvV(const uint8_t* src, uint8_t* y, uint8_t* c, uint8_t*, size_t width)            \
+    {                                                                                                  \
+        yuvRow<blueFirst::pixels, Chroma::CbCrPairs, 2>(src, y, c, c, width);                          \
+    }                                                                                                  \
+    void source##2yV(const uint8_t* src, uint8_t* y, size_t width)                                     \
+    {                                                                                                  \
+        using Source = blueFirst::pixels;                                                              \
+        convertRow<Source::kSize, 1>(src, y, width,                                                    \
+                                     [](auto in, auto out) { store(out, lumaOf(Source::load(in))); }); \
+    }
+ODX_RGB_SOURCES(ODX_DEFINE)
+#undef ODX_DEFINE
+
+// ---- other pixels ----
+
+template <class Source, class Target>
+struct Repacking {
+    ODX_INLINE void group(const uint8_t* in, uint8_t* out) { Target::store(out, Source::load(in)); }
+};
+
+// Both have words of 16 bits, or of 32, in which red and blue change places and the rest stays.
+template <>
+struct Repacking<repacked::RGB565, repacked::BGR565> {
+    ODX_INLINE void group(const uint8_t* in, uint8_t* out)
+    {
+        for (size_t half = 0; half < 2 * kBytes; half += kBytes) {
+            const u16v w = load<u16v>(in + half);
+            store(out + half, (w & 0x07E0) | w << 11 | w >> 11);
+        }
+    }
+};
+template <>
+struct Repacking<repacked::RGBA8888, repacked::BGRA8888> {
+    ODX_INLINE void group(const uint8_t* in, uint8_t* out)
+    {
+        for (size_t quarter = 0; quarter < 4 * kBytes; quarter += kBytes) {
+            const u32v w = load<u32v>(in + quarter);
+            store(out + quarter, (w & 0xFF00FF00) | (w << 16 & 0xFF0000) | (w >> 16 & 0xFF));
+        }
+    }
+};
+
+#define ODX_DEFINE(from, to)                                                                        \
+    void repack##from##To##to##V(const uint8_t* src, uint8_t* dst, size_t width)                    \
+    {                                                                                               \
+        using Source = repacked::from;                                                              \
+        using Target = repacked::to;                                                                \
+        convertRow<Source::kSize, Target::kSize>(                                                   \
+            src, dst, width, [](auto in, auto out) { Repacking<Source, Target>::group(in, out); }); \
+    }
+ODX_RGB_TO_RGB(ODX_DEFINE)
+#undef ODX_DEFINE
 
 // ---- grey and Y/Cr/Cb ----
 

@@ -278,9 +278,13 @@ ODX_INLINE u8x3 load3(const uint8_t* p)
 
 ODX_INLINE u8x4 load4(const uint8_t* p)
 {
-    const ODX_MI t = loadRuns<4>(p), u = loadRuns<4>(p + 16), v = loadRuns<4>(p + 32), w = loadRuns<4>(p + 48);
-    const ODX_MI ac0 = evenBytes(t, u), ac1 = evenBytes(v, w), bd0 = oddBytes(t, u), bd1 = oddBytes(v, w);
-    return {(u8v)evenBytes(ac0, ac1), (u8v)evenBytes(bd0, bd1), (u8v)oddBytes(ac0, ac1), (u8v)oddBytes(bd0, bd1)};
+    const ODX_MI channels = inEachLane(_mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15));
+    const auto fours = [=](int i) { return ODX_MM(shuffle_epi8)(loadRuns<4>(p + 16 * i), channels); };
+    const ODX_MI t = fours(0), u = fours(1), v = fours(2), w = fours(3);
+    const ODX_MI ab0 = ODX_MM(unpacklo_epi32)(t, u), ab1 = ODX_MM(unpacklo_epi32)(v, w),
+                 cd0 = ODX_MM(unpackhi_epi32)(t, u), cd1 = ODX_MM(unpackhi_epi32)(v, w);
+    return {(u8v)ODX_MM(unpacklo_epi64)(ab0, ab1), (u8v)ODX_MM(unpackhi_epi64)(ab0, ab1),
+            (u8v)ODX_MM(unpacklo_epi64)(cd0, cd1), (u8v)ODX_MM(unpackhi_epi64)(cd0, cd1)};
 }
 
 ODX_INLINE void store2(uint8_t* p, u8v a, u8v b)
