@@ -223,6 +223,28 @@ struct Repacking {
     ODX_INLINE void group(const uint8_t* in, uint8_t* out) { Target::store(out, Source::load(in)); }
 };
 
+// Only the bytes of each pixel are moved.
+template <bool mirrored>
+struct Widening {
+    ODX_INLINE void group(const uint8_t* in, uint8_t* out) { widen3<mirrored>(out, in); }
+};
+template <bool mirrored>
+struct Narrowing {
+    ODX_INLINE void group(const uint8_t* in, uint8_t* out) { narrow4<mirrored>(out, in); }
+};
+template <>
+struct Repacking<repacked::RGB888, repacked::RGBA8888> : Widening<false> {
+};
+template <>
+struct Repacking<repacked::RGB888, repacked::BGRA8888> : Widening<true> {
+};
+template <>
+struct Repacking<repacked::RGBA8888, repacked::RGB888> : Narrowing<false> {
+};
+template <>
+struct Repacking<repacked::RGBA8888, repacked::BGR888> : Narrowing<true> {
+};
+
 // Both have words of 16 bits, or of 32, in which red and blue change places and the rest stays.
 template <>
 struct Repacking<repacked::RGB565, repacked::BGR565> {

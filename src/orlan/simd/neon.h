@@ -188,6 +188,19 @@ ODX_INLINE void store4(uint8_t* p, u8v a, u8v b, u8v c, u8v d)
     vst4q_u8(p, n);
 }
 
+template <bool mirrored>
+ODX_INLINE void widen3(uint8_t* q, const uint8_t* p)
+{
+    const u8x3 v = load3(p);
+    store4(q, mirrored ? v.c : v.a, v.b, mirrored ? v.a : v.c, v.a | 255);
+}
+template <bool mirrored>
+ODX_INLINE void narrow4(uint8_t* q, const uint8_t* p)
+{
+    const u8x4 v = load4(p);
+    store3(q, mirrored ? v.c : v.a, v.b, mirrored ? v.a : v.c);
+}
+
 ODX_INLINE u8v popCount(u8v v)
 {
     return (u8v)vcntq_u8((uint8x16_t)v);

@@ -10,6 +10,9 @@
 //   load2(p), load3(p), load4(p) kBytes pixels of 2, 3 or 4 interleaved bytes as one vector a channel, in order
 //   store2(p, a, b), store3(p, a, b, c), store4(p, a, b, c, d)
 //                                the reverse
+//   widen3<mirrored>(q, p)       kBytes pixels of 3 bytes at p as pixels of 4 at q, of which the last is 255
+//   narrow4<mirrored>(q, p)      the first 3 bytes of kBytes pixels of 4; mirrored: the first and the third
+//                                change places
 //   min, max                     of u8v and s16v; max of s32v
 //   split(v), join(pair)         bytes to 16 bits (or signed 16 to 32) and back, as a pair in the target's own
 //   lane

@@ -314,6 +314,64 @@ ODX_INLINE void store4(uint8_t* p, u8v a, u8v b, u8v c, u8v d)
     storeRuns<4>(p + 48, ODX_MM(unpackhi_epi16)(ab1, cd1));
 }
 
+// Shuffles each 16 bytes: byte i of a pixel of `to` bytes comes from byte i of one of `from`, for i up to 2.
+template <int from, int to, bool mirrored, int first = 0>
+ODX_INLINE __m128i repacking()
+{
+    const auto at = [](int i) {
+        const int channel = i % to, place = mirrored ? 2 - channel : channel, pixel = i / to;
+        return (char)(channel > 2 || pixel > 3 ? -1 : from * pixel + place + first);
+    };
+    return _mm_setr_epi8(at(0), at(1), at(2), at(3), at(4), at(5), at(6), at(7), at(8), at(9), at(10), at(11),
+                         at(12), at(13), at(14), at(15));
+}
+
+// A quarter of the pixels at a time. The last 16 bytes of a load end with its last pixel.
+template <bool mirrored>
+ODX_INLINE void widen3(uint8_t* q, const uint8_t* p)
+{
+    const auto lane = [](const uint8_t* from) { return _mm_loadu_si128((const __m128i*)from); };
+    const __m128i table = repacking<3, 4, mirrored>(), last = repacking<3, 4, mirrored, 4>();
+    for (int i = 0; i < 4; ++i, p += kBytes / 4 * 3, q += kBytes) {
+#if ODX_VECTOR_BYTES == 64
+        const __m512i tables = _mm512_inserti32x4(_mm512_broadcast_i32x4(table), last, 3);
+        const __m512i v = _mm512_inserti32x4(
+            _mm512_inserti32x4(_mm512_inserti32x4(_mm512_castsi128_si512(lane(p)), lane(p + 12), 1), lane(p + 24),
+                               2),
+            lane(p + 32), 3);
+#else
+        const __m256i tables = _mm256_set_m128i(last, table), v = _mm256_set_m128i(lane(p + 8), lane(p));
+#endif
+        store(q, (u32v)ODX_MM(shuffle_epi8)(v, tables) | 0xFF000000);
+    }
+}
+
+// Stores overlap, but for the last one of the group.
+template <bool mirrored>
+ODX_INLINE void narrow4(uint8_t* q, const uint8_t* p)
+{
+    const ODX_MI table = inEachLane(repacking<4, 3, mirrored>());
+    const auto packed = [=](int i) {
+        const ODX_MI v = ODX_MM(shuffle_epi8)(load<ODX_MI>(p + kBytes * i), table);
+#if ODX_VECTOR_BYTES == 64
+        return _mm512_permutexvar_epi32(_mm512_setr_epi32(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 3, 3, 3, 3), v);
+#else
+        return _mm256_permutevar8x32_epi32(v, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 3));
+#endif
+    };
+    const ODX_MI v[] = {packed(0), packed(1), packed(2), packed(3)};
+    for (int i = 0; i < 3; ++i)
+        store(q + kBytes / 4 * 3 * i, v[i]);
+    q += kBytes / 4 * 9;
+#if ODX_VECTOR_BYTES == 64
+    _mm256_storeu_si256((__m256i*)q, _mm512_castsi512_si256(v[3]));
+    _mm_storeu_si128((__m128i*)(q + 32), _mm512_extracti32x4_epi32(v[3], 2));
+#else
+    _mm_storeu_si128((__m128i*)q, _mm256_castsi256_si128(v[3]));
+    _mm_storel_epi64((__m128i*)(q + 16), _mm256_extracti128_si256(v[3], 1));
+#endif
+}
+
 ODX_INLINE u8v popCount(u8v v)
 {
     const ODX_MI table = inEachLane(_mm_setr_epi8(0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4));
