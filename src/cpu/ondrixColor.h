@@ -39,6 +39,12 @@ ODX_COLOR_INLINE Terms termsOf(uint8_t cb, uint8_t cr)
 }
 
 template <const Scheme& s>
+ODX_COLOR_INLINE int32_t lumaOf(uint8_t y)
+{
+    return s.gain * ((y < s.darkest ? s.darkest : y) - s.black) + s.rounding;
+}
+
+template <const Scheme& s>
 ODX_COLOR_INLINE uint8_t channelOf(int32_t luma, int32_t term)
 {
     const int32_t value = (luma + term) >> s.shift;
@@ -82,7 +88,7 @@ struct RGB565 {
 template <const Scheme& s, class Pixel>
 ODX_COLOR_INLINE void convertPixel(uint8_t y, const Terms& terms, uint8_t* dst)
 {
-    const int32_t luma = s.gain * ((y < s.darkest ? s.darkest : y) - s.black) + s.rounding;
+    const int32_t luma = lumaOf<s>(y);
     Pixel::pack(channelOf<s>(luma, terms.red), channelOf<s>(luma, terms.green), channelOf<s>(luma, terms.blue),
                 [=](auto... bytes) mutable { ((*dst++ = static_cast<uint8_t>(bytes)), ...); });
 }

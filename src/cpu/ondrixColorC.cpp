@@ -1,5 +1,6 @@
 #include "cpu/ondrixColorC.h"
 
+#include "cpu/channels.h"
 #include "cpu/image.h"
 #include "frame/log.h"
 
@@ -11,31 +12,84 @@ namespace
 
 // ---- rows ----
 
+// A row is converted in chunks: first each channel into a plane, then the planes into pixels. So every loop is one
+// that compilers vectorise.
+constexpr size_t kChunk = 256;
+struct Channels {
+    alignas(16) uint8_t red[kChunk], green[kChunk], blue[kChunk];
+};
+
+template <class Pixel>
+void storePixels(const Channels& channels, uint8_t* __restrict dst, size_t count)
+{
+    if constexpr (Pixel::kSize == 3) {
+        channels::join3(channels.red, channels.green, channels.blue, dst, count);
+    } else if constexpr (Pixel::kSize == 4) {
+        channels::join4(channels.red, channels.green, channels.blue, dst, count);
+    } else {
+        for (size_t x = 0; x < count; ++x) {
+            Pixel::pack(channels.red[x], channels.green[x], channels.blue[x], [&](auto low, auto high) {
+                dst[2 * x] = static_cast<uint8_t>(low);
+                dst[2 * x + 1] = static_cast<uint8_t>(high);
+            });
+        }
+    }
+}
+
+// The terms of chroma pair i. Two samples side by side are read as one word, which compilers vectorise better.
+template <const Scheme& s, Chroma chroma>
+Terms pairTerms(const uint8_t* cb, const uint8_t* cr, size_t i)
+{
+    if constexpr (chroma == Chroma::Planes) {
+        return termsOf<s>(cb[i], cr[i]);
+    } else {
+        uint16_t pair;
+        memcpy(&pair, (chroma == Chroma::CbCrPairs ? cb : cr) + 2 * i, sizeof pair);
+        const auto first = static_cast<uint8_t>(pair), second = static_cast<uint8_t>(pair >> 8);
+        return chroma == Chroma::CbCrPairs ? termsOf<s>(first, second) : termsOf<s>(second, first);
+    }
+}
+
 // A row with a chroma pair for each pixel.
 template <const Scheme& s, class Pixel, Chroma chroma>
-void convertRow(const uint8_t* __restrict y, const uint8_t* __restrict cb, const uint8_t* __restrict cr,
-                uint8_t* __restrict dst, size_t length)
+void convertRow(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* dst, size_t length)
 {
-    for (size_t x = 0; x < length; ++x) {
-        const Terms terms = termsOf<s>(cb[kChromaStep<chroma> * x], cr[kChromaStep<chroma> * x]);
-        convertPixel<s, Pixel>(y[x], terms, dst + Pixel::kSize * x);
+    constexpr size_t step = kChromaStep<chroma>;
+    Channels channels;
+    for (size_t x0 = 0, count; x0 < length; x0 += count) {
+        count = length - x0 < kChunk ? length - x0 : kChunk;
+        const uint8_t *const luma = y + x0, *const u = cb + step * x0, *const v = cr + step * x0;
+        for (size_t x = 0; x < count; ++x) {
+            const Terms terms = pairTerms<s, chroma>(u, v, x);
+            const int32_t level = lumaOf<s>(luma[x]);
+            channels.red[x] = channelOf<s>(level, terms.red);
+            channels.green[x] = channelOf<s>(level, terms.green);
+            channels.blue[x] = channelOf<s>(level, terms.blue);
+        }
+        storePixels<Pixel>(channels, dst + Pixel::kSize * x0, count);
     }
 }
 
 // The pixels of a row that share their chroma pair with a neighbour; all but the last one when the length is odd.
-// With a `direction` of -1 the row is written backward, from `dst` on.
-template <const Scheme& s, class Pixel, Chroma chroma, ptrdiff_t direction = 1>
-void convertPairs(const uint8_t* __restrict y, const uint8_t* __restrict cb, const uint8_t* __restrict cr,
-                  uint8_t* __restrict dst, size_t length)
+template <const Scheme& s, class Pixel, Chroma chroma>
+void convertPairs(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* dst, size_t length)
 {
-    constexpr ptrdiff_t size = direction * static_cast<ptrdiff_t>(Pixel::kSize);
-    const ptrdiff_t pairs = static_cast<ptrdiff_t>(length / 2);
-    for (ptrdiff_t i = 0; i < pairs; ++i) {
-        const Terms terms = termsOf<s>(*cb, *cr);
-        convertPixel<s, Pixel>(y[2 * i], terms, dst + size * 2 * i);
-        convertPixel<s, Pixel>(y[2 * i + 1], terms, dst + size * (2 * i + 1));
-        cb += kChromaStep<chroma>;
-        cr += kChromaStep<chroma>;
+    constexpr size_t step = kChromaStep<chroma>;
+    Channels channels;
+    for (size_t x0 = 0, count; x0 + 1 < length; x0 += count) {
+        count = length - x0 < kChunk ? (length - x0) / 2 * 2 : kChunk;
+        const uint8_t *const luma = y + x0, *const u = cb + step * x0 / 2, *const v = cr + step * x0 / 2;
+        for (size_t i = 0; i < count / 2; ++i) {
+            const Terms terms = pairTerms<s, chroma>(u, v, i);
+            const int32_t first = lumaOf<s>(luma[2 * i]), second = lumaOf<s>(luma[2 * i + 1]);
+            channels.red[2 * i] = channelOf<s>(first, terms.red);
+            channels.red[2 * i + 1] = channelOf<s>(second, terms.red);
+            channels.green[2 * i] = channelOf<s>(first, terms.green);
+            channels.green[2 * i + 1] = channelOf<s>(second, terms.green);
+            channels.blue[2 * i] = channelOf<s>(first, terms.blue);
+            channels.blue[2 * i + 1] = channelOf<s>(second, terms.blue);
+        }
+        storePixels<Pixel>(channels, dst + Pixel::kSize * x0, count);
     }
 }
 
@@ -66,14 +120,27 @@ constexpr auto* yyuv2bgr888 = convertTwoLumaRow<RGB888, Chroma::CbCrPairs>;
 constexpr auto* yyuv2bgra = convertTwoLumaRow<RGBA8888, Chroma::CbCrPairs>;
 
 // A row in video range, with a chroma pair for every two pixels; the last one of an odd row has a pair of its own.
-template <const Scheme& s, class Pixel, Chroma chroma, ptrdiff_t direction = 1>
+template <const Scheme& s, class Pixel, Chroma chroma>
 void convertVideoRow(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* dst, size_t length)
 {
-    convertPairs<s, Pixel, chroma, direction>(y, cb, cr, dst, length);
+    convertPairs<s, Pixel, chroma>(y, cb, cr, dst, length);
     if (length % 2 != 0) {
         const size_t last = kChromaStep<chroma> * (length / 2);
-        convertPixel<s, Pixel>(y[length - 1], termsOf<s>(cb[last], cr[last]),
-                               dst + direction * static_cast<ptrdiff_t>(Pixel::kSize * (length - 1)));
+        convertPixel<s, Pixel>(y[length - 1], termsOf<s>(cb[last], cr[last]), dst + Pixel::kSize * (length - 1));
+    }
+}
+
+// The same, written backward: the first pixel ends at `end`.
+template <const Scheme& s, class Pixel, Chroma chroma>
+void convertVideoRowBackward(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* end, size_t length)
+{
+    uint8_t pixels[kChunk * Pixel::kSize];
+    for (size_t x0 = 0, count; x0 < length; x0 += count) {
+        count = length - x0 < kChunk ? length - x0 : kChunk;
+        const size_t pairs = kChromaStep<chroma> * (x0 / 2);
+        convertVideoRow<s, Pixel, chroma>(y + x0, cb + pairs, cr + pairs, pixels, count);
+        for (size_t x = 0; x < count; ++x)
+            memcpy(end - Pixel::kSize * (x0 + x + 1), pixels + Pixel::kSize * x, Pixel::kSize);
     }
 }
 
@@ -110,21 +177,27 @@ void convert420(const Frame& frame)
 
 // ---- coded blocks ----
 
+// Gathers the samples of a row from its units, and converts them like a row with a chroma pair for each pixel.
 template <class Unit>
 void convertUnits(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst)
 {
-    for (size_t y = 0; y < height; ++y) {
+    static_assert(kChunk % Unit::kWidth == 0);
+    uint8_t luma[kChunk], cb[kChunk], cr[kChunk];
+    for (size_t y = 0; y < height; ++y, dst += size_t{3} * width) {
         const uint8_t* unit = src + Unit::rowSize(width) * (y / Unit::kHeight);
         const size_t row = y % Unit::kHeight;
-        for (size_t x = 0; x < width; x += Unit::kWidth, unit += Unit::kSize) {
-            const size_t columns = width - x < Unit::kWidth ? width - x : Unit::kWidth;
-            for (size_t column = 0; column < columns; ++column) {
-                const size_t block = row / 8 * Unit::kAcross + column / 8;
-                const size_t chroma = row / Unit::kDown * 8 + column / Unit::kAcross;
-                convertPixel<kJpeg, RGB888>(unit[64 * block + row % 8 * 8 + column % 8],
-                                            termsOf<kJpeg>(unit[Unit::kCb + chroma], unit[Unit::kCr + chroma]),
-                                            dst + 3 * (size_t{width} * y + x + column));
+        const size_t lumaRow = row / 8 * Unit::kAcross * 64 + row % 8 * 8, chromaRow = row / Unit::kDown * 8;
+        for (size_t x0 = 0, count; x0 < width; x0 += count) {
+            count = width - x0 < kChunk ? width - x0 : kChunk;
+            for (size_t x = 0; x < count; ++x) {
+                const size_t column = x % Unit::kWidth;
+                const uint8_t* const from = unit + Unit::kSize * (x / Unit::kWidth);
+                luma[x] = from[lumaRow + column / 8 * 64 + column % 8];
+                cb[x] = from[Unit::kCb + chromaRow + column / Unit::kAcross];
+                cr[x] = from[Unit::kCr + chromaRow + column / Unit::kAcross];
             }
+            convertRow<kJpeg, RGB888, Chroma::Planes>(luma, cb, cr, dst + 3 * x0, count);
+            unit += Unit::kSize * (kChunk / Unit::kWidth);
         }
     }
 }
@@ -166,9 +239,9 @@ void odxColorYUV420toRGB565u8Rotate180C(const uint8_t* src, uint32_t width, uint
 {
     const Frame f = singleBufferFrame(Chroma::CbCrPairs, src, width, height, width, width, dst, 2 * width);
     for (size_t y = 0; y < height; ++y) {
-        convertVideoRow<kVideoRange, RGB565, Chroma::CbCrPairs, -1>(
+        convertVideoRowBackward<kVideoRange, RGB565, Chroma::CbCrPairs>(
             rowOf(f.y, f.yStride, y), rowOf(f.cb, f.cbStride, y / 2), rowOf(f.cr, f.crStride, y / 2),
-            rowOf(dst, f.dstStride, height - y) - RGB565::kSize, width);
+            rowOf(dst, f.dstStride, height - y), width);
     }
 }
 
