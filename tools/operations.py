@@ -51,7 +51,8 @@ def page():
     pages = operations()
     total = sum(len(rows) for rows in pages.values())
     text = ["# Operations", "",
-            f"The {total} operations that exist, and where each can run. This page is written by `tools/operations.py`.", ""]
+            f"The {total} operations that exist, and where each can run. This page is written by `tools/operations.py`.",
+            "", "Some references call inner loops that the SIMD modes replace, too: the scores of corners, and rows of RGB.", ""]
     for header, rows in sorted(pages.items(), key=lambda item: item[0].name):
         text += [f"## [{header.name}](../include/ondrix/{header.name})", "", title(header), "",
                  "| Operation | Runs as |", "|---|---|"]

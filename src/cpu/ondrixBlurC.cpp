@@ -210,6 +210,34 @@ int16_t selectRank(int16_t* values, uint32_t count, uint32_t rank)
     return values[rank];
 }
 
+// The medians of kMedians windows side by side, of which the first begins at `src`: the bits of each are found
+// from the highest down, by counting what lies below it.
+constexpr size_t kMedians = 32;
+
+void findMedians(const int16_t* src, size_t srcStride, uint32_t M, uint32_t N, int16_t* dst)
+{
+    const auto rank = static_cast<uint16_t>((M * N - 1) / 2);
+    int16_t found[kMedians];
+    for (int16_t& value : found)
+        value = INT16_MIN;
+    for (int bit = 15; bit >= 0; --bit) {
+        int16_t candidate[kMedians];
+        uint16_t below[kMedians] = {};
+        for (size_t x = 0; x < kMedians; ++x)
+            candidate[x] = static_cast<int16_t>(found[x] ^ 1 << bit);
+        for (size_t i = 0; i < N; ++i) {
+            const int16_t* const row = rowOf(src, srcStride, i);
+            for (size_t j = 0; j < M; ++j) {
+                for (size_t x = 0; x < kMedians; ++x)
+                    below[x] = static_cast<uint16_t>(below[x] + (row[j + x] < candidate[x] ? 1 : 0));
+            }
+        }
+        for (size_t x = 0; x < kMedians; ++x)
+            found[x] = below[x] <= rank ? candidate[x] : found[x];
+    }
+    memcpy(dst, found, sizeof found);
+}
+
 } // namespace
 
 extern "C" {
@@ -382,8 +410,17 @@ odxStatus odxFilterMedianMxNs16C(const int16_t* src, unsigned int srcWidth, unsi
     }
     const uint32_t count = static_cast<uint32_t>(area);
     const uint32_t width = plane.interiorWidth(M), height = plane.interiorHeight(N);
+    const bool sideBySide = width >= kMedians && area <= UINT16_MAX;
     for (uint32_t y = 0; y < height; ++y) {
         int16_t* const out = rowOf(dst, dstStride, y + N / 2) + M / 2;
+        if (sideBySide) {
+            const int16_t* const row = rowOf(src, srcStride, y);
+            for (size_t x = 0; x < width; x += kMedians) {
+                if (width - x < kMedians) x = width - kMedians;
+                findMedians(row + x, srcStride, M, N, out + x);
+            }
+            continue;
+        }
         for (size_t x = 0; x < width; ++x) {
             for (uint32_t i = 0; i < N; ++i) {
                 memcpy(window.get() + size_t{M} * i, rowOf(src, srcStride, y + i) + x, sizeof(int16_t) * M);

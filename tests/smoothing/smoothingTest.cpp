@@ -198,16 +198,24 @@ TEST_F(Smoothing, MediansAreTheMiddleOfTheirWindow)
             }
         }
     }
-    for (const auto& [m, n] : {std::pair{3, 3}, {5, 3}, {3, 7}, {9, 5}, {15, 15}}) {
+    // Of a few pixels, and of more than are taken at a time.
+    for (const auto& [width, m, n] : {std::tuple{17, 3, 3},
+                                      {17, 5, 3},
+                                      {17, 3, 7},
+                                      {17, 9, 5},
+                                      {17, 15, 15},
+                                      {34, 3, 5},
+                                      {77, 5, 5},
+                                      {98, 15, 3}}) {
         for (const int range : {2, 100, 32767}) {
-            const auto src = noise<int16_t>(17, 14, -range - 1, range);
-            Grid<int16_t> dst(17, 14, 77);
+            const auto src = noise<int16_t>(width, 16, -range - 1, range);
+            Grid<int16_t> dst(width, 16, 77);
             ASSERT_EQ(ONDRIX_SUCCESS,
-                      odxFilterMedianMxNs16(src.data(), 17, 14, src.stride(), static_cast<unsigned>(m),
+                      odxFilterMedianMxNs16(src.data(), src.w(), src.h(), src.stride(), static_cast<unsigned>(m),
                                             static_cast<unsigned>(n), dst.data(), dst.stride()));
-            for (int y = 0; y < 14; ++y) {
-                for (int x = 0; x < 17; ++x) {
-                    const bool border = x < m / 2 || x >= 17 - m / 2 || y < n / 2 || y >= 14 - n / 2;
+            for (int y = 0; y < 16; ++y) {
+                for (int x = 0; x < width; ++x) {
+                    const bool border = x < m / 2 || x >= width - m / 2 || y < n / 2 || y >= 16 - n / 2;
                     ASSERT_EQ(border ? src.at(x, y) : windowMedian(src, x, y, m / 2, n / 2, {}), dst.at(x, y))
                         << m << "x" << n << " at " << x << "," << y;
                 }
