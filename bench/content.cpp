@@ -59,9 +59,10 @@ std::vector<uint8_t> pictureFile(const std::string& path, test::Extent extent)
     const cv::Mat picture = cv::imread(path, cv::IMREAD_GRAYSCALE);
     if (picture.empty()) return {};
     std::vector<uint8_t> pixels(size_t{extent.width} * extent.height);
-    for (uint32_t y = 0; y < extent.height; ++y) {
-        for (uint32_t x = 0; x < extent.width; ++x)
-            pixels[size_t{y} * extent.width + x] = picture.at<uint8_t>(y % picture.rows, x % picture.cols);
+    const int width = static_cast<int>(extent.width);
+    for (size_t i = 0; i < pixels.size(); ++i) {
+        const int x = static_cast<int>(i) % width, y = static_cast<int>(i) / width;
+        pixels[i] = picture.at<uint8_t>(y % picture.rows, x % picture.cols);
     }
     return pixels;
 #else

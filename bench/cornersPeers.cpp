@@ -44,8 +44,8 @@ std::function<void()> goodFeatures(const Measurement& measurement)
 
 std::function<void()> subPixels(const Measurement& measurement)
 {
-    const cv::Point2f start(static_cast<float>(measurement.extent.width / 2),
-                            static_cast<float>(measurement.extent.height / 2));
+    const cv::Point2f start(static_cast<float>(measurement.extent.width) / 2,
+                            static_cast<float>(measurement.extent.height) / 2);
     return [src = matrix(measurement, CV_8U), start, points = std::vector<cv::Point2f>()]() mutable {
         points.assign(1000, start);
         cv::cornerSubPix(src, points, {5, 5}, {-1, -1},

@@ -11,6 +11,7 @@ namespace odx::bench
 namespace
 {
 
+// NOLINTNEXTLINE(cert-dcl50-cpp): formats like printf
 [[gnu::format(printf, 2, 3)]] void append(std::string& text, const char* format, ...)
 {
     char part[512];
