@@ -39,8 +39,8 @@ struct Outcome {
     bool identical = true;     // the same bytes, or the same refusal, from all columns
 
     bool refused() const { return !trials.front().refusal.empty(); }
-    // How many times as fast as the first column the second was; 0 when that was not measured, or when both took
-    // the same implementation.
+    // How many times as fast as the first column the second was, also where both took the same implementation: its
+    // inner loops may differ. 0 when that was not measured.
     double speedUp() const;
 };
 
