@@ -14,15 +14,15 @@ template <int K>
 struct Binomial; // weights of order K - 1, which sum to 2^(K-1)
 template <>
 struct Binomial<3> {
-    static constexpr uint32_t weight[3] = {1, 2, 1};
+    static constexpr uint16_t weight[3] = {1, 2, 1};
 };
 template <>
 struct Binomial<5> {
-    static constexpr uint32_t weight[5] = {1, 4, 6, 4, 1};
+    static constexpr uint16_t weight[5] = {1, 4, 6, 4, 1};
 };
 template <>
 struct Binomial<11> {
-    static constexpr uint32_t weight[11] = {1, 10, 45, 120, 210, 252, 210, 120, 45, 10, 1};
+    static constexpr uint16_t weight[11] = {1, 10, 45, 120, 210, 252, 210, 120, 45, 10, 1};
 };
 
 // The taps of a kernel of size K, centred on `at`, that lie inside [0, size): tap k is at `first + k - begin`.
@@ -44,6 +44,19 @@ Taps tapsInside(uint32_t at, uint32_t size)
     for (uint32_t k = taps.begin; k < taps.end; ++k)
         taps.weight += Binomial<K>::weight[k];
     return taps;
+}
+
+// A weight times a pixel; those of bytes fit 16 bits, which processors without wide vector products are quicker
+// at.
+template <class T>
+uint32_t product(uint16_t weight, T pixel)
+{
+    return weight * static_cast<uint32_t>(pixel);
+}
+template <>
+uint32_t product(uint16_t weight, uint8_t pixel)
+{
+    return static_cast<uint16_t>(weight * pixel);
 }
 
 // Quotient with the rounding of the destination's type: signed quotients round toward zero. The sums of 32-bit
@@ -96,9 +109,9 @@ void binomialSpan(const Plane<T>& plane, uint32_t y, uint32_t x0, uint32_t x1)
     uint32_t column[kChunk + K - 1] = {};
     for (uint32_t k = vertical.begin; k < vertical.end; ++k) {
         const T* const row = rowOf(plane.src, plane.srcStride, vertical.first + (k - vertical.begin)) + left;
-        const uint32_t weight = Binomial<K>::weight[k];
+        const uint16_t weight = Binomial<K>::weight[k];
         for (size_t x = 0; x < right - left; ++x)
-            column[x] += weight * static_cast<uint32_t>(row[x]);
+            column[x] += product(weight, row[x]);
     }
 
     // Most outputs of a span have all their horizontal taps.
@@ -122,9 +135,10 @@ void binomialSpan(const Plane<T>& plane, uint32_t y, uint32_t x0, uint32_t x1)
         some(x);
     const Quotient<K, T> divide(vertical.weight);
     for (size_t x = allFrom; x < allTo; ++x) {
-        uint32_t sum = 0;
-        for (size_t k = 0; k < K; ++k)
-            sum += Binomial<K>::weight[k] * column[x - r + k - left];
+        const uint32_t* const centre = column + (x - left);
+        uint32_t sum = Binomial<K>::weight[r] * centre[0];
+        for (size_t k = 1; k <= r; ++k)
+            sum += Binomial<K>::weight[r - k] * (*(centre - k) + centre[k]);
         out[x] = divide(sum);
     }
     for (uint32_t x = allTo; x < x1; ++x)
@@ -140,24 +154,25 @@ void binomialSpans(const Plane<T>& plane, uint32_t y, uint32_t x0, uint32_t x1)
     }
 }
 
-// The K/2 outputs at one end of a row that has all its vertical taps. `row` is the end pixel of the uppermost
-// tap's row, `step` leads inward.
-template <int K, class T>
-void binomialEnd(const T* row, size_t stride, ptrdiff_t step, T* out)
+// The K/2 outputs at one end of a row that has all its vertical taps. `columns` are the K - 1 columns at that end,
+// from the row of the uppermost tap on.
+template <int K, bool right, class T>
+void binomialEnd(const T* columns, size_t stride, T* out)
 {
     constexpr int r = K / 2;
-    uint32_t column[2 * r] = {};
-    for (int k = 0; k < K; ++k, row = rowOf(row, stride, 1)) {
+    uint32_t sums[2 * r] = {};
+    for (int k = 0; k < K; ++k, columns = rowOf(columns, stride, 1)) {
         for (int x = 0; x < 2 * r; ++x)
-            column[x] += Binomial<K>::weight[k] * static_cast<uint32_t>(row[step * x]);
+            sums[x] += product(Binomial<K>::weight[k], columns[x]);
     }
-    for (int x = 0; x < r; ++x) {
+    for (int x = 0; x < r; ++x) { // from the end of the row inward
         uint32_t sum = 0, weight = 0;
         for (int k = r - x; k < K; ++k) {
-            sum += Binomial<K>::weight[k] * column[x - r + k];
+            const int tap = x - r + k;
+            sum += Binomial<K>::weight[k] * sums[right ? 2 * r - 1 - tap : tap];
             weight += Binomial<K>::weight[k];
         }
-        out[step * x] = Quotient<K, T>(weight)(sum);
+        out[right ? r - 1 - x : x] = Quotient<K, T>(weight)(sum);
     }
 }
 
@@ -172,8 +187,8 @@ void binomialBorder(const Plane<T>& plane)
         if (interior && y >= r && y < plane.height - r) {
             const T* const top = rowOf(plane.src, plane.srcStride, y - r);
             T* const out = rowOf(plane.dst, plane.dstStride, y);
-            binomialEnd<K>(top, plane.srcStride, 1, out);
-            binomialEnd<K>(top + plane.width - 1, plane.srcStride, -1, out + plane.width - 1);
+            binomialEnd<K, false>(top, plane.srcStride, out);
+            binomialEnd<K, true>(top + plane.width - 2 * r, plane.srcStride, out + plane.width - r);
         } else {
             binomialSpans<K>(plane, y, 0, plane.width);
         }

@@ -204,24 +204,21 @@ void odxFilterGaussian5x5s32V(const int32_t* src, unsigned int srcWidth, unsigne
     gaussian5x5<Gaussian5x5s32>(plane, border, odxFilterGaussian5x5s32C);
 }
 
-// The 11x11 kernel: first 8 of its 10 vertical steps, as the weights 1 8 28 56 70 56 28 8 1 on bytes, whose sums
-// just fit 16 bits; then all horizontal steps, in 32 bits; then the last 2 vertical steps. The 16-bit sums are
-// kept less 32768, so that they multiply as signed numbers; the weights turn that into 2^27, which is added back.
-constexpr uint32_t kTile = 1024; // outputs
+// The 11x11 kernel, a tile at a time: first 8 of its 10 vertical steps on bytes, whose sums just fit 16 bits; then
+// all horizontal steps, in 32 bits; then the last 2 vertical steps. The 16-bit sums are kept less 32768, so that
+// they multiply as signed numbers; the weights turn that into 128 in the output, which is added back.
+constexpr uint32_t kTileWidth = 256, kTileRows = 32; // of outputs: the sums stay in the first-level cache
+constexpr size_t kSumsStride = kTileWidth + 10;
+using Sums = int16_t[(kTileRows + 2) * kSumsStride];
 
-// 16-bit sums of nine rows, less 32768. `count` is at least a half vector; the last one overlaps.
-ODX_INLINE void gaussian11Columns(const uint8_t* src, size_t stride, int16_t* sums, uint32_t count)
+// The sums of a strip of columns.
+ODX_INLINE void gaussian11Columns(const uint8_t* src, size_t stride, int16_t* sums, uint32_t rows)
 {
-    constexpr uint32_t lanes = kBytes / 2;
-    for (uint32_t x = 0;; x += lanes) {
-        if (count - x < lanes) x = count - lanes;
-        const uint8_t* p = src + x;
-        const auto row = [&](size_t k) { return loadWiden(p + stride * k); };
-        const u16v sum = row(0) + row(8) + 8 * (row(1) + row(7)) + 28 * (row(2) + row(6)) +
-                         56 * (row(3) + row(5)) + 70 * row(4);
-        store(sums + x, sum ^ 0x8000);
-        if (x + lanes == count) return;
-    }
+    BinomialColumn<u16v, 8> column;
+    for (uint32_t i = 0; i < 8; ++i, src += stride)
+        column.push(loadWiden(src));
+    for (uint32_t i = 0; i < rows; ++i, src += stride, sums += kSumsStride)
+        store(sums, column.push(loadWiden(src)) ^ 0x8000);
 }
 
 ODX_INLINE s32p gaussian11Row(const int16_t* sums)
@@ -230,25 +227,24 @@ ODX_INLINE s32p gaussian11Row(const int16_t* sums)
            dot2<45, 10>(sums + 8) + split(load<s16v>(sums + 10));
 }
 
-ODX_INLINE void gaussian11Tile(const uint8_t* src, size_t srcStride, uint8_t* dst, size_t dstStride,
-                               uint32_t width, uint32_t height)
+ODX_INLINE void gaussian11Rows(const int16_t* sums, uint8_t* dst, size_t stride, uint32_t rows)
+{
+    BinomialColumn<s32p, 2> column;
+    for (uint32_t i = 0; i < 2; ++i, sums += kSumsStride)
+        column.push(gaussian11Row(sums));
+    for (uint32_t i = 0; i < rows; ++i, sums += kSumsStride, dst += stride)
+        storeNarrow(dst, (u16v)(joinShifted<20>(column.push(gaussian11Row(sums))) + 128));
+}
+
+// Covers `count` columns with strips; the last one may overlap its neighbour.
+template <class Strip>
+ODX_INLINE void forColumns(uint32_t count, Strip strip)
 {
     constexpr uint32_t lanes = kBytes / 2;
-    int16_t sums[kTile + 10 + kBytes] = {};
-    BinomialColumn<s32p, 2> columns[kTile / lanes] = {};
-    uint8_t line[kTile];
-    for (uint32_t y = 0; y < height + 2; ++y, src += srcStride) {
-        gaussian11Columns(src, srcStride, sums, width + 10);
-        for (uint32_t x = 0; x < width; x += lanes) {
-            BinomialColumn<s32p, 2>& column = columns[x / lanes];
-            const s32p sum = column.push(gaussian11Row(sums + x));
-            storeNarrow(line + x, (u16v)joinShifted<20>(s32p{sum.a + (1 << 27), sum.b + (1 << 27)}));
-        }
-        if (y >= 2) {
-            memcpy(dst, line, width);
-            dst += dstStride;
-        }
-    }
+    uint32_t x = 0;
+    for (; count - x > lanes; x += lanes)
+        strip(x);
+    strip(count - lanes);
 }
 
 void odxFilterGaussian11x11u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
@@ -260,9 +256,19 @@ void odxFilterGaussian11x11u8V(const uint8_t* src, unsigned int srcWidth, unsign
         return odxFilterGaussian11x11u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride, border);
     }
     uint8_t* const first = rowOf(dst, dstStride, 5) + 5;
-    for (uint32_t x = 0, count; x < width; x += count) {
-        count = width - x < kTile ? width - x : kTile;
-        gaussian11Tile(src + x, srcStride, first + x, dstStride, count, height);
+    Sums sums;
+    for (uint32_t y = 0, rows; y < height; y += rows) {
+        rows = height - y < kTileRows ? height - y : kTileRows;
+        for (uint32_t left = 0; left < width; left += kTileWidth) {
+            const uint32_t count = width - left < kTileWidth ? width - left : kTileWidth;
+            // What is narrower than a vector goes with some of the tile before it.
+            const uint32_t columns = count < kBytes / 2 ? kBytes / 2 : count, start = left + count - columns;
+            const uint8_t* const in = rowOf(src, srcStride, y) + start;
+            uint8_t* const out = rowOf(first, dstStride, y) + start;
+            forColumns(columns + 10,
+                       [&](uint32_t x) { gaussian11Columns(in + x, srcStride, sums + x, rows + 2); });
+            forColumns(columns, [&](uint32_t x) { gaussian11Rows(sums + x, out + x, dstStride, rows); });
+        }
     }
     if (border == 1) blur::binomialBorder<11>(plane);
 }
