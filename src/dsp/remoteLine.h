@@ -6,6 +6,7 @@
 //   ODX_ARGUMENT           their names
 //   ODX_DEFAULT            expressions that give strides of 0 their packed value
 //   ODX_FITS               for each argument, whether it can travel
+//   ODX_WRITTEN            for each argument, the memory that comes back into it
 //   ODX_REMOTE_PARAMETER   the remote entry's parameters: a buffer brings its length along
 //   ODX_REMOTE_ARGUMENT    what the operation passes for them
 #ifndef ODX_DSP_REMOTE_LINE_H
@@ -64,6 +65,35 @@ uint32_t lengthOf(const void* buffer, Count count)
 {
     return buffer == nullptr ? 0 : static_cast<uint32_t>(count);
 }
+
+// Buffers come back whole. So where two of them interleave, as planes do whose rows lie side by side, the second
+// one would bring the old content of the first one along: such calls cannot be sent.
+struct Range {
+    uintptr_t begin;
+    uint64_t size;
+};
+constexpr Range kNotWritten = {0, 0};
+
+template <class T, class Count>
+Range writtenRange(const T* buffer, Count count, Direction direction, Unit unit)
+{
+    if ((direction & kOut) == 0 || buffer == nullptr) return kNotWritten;
+    return {reinterpret_cast<uintptr_t>(buffer), static_cast<uint64_t>(count) * (unit == kBytes ? 1 : sizeof(T))};
+}
+
+template <size_t n>
+bool disjoint(const Range (&ranges)[n])
+{
+    for (size_t i = 0; i < n; ++i) {
+        for (size_t j = i + 1; j < n && ranges[i].size != 0; ++j) {
+            const Range &a = ranges[i], &b = ranges[j];
+            if (b.size != 0 && (a.begin < b.begin ? b.begin - a.begin < a.size : a.begin - b.begin < b.size))
+                return false;
+        }
+    }
+    return true;
+}
+
 // ---- what the lengths of the lines are made of ----
 
 // A product that stays at the largest number instead of overflowing: no such length fits.
@@ -174,8 +204,13 @@ bool allOf(Flags... flags)
 
 #define ODX_FITS(f, i, item) ODX_MAKE(ODX_FITS, f, i, ODX_ITEM_##item)
 #define ODX_FITS_VALUE(f, i, name) true
-#define ODX_FITS_STRIDE(f, i, name, packed) true
+#define ODX_FITS_STRIDE(f, i, name, packed) (name) >= (packed) // else the last row ends behind the buffer
 #define ODX_FITS_BUFFER(f, i, name, count, direction, unit) odx::dsp::lengthFits(name, count)
+
+#define ODX_WRITTEN(f, i, item) ODX_MAKE(ODX_WRITTEN, f, i, ODX_ITEM_##item)
+#define ODX_WRITTEN_VALUE(f, i, name) odx::dsp::kNotWritten
+#define ODX_WRITTEN_STRIDE(f, i, name, packed) odx::dsp::kNotWritten
+#define ODX_WRITTEN_BUFFER(f, i, name, count, direction, unit) odx::dsp::writtenRange(name, count, direction, unit)
 
 #define ODX_REMOTE_PARAMETER(f, i, item) ODX_MAKE(ODX_REMOTE_PARAMETER, f, i, ODX_ITEM_##item)
 #define ODX_REMOTE_PARAMETER_VALUE(f, i, name) odx::dsp::ValueParameter<f, i> name

@@ -1,5 +1,6 @@
 #include "dsp/services.h"
 
+#include "cpu/ondrixRegisterC.h"
 #include "dsp/stub.h"
 
 using namespace odx::dsp;
@@ -32,7 +33,8 @@ int64_t probeZ9TimeX()
 
 int odxRegisterBufX(void* buffer, unsigned nBytes, int descriptor)
 {
-    return call(pFnX_odxRegisterBufX, reinterpret_cast<uintptr_t>(buffer), nBytes, descriptor);
+    const int code = call(pFnX_odxRegisterBufX, reinterpret_cast<uintptr_t>(buffer), nBytes, descriptor);
+    return code != kUnreachable ? code : odxRegisterBufC(buffer, nBytes, descriptor);
 }
 
 int odx_cache_flush_invalidateX(void* buffer, unsigned size)

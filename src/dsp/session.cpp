@@ -10,7 +10,6 @@ using namespace odx::dsp;
 
 extern "C" {
 uint32_t Z9_constraint_checks_enable = 1;
-uint8_t libLogPrintX = 0;
 }
 
 namespace
@@ -194,7 +193,6 @@ void odxZ9SessionDeInit()
 int ODXAZ9_init(int mode, const char* version)
 {
     readLogSwitch();
-    publish(libLogPrintX, libLogPrint);
     switch (state) {
     case kFailed:
         return -1;

@@ -14,7 +14,6 @@ void odxZ9SessionDeInit();
 unsigned adspSSRcleanUpSequence();
 
 extern uint32_t Z9_constraint_checks_enable; // as HW_constraint_checks_enable, for the variants
-extern uint8_t libLogPrintX;                 // the variants tell when they do not send a call
 }
 
 namespace odx::dsp

@@ -52,10 +52,11 @@ bool enter(SharedBuffer buffer)
 }
 
 // Tells the remote call layer of a buffer; a descriptor of -1 takes it back. The layer is part of the process, or
-// comes with the stub; without it there is nobody to tell.
+// comes with the stub, which must stay while it is called; without it there is nobody to tell.
 bool registerBuffer(void* address, size_t length, int descriptor)
 {
     static constexpr char kSymbol[] = "remote_register_buf";
+    const dsp::StubInUse stub(dsp::StubInUse::kWaits);
     void* symbol = platform::findSymbolInProcess(kSymbol);
     if (symbol == nullptr) symbol = dlsym_get(kSymbol);
     if (symbol == nullptr) return false;
@@ -87,7 +88,7 @@ Step acquire(SharedBuffer& buffer)
     constexpr unsigned kHeapMask = 0x2000000, kCached = 1;
     const size_t length = mappedLength(buffer.size);
 
-    buffer.device = ion_open();
+    buffer.device = platform::hasSharedAllocator() ? ion_open() : -1;
     if (buffer.device < 0) {
         ODX_LOG(Error, "%s", "mem_alloc_ion : Open ion device failed\n");
         return kNothing;

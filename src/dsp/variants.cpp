@@ -75,22 +75,24 @@ extern "C" {
 #define ODX_VARIANT(name, ...) \
     ResultOf<decltype(name##C)> name##X(ODX_EACH(ODX_PARAMETER, decltype(name##C), __VA_ARGS__))
 #define ODX_HERE(name, ...) here<name##C>()(ODX_EACH(ODX_ARGUMENT, name##C, __VA_ARGS__))
+#define ODX_CAN_TRAVEL(name, ...) \
+    (allOf(ODX_EACH(ODX_FITS, name##C, __VA_ARGS__)) && disjoint({ODX_EACH(ODX_WRITTEN, name##C, __VA_ARGS__)}))
 
-#define ODX_REMOTE(name, ...)                                                                             \
-    ODX_VARIANT(name, __VA_ARGS__)                                                                        \
-    {                                                                                                     \
-        ODX_EACH(ODX_DEFAULT, name##C, __VA_ARGS__);                                                      \
-        const auto send = [&] {                                                                           \
-            return callEntry(pFnX_##name##X, ODX_EACH(ODX_REMOTE_ARGUMENT, name##C, __VA_ARGS__));        \
-        };                                                                                                \
-        if (!allOf(ODX_EACH(ODX_FITS, name##C, __VA_ARGS__)) || !sent(send)) ODX_HERE(name, __VA_ARGS__); \
+#define ODX_REMOTE(name, ...)                                                                      \
+    ODX_VARIANT(name, __VA_ARGS__)                                                                 \
+    {                                                                                              \
+        ODX_EACH(ODX_DEFAULT, name##C, __VA_ARGS__);                                               \
+        const auto send = [&] {                                                                    \
+            return callEntry(pFnX_##name##X, ODX_EACH(ODX_REMOTE_ARGUMENT, name##C, __VA_ARGS__)); \
+        };                                                                                         \
+        if (!ODX_CAN_TRAVEL(name, __VA_ARGS__) || !sent(send)) ODX_HERE(name, __VA_ARGS__);        \
     }
 #define ODX_SENT_WITH_RESULT(name, initial, ...)                                                        \
     ResultOf<decltype(name##C)> result = initial;                                                       \
     const auto send = [&] {                                                                             \
         return callEntry(pFnX_##name##X, ODX_EACH(ODX_REMOTE_ARGUMENT, name##C, __VA_ARGS__), &result); \
     };                                                                                                  \
-    if (allOf(ODX_EACH(ODX_FITS, name##C, __VA_ARGS__)) && sent(send)) return result;                   \
+    if (ODX_CAN_TRAVEL(name, __VA_ARGS__) && sent(send)) return result;                                 \
     return ODX_HERE(name, __VA_ARGS__)
 #define ODX_REMOTE_SCALAR(name, ...)                                                                     \
     ODX_VARIANT(name, __VA_ARGS__)                                                                       \

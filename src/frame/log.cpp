@@ -10,6 +10,7 @@
 extern "C" {
 
 uint8_t libLogPrint = 0;
+uint8_t libLogPrintX = 0;
 
 int odxLogAssert(const char* file, int line, int priority, const char* format, ...)
 {
@@ -35,7 +36,9 @@ namespace odx
 
 void readLogSwitch()
 {
-    publish(libLogPrint, platform::propertyNumber("vendor.runtime.ondrix.log") != 0 ? 1 : 0);
+    const uint8_t on = platform::propertyNumber("vendor.runtime.ondrix.log") != 0 ? 1 : 0;
+    publish(libLogPrint, on);
+    publish(libLogPrintX, on);
 }
 
 void fatalAssertion(const char* source, int line, const char* text)

@@ -12,7 +12,8 @@
 #define ODX_LOG(priority, ...) __android_log_print(odx::platform::kLog##priority, ODX_LIB_LOG, __VA_ARGS__)
 
 extern "C" {
-extern uint8_t libLogPrint; // the trace is on
+extern uint8_t libLogPrint;  // the trace is on
+extern uint8_t libLogPrintX; // the same for the remote variants, which tell when they do not send a call
 
 // Writes one line of at most 511 bytes: the line number, unless it is 0, and the message. The tag is the base name
 // of `file`. Returns the length that formatting reported.
@@ -23,7 +24,7 @@ int odxLogAssert(const char* file, int line, int priority, const char* format, .
 namespace odx
 {
 
-// Sets libLogPrint from the property that switches the trace.
+// Sets both from the property that switches the trace.
 void readLogSwitch();
 
 // Logs a violated internal assumption and ends the process with exit status 1.

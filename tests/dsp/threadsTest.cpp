@@ -1,4 +1,5 @@
 // Restarts under the calls of several threads.
+#include "dsp/ion.h"
 #include "dsp/remoteCase.h"
 #include "dsp/stub.h"
 #include "frame/operations.h"
@@ -115,7 +116,16 @@ TEST(RemoteThreads, NobodyIsInsideAStubThatIsUnloaded)
         loader.stub = ODX_TEST_UNLOADING_STUB;
         LogCapture log;
         ASSERT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_XDSP));
+        // Shared buffers are registered with the stub, too.
+        ion.present = true;
+        std::atomic<bool> done{false};
+        std::thread allocating([&done] {
+            while (!done)
+                odxMemFree(odxMemAlloc(100, 16));
+        });
         EXPECT_EQ(0, wrongResults(200));
+        done = true;
+        allocating.join();
         EXPECT_GT(loader.opened, 2);
         EXPECT_EQ(loader.opened, loader.closed + 1);
         odxCleanUp();

@@ -65,12 +65,17 @@ Call::Call() : life_(__atomic_load_n(&life, __ATOMIC_SEQ_CST)), arrival_(reach()
     const uint32_t period = current(behaviour.restartEvery);
     if (period != 0 && increment(callsUntilNow) % period == 0) restart();
     if (const uint32_t delay = current(behaviour.delayMicroseconds)) usleep(delay);
-    arrival_ = current(behaviour.failure);
+    if (survived()) arrival_ = current(behaviour.failure);
+}
+
+bool Call::survived() const
+{
+    return __atomic_load_n(&life, __ATOMIC_SEQ_CST) == life_;
 }
 
 int Call::outcome() const
 {
-    if (__atomic_load_n(&life, __ATOMIC_SEQ_CST) != life_) return kRestarted;
+    if (!survived()) return kRestarted;
     increment(counts.completed);
     return kDone;
 }
@@ -92,10 +97,16 @@ const char* version()
 
 extern "C" {
 
-// The processor's log is not the application's.
-int __android_log_print(int, const char*, const char*, ...)
+// The processor's log is not the application's; but what is wrong there must not go unnoticed.
+int __android_log_print(int priority, const char*, const char* format, ...)
 {
-    return 0;
+    if (priority < odx::platform::kLogError) return 0;
+    va_list arguments;
+    va_start(arguments, format);
+    char line[512];
+    vsnprintf(line, sizeof line, format, arguments);
+    va_end(arguments);
+    return fprintf(stderr, "remote processor: %s\n", line);
 }
 
 void odxStubBehave(const odxStubBehaviour* newBehaviour)
@@ -104,7 +115,8 @@ void odxStubBehave(const odxStubBehaviour* newBehaviour)
     publish(behaviour.failedReturns, newBehaviour->failedReturns);
     publish(behaviour.failure, newBehaviour->failure);
     publish(behaviour.delayMicroseconds, newBehaviour->delayMicroseconds);
-    memcpy(behaviour.version, newBehaviour->version, sizeof behaviour.version);
+    snprintf(behaviour.version, sizeof behaviour.version, "%.*s", int{sizeof behaviour.version - 1},
+             newBehaviour->version);
     publish(callsUntilNow, 0);
 }
 

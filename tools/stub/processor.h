@@ -19,6 +19,8 @@ public:
     int outcome() const;
 
 private:
+    bool survived() const; // no restart so far
+
     uint32_t life_;
     int arrival_;
 };
