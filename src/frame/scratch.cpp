@@ -34,7 +34,7 @@ struct Entry {
     uint8_t* raw = nullptr; // null until the entry is used first
     uint32_t rawSize = 0;
     uint8_t* usable = nullptr;
-    uint32_t capacity = 0; // the largest request served; `usable` has room for it
+    uint32_t capacity = 0; // the largest request served
     std::atomic<uint32_t> use{kIdle};
     pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER; // held while the block is lent; guards the four fields
 };
@@ -82,13 +82,25 @@ void* lendFromSystem(uint32_t size, uint32_t alignment)
     return raw == nullptr ? nullptr : lend(usableIn(raw, alignment), kSystemMarker, raw);
 }
 
+// Where the entry's block, as it is, has room for a request; null where it has none.
+uint8_t* roomIn(const Entry& entry, uint32_t size, uint32_t alignment)
+{
+    if (entry.raw == nullptr || size > entry.capacity) return nullptr;
+    for (uint8_t* const place : {entry.usable, usableIn(entry.raw, alignment)}) {
+        const bool aligned = (reinterpret_cast<uintptr_t>(place) & (alignment - 1)) == 0;
+        if (aligned && entry.raw + entry.rawSize - place >= static_cast<ptrdiff_t>(size)) return place;
+    }
+    return nullptr;
+}
+
 // Makes the entry's block fit a request. Its capacity never falls, so that repeated work comes to rest: the first
 // time brings every entry to its largest size, the second, at the latest, to its strictest alignment.
 bool fit(Entry& entry, uint32_t size, uint32_t alignment)
 {
-    const bool aligned = (reinterpret_cast<uintptr_t>(entry.usable) & (alignment - 1)) == 0;
-    if (entry.raw != nullptr && size <= entry.capacity && aligned) return true;
-
+    if (uint8_t* const room = roomIn(entry, size, alignment)) {
+        entry.usable = room;
+        return true;
+    }
     const uint32_t capacity = std::max(size, entry.capacity);
     const uint32_t rawSize = rawSizeFor(capacity, alignment);
     uint8_t* const raw = allocateRaw(rawSize);

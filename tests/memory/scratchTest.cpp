@@ -284,6 +284,14 @@ TEST_F(ScratchPool, IsPreAllocated)
     EXPECT_EQ(before, allocationCount());
     EXPECT_TRUE(std::all_of(block, block + 5000, [](uint8_t byte) { return byte == 0; }));
     release(block);
+    // Stricter alignments find room in it, too, and leave it as it was.
+    for (const auto& [size, alignment] : {std::pair{4800u, 128u}, {5000u, 16u}, {4900u, 64u}, {5000u, 1u}}) {
+        uint8_t* const other = aligned(size, alignment);
+        EXPECT_EQ(0u, reinterpret_cast<uintptr_t>(other) % alignment);
+        memset(other, 1, size);
+        release(other);
+    }
+    EXPECT_EQ(before, allocationCount());
 
     EXPECT_EQ(1, odxMemInitPreAlloc(UINT32_MAX));
     EXPECT_EQ(33177600 + 15 + kHeader, heapReport().lastBytes);
