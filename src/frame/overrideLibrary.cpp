@@ -18,6 +18,7 @@ extern "C" {
 
 int odxPlatformOptLoad(void)
 {
+    // The first line has a tag of its own.
     __android_log_print(platform::kLogDebug, "odx", "Loading from: %s\n", kPath);
     if (library == nullptr) library = platform::openLibrary(kPath);
     if (library == nullptr) {

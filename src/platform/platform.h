@@ -12,11 +12,16 @@ int __android_log_print(int priority, const char* tag, const char* format, ...)
     __attribute__((format(printf, 3, 4)));
 int __system_property_get(const char* name, char* value);
 
-// The shared-memory allocator. Failures are negative.
-int ion_open(void);
+// The shared-memory allocator. Failures are negative. Android has it only in processes that load its library.
+#if defined(__ANDROID__)
+#define ODX_MAY_BE_ABSENT __attribute__((weak))
+#else
+#define ODX_MAY_BE_ABSENT
+#endif
+int ion_open(void) ODX_MAY_BE_ABSENT;
 int ion_alloc_fd(int device, size_t length, size_t alignment, unsigned int heapMask, unsigned int flags,
-                 int* bufferDescriptor);
-int ion_close(int device);
+                 int* bufferDescriptor) ODX_MAY_BE_ABSENT;
+int ion_close(int device) ODX_MAY_BE_ABSENT;
 }
 
 namespace odx::platform
@@ -47,6 +52,9 @@ void closeLibrary(void* handle);
 void* findSymbol(void* handle, const char* symbol);
 void* findSymbolInProcess(const char* symbol); // in what is loaded for everybody
 const char* loaderError();
+
+// Whether this process has the shared-memory allocator at all.
+bool hasSharedAllocator();
 
 // Buffers of the shared-memory allocator. `mapShared` maps one for reading and writing, and gives null on failure,
 // with errno set; access by this processor is bracketed by a start and an end.

@@ -21,6 +21,15 @@ bool synchronise(int descriptor, uint64_t flags)
 
 } // namespace
 
+bool hasSharedAllocator()
+{
+#if defined(__ANDROID__)
+    return ion_open != nullptr && ion_alloc_fd != nullptr && ion_close != nullptr;
+#else
+    return true;
+#endif
+}
+
 void* mapShared(int descriptor, size_t length)
 {
     void* const address = mmap(nullptr, length, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor, 0);
