@@ -32,7 +32,8 @@
 /// - Planar: a plane each of Y, Cb and Cr. Pseudo-planar: a plane of Y and one of interleaved pairs, Cb first.
 /// - 4:4:4 has a chroma pair for each pixel. 4:2:2 has the pair of the first of two neighbours in a row, and 4:2:0
 ///   has those of even rows only: chroma is picked, not averaged.
-/// - Images of odd width are left unwritten by the conversions to 4:2:2 and 4:2:0.
+/// - Of images of odd width, the conversions to 4:2:2 write nothing, and those to 4:2:0 only the luma of the rows
+///   1, 3, 5, ..., which give no chroma.
 /// - An odd height of 4:2:0 gives the last row a chroma row of its own.
 ///
 /// Packed rows have srcWidth pixels of the source, and srcWidth bytes of luma; srcWidth / 2 of a 4:2:2 or 4:2:0

@@ -205,21 +205,21 @@ struct Destination {
     uint32_t yStride, cbStride, crStride;
 };
 
-// Images of odd width have no whole pairs of pixels, and are left as they are where these share chroma.
+// Rows of odd width have no whole pairs of pixels: where pairs share chroma they are left as they are, other than
+// rows that only have luma.
 template <uint32_t subsampling>
 void convertToYuv(const HelperPointer<odxYuvRow>& convert, const HelperPointer<odxLumaRow>& convertLuma,
                   const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcStride, const Destination& dst)
 {
     constexpr size_t across = subsampling == 444 ? 1 : 2, down = subsampling == 420 ? 2 : 1;
-    if (width % across != 0) return;
     for (size_t row = 0; row < height; ++row) {
         const uint8_t* const in = rowOf(src, srcStride, row);
         uint8_t* const y = rowOf(dst.y, dst.yStride, row);
-        if (row % down == 0) {
+        if (row % down != 0) {
+            convertLuma(in, y, width);
+        } else if (width % across == 0) {
             convert(in, y, rowOf(dst.cb, dst.cbStride, row / down), rowOf(dst.cr, dst.crStride, row / down),
                     width);
-        } else {
-            convertLuma(in, y, width);
         }
     }
 }

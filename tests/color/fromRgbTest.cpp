@@ -124,24 +124,31 @@ TEST_P(FromRgb, LumaAndChromaFollowTheirFormula)
 #undef ODX_CASE
 }
 
-TEST_P(FromRgb, OddWidthsOfSharedChromaStayUnwritten)
+// Where pairs of pixels share chroma; rows that only have luma do without pairs.
+TEST_P(FromRgb, RowsOfOddWidthStayUnwritten)
 {
-    const Bytes src(4 * 35, 9);
-    const Bytes untouched(35, 0x5A);
-    const auto check = [&](const char* name, bool written, const auto& convert) {
+    constexpr uint32_t kWidth = 7, kHeight = 3;
+    const Bytes src(4 * kWidth * kHeight, 9);
+    const Bytes untouched(2 * kWidth * kHeight, 0x5A);
+    const auto check = [&](const char* name, int subsampling, const auto& convert) {
         Bytes y = untouched, c = untouched, cr = untouched;
         convert(y.data(), c.data(), cr.data());
-        EXPECT_EQ(written, y != untouched) << name;
-        EXPECT_EQ(written, c != untouched) << name;
+        for (uint32_t row = 0; row < kHeight; ++row) {
+            const bool written = subsampling == 444 || (subsampling == 420 && row % 2 == 1);
+            const auto pixels = y.begin() + row * kWidth;
+            EXPECT_EQ(written ? 0 : kWidth, std::count(pixels, pixels + kWidth, 0x5A)) << name << " " << row;
+        }
+        EXPECT_EQ(subsampling == 444, c != untouched) << name;
     };
-#define ODX_CASE(pixels, subsampling, source, rows)                                                      \
-    check("odxColor" #pixels "ToYCbCr" #subsampling "Planaru8", subsampling == 444,                      \
-          [&](uint8_t* y, uint8_t* cb, uint8_t* cr) {                                                    \
-              odxColor##pixels##ToYCbCr##subsampling##Planaru8(src.data(), 7, 2, 0, y, cb, cr, 0, 0, 0); \
-          });                                                                                            \
-    check("odxColor" #pixels "ToYCbCr" #subsampling "PseudoPlanaru8", subsampling == 444,                \
-          [&](uint8_t* y, uint8_t* c, uint8_t*) {                                                        \
-              odxColor##pixels##ToYCbCr##subsampling##PseudoPlanaru8(src.data(), 7, 2, 0, y, c, 0, 0);   \
+#define ODX_CASE(pixels, subsampling, source, rows)                                                               \
+    check("odxColor" #pixels "ToYCbCr" #subsampling "Planaru8", subsampling,                                      \
+          [&](uint8_t* y, uint8_t* cb, uint8_t* cr) {                                                             \
+              odxColor##pixels##ToYCbCr##subsampling##Planaru8(src.data(), kWidth, kHeight, 0, y, cb, cr, 0, 0,   \
+                                                               0);                                                \
+          });                                                                                                     \
+    check("odxColor" #pixels "ToYCbCr" #subsampling "PseudoPlanaru8", subsampling,                                \
+          [&](uint8_t* y, uint8_t* c, uint8_t*) {                                                                 \
+              odxColor##pixels##ToYCbCr##subsampling##PseudoPlanaru8(src.data(), kWidth, kHeight, 0, y, c, 0, 0); \
           });
     ODX_RGB_TO_YCBCR(ODX_CASE)
 #undef ODX_CASE
