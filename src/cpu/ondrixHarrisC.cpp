@@ -154,7 +154,7 @@ Memory takeMemory(uint64_t cornerBytes, uint64_t gradsBytes, uint64_t blurgradsB
     auto* const grads = static_cast<int16_t*>(take(gradsBytes));
     auto* const blurgrads = static_cast<int16_t*>(take(blurgradsBytes));
     if (!(corner && grads && blurgrads)) releaseMemory({corner, grads, blurgrads});
-    ODX_FATAL_ASSERT("ondrixHarrisC", 146, corner && grads && blurgrads);
+    ODX_FATAL_ASSERT("ondrixHarrisC", __LINE__, corner && grads && blurgrads);
     return {corner, grads, blurgrads};
 }
 
@@ -282,21 +282,23 @@ struct Point {
 class Patch
 {
 public:
-    // Whether the window lies in the image.
+    // Whether all pixels that it needs are in the image.
     bool sample(const View& view, Point centre, uint32_t halfWindow)
     {
         reach_ = halfWindow + 1;
         const double left = floor(centre.x) - reach_, top = floor(centre.y) - reach_;
         const uint32_t size = 2 * reach_ + 1;
-        // Comparisons that NaN fails.
-        if (!(left >= 0 && top >= 0 && left + size < view.width && top + size < view.height)) return false;
         const double fx = centre.x - floor(centre.x), fy = centre.y - floor(centre.y);
+        const uint32_t toRight = fx > 0 ? 1 : 0, down = fy > 0 ? 1 : 0; // to the other pixels of each sample
+        // Comparisons that NaN fails.
+        if (!(left >= 0 && top >= 0 && left + size + toRight <= view.width && top + size + down <= view.height))
+            return false;
         for (uint32_t y = 0; y < size; ++y) {
             const uint8_t* const upper = view.row(static_cast<size_t>(top) + y) + static_cast<size_t>(left);
-            const uint8_t* const lower = upper + view.stride;
+            const uint8_t* const lower = upper + view.stride * down;
             for (uint32_t x = 0; x < size; ++x) {
-                values_[y][x] = (1 - fy) * ((1 - fx) * upper[x] + fx * upper[x + 1]) +
-                                fy * ((1 - fx) * lower[x] + fx * lower[x + 1]);
+                values_[y][x] = (1 - fy) * ((1 - fx) * upper[x] + fx * upper[x + toRight]) +
+                                fy * ((1 - fx) * lower[x] + fx * lower[x + toRight]);
             }
         }
         return true;
@@ -463,11 +465,13 @@ uint32_t odxFindMultipleMaximau8C(const uint8_t* src, unsigned int srcWidth, uns
     if (!memory) return 1;
     if (maxDistance == 0 || maxNumMaxima == 0) return 0;
 
-    const ptrdiff_t pitch = srcWidth; // of the samples' vertical neighbours, whatever the stride
-    const auto pixel = [&](uint32_t k) { return src + line.y(k) * srcStride + line.x(k); };
+    // Samples are where the stride says; their vertical neighbours, and all that the direction is taken from, are
+    // where rows without padding would have them.
+    const ptrdiff_t pitch = srcWidth;
+    const auto pixel = [&](uint32_t k, size_t rowPitch) { return src + line.y(k) * rowPitch + line.x(k); };
     int16_t *const samples = memory.get(), *const slopes = samples + count;
     for (uint32_t k = 0; k < count; ++k) {
-        const uint8_t* const p = pixel(k);
+        const uint8_t* const p = pixel(k, srcStride);
         samples[k] = static_cast<int16_t>((p[-1] + p[0] + p[1] + p[-pitch] + p[pitch]) >> 2);
     }
     for (size_t k = 1; k < count - 1; ++k)
@@ -477,7 +481,7 @@ uint32_t odxFindMultipleMaximau8C(const uint8_t* src, unsigned int srcWidth, uns
 
     for (uint32_t k = 1; k < count - 1; ++k) {
         if (slopes[k] < minGradient || slopes[k - 1] > slopes[k] || slopes[k] <= slopes[k + 1]) continue;
-        if (!harris::alongLine(pixel(k), pitch, line, maxAngleDiff)) continue;
+        if (!harris::alongLine(pixel(k, srcWidth), pitch, line, maxAngleDiff)) continue;
         maxima[*numMaxima] = static_cast<float>(static_cast<int64_t>(k) - maxDistance);
         if (++*numMaxima == maxNumMaxima) break;
     }

@@ -60,7 +60,8 @@ Stride packedIfZero(Stride stride, Packed packed)
     return stride == 0 ? static_cast<Stride>(packed) : stride;
 }
 
-template <auto* Reference>
+// An operation whose failure result is not that of its kind says so: Call<odxXxxu8C, 1u>.
+template <auto* Reference, auto... ownFailure>
 class Call
 {
     template <class R, class... Arguments>
@@ -121,10 +122,12 @@ public:
         }
     }
 
-    // The failure result of the operation's kind: nothing, refused arguments, -1 or 0.
+    // The failure result: the operation's own, or that of its kind, which is nothing, refused arguments, -1 or 0.
     static Result failure()
     {
-        if constexpr (std::is_same_v<Result, odxStatus>) {
+        if constexpr (sizeof...(ownFailure) != 0) {
+            return (ownFailure, ...);
+        } else if constexpr (std::is_same_v<Result, odxStatus>) {
             return ONDRIX_BAD_PARAMETER;
         } else if constexpr (std::is_signed_v<Result>) {
             return static_cast<Result>(-1);

@@ -178,6 +178,11 @@ TEST_F(Entry, BeforeAModeIsSelectedEveryCallFailsWithOneLine)
     EXPECT_EQ(std::vector<LogLine>{error("No operation mode selected @odxFilterMedian3x3u8_v3\n")}, log.take());
     odxFilterGaussian5x5u8(buffer, 8, 8, buffer, 0);
     EXPECT_EQ(1u, log.take().size());
+    const float point[] = {4, 4};
+    float maxima[1];
+    uint32_t count;
+    EXPECT_EQ(1u, odxFindMultipleMaximau8(buffer, 8, 8, 0, point, point, 1, 1, 0, 0, maxima, &count));
+    EXPECT_EQ(1u, log.take().size());
 }
 
 TEST_F(Entry, AnUnhandledStatusCallGoesToTheSimdColumn)

@@ -16,7 +16,7 @@ struct CornerList {
 
     explicit CornerList(Draw& draw)
         : capacity(draw.number<uint32_t>("capacity", 0, draw.pick("plenty", {1, 0}) != 0 ? 2000 : 9, 20000)),
-          xy(draw.destinationArray<uint32_t>("xy", 2 * std::max(capacity, 1u))),
+          xy(draw.destinationArray<uint32_t>("xy", 2 * capacity)),
           count(draw.destinationArray<uint32_t>("count", 1))
     {
     }
@@ -83,7 +83,7 @@ void scores(Draw& draw)
     const Extent extent = draw.extent(5, 5);
     const auto src = draw.source<uint8_t>("src", extent);
     const CornerList list(draw);
-    int32_t* const responses = draw.destinationArray<int32_t>("scores", std::max(list.capacity, 1u));
+    int32_t* const responses = draw.destinationArray<int32_t>("scores", list.capacity);
     const int threshold = drawThreshold(draw);
     draw.run([&] {
         odxCornerHarrisScoreu8(src.pixels, extent.width, extent.height, src.strideArgument(), 0, list.xy,
@@ -152,7 +152,7 @@ void maximaAlongLine(Draw& draw)
     const uint32_t capacity = draw.number<uint32_t>("capacity", 0, 9, 50);
     const int gradient = draw.pick("gradient", {10, 0, -50, 100});
     const float angle = draw.real("angle", 0, 1, 0.5f);
-    float* const maxima = draw.destinationArray<float>("maxima", std::max(capacity, 1u));
+    float* const maxima = draw.destinationArray<float>("maxima", capacity);
     uint32_t* const count = draw.destinationArray<uint32_t>("count", 1);
     draw.run([&] {
         return odxFindMultipleMaximau8(src.pixels, extent.width, extent.height, src.strideArgument(), pos, dir,

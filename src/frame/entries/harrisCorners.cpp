@@ -85,7 +85,7 @@ odxStatus odxLocalHarrisMaxu8(const uint8_t* src, unsigned int srcWidth, unsigne
     srcStride = packedIfZero(srcStride, srcWidth);
     const Call<odxLocalHarrisMaxu8C> call(
         __func__, [&] { return remoteFits(src, srcWidth, srcHeight, srcStride); }, anything);
-    if (!src || !maxX || !maxY || !maxResponse || srcStride < srcWidth) return call.failure();
+    ODX_CHECK(src && maxX && maxY && maxResponse && srcWidth && srcHeight && srcStride >= srcWidth);
     return call(src, srcWidth, srcHeight, srcStride, x, y, radius, maxX, maxY, maxResponse);
 }
 
@@ -118,14 +118,10 @@ uint32_t odxFindMultipleMaximau8(const uint8_t* src, unsigned int srcWidth, unsi
                                  float maxAngleDiff, float* maxima, uint32_t* numMaxima)
 {
     srcStride = packedIfZero(srcStride, srcWidth);
-    const Call<odxFindMultipleMaximau8C> call(
+    constexpr uint32_t kNoSearch = 1;
+    const Call<odxFindMultipleMaximau8C, kNoSearch> call(
         __func__, [&] { return remoteFits(src, srcWidth, srcHeight, srcStride); }, anything);
-    // A result of 0 would tell of a search.
-    const auto check = [&]() -> uint32_t {
-        ODX_CHECK(src && pos && dir && maxima && numMaxima && srcWidth && srcHeight && srcStride >= srcWidth);
-        return 1;
-    };
-    if (check() == 0) return 1;
+    ODX_CHECK(src && pos && dir && maxima && numMaxima && srcWidth && srcHeight && srcStride >= srcWidth);
     return call(src, srcWidth, srcHeight, srcStride, pos, dir, maxDistance, maxNumMaxima, minGradient,
                 maxAngleDiff, maxima, numMaxima);
 }
