@@ -12,6 +12,7 @@ namespace
 {
 
 constexpr uint8_t kSurroundings = 0xC3;
+constexpr uint32_t kMaxArea = 20000;
 
 size_t pageSize()
 {
@@ -57,23 +58,23 @@ Draw::Draw(const Measurement& measurement, std::function<void(const std::functio
 Extent Draw::extent(uint32_t minWidth, uint32_t minHeight)
 {
     if (measures()) return measurement_.extent;
+    const auto around = [&](uint32_t least, std::initializer_list<uint32_t> lengths) {
+        return std::max(least, lengths.begin()[below(lengths.size())] + static_cast<uint32_t>(below(15)) - 7);
+    };
     const auto length = [&](uint32_t least, uint32_t usual) -> uint32_t {
         switch (below(8)) {
         case 0: // the least sizes
             return least + static_cast<uint32_t>(below(4));
-        case 1:
-        case 2: { // around a multiple of a vector's width, and of the chunks that the reference works in
-            static constexpr uint32_t widths[] = {8, 16, 32, 48, 64, 96, 128, 192, 256};
-            const uint32_t around = widths[below(9)] + static_cast<uint32_t>(below(15));
-            return std::max(least, around < 7 ? 1 : around - 7);
-        }
+        case 1: // around a multiple of a vector's width
+            return around(least, {8, 16, 32, 48, 64, 96, 128, 192, 256});
+        case 2: // beyond the pieces into which large images are cut
+            return around(least, {256, 272, 288, 544, 1040, 2200});
         default:
             return least + static_cast<uint32_t>(below(usual));
         }
     };
     Extent extent = {length(minWidth, 150), length(minHeight, 24)};
-    while (extent.width * extent.height > 20000)
-        extent.height = minHeight + extent.height / 3;
+    extent.height = std::max(minHeight, std::min(extent.height, kMaxArea / extent.width));
     note("extent", std::to_string(extent.width) + "x" + std::to_string(extent.height));
     return extent;
 }
