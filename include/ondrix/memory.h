@@ -23,7 +23,9 @@ ODX_API void odxMemFree(void* ptr);
 
 /// Creates the scratch pool for the first user and counts one user more. With the pool, repeated calls on frames
 /// of one size allocate nothing; without it, operations that need temporary memory take it from the system and
-/// give it back on every call. \return 1
+/// give it back on every call.
+///
+/// \return 1
 ODX_API int odxMemInit(void);
 
 /// As odxMemInit, and one block of the pool already holds min(preAllocBytes, 33177600) bytes.
@@ -31,7 +33,9 @@ ODX_API int odxMemInit(void);
 ODX_API int odxMemInitPreAlloc(unsigned int preAllocBytes);
 
 /// Counts one user less and destroys the pool with the last one; without users it does nothing. An operation that
-/// is running meanwhile keeps the blocks that it has until it returns. \return 0
+/// is running meanwhile keeps the blocks that it has until it returns.
+///
+/// \return 0
 ODX_API int odxMemDeInit(void);
 
 /// \name Memory shared with the DSP

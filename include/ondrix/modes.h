@@ -95,11 +95,19 @@ ODX_API int odxAvailableProcessors(void);
 /// Wall-clock time in microseconds.
 ODX_API int64_t odxGetTime(void);
 
-/// Loads the optional platform-override library. \return 0; -1 and an error line when it cannot be loaded.
+/// Loads the optional platform-override library.
+///
+/// \return 0; -1 and an error line when it cannot be loaded
 ODX_API int odxPlatformOptLoad(void);
-/// Closes it again if it is held. \return 0
+
+/// Closes it again if it is held.
+///
+/// \return 0
 ODX_API int odxPlatformOptClose(void);
-/// Looks a symbol of the override library up. \return its address; null and an error line without it.
+
+/// Looks a symbol of the override library up.
+///
+/// \return its address; null and an error line without it
 ODX_API void* odxPlatformOptGetFunc(const char* symbol);
 
 #endif

@@ -5,6 +5,8 @@
 /// - Images are row-major with one channel. Source and destination have the same size and pixel type. Widths and
 ///   heights are in pixels, strides in bytes. Functions without strides work on packed rows.
 /// - Where a function takes strides and says so, a stride of 0 means the packed row: width times pixel size.
+///   Any other stride is at least that, though not every function insists: rows that overlap give results without
+///   meaning.
 /// - Source and destination must not overlap, except where in-place operation is stated.
 /// - The border of a KxK filter are the pixels closer than K/2 to an edge; the others are the interior.
 /// - A `border` flag of 1 computes the border from the pixels inside the image, divided by the weights used; with
@@ -75,7 +77,9 @@ ODX_API void odxBoxFilter3x3u8(const uint8_t* src, unsigned int srcWidth, unsign
                                unsigned int srcStride, uint8_t* dst, unsigned int dstStride);
 
 /// 3x3 mean of images of any size, with a border type; strides of 0 are packed. UNDEFINED takes pixels outside the
-/// image as 0. \param borderValue  as for odxFilterGaussian3x3u8_v3
+/// image as 0.
+///
+/// \param borderValue  as for odxFilterGaussian3x3u8_v3
 ODX_API odxStatus odxBoxFilter3x3u8_v2(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
                                        unsigned int srcStride, uint8_t* dst, unsigned int dstStride,
                                        odxBorderType borderType, uint32_t borderValue);
@@ -107,7 +111,9 @@ ODX_API void odxFilterMedian3x3u8_v2(const uint8_t* src, unsigned int srcWidth, 
                                      unsigned int srcStride, uint8_t* dst, unsigned int dstStride);
 
 /// 3x3 median with a border type: UNDEFINED leaves the border as it was, the others fill the missing pixels in.
-/// Strides of 0 are packed. \param borderValue  as for odxFilterGaussian3x3u8_v3
+/// Strides of 0 are packed.
+///
+/// \param borderValue  as for odxFilterGaussian3x3u8_v3
 ODX_API odxStatus odxFilterMedian3x3u8_v3(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
                                           unsigned int srcStride, uint8_t* dst, unsigned int dstStride,
                                           odxBorderType borderType, uint32_t borderValue);

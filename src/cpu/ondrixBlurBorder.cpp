@@ -206,7 +206,7 @@ namespace
 
 // Three neighbouring pixels on a line parallel to an edge.
 struct Triple {
-    uint16_t before, centre, after;
+    uint8_t before, centre, after;
 };
 
 // A 3x3 filter: a row of outputs, and one output from the lines of its window that are outside the image, on its
@@ -235,17 +235,9 @@ struct Median {
     static constexpr auto row = median3x3Row<uint8_t>;
     static uint8_t pixel(const Triple& a, const Triple& b, const Triple& c)
     {
-        const Triple p = sorted(a), q = sorted(b), r = sorted(c);
-        return static_cast<uint8_t>(middle(larger(larger(p.before, q.before), r.before),
-                                           middle(p.centre, q.centre, r.centre),
-                                           smaller(smaller(p.after, q.after), r.after)));
-    }
-
-private:
-    static Triple sorted(const Triple& t)
-    {
-        return {smaller(smaller(t.before, t.centre), t.after), middle(t.before, t.centre, t.after),
-                larger(larger(t.before, t.centre), t.after)};
+        uint8_t window[] = {a.before, a.centre, a.after, b.before, b.centre, b.after, c.before, c.centre, c.after};
+        sortColumeWiseInWindow3x3(window, 0, 2);
+        return findMedianInSortedWindow3x3(window);
     }
 };
 
@@ -303,7 +295,7 @@ void filterEdgeColumn(const uint8_t* edge, ptrdiff_t stride, ptrdiff_t inward, u
 template <class Filter>
 void filterThin(const Plane<uint8_t>& plane, const Outside& outside)
 {
-    const auto pixel = [&](int64_t x, int64_t y) -> uint16_t {
+    const auto pixel = [&](int64_t x, int64_t y) -> uint8_t {
         const int64_t w = plane.width, h = plane.height;
         const bool in = x >= 0 && x < w && y >= 0 && y < h;
         const int64_t nx = x < 0 ? 0 : x < w ? x : w - 1, ny = y < 0 ? 0 : y < h ? y : h - 1;
