@@ -134,13 +134,64 @@ struct Scan {
     const uint8_t* row;
     ptrdiff_t stride;
     uint32_t y;
-    uint32_t x; // nothing up to here is left in the row
+    uint32_t x; // nothing before here is left in the row
 };
+
+// Corners on their way to a list. Those of a half are written in fours, whether there are as many or not: how many
+// there are is what a branch would guess wrong.
+class Outbox
+{
+public:
+    ODX_MEMBER void put(uint32_t x, uint32_t y, uint64_t corners)
+    {
+        uint32_t* out = xy_ + 2 * count_;
+        count_ += (uint32_t)__builtin_popcountll(corners);
+        do {
+            for (int i = 0; i < 4; ++i, out += 2, corners &= corners - 1) {
+                out[0] = x + (uint32_t)__builtin_ctzll(corners | uint64_t{1} << 63) / kLaneBits;
+                out[1] = y;
+            }
+        } while (corners != 0);
+    }
+    ODX_MEMBER bool full() const { return count_ > kRoom; }
+
+    // Whether the list is full now.
+    ODX_MEMBER bool moveTo(CornerList& list)
+    {
+        // The list always takes one.
+        const uint32_t room = list.capacity == 0 ? 1 : list.capacity - list.count;
+        const uint32_t moved = count_ < room ? count_ : room;
+        memcpy(list.xy + 2 * size_t{list.count}, xy_, 2 * sizeof *xy_ * moved);
+        list.count += moved;
+        count_ = 0;
+        return list.count >= list.capacity;
+    }
+
+private:
+    static constexpr uint32_t kRoom = 128; // for another half, while no more are in
+    uint32_t xy_[2 * (kRoom + kHalf + 3)];
+    uint32_t count_ = 0;
+};
+
+// The corners from x on that are not excluded.
+ODX_INLINE uint64_t without(const NoMask&, uint32_t, uint64_t corners)
+{
+    return corners;
+}
+ODX_INLINE uint64_t without(const Mask& mask, uint32_t x, uint64_t corners)
+{
+    uint64_t kept = corners;
+    for (; corners != 0; corners &= corners - 1) {
+        if (mask.excludes(x + (uint32_t)__builtin_ctzll(corners) / kLaneBits)) kept &= ~(corners & (0 - corners));
+    }
+    return kept;
+}
 
 // Stage 4; whether the list is full.
 template <class Excluded>
 ODX_STAGE bool emit(const Batch& batch, Scan& scan, CornerList& list, Excluded& excluded)
 {
+    Outbox outbox;
     for (uint32_t i = 0; i < batch.halfCount; ++i) {
         const uint8_t* const p = batch.halves[i];
         uint64_t corners = batch.corners[i];
@@ -154,13 +205,12 @@ ODX_STAGE bool emit(const Batch& batch, Scan& scan, CornerList& list, Excluded& 
         }
         const uint32_t x = (uint32_t)(p - scan.row);
         // A row's first and last vector overlap their neighbours: what was found before is not found again.
-        if (x <= scan.x) corners &= ~uint64_t{1} << ((scan.x - x) * kLaneBits);
-        for (; corners != 0; corners &= corners - 1) {
-            scan.x = x + (uint32_t)__builtin_ctzll(corners) / kLaneBits;
-            if (!excluded.excludes(scan.x) && list.add(scan.x, scan.y)) return true;
-        }
+        if (x < scan.x) corners &= ~uint64_t{0} << ((scan.x - x) * kLaneBits);
+        if (scan.x < x + kHalf) scan.x = x + kHalf;
+        outbox.put(x, scan.y, without(excluded, x, corners));
+        if (outbox.full() && outbox.moveTo(list)) return true;
     }
-    return false;
+    return outbox.moveTo(list);
 }
 
 template <int N, class Excluded>
