@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <linux/dma-buf.h>
 #include <map>
+#include <mutex>
 #include <set>
 #include <stdarg.h>
 #include <stdio.h>
@@ -29,6 +30,8 @@ namespace
 
 constexpr size_t kMisalignment = 16;
 
+// While one thread uses the allocator, others may map memory of their own.
+std::mutex tablesMutex;
 std::set<int> bufferDescriptors;
 std::map<void*, size_t> mapped;
 
@@ -44,7 +47,9 @@ __attribute__((format(printf, 1, 2))) void happened(const char* format, ...)
 
 bool isBuffer(int descriptor)
 {
-    return ion.present && bufferDescriptors.count(descriptor) != 0;
+    if (!ion.present || descriptor < 0) return false;
+    const std::lock_guard<std::mutex> lock(tablesMutex);
+    return bufferDescriptors.count(descriptor) != 0;
 }
 
 void* systemMap(void* address, size_t length, int protection, int flags, int descriptor, off_t offset)
@@ -83,6 +88,7 @@ void Ion::registerBuffer(void* address, int size, int descriptor)
 {
     ion.registrations += descriptor >= 0 ? 1 : -1;
     happened("%s %d", descriptor >= 0 ? "register" : "unregister", size);
+    const std::lock_guard<std::mutex> lock(tablesMutex);
     if (mapped.count(address) == 0) happened("an address that is not mapped");
 }
 
@@ -112,7 +118,10 @@ int ion_alloc_fd(int, size_t length, size_t alignment, unsigned heapMask, unsign
     happened("alloc %zu %zu %x %u", length, alignment, heapMask, flags);
     if (ion.accident == Ion::kAlloc) return -ENOMEM;
     *descriptor = memfd_create("buffer", 0);
-    bufferDescriptors.insert(*descriptor);
+    {
+        const std::lock_guard<std::mutex> lock(tablesMutex);
+        bufferDescriptors.insert(*descriptor);
+    }
     return ftruncate(*descriptor, static_cast<off_t>(length));
 }
 
@@ -127,17 +136,21 @@ void* mmap(void* address, size_t length, int protection, int flags, int descript
     }
     auto* result = static_cast<char*>(systemMap(address, length, protection, flags, descriptor, 0));
     if (ion.accident == Ion::kMisaligned) result += kMisalignment;
-    mapped[result] = length;
+    {
+        const std::lock_guard<std::mutex> lock(tablesMutex);
+        mapped[result] = length;
+    }
     ++ion.mappings;
     return result;
 }
 
 int munmap(void* address, size_t length) noexcept
 {
-    const auto found = mapped.find(address);
-    if (found == mapped.end()) return systemUnmap(address, length);
+    {
+        const std::lock_guard<std::mutex> lock(tablesMutex);
+        if (mapped.erase(address) == 0) return systemUnmap(address, length);
+    }
     happened("unmap %zu", length);
-    mapped.erase(found);
     --ion.mappings;
     const auto page = reinterpret_cast<uintptr_t>(address) & ~uintptr_t{kMisalignment};
     return systemUnmap(reinterpret_cast<void*>(page), length);
