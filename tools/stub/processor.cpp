@@ -4,6 +4,7 @@
 #include "frame/shared.h"
 #include "ondrix/modes.h"
 
+#include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
