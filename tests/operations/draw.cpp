@@ -25,7 +25,7 @@ size_t pageSize()
 GuardedBuffer::GuardedBuffer(size_t size, bool flushWithEnd, size_t offset, size_t tail) : size_(size)
 {
     const size_t page = pageSize();
-    const size_t inner = (size + offset + tail + page - 1) / page * page;
+    const size_t inner = std::max<size_t>(size + offset + tail + page - 1, page) / page * page;
     mapSize_ = inner + 2 * page;
     void* const map = mmap(nullptr, mapSize_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     if (map == MAP_FAILED || mprotect(static_cast<uint8_t*>(map) + page, inner, PROT_READ | PROT_WRITE) != 0)
