@@ -1,7 +1,9 @@
 #include "dsp/loader.h"
 
-#include "dsp/remoteEntries.h"
+#include "dsp/stub.h"
 #include "platform/platform.h"
+
+#include <gtest/gtest.h>
 
 #include <dlfcn.h>
 #include <stdio.h>
@@ -25,6 +27,13 @@ Stub::Stub() : handle_(dlopen(ODX_TEST_STUB, RTLD_NOW))
 void Stub::behaves(const odxStubBehaviour& behaviour) const
 {
     reinterpret_cast<decltype(&odxStubBehave)>(dlsym(handle_, "odxStubBehave"))(&behaviour);
+}
+
+bool stubIsHeld()
+{
+    const bool held = pthread_rwlock_trywrlock(&dsp::stubLock) != 0;
+    if (!held) pthread_rwlock_unlock(&dsp::stubLock);
+    return held;
 }
 
 odxStubCounts Stub::counts() const
@@ -56,6 +65,9 @@ void* openLibrary(const char* path)
 void closeLibrary(void* handle)
 {
     ++loader.closed;
+    const bool callsMayEnter = pthread_rwlock_tryrdlock(&odx::dsp::stubLock) == 0;
+    if (callsMayEnter) pthread_rwlock_unlock(&odx::dsp::stubLock);
+    EXPECT_FALSE(callsMayEnter);
     dlclose(handle);
 }
 

@@ -24,6 +24,9 @@ extern Loader loader;
 
 constexpr int kAlways = 1 << 30;
 
+// Whether something keeps the stub from being replaced, as every call of its entries must.
+bool stubIsHeld();
+
 // The stub that keeps what it was told, and a handle of its own on it.
 class Stub
 {
