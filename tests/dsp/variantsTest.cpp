@@ -7,6 +7,7 @@
 #include "frame/remotePointers.h"
 
 #include <string.h>
+#include <tuple>
 #include <vector>
 
 using namespace odx;
@@ -68,6 +69,63 @@ TEST(Variants, OfStatusOperationsLeaveWhatIsBeyondTheirLimitsToTheCaller)
     });
 }
 
+TEST(Variants, HaveLimitsOfTheirOwn)
+{
+    struct Shape {
+        uint32_t width, height, stride;
+        int offset;
+    };
+    alignas(16) static uint8_t src[70000], dst[70000];
+    const struct {
+        const char* operation;
+        odxStatus (*run)(const Shape&);
+        std::vector<Shape> fitting, beyond;
+    } rows[] = {
+        {"odxBoxFilter3x3u8_v2",
+         [](const Shape& s) {
+             return variantOf<odxBoxFilter3x3u8_v2C>()(src + s.offset, s.width, s.height, s.stride, dst, s.stride,
+                                                       ONDRIX_BORDER_REPLICATE, 0);
+         },
+         {{150, 169, 151, 1}, {169, 150, 169, 0}},
+         {{160, 158, 160, 0}}},
+        {"odxFilterGaussian3x3u8_v3",
+         [](const Shape& s) {
+             return variantOf<odxFilterGaussian3x3u8_v3C>()(src + s.offset, s.width, s.height, s.stride, dst,
+                                                            s.stride, ONDRIX_BORDER_REPLICATE, 0);
+         },
+         {{164, 159, 164, 4}, {8452, 3, 8452, 0}},
+         {{160, 158, 160, 0}, {162, 159, 164, 0}, {160, 159, 162, 0}, {160, 159, 160, 2}, {12800, 2, 12800, 0}}},
+        {"odxFilterMedianMxNs16",
+         [](const Shape& s) {
+             return variantOf<odxFilterMedianMxNs16C>()(reinterpret_cast<const int16_t*>(src), s.width, s.height,
+                                                        s.stride, 3, 3, reinterpret_cast<int16_t*>(dst), s.stride);
+         },
+         {{150, 169, 300, 0}, {169, 150, 338, 0}},
+         {{160, 158, 320, 0}}},
+        {"odxLocalHarrisMaxu8",
+         [](const Shape& s) {
+             uint32_t x, y;
+             int32_t response;
+             return variantOf<odxLocalHarrisMaxu8C>()(src + s.offset, s.width, s.height, s.stride, 50, 50, 3, &x,
+                                                      &y, &response);
+         },
+         {{160, 159, 164, 4}},
+         {{160, 158, 160, 0}, {164, 159, 164, 0}, {160, 159, 162, 0}, {160, 159, 160, 2}}},
+    };
+    onRemote([&](Stub&, LogCapture&) {
+        for (const auto& row : rows) {
+            odxSetHWFlag(1);
+            for (const Shape& shape : row.fitting)
+                EXPECT_EQ(ONDRIX_SUCCESS, row.run(shape)) << row.operation << shape.width;
+            for (const Shape& shape : row.beyond)
+                EXPECT_EQ(ONDRIX_UNSUPPORTED_HERE, row.run(shape)) << row.operation << shape.width;
+            odxSetHWFlag(0);
+            for (const Shape& shape : row.beyond)
+                EXPECT_EQ(ONDRIX_SUCCESS, row.run(shape)) << row.operation << shape.width;
+        }
+    });
+}
+
 TEST(Variants, OfStatusOperationsReturnTheRemoteStatus)
 {
     onRemote([](Stub& stub, LogCapture&) {
@@ -112,6 +170,12 @@ TEST(Variants, KeepWhatIsTooLongForARemoteCall)
             reinterpret_cast<void*>(boxHere);
         uint8_t byte = 0;
         EXPECT_EQ(0x80000000u, odxBitCountu8(&byte, 0x80000000u));
+        pFnX_odxBitCountu8X = [](const uint8_t*, uint32_t srcLength, uint32_t, uint32_t* result) {
+            *result = srcLength;
+            return 0;
+        };
+        EXPECT_EQ(0x7FFFFFFFu, odxBitCountu8(&byte, 0x7FFFFFFFu));
+        EXPECT_EQ(0x80000000u, local) << "the largest length stayed here";
         odxBoxFilter5x5u8(&byte, 5, 65536, 65536, &byte, 65536); // 2^32 bytes of rows
         EXPECT_EQ(65536u, local);
         EXPECT_EQ(0u, stub.counts().calls);
@@ -126,24 +190,26 @@ TEST(Variants, KeepWhatDoesNotTravelAsWholeBuffers)
         uint8_t rgb[3 * w * h];
         for (size_t i = 0; i < sizeof rgb; ++i)
             rgb[i] = static_cast<uint8_t>(37 * i);
-        const auto converted = [&](decltype(odxColorRGB888ToYCbCr420Planaru8)* convert, uint32_t gap) {
+        const auto converted = [&](decltype(odxColorRGB888ToYCbCr420Planaru8)* convert, uint32_t cb, uint32_t cr) {
             std::vector<uint8_t> yuv(w * h + w * h);
-            uint8_t *const cb = yuv.data() + w * h, *const cr = cb + gap;
-            convert(rgb, w, h, 3 * w, yuv.data(), cb, cr, w, w, w);
+            uint8_t* const chroma = yuv.data() + w * h;
+            convert(rgb, w, h, 3 * w, yuv.data(), chroma + cb, chroma + cr, w, w, w);
             return yuv;
         };
-        for (const auto& [gap, sent] :
-             {std::pair{w / 2, 0u}, {w * h / 2, 1u}}) { // side by side, one after the other
-            EXPECT_EQ(converted(odxColorRGB888ToYCbCr420Planaru8C, gap),
-                      converted(odxColorRGB888ToYCbCr420Planaru8, gap));
-            EXPECT_EQ(sent, stub.counts().calls);
+        // Side by side, one after the other; in both orders.
+        for (const auto& [one, other, sent] :
+             {std::tuple{0u, w / 2, 0u}, {w / 2, 0u, 0u}, {0u, w * h / 2, 1u}, {w * h / 2, 0u, 1u}}) {
+            const uint32_t before = stub.counts().calls;
+            EXPECT_EQ(converted(odxColorRGB888ToYCbCr420Planaru8C, one, other),
+                      converted(odxColorRGB888ToYCbCr420Planaru8, one, other));
+            EXPECT_EQ(sent, stub.counts().calls - before) << one;
         }
         // Rows that overlap, as far as the wrapper lets them.
         uint8_t src[w * h] = {}, dst[w * h];
         odxFilterGaussian5x5u8_v2(src, 8, 8, 8, dst, 4, 1);
-        EXPECT_EQ(1u, stub.counts().calls);
-        odxFilterGaussian5x5u8_v2(src, 8, 8, 8, dst, 8, 1);
         EXPECT_EQ(2u, stub.counts().calls);
+        odxFilterGaussian5x5u8_v2(src, 8, 8, 8, dst, 8, 1);
+        EXPECT_EQ(3u, stub.counts().calls);
     });
 }
 
@@ -168,6 +234,33 @@ TEST(Variants, TellTheTraceWhereACallGoes)
         countBits();
         EXPECT_EQ(trace("odxBitCountu32_ORLAN"), log.take());
         EXPECT_EQ(1u, stub.counts().calls);
+    });
+}
+
+TEST(Services, PassTheirArgumentsOn)
+{
+    onRemote([](Stub&, LogCapture&) {
+        static uint8_t buffer[8];
+        pFnX_odxRegisterBufX = [](uint64_t address, uint32_t nBytes, int32_t descriptor) {
+            EXPECT_TRUE(stubIsHeld());
+            EXPECT_EQ(reinterpret_cast<uintptr_t>(buffer), address);
+            EXPECT_EQ(8u, nBytes);
+            EXPECT_EQ(3, descriptor);
+            return 17;
+        };
+        EXPECT_EQ(17, odxRegisterBuf(buffer, 8, 3));
+        pFnX_odx_cache_flush_invalidateX = [](void* address, uint32_t length, uint32_t size) {
+            EXPECT_TRUE(address == buffer ? length == 8 : length == 0);
+            EXPECT_EQ(8u, size);
+            return 18;
+        };
+        EXPECT_EQ(18, odx_cache_flush_invalidateX(buffer, 8));
+        EXPECT_EQ(18, odx_cache_flush_invalidateX(nullptr, 8));
+        pFnX_odxUpdateDSPMsgFlagX = [](uint32_t flag, uint32_t* result) {
+            *result = flag + 1;
+            return 0;
+        };
+        EXPECT_EQ(78u, odxUpdateDSPMsgFlagX(77));
     });
 }
 
