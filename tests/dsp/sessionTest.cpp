@@ -81,6 +81,29 @@ TEST(Session, AnotherPowerModeReopensIt)
         EXPECT_EQ(2, stub.counts().powerMode);
         EXPECT_EQ(2, loader.opened);
         EXPECT_EQ(1, loader.closed);
+
+        loader.failingOpens = 1;
+        EXPECT_EQ(-1, ODXAZ9_init(1, kVersion));
+        EXPECT_EQ(-1, ODXAZ9_get_current_mode()); // neither the old one nor the new one
+        EXPECT_EQ(0, ODXAZ9_is_ready());
+    });
+}
+
+TEST(Session, TheStubStaysUntilItsLastUserLeaves)
+{
+    withStub([](Stub&, LogCapture&) {
+        const dsp::StubReplaced replaced;
+        EXPECT_EQ(0, dlopen_stub());
+        EXPECT_EQ(0, dlopen_stub());
+        EXPECT_EQ(1, loader.opened);
+        dlclose_stub();
+        EXPECT_EQ(0, loader.closed);
+        EXPECT_NE(nullptr, dlsym_get("dspRT_deinitZ9"));
+        dlclose_stub();
+        EXPECT_EQ(1, loader.closed);
+        EXPECT_EQ(nullptr, dlsym_get("dspRT_deinitZ9"));
+        dlclose_stub();
+        EXPECT_EQ(1, loader.closed);
     });
 }
 

@@ -84,7 +84,7 @@ TEST(SharedMemory, SizesAreWholePages)
         EXPECT_EQ(nullptr, odxSharedMemAllocX(0, 8));
         EXPECT_EQ(nullptr, odxSharedMemAllocX(1, 8192));
         EXPECT_EQ(nullptr, odxSharedMemAllocX(SIZE_MAX, 8));
-        EXPECT_EQ(nullptr, odxSharedMemAllocX(0x80000000u, 8));
+        EXPECT_EQ(nullptr, odxSharedMemAllocX(0x7FFFF001u, 8)); // whole pages of it exceed 31 bits
         EXPECT_EQ(Events{}, ion.takeEvents());
         EXPECT_EQ(Lines{}, log.take());
     });
@@ -176,7 +176,11 @@ TEST(SharedMemory, IsInstalledForADspWithoutGpuAndRemovedOnce)
         EXPECT_TRUE(installed());
         odxDeInitSharedMem();
         EXPECT_FALSE(installed());
-        odxDeInitSharedMem();
+        odxSharedMemAlloc_ = odxSharedMemAllocR_ = [](size_t, size_t) -> void* { return nullptr; };
+        odxSharedMemFree_ = odxSharedMemFreeR_ = [](void*) { return 0; };
+        odxDeInitSharedMem(); // somebody else's go, too
+        EXPECT_FALSE(installed());
+        EXPECT_EQ(nullptr, odxSharedMemAlloc_);
         odxInitSharedMem(0x8);
         EXPECT_TRUE(installed());
         odxCleanUp();
