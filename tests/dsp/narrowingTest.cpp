@@ -83,9 +83,9 @@ std::vector<Perturbed> perturbed(const Multiples& multiples)
 }
 
 template <class T>
-const T* as(const Arguments& a)
+T* as(uintptr_t address)
 {
-    return reinterpret_cast<const T*>(a.src);
+    return reinterpret_cast<T*>(address);
 }
 
 std::vector<Limits> allLimits()
@@ -123,12 +123,12 @@ std::vector<Limits> allLimits()
             odxFilterMedian3x3u8_v3(a.from(), a.width, a.height, a.srcStride, a.to(), a.dstStride, kBorder, 0),
             kMedian, kMedianGpu, 4),
         ODX_LIMITS(odxFilterMedianMxNs16, odxFilterMedianMxNs16,
-                   odxFilterMedianMxNs16(as<int16_t>(a), a.width, a.height, a.srcStride, 3, 3,
-                                         reinterpret_cast<int16_t*>(a.dst), a.dstStride),
+                   odxFilterMedianMxNs16(as<const int16_t>(a.src), a.width, a.height, a.srcStride, 3, 3,
+                                         as<int16_t>(a.dst), a.dstStride),
                    kAny, kAny),
         ODX_LIMITS(odxBoxFilterNxNf32, odxBoxFilterNxNf32,
-                   odxBoxFilterNxNf32(as<float>(a), a.width, a.height, a.srcStride, 3,
-                                      reinterpret_cast<float*>(a.dst), a.dstStride),
+                   odxBoxFilterNxNf32(as<const float>(a.src), a.width, a.height, a.srcStride, 3, as<float>(a.dst),
+                                      a.dstStride),
                    {1, 8, 1, 8, 1}, kAny, 1, 4),
         ODX_LIMITS(odxBoxFilter11x11u8, odxBoxFilter11x11u8,
                    odxBoxFilter11x11u8(a.from(), a.width, a.height, a.srcStride, a.to(), a.dstStride), kAny, kAny),
@@ -146,12 +146,39 @@ std::vector<Limits> allLimits()
         ODX_LIMITS(odxColorYUV420toRGB8888u8, odxColorYUV420toRGB8888u8,
                    odxColorYUV420toRGB8888u8(a.from(), a.width, a.height, a.to()), kPackedColor, kMedianGpu),
         ODX_LIMITS(odxCornerHarrisu8, odxCornerHarrisu8,
-                   odxCornerHarrisu8(a.from(), a.width, a.height, a.srcStride, 0,
-                                     reinterpret_cast<uint32_t*>(a.dst), 9, reinterpret_cast<uint32_t*>(a.dst), 0),
+                   odxCornerHarrisu8(a.from(), a.width, a.height, a.srcStride, 0, as<uint32_t>(a.dst), 9,
+                                     as<uint32_t>(a.dst), 0),
                    kHarris, kHarrisGpu),
+        ODX_LIMITS(odxCornerHarrisInMasku8, odxCornerHarrisInMasku8,
+                   odxCornerHarrisInMasku8(a.from(), a.width, a.height, a.srcStride, 0, as<uint32_t>(a.dst), 9,
+                                           as<uint32_t>(a.dst), 0, a.from(), a.width, a.height),
+                   kHarris, kHarrisGpu),
+        ODX_LIMITS(odxCornerHarrisAdaptiveu8, odxCornerHarrisAdaptiveu8,
+                   odxCornerHarrisAdaptiveu8(a.from(), a.width, a.height, a.srcStride, 0, as<uint32_t>(a.dst), 9,
+                                             as<uint32_t>(a.dst), 0),
+                   kHarris, kHarrisGpu),
+        ODX_LIMITS(odxCornerHarrisScoreu8, odxCornerHarrisScoreu8,
+                   odxCornerHarrisScoreu8(a.from(), a.width, a.height, a.srcStride, 0, as<uint32_t>(kFits.dst),
+                                          as<int32_t>(a.dst), 9, as<uint32_t>(a.dst), 0),
+                   kHarris, kHarrisGpu),
+        ODX_LIMITS(odxGoodFeatureToTracku8, odxGoodFeatureToTracku8,
+                   odxGoodFeatureToTracku8(a.from(), a.width, a.height, a.srcStride, 0, as<uint32_t>(a.dst), 9,
+                                           as<uint32_t>(a.dst), 0, 0),
+                   kHarris, kHarrisGpu),
+        ODX_LIMITS(odxLocalHarrisMaxu8, odxLocalHarrisMaxu8,
+                   odxLocalHarrisMaxu8(a.from(), a.width, a.height, a.srcStride, 9, 9, 9, as<uint32_t>(a.dst),
+                                       as<uint32_t>(a.dst), as<int32_t>(a.dst)),
+                   kHarris, kAny),
+        ODX_LIMITS(odxCornerRefineSubPixu8, odxCornerRefineSubPixu8,
+                   odxCornerRefineSubPixu8(a.from(), a.width, a.height, a.srcStride, as<float>(a.dst), 9, 9, 9, 0),
+                   kHarris, kAny),
+        ODX_LIMITS(odxFindMultipleMaximau8, odxFindMultipleMaximau8,
+                   odxFindMultipleMaximau8(a.from(), a.width, a.height, a.srcStride, as<float>(a.dst),
+                                           as<float>(a.dst), 9, 9, 0, 0, as<float>(a.dst), as<uint32_t>(a.dst)),
+                   kHarris, kAny),
         ODX_LIMITS(odxCornerFast9u8, odxCornerFast9u8,
-                   odxCornerFast9u8(a.from(), a.width, a.height, a.srcStride, 9, 0,
-                                    reinterpret_cast<uint32_t*>(a.dst), 9, reinterpret_cast<uint32_t*>(a.dst)),
+                   odxCornerFast9u8(a.from(), a.width, a.height, a.srcStride, 9, 0, as<uint32_t>(a.dst), 9,
+                                    as<uint32_t>(a.dst)),
                    kFast, kFastGpu),
     };
 #undef ODX_LIMITS
