@@ -194,6 +194,7 @@ TEST_F(Harris, CornersAreStrictMaximaAboveTheThreshold)
         }
     }
     EXPECT_GT(corners(noise(64, 48), 0, 0, harris).size(), 20u);
+    EXPECT_EQ(Corners{}, detected(noise(12, 60), 20, -1000000000)); // borders that meet in one direction only
 }
 
 TEST_F(Harris, FindsTheCornersOfASquare)
@@ -292,6 +293,11 @@ TEST_F(Harris, TheLocalMaximumIsThatOfTheWindow)
     }
     uint32_t maxX = 77, maxY = 77;
     int32_t response = 77;
+    // The first one of many.
+    ASSERT_EQ(ONDRIX_SUCCESS,
+              odxLocalHarrisMaxu8(Image(40, 30, 9).data(), 40, 30, 0, 20, 15, 4, &maxX, &maxY, &response));
+    EXPECT_EQ((Corner{16, 11, 0}), (Corner{maxX, maxY, response}));
+    maxX = maxY = 77;
     for (const auto& [x, y, radius] :
          {std::tuple{0u, 0u, 2u}, {37u, 15u, 0u}, {20u, 500u, 9u}, {4000000000u, 15u, 9u}})
         EXPECT_EQ(ONDRIX_BAD_PARAMETER,
@@ -305,31 +311,38 @@ TEST_F(Harris, TheLocalMaximumIsThatOfTheWindow)
 
 TEST_F(Harris, GoodFeaturesAreStrongAndApart)
 {
-    const Image image = noise(64, 48);
-    Corners all = corners(image, 0, 0, minEigenvalue);
-    std::stable_sort(all.begin(), all.end(),
-                     [](const Corner& a, const Corner& b) { return a.strength > b.strength; });
-    ASSERT_GT(all.size(), 20u);
-    for (const unsigned distance : {0u, 1u, 5u, 12u, 1000000u}) {
-        for (const float quality : {0.0f, 0.3f, 1.0f}) {
-            for (const size_t capacity : {size_t{0}, size_t{5}, size_t{1000}}) {
-                Corners expected;
-                for (const Corner& corner : all) {
-                    const bool apart = std::all_of(expected.begin(), expected.end(), [&](const Corner& kept) {
-                        return std::hypot(double(kept.x) - corner.x, double(kept.y) - corner.y) >= distance;
-                    });
-                    const bool strong = static_cast<double>(corner.strength) >=
-                                        double(quality) * static_cast<double>(all[0].strength);
-                    if (apart && strong && expected.size() < capacity) expected.push_back(corner);
-                }
-                std::vector<uint32_t> xy(2 * kPlenty, 77);
-                uint32_t count = 77;
-                odxGoodFeatureToTracku8(image.data(), 64, 48, 0, 0, xy.data(), static_cast<unsigned>(capacity),
-                                        &count, quality, distance);
-                ASSERT_EQ(expected.size(), count) << distance << " " << quality << " " << capacity;
-                for (size_t i = 0; i < count; ++i) {
-                    ASSERT_EQ(expected[i].x, xy[2 * i]) << i;
-                    ASSERT_EQ(expected[i].y, xy[2 * i + 1]) << i;
+    const Image varied = noise(64, 48);
+    Image tiled = varied; // in which every corner has equals
+    for (int y = 0; y < 48; ++y) {
+        for (int x = 0; x < 64; ++x)
+            tiled.at(x, y) = varied.pixels[static_cast<size_t>(y % 16 * 64 + x % 16)];
+    }
+    for (const Image& image : {varied, tiled}) {
+        Corners all = corners(image, 0, 0, minEigenvalue);
+        std::stable_sort(all.begin(), all.end(),
+                         [](const Corner& a, const Corner& b) { return a.strength > b.strength; });
+        ASSERT_GT(all.size(), 20u);
+        for (const unsigned distance : {0u, 1u, 5u, 12u, 1000000u}) {
+            for (const float quality : {0.0f, 0.3f, 1.0f}) {
+                for (const size_t capacity : {size_t{0}, size_t{5}, size_t{1000}}) {
+                    Corners expected;
+                    for (const Corner& corner : all) {
+                        const bool apart = std::all_of(expected.begin(), expected.end(), [&](const Corner& kept) {
+                            return std::hypot(double(kept.x) - corner.x, double(kept.y) - corner.y) >= distance;
+                        });
+                        const bool strong = static_cast<double>(corner.strength) >=
+                                            double(quality) * static_cast<double>(all[0].strength);
+                        if (apart && strong && expected.size() < capacity) expected.push_back(corner);
+                    }
+                    std::vector<uint32_t> xy(2 * kPlenty, 77);
+                    uint32_t count = 77;
+                    odxGoodFeatureToTracku8(image.data(), 64, 48, 0, 0, xy.data(), static_cast<unsigned>(capacity),
+                                            &count, quality, distance);
+                    ASSERT_EQ(expected.size(), count) << distance << " " << quality << " " << capacity;
+                    for (size_t i = 0; i < count; ++i) {
+                        ASSERT_EQ(expected[i].x, xy[2 * i]) << i;
+                        ASSERT_EQ(expected[i].y, xy[2 * i + 1]) << i;
+                    }
                 }
             }
         }
@@ -370,6 +383,62 @@ TEST_F(Harris, CornersAreRefinedToAFractionOfAPixel)
         expectUnmoved(corner, outside, 20);
     expectUnmoved(flat, 20, 20);
     expectUnmoved(edge, 20, 20);
+    expectUnmoved(corner, 25.4f, 20); // the corner is further away than the window reaches
+    expectUnmoved(corner, 20, 25.4f);
+    expectUnmoved(checkered(5.6, 20), 6.4f, 20); // the first step leads to where no window fits
+}
+
+// A refined point by its definition, as long as all windows lie in the image.
+std::pair<double, double> refinedModel(const Image& image, double x, double y, int half, int iterations,
+                                       double epsilon)
+{
+    const auto value = [&](double u, double v) {
+        const int left = static_cast<int>(u), top = static_cast<int>(v);
+        const double fx = u - left, fy = v - top;
+        return (1 - fy) * ((1 - fx) * image.at(left, top) + fx * image.at(left + 1, top)) +
+               fy * ((1 - fx) * image.at(left, top + 1) + fx * image.at(left + 1, top + 1));
+    };
+    for (; iterations > 0; --iterations) {
+        double xx = 0, yy = 0, xy = 0, bx = 0, by = 0;
+        for (int j = -half; j <= half; ++j) {
+            for (int i = -half; i <= half; ++i) {
+                const double u = x + i, v = y + j, weight = (half + 1 - std::abs(i)) * (half + 1 - std::abs(j));
+                const double gx = value(u + 1, v) - value(u - 1, v), gy = value(u, v + 1) - value(u, v - 1);
+                xx += weight * gx * gx;
+                yy += weight * gy * gy;
+                xy += weight * gx * gy;
+                bx += weight * (gx * gx * i + gx * gy * j);
+                by += weight * (gx * gy * i + gy * gy * j);
+            }
+        }
+        const double determinant = xx * yy - xy * xy;
+        const double dx = (yy * bx - xy * by) / determinant, dy = (xx * by - xy * bx) / determinant;
+        x += dx;
+        y += dy;
+        if (std::hypot(dx, dy) <= epsilon) break;
+    }
+    return {x, y};
+}
+
+TEST_F(Harris, RefinementTakesTheStepsOfItsDefinition)
+{
+    Image image = checkered(20.3, 19.6);
+    const Image grain = noise(41, 41, 25);
+    for (size_t i = 0; i < image.pixels.size(); ++i)
+        image.pixels[i] = static_cast<uint8_t>(image.pixels[i] + grain.pixels[i]);
+    for (const int half : {1, 4, 15}) {
+        for (const unsigned iterations : {1u, 2u, 5u}) {
+            for (const float epsilon : {0.0f, 0.2f, 0.6f}) {
+                float xy[] = {20.75f, 20.25f};
+                odxCornerRefineSubPixu8(image.data(), 41, 41, 0, xy, 1, static_cast<unsigned>(half), iterations,
+                                        epsilon);
+                const auto [x, y] = refinedModel(image, 20.75, 20.25, half, static_cast<int>(iterations),
+                                                 static_cast<double>(epsilon));
+                EXPECT_NEAR(x, double(xy[0]), 1e-4) << half << " " << iterations << " " << epsilon;
+                EXPECT_NEAR(y, double(xy[1]), 1e-4) << half << " " << iterations << " " << epsilon;
+            }
+        }
+    }
 }
 
 TEST_F(Harris, EdgesAlongALine)
@@ -416,6 +485,31 @@ TEST_F(Harris, EdgesAlongALine)
     EXPECT_EQ(77u, count);
     EXPECT_EQ(0u, search(32, 14, 12));
     EXPECT_EQ(0u, search(32, 50, 12));
+
+    // Sample points are rounded to pixels: to column 20 and to row 31, above which the image is dark.
+    const Image whole = image;
+    std::fill_n(image.pixels.begin(), 64 * 31, uint8_t{0});
+    const float between[] = {27.6f, 30.6f};
+    EXPECT_EQ((std::vector<float>{-8, 2}), found(between, right, 7, 60, 0.0f));
+    image = whole;
+
+    // The slopes at both ends are those beside them: a descent of 4 and then 8 a column has its maximum where it
+    // begins, and an ascent has none, since it is as steep at its end.
+    Image slope(64, 64);
+    for (int i = 0; i < 64 * 64; ++i) {
+        const int x = std::clamp(i % 64, 14, 46);
+        slope.pixels[static_cast<size_t>(i)] =
+            static_cast<uint8_t>(x <= 18 ? 250 - 4 * (x - 14) : 234 - 8 * (x - 18));
+    }
+    const auto onSlope = [&] {
+        EXPECT_EQ(0u, odxFindMultipleMaximau8(slope.data(), 64, 64, 0, pos, right, 12, 7, -99, 0.0f, maxima.data(),
+                                              &count));
+        return std::vector<float>(maxima.begin(), maxima.begin() + count);
+    };
+    EXPECT_EQ((std::vector<float>{-11}), onSlope());
+    for (uint8_t& pixel : slope.pixels)
+        pixel = static_cast<uint8_t>(255 - pixel);
+    EXPECT_EQ(std::vector<float>{}, onSlope());
 
     // Padded rows: vertical neighbours are taken a width apart, here from the row's own padding, which is dark.
     // The direction, too, is taken as if rows followed each other: at row 32 from row 16, at row 30 from row 15,
@@ -497,7 +591,8 @@ TEST_F(Harris, RefusedArgumentsAreNamed)
          {[&] { odxCornerRefineSubPixu8(src, 12, 12, 0, points, 1, 0, 5, 0.1f); },
           [&] { odxCornerRefineSubPixu8(src, 12, 12, 0, points, 1, 16, 5, 0.1f); },
           [&] { odxCornerRefineSubPixu8(src, 12, 12, 0, points, 1, 2, 0, 0.1f); },
-          [&] { odxCornerRefineSubPixu8(src, 12, 12, 0, points, 1, 2, 5, -1.0f); }}},
+          [&] { odxCornerRefineSubPixu8(src, 12, 12, 0, points, 1, 2, 5, -1.0f); },
+          [&] { odxCornerRefineSubPixu8(src, 12, 12, 11, points, 1, 2, 5, 0.1f); }}},
         {"odxFindMultipleMaximau8",
          "src && pos && dir && maxima && numMaxima && srcWidth && srcHeight && srcStride >= srcWidth",
          {[&] {
@@ -517,6 +612,60 @@ TEST_F(Harris, RefusedArgumentsAreNamed)
         }
     }
     EXPECT_EQ(77u, count);
+}
+
+TEST_F(Harris, MemoryIsReturnedWhereverASearchEnds)
+{
+    static int lent;
+    lent = 0;
+    auto* const lend = odxGetScratchBufferUnaligned_;
+    auto* const takeBack = odxReleaseScratchBuffer_;
+    odxGetScratchBufferUnaligned_ = [](uint32_t size) {
+        ++lent;
+        return local_odxGetScratchBufferUnaligned(size);
+    };
+    odxReleaseScratchBuffer_ = [](void* block) {
+        --lent;
+        return local_odxReleaseScratchBuffer(block);
+    };
+    const Image image = noise(40, 30);
+    for (const auto& [border, capacity] : {std::pair{5u, 1000u}, {5u, 1u}, {5u, 0u}, {9u, 1000u}, {15u, 1000u}}) {
+        detected(image, border, 0, capacity);
+        EXPECT_EQ(0, lent) << border << " " << capacity;
+    }
+    odxGetScratchBufferUnaligned_ = lend;
+    odxReleaseScratchBuffer_ = takeBack;
+}
+
+TEST_F(Harris, WithoutMemoryForCandidatesThereAreNoCorners)
+{
+    static int requests, fails;
+    auto* const lend = odxGetScratchBufferAligned_;
+    odxGetScratchBufferAligned_ = [](uint32_t size, uint32_t alignment) -> void* {
+        return ++requests == fails ? nullptr : local_odxGetScratchBufferAligned(size, alignment);
+    };
+    const Image image = noise(40, 30);
+    const auto expectNone = [&](const char* operation, int failing, const auto& detect) {
+        requests = 0;
+        fails = failing;
+        std::vector<uint32_t> xy(2 * kPlenty);
+        uint32_t count = 77;
+        LogCapture log;
+        detect(xy.data(), &count);
+        EXPECT_EQ(
+            std::vector<LogLine>{error(std::string("Error - can not allocate scratch buffer for ") + operation)},
+            log.take());
+        EXPECT_EQ(0u, count) << operation << failing;
+    };
+    expectNone("odxCornerHarrisAdaptiveu8", 1, [&](uint32_t* xy, uint32_t* count) {
+        odxCornerHarrisAdaptiveu8(image.data(), 40, 30, 0, 0, xy, kPlenty, count, 0);
+    });
+    for (const int failing : {1, 2, 3}) {
+        expectNone("odxGoodFeatureToTracku8", failing, [&](uint32_t* xy, uint32_t* count) {
+            odxGoodFeatureToTracku8(image.data(), 40, 30, 0, 0, xy, kPlenty, count, 0, 3);
+        });
+    }
+    odxGetScratchBufferAligned_ = lend;
 }
 
 TEST_F(Harris, WithoutTemporaryMemoryTheProcessEnds)
