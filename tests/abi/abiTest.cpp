@@ -1,11 +1,13 @@
 // The shared library as an application meets it, one that supplies the platform's functions itself.
 #include "ondrix.h"
 
+#include "support/childProcess.h"
 #include "support/logCapture.h"
 #include "support/processors.h"
 
 #include <gtest/gtest.h>
 
+#include <dlfcn.h>
 #include <map>
 #include <string.h>
 
@@ -34,6 +36,23 @@ TEST(SharedLibrary, LogsThroughTheApplicationsFunction)
     EXPECT_STREQ("1.7.1", version);
     EXPECT_EQ(0u, odxBitCountu8(nullptr, 1));
     EXPECT_EQ((std::vector<LogLine>{{3, "ondrix_lib_log", "Ondrix vendor library\n"}}), log.take());
+}
+
+// What the library brings for applications without a log: a line each on stderr.
+TEST(SharedLibrary, HasALogOfItsOwn)
+{
+    void* const library = dlopen("libondrixopt.so", RTLD_NOW | RTLD_NOLOAD);
+    ASSERT_NE(nullptr, library);
+    using Print = int(int priority, const char* tag, const char* format, ...);
+    auto* const print = reinterpret_cast<Print*>(dlsym(library, "__android_log_print"));
+    ASSERT_NE(nullptr, print);
+    const ChildResult child = runInChild([print] {
+        print(3, "one", "%d\n", 7);
+        print(4, "two", "%s", "text");
+        print(6, "three", "%s", "");
+        print(8, "four", "%s", "\n");
+    });
+    EXPECT_EQ("D/one: 7\nI/two: text\nE/three: \n?/four: \n", child.output);
 }
 
 TEST(SharedLibrary, ReadsTheApplicationsProperties)

@@ -399,7 +399,14 @@ TEST(PlatformServices, PropertiesAreNumbers)
     const struct {
         const char* text;
         int number;
-    } rows[] = {{"1", 1}, {"0", 0}, {"", 0}, {"-3", -3}, {"on", 0}, {"2x", 2}, {"4294967296", INT32_MAX}};
+    } rows[] = {{"1", 1},
+                {"0", 0},
+                {"", 0},
+                {"-3", -3},
+                {"on", 0},
+                {"2x", 2},
+                {"4294967296", INT32_MAX},
+                {"-4294967296", INT32_MIN}};
     for (const auto& row : rows) {
         setenv("A_PROPERTY_9", row.text, 1);
         EXPECT_EQ(row.number, platform::propertyNumber("a.property-9")) << row.text;
