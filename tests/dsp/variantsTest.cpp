@@ -139,7 +139,6 @@ TEST(Variants, OfStatusOperationsReturnTheRemoteStatus)
     });
 }
 
-// What the remote processor refuses with the internal status goes the way of every such call.
 TEST(Variants, DefaultTheStridesOfDirectCalls)
 {
     onRemote([](Stub& stub, LogCapture&) {
