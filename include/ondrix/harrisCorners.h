@@ -15,9 +15,8 @@
 /// - Strides are in bytes; 0 means the width. Widths and heights are in pixels.
 /// - `border`: pixels closer than this to an edge are not corners; values below 6 mean 5.
 /// - `xy` receives an x and a y for each corner and must hold `nCornersMax` pairs; the corners come in raster
-/// order
-///   unless the function says otherwise, and the search ends when the list is full. `nCorners` (`numcorners`)
-///   receives their number. With a capacity of 0 there are none.
+///   order unless the function says otherwise, and the search ends when the list is full. `nCorners`
+///   (`numcorners`) receives their number. With a capacity of 0 there are none.
 /// - Refused arguments are logged ("Assertion failed @...") and nothing is written.
 /// - The detectors take temporary memory: the reference 56 bytes a column, the SIMD code about 84. Without it the
 ///   process ends with an error line.
