@@ -3,8 +3,7 @@
 ///
 /// Luma and chroma
 /// - Planar images have a plane each of Y, Cb and Cr. Pseudo-planar images have a plane of Y and one of
-/// interleaved
-///   pairs, Cb first.
+///   interleaved pairs, Cb first.
 /// - 4:4:4 has a chroma pair for each pixel, 4:2:2 one for two neighbours in a row, 4:2:0 one for 2x2 pixels.
 ///   Chroma is replicated over the pixels that it covers, never interpolated.
 ///
@@ -37,8 +36,7 @@
 ///
 /// 4:2:2 and 4:2:0
 /// - In a row of odd width the last pixel takes the chroma pair of the two pixels before it; a chroma sample
-/// beyond
-///   that pair is not read.
+///   beyond that pair is not read.
 /// - A width of 1 ends the process: "ondrixColorC@<line>: length > 1 Assertion failed", exit status 1.
 ///
 /// 4:2:0 converts pairs of rows. With an odd height the last pair takes one more row of luma and writes one more

@@ -8,8 +8,7 @@
 /// - `srcStride` is the distance of two rows in bytes; 0 means `srcWidth`.
 /// - `border`: pixels closer than this to an edge are not tested; values below 3 mean 3.
 /// - `barrier`: the sums above are not clamped. From 255 on, no pixel is a corner. A negative barrier makes
-/// corners
-///   of nearly all pixels.
+///   corners of nearly all pixels.
 /// - `xy`: receives the corners in raster order, an x and a y each. It must hold `nCornersMax` pairs, and at least
 ///   one: the detector stops when a corner has filled the list, so a capacity of 0 still admits one corner.
 /// - `nCorners`: receives the number of corners.
