@@ -15,8 +15,7 @@
 //                                change places
 //   min, max                     of u8v and s16v; max of s32v
 //   split(v), join(pair)         bytes to 16 bits (or signed 16 to 32) and back, as a pair in the target's own
-//   lane
-//                                order: even and odd lanes on x86, halves on ARM. join takes values that fit.
+//                                lane order: even and odd lanes on x86, halves on ARM. join takes values that fit.
 //   joinShifted<n>(pair)         join(pair >> n)
 //   storeInOrder(p, pair)        the 32-bit lanes of a pair
 //   joinClamped(pair)            join of signed values, clamped to 0..255
