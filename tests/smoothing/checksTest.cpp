@@ -200,6 +200,8 @@ TEST_F(SmoothingChecks, StatusOperationsRefuseInSilence)
     };
     LogCapture log;
     const int16_t* const s = b.src.data();
+    EXPECT_EQ(ONDRIX_BAD_PARAMETER, odxFilterMedianMxNs16(s, kSide, kSide, row, 3, 3, nullptr, row));
+    EXPECT_EQ(ONDRIX_BAD_PARAMETER, odxFilterMedianMxNs16(s, kSide, 0, row, 3, 3, b.dst.data(), row));
     EXPECT_EQ(ONDRIX_BAD_PARAMETER, median(nullptr, kSide, row, 3, 3, row));
     EXPECT_EQ(ONDRIX_BAD_PARAMETER, median(s, 0, row, 3, 3, row));
     EXPECT_EQ(ONDRIX_BAD_PARAMETER, median(s, kSide, row - 2, 3, 3, row));

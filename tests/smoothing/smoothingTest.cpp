@@ -70,6 +70,39 @@ TEST_F(Smoothing, GaussiansAreTheirKernels)
     }
 }
 
+// The borders of rows that are longer than the pieces in which they are worked on.
+TEST_F(Smoothing, LongRowsHaveTheSameBorders)
+{
+    constexpr int kWidth = 522;
+    expectBinomial<uint8_t>(odxFilterGaussian3x3u8, kBinomial3, 4, noise<uint8_t>(kWidth, 3, 0, 255));
+    expectBinomial<int16_t>(odxFilterGaussian5x5s16, kBinomial5, 8, noise<int16_t>(kWidth, 5, -32768, 32767));
+    expectBinomial<uint8_t>(odxFilterGaussian11x11u8, kBinomial11, 20, noise<uint8_t>(kWidth, 11, 0, 255));
+}
+
+// Functions without strides have packed rows, for which a stride of 0 stands.
+template <class T, class Packed, class Strided>
+void expectDefaultStrides(Packed packed, Strided strided)
+{
+    const auto src = noise<T>(13, 12, 0, 255);
+    Grid<T> expected(13, 12), dst(13, 12);
+    packed(src.data(), 13, 12, expected.data(), 1);
+    strided(src.data(), 13, 12, 0, dst.data(), 0, 1);
+    EXPECT_EQ(expected, dst);
+}
+
+TEST_F(Smoothing, StridesOfZeroArePackedRows)
+{
+    expectDefaultStrides<uint8_t>(odxFilterGaussian3x3u8, odxFilterGaussian3x3u8_v2);
+    expectDefaultStrides<uint8_t>(odxFilterGaussian5x5u8, odxFilterGaussian5x5u8_v2);
+    expectDefaultStrides<uint8_t>(odxFilterGaussian11x11u8, odxFilterGaussian11x11u8_v2);
+    expectDefaultStrides<int16_t>(odxFilterGaussian5x5s16, odxFilterGaussian5x5s16_v2);
+    expectDefaultStrides<int32_t>(odxFilterGaussian5x5s32, odxFilterGaussian5x5s32_v2);
+    expectDefaultStrides<uint8_t>([](auto s, auto w, auto h, auto d, int) { odxFilterMedian3x3u8(s, w, h, d); },
+                                  [](auto s, auto w, auto h, auto from, auto d, auto to, int) {
+                                      odxFilterMedian3x3u8_v2(s, w, h, from, d, to);
+                                  });
+}
+
 TEST_F(Smoothing, WideSumsWrap)
 {
     // 256 times 2^24 is 2^32: the sum is 0; one less a pixel wraps to -256.
@@ -97,7 +130,7 @@ TEST_F(Smoothing, NegativeSumsRoundDownInsideAndTowardZeroAtTheBorder)
 
 TEST_F(Smoothing, BorderTypesFillInWhatIsMissing)
 {
-    for (const auto& [width, height] : {std::pair{1, 1}, {1, 4}, {5, 1}, {2, 2}, {3, 3}, {9, 6}}) {
+    for (const auto& [width, height] : {std::pair{1, 1}, {1, 4}, {5, 1}, {2, 2}, {3, 3}, {9, 6}, {522, 2}}) {
         const auto src = noise<uint8_t>(width, height, 0, 255);
         for (const odxBorderType type : kBorderTypes) {
             constexpr uint32_t value = 0x1C8; // its low 8 bits count: 200
@@ -224,6 +257,16 @@ TEST_F(Smoothing, MediansAreTheMiddleOfTheirWindow)
     }
 }
 
+// More pixels in a window than 16 bits count.
+TEST_F(Smoothing, LargeWindowsHaveMediansToo)
+{
+    const Grid<int16_t> src(290, 255, 5);
+    Grid<int16_t> dst(290, 255, 77);
+    ASSERT_EQ(ONDRIX_SUCCESS, odxFilterMedianMxNs16(src.data(), src.w(), src.h(), src.stride(), 259, 255,
+                                                    dst.data(), dst.stride()));
+    EXPECT_EQ(src, dst);
+}
+
 TEST_F(Smoothing, WithoutTemporaryMemoryNothingIsWritten)
 {
     auto* const lend = odxGetScratchBufferAligned_;
@@ -236,16 +279,30 @@ TEST_F(Smoothing, WithoutTemporaryMemoryNothingIsWritten)
                   odxFilterMedianMxNs16(src.data(), 9, 9, src.stride(), 3, 3, dst.data(), dst.stride()));
         EXPECT_EQ(77, dst.at(4, 4));
 
-        const Grid<float> real(9, 9, 5);
-        Grid<float> box(9, 9, 77);
+        const Grid<float> real(9, 40, 5);
+        Grid<float> box(9, 40, 77);
         LogCapture log;
-        odxBoxFilterNxNf32(real.data(), 9, 9, 0, 3, box.data(), 0);
+        odxBoxFilterNxNf32(real.data(), 9, 40, 0, 3, box.data(), 0);
         EXPECT_EQ(77, box.at(4, 4));
         const LogLine line = {6, "ondrix_lib_log",
                               "Error - can not allocate scratch buffer for odxBoxFilterNxNf32C"};
         EXPECT_EQ(std::vector<LogLine>{line}, log.take());
     }
     odxGetScratchBufferAligned_ = lend;
+
+    // Sizes of which 32 bits hold a small remainder.
+    EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE));
+    const Grid<int16_t> src(9, 9, 5);
+    Grid<int16_t> dst(9, 9, 77);
+    EXPECT_EQ(ONDRIX_NO_MEMORY,
+              odxFilterMedianMxNs16(src.data(), 9, 9, src.stride(), 65537, 65537, dst.data(), dst.stride()));
+    EXPECT_EQ(77, dst.at(0, 0));
+    const Grid<float> real(9, 9, 5);
+    Grid<float> box(9, 9, 77);
+    LogCapture log;
+    odxBoxFilterNxNf32(real.data(), 65536, 65536, 0, 3, box.data(), 0);
+    EXPECT_EQ(1u, log.take().size());
+    EXPECT_EQ(77, box.at(0, 0));
 }
 
 TEST_F(Smoothing, ThreadsFilterSideBySide)
