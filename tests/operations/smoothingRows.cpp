@@ -15,7 +15,7 @@ void packedGaussian(Draw& draw)
 {
     const Extent extent = draw.extent(minWidth, minHeight);
     const auto src = draw.source<T>("src", extent, true), dst = draw.destination<T>("dst", extent, true);
-    const int border = draw.pick("border", {1, 0});
+    const int border = draw.pick("border", {1, 0, 2});
     draw.run([&] { operation(src.pixels, extent.width, extent.height, dst.pixels, border); });
 }
 
@@ -24,7 +24,7 @@ void gaussian(Draw& draw)
 {
     const Extent extent = draw.extent(minWidth, minHeight);
     const auto src = draw.source<T>("src", extent), dst = draw.destination<T>("dst", extent);
-    const int border = draw.pick("border", {1, 0});
+    const int border = draw.pick("border", {1, 0, 2});
     draw.run([&] {
         operation(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels, dst.strideArgument(),
                   border);
