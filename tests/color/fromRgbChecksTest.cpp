@@ -71,16 +71,13 @@ void expectPackedRefused(const char* operation,
     });
 }
 
-struct YuvPointers {
-    uint8_t *y, *cb, *cr;
-};
-
 // An image of the call: its planes come first, and its strides after the size.
 struct Yuv {
     uint8_t *y = nullptr, *cb = nullptr, *cr = nullptr;
     uint32_t yStride = 0, cbStride = 0, crStride = 0;
-    uint32_t chromaRow;
     bool pairs;
+    uint32_t chromaRow;
+    std::string chromaRowText;
 
     void takePointers(Spoilt& s)
     {
@@ -96,38 +93,63 @@ struct Yuv {
     }
 };
 
-Yuv planes(uint32_t chromaRow)
+constexpr bool Planar = false, PseudoPlanar = true;
+
+// Conversions from RGB have whole pairs of pixels only.
+Yuv image(uint32_t subsampling, bool pairs, bool fromRgb = false)
 {
-    Yuv image;
-    image.chromaRow = chromaRow;
-    image.pairs = false;
-    return image;
+    Yuv yuv;
+    yuv.pairs = pairs;
+    if (subsampling == 444) {
+        yuv.chromaRow = pairs ? 2 * kWidth : kWidth;
+        yuv.chromaRowText = pairs ? "srcWidth*2" : "srcWidth";
+    } else if (pairs) {
+        yuv.chromaRow = kWidth;
+        yuv.chromaRowText = "srcWidth";
+    } else {
+        yuv.chromaRow = fromRgb ? kWidth / 2 : (kWidth + 1) / 2;
+        yuv.chromaRowText = fromRgb ? "srcWidth/2" : "(srcWidth+1)/2";
+    }
+    return yuv;
 }
-Yuv pairs(uint32_t chromaRow)
+
+// The parts of a condition.
+std::string given(const std::string& side, const Yuv& yuv)
 {
-    Yuv image;
-    image.chromaRow = chromaRow;
-    image.pairs = true;
-    return image;
+    return side + "Y && " + side + (yuv.pairs ? "C" : "Cb && " + side + "Cr") + " && ";
+}
+std::string fits(const std::string& stride, const std::string& row)
+{
+    return " && ( " + stride + " == 0 || " + stride + " >= (" + row + "*sizeof(uint8_t)) )";
+}
+std::string fits(const std::string& side, const Yuv& yuv)
+{
+    const std::string luma = fits(side + "YStride", "srcWidth");
+    if (yuv.pairs) return luma + fits(side + "CStride", yuv.chromaRowText);
+    return luma + fits(side + "CbStride", yuv.chromaRowText) + fits(side + "CrStride", yuv.chromaRowText);
 }
 
 template <class Call>
-void expectFromRgbRefused(const char* operation, uint32_t srcRow, Yuv dst, const char* condition, Call convert)
+void expectFromRgbRefused(const char* operation, uint32_t pixelSize, Yuv dst, Call convert)
 {
-    expectRefused(operation, condition, dst.pairs ? 8 : 10, [=](Spoilt& s) mutable {
+    const std::string condition = "src && " + given("dst", dst) + "srcWidth && srcHeight" +
+                                  fits("srcStride", "srcWidth*" + std::to_string(pixelSize)) + fits("dst", dst);
+    expectRefused(operation, condition.c_str(), dst.pairs ? 8 : 10, [=](Spoilt& s) mutable {
         uint8_t* const src = s.pointer();
         dst.takePointers(s);
-        const uint32_t width = s.size(kWidth), height = s.size(kHeight), srcStride = s.stride(srcRow);
+        const uint32_t width = s.size(kWidth), height = s.size(kHeight), srcStride = s.stride(pixelSize * kWidth);
         dst.takeStrides(s);
         convert(src, width, height, srcStride, dst);
     });
 }
 
 template <class Call>
-void expectYuvRefused(const char* operation, Yuv src, Yuv dst, const char* condition, Call convert)
+void expectYuvRefused(const char* operation, Yuv src, Yuv dst, Call convert)
 {
+    const std::string condition =
+        given("src", src) + given("dst", dst) + "srcWidth && srcHeight" + fits("src", src) + fits("dst", dst);
     const size_t arguments = 2 + (src.pairs ? 4 : 6) + (dst.pairs ? 4 : 6);
-    expectRefused(operation, condition, arguments, [=](Spoilt& s) mutable {
+    expectRefused(operation, condition.c_str(), arguments, [=](Spoilt& s) mutable {
         src.takePointers(s);
         dst.takePointers(s);
         const uint32_t width = s.size(kWidth), height = s.size(kHeight);
@@ -136,6 +158,11 @@ void expectYuvRefused(const char* operation, Yuv src, Yuv dst, const char* condi
         convert(src, width, height, dst);
     });
 }
+
+#define ODX_Planar_OF(image) image.y, image.cb, image.cr
+#define ODX_PseudoPlanar_OF(image) image.y, image.cb
+#define ODX_Planar_STRIDES_OF(image) image.yStride, image.cbStride, image.crStride
+#define ODX_PseudoPlanar_STRIDES_OF(image) image.yStride, image.cbStride
 
 TEST_F(FromRgbChecks, PackedConversionsNameTheirConditions)
 {
@@ -172,70 +199,33 @@ TEST_F(FromRgbChecks, PackedConversionsNameTheirConditions)
 
 TEST_F(FromRgbChecks, ConversionsToLumaAndChromaNameTheirConditions)
 {
-    const auto planar = [](auto* operation) {
-        return [=](const uint8_t* src, uint32_t w, uint32_t h, uint32_t stride, const Yuv& d) {
-            operation(src, w, h, stride, d.y, d.cb, d.cr, d.yStride, d.cbStride, d.crStride);
-        };
-    };
-    const auto pseudoPlanar = [](auto* operation) {
-        return [=](const uint8_t* src, uint32_t w, uint32_t h, uint32_t stride, const Yuv& d) {
-            operation(src, w, h, stride, d.y, d.cb, d.yStride, d.cbStride);
-        };
-    };
-    expectFromRgbRefused("odxColorRGB888ToYCbCr444Planaru8", 3 * kWidth, planes(kWidth),
-                         "src && dstY && dstCb && dstCr && srcWidth && srcHeight && "
-                         "( srcStride == 0 || srcStride >= (srcWidth*3*sizeof(uint8_t)) ) && "
-                         "( dstYStride == 0 || dstYStride >= (srcWidth*sizeof(uint8_t)) ) && "
-                         "( dstCbStride == 0 || dstCbStride >= (srcWidth*sizeof(uint8_t)) ) && "
-                         "( dstCrStride == 0 || dstCrStride >= (srcWidth*sizeof(uint8_t)) )",
-                         planar(odxColorRGB888ToYCbCr444Planaru8));
-    expectFromRgbRefused("odxColorRGB565ToYCbCr420Planaru8", 2 * kWidth, planes(kWidth / 2),
-                         "src && dstY && dstCb && dstCr && srcWidth && srcHeight && "
-                         "( srcStride == 0 || srcStride >= (srcWidth*2*sizeof(uint8_t)) ) && "
-                         "( dstYStride == 0 || dstYStride >= (srcWidth*sizeof(uint8_t)) ) && "
-                         "( dstCbStride == 0 || dstCbStride >= (srcWidth/2*sizeof(uint8_t)) ) && "
-                         "( dstCrStride == 0 || dstCrStride >= (srcWidth/2*sizeof(uint8_t)) )",
-                         planar(odxColorRGB565ToYCbCr420Planaru8));
-    expectFromRgbRefused("odxColorRGBA8888ToYCbCr444PseudoPlanaru8", 4 * kWidth, pairs(2 * kWidth),
-                         "src && dstY && dstC && srcWidth && srcHeight && "
-                         "( srcStride == 0 || srcStride >= (srcWidth*4*sizeof(uint8_t)) ) && "
-                         "( dstYStride == 0 || dstYStride >= (srcWidth*sizeof(uint8_t)) ) && "
-                         "( dstCStride == 0 || dstCStride >= (srcWidth*2*sizeof(uint8_t)) )",
-                         pseudoPlanar(odxColorRGBA8888ToYCbCr444PseudoPlanaru8));
-    expectFromRgbRefused("odxColorRGB888ToYCbCr422PseudoPlanaru8", 3 * kWidth, pairs(kWidth),
-                         "src && dstY && dstC && srcWidth && srcHeight && "
-                         "( srcStride == 0 || srcStride >= (srcWidth*3*sizeof(uint8_t)) ) && "
-                         "( dstYStride == 0 || dstYStride >= (srcWidth*sizeof(uint8_t)) ) && "
-                         "( dstCStride == 0 || dstCStride >= (srcWidth*sizeof(uint8_t)) )",
-                         pseudoPlanar(odxColorRGB888ToYCbCr422PseudoPlanaru8));
+    enum { RGB565 = 2, RGB888, RGBA8888 };
+#define ODX_CASE_TO(pixels, subsampling, to)                                                                     \
+    expectFromRgbRefused("odxColor" #pixels "ToYCbCr" #subsampling #to "u8", pixels,                             \
+                         image(subsampling, to, true),                                                           \
+                         [](const uint8_t* src, uint32_t w, uint32_t h, uint32_t stride, const Yuv& d) {         \
+                             odxColor##pixels##ToYCbCr##subsampling##to##u8(src, w, h, stride, ODX_##to##_OF(d), \
+                                                                            ODX_##to##_STRIDES_OF(d));           \
+                         });
+#define ODX_CASE(pixels, subsampling, source, rows) \
+    ODX_CASE_TO(pixels, subsampling, Planar) ODX_CASE_TO(pixels, subsampling, PseudoPlanar)
+    ODX_RGB_TO_YCBCR(ODX_CASE)
+#undef ODX_CASE
+#undef ODX_CASE_TO
 }
 
 TEST_F(FromRgbChecks, ConversionsBetweenLayoutsNameTheirConditions)
 {
-    expectYuvRefused("odxColorYCbCr420PlanarToYCbCr444PseudoPlanaru8", planes((kWidth + 1) / 2), pairs(2 * kWidth),
-                     "srcY && srcCb && srcCr && dstY && dstC && srcWidth && srcHeight && "
-                     "( srcYStride == 0 || srcYStride >= (srcWidth*sizeof(uint8_t)) ) && "
-                     "( srcCbStride == 0 || srcCbStride >= ((srcWidth+1)/2*sizeof(uint8_t)) ) && "
-                     "( srcCrStride == 0 || srcCrStride >= ((srcWidth+1)/2*sizeof(uint8_t)) ) && "
-                     "( dstYStride == 0 || dstYStride >= (srcWidth*sizeof(uint8_t)) ) && "
-                     "( dstCStride == 0 || dstCStride >= (srcWidth*2*sizeof(uint8_t)) )",
-                     [](const Yuv& s, uint32_t width, uint32_t height, const Yuv& d) {
-                         odxColorYCbCr420PlanarToYCbCr444PseudoPlanaru8(s.y, s.cb, s.cr, width, height, s.yStride,
-                                                                        s.cbStride, s.crStride, d.y, d.cb,
-                                                                        d.yStride, d.cbStride);
+#define ODX_CASE(from, fromSubsampling, to, toSubsampling)                                                    \
+    expectYuvRefused("odxColorYCbCr" #fromSubsampling #from "ToYCbCr" #toSubsampling #to "u8",                \
+                     image(fromSubsampling, from), image(toSubsampling, to),                                  \
+                     [](const Yuv& s, uint32_t width, uint32_t height, const Yuv& d) {                        \
+                         odxColorYCbCr##fromSubsampling##from##ToYCbCr##toSubsampling##to##u8(                \
+                             ODX_##from##_OF(s), width, height, ODX_##from##_STRIDES_OF(s), ODX_##to##_OF(d), \
+                             ODX_##to##_STRIDES_OF(d));                                                       \
                      });
-    expectYuvRefused("odxColorYCbCr422PseudoPlanarToYCbCr420Planaru8", pairs(kWidth), planes((kWidth + 1) / 2),
-                     "srcY && srcC && dstY && dstCb && dstCr && srcWidth && srcHeight && "
-                     "( srcYStride == 0 || srcYStride >= (srcWidth*sizeof(uint8_t)) ) && "
-                     "( srcCStride == 0 || srcCStride >= (srcWidth*sizeof(uint8_t)) ) && "
-                     "( dstYStride == 0 || dstYStride >= (srcWidth*sizeof(uint8_t)) ) && "
-                     "( dstCbStride == 0 || dstCbStride >= ((srcWidth+1)/2*sizeof(uint8_t)) ) && "
-                     "( dstCrStride == 0 || dstCrStride >= ((srcWidth+1)/2*sizeof(uint8_t)) )",
-                     [](const Yuv& s, uint32_t width, uint32_t height, const Yuv& d) {
-                         odxColorYCbCr422PseudoPlanarToYCbCr420Planaru8(s.y, s.cb, width, height, s.yStride,
-                                                                        s.cbStride, d.y, d.cb, d.cr, d.yStride,
-                                                                        d.cbStride, d.crStride);
-                     });
+    ODX_YCBCR_TO_YCBCR(ODX_CASE)
+#undef ODX_CASE
 }
 
 } // namespace

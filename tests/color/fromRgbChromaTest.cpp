@@ -13,19 +13,20 @@ namespace
 // A luma and chroma image of any layout. Interleaved chroma of odd widths may be a pair short.
 struct Picture {
     uint32_t width, height, across, down;
-    bool pairs, shortRows;
+    bool pairs, defaulted, shortRows;
     uint32_t cStride;
     std::vector<uint8_t> y, cb, cr; // cb also holds pairs
 
     Picture(uint32_t w, uint32_t h, uint32_t subsampling, bool interleaved, bool packed)
         : width(w), height(h), across(subsampling == 444 ? 1 : 2), down(subsampling == 420 ? 2 : 1),
-          pairs(interleaved), shortRows(interleaved && packed && across == 2)
+          pairs(interleaved), defaulted(packed), shortRows(interleaved && packed && across == 2)
     {
         cStride = shortRows ? w : columns() * (pairs ? 2 : 1);
         y.assign(size_t{w} * h, 0x5A);
         cb.assign(size_t{cStride} * rows(), 0x5A);
         cr = cb;
     }
+    uint32_t argument(uint32_t stride) const { return defaulted ? 0 : stride; }
     uint32_t columns() const { return (width + across - 1) / across; }
     uint32_t rows() const { return (height + down - 1) / down; }
     // The samples of a kind in a row that are stored.
@@ -64,9 +65,9 @@ struct Conversion {
 constexpr bool Planar = false, PseudoPlanar = true;
 
 #define ODX_Planar_ARGUMENTS(p) p.y.data(), p.cb.data(), p.cr.data()
-#define ODX_Planar_STRIDES(p) p.width, p.cStride, p.cStride
+#define ODX_Planar_STRIDES(p) p.argument(p.width), p.argument(p.cStride), p.argument(p.cStride)
 #define ODX_PseudoPlanar_ARGUMENTS(p) p.y.data(), p.cb.data()
-#define ODX_PseudoPlanar_STRIDES(p) p.width, p.cStride
+#define ODX_PseudoPlanar_STRIDES(p) p.argument(p.width), p.argument(p.cStride)
 #define ODX_CASE(from, fromSubsampling, to, toSubsampling)                                                   \
     {#fromSubsampling #from " to " #toSubsampling #to,                                                       \
      fromSubsampling,                                                                                        \

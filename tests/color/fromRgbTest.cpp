@@ -292,6 +292,13 @@ TEST_P(FromRgb, LabOfGreysAndPrimaries)
     odxColorRGBA8888ToLABu8(primaries.data(), 3, 1, 0, dst.data(), 0);
     dst.resize(9);
     EXPECT_EQ((Bytes{136, 208, 195, 224, 42, 211, 82, 207, 20}), dst);
+
+    // The same in a column of three rows.
+    Bytes column(3 * 8, 77), strided(3 * 5, 77);
+    for (size_t i = 0; i < 3; ++i)
+        std::copy_n(&primaries[4 * i], 4, &column[8 * i]);
+    odxColorRGBA8888ToLABu8(column.data(), 1, 3, 8, strided.data(), 5);
+    EXPECT_EQ((Bytes{136, 208, 195, 77, 77, 224, 42, 211, 77, 77, 82, 207, 20, 77, 77}), strided);
 }
 
 // ---- repacking ----

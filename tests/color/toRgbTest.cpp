@@ -211,6 +211,21 @@ TEST_P(ToRgb, RowsOfStridedImagesLeaveTheRestAlone)
         ASSERT_EQ(i % dstStride < 3 * width ? 50 : 9, dst[i]) << i;
 }
 
+// The chroma of an image in one buffer begins where its last row of luma ends, padding included.
+TEST_P(ToRgb, ChromaFollowsThePaddingOfTheLuma)
+{
+    constexpr uint8_t none = 77;
+    const Bytes src = {16,  17,  none, 18,   19,  none, 20, 21, none, 22, 23, none, // luma
+                       128, 128, none, none, 255, 128};                             // Cr and Cb
+    Bytes dst(4 * 2 * 4);
+    odxColorYCrCb420PseudoPlanarToRGB8888u8(src.data(), 2, 4, 3, 4, dst.data(), 8);
+    const Bytes grey = {0, 0, 0, 255, 1, 1, 1, 255, 2, 2, 2, 255, 3, 3, 3, 255};
+    EXPECT_EQ(grey, Bytes(dst.begin(), dst.begin() + 16));
+    // Red (4 * 1192 + 127 * 1634) >> 10 and so on; green and blue: green is below 0.
+    EXPECT_EQ((Bytes{207, 0, 4, 255, 208, 0, 5, 255, 209, 0, 6, 255, 210, 0, 8, 255}),
+              Bytes(dst.begin() + 16, dst.end()));
+}
+
 // A destination stride of 11 moves on by two pixels.
 TEST_P(ToRgb, StridesOf8888RowsCountWholePixels)
 {
