@@ -98,6 +98,8 @@ std::vector<Limits> allLimits()
     constexpr Multiples kHarris = {8, 4, 1, 4, 1}, kHarrisGpu = {1, 8, 1, 16, 16};
     constexpr Multiples kFast = {1, 8, 1, 8, 1}, kFastGpu = {1, 1, 1, 16, 16};
     constexpr auto kBorder = ONDRIX_BORDER_REPLICATE;
+    // For the other planes of an image, so that one at a time does not fit.
+    static const uint8_t* const fits = kFits.from();
 #define ODX_LIMITS(name, slot, call, ...)                \
     Limits                                               \
     {                                                    \
@@ -140,8 +142,32 @@ std::vector<Limits> allLimits()
                                                           a.dstStride, a.dstStride),
                    kColor, kMedianGpu),
         ODX_LIMITS(odxColorYCbCr420PlanarToRGB888u8, odxColorYCbCr420PlanarToRGB888u8,
-                   odxColorYCbCr420PlanarToRGB888u8(a.from(), a.from(), a.from(), a.width, a.height, a.srcStride,
-                                                    a.srcStride, a.srcStride, a.to(), a.dstStride),
+                   odxColorYCbCr420PlanarToRGB888u8(a.from(), fits, fits, a.width, a.height, a.srcStride, 1024,
+                                                    1024, a.to(), a.dstStride),
+                   kColor, kMedianGpu),
+        ODX_LIMITS(odxColorYCbCr420PlanarToRGB888u8, odxColorYCbCr420PlanarToRGB888u8,
+                   odxColorYCbCr420PlanarToRGB888u8(fits, a.from(), fits, a.width, a.height, 1024, a.srcStride,
+                                                    1024, a.to(), a.dstStride),
+                   kColor, kMedianGpu),
+        ODX_LIMITS(odxColorYCbCr420PlanarToRGB888u8, odxColorYCbCr420PlanarToRGB888u8,
+                   odxColorYCbCr420PlanarToRGB888u8(fits, fits, a.from(), a.width, a.height, 1024, 1024,
+                                                    a.srcStride, a.to(), a.dstStride),
+                   kColor, kMedianGpu),
+        ODX_LIMITS(odxColorYCbCr422PseudoPlanarToRGB565u8, odxColorYCbCr422PseudoPlanarToRGB565u8,
+                   odxColorYCbCr422PseudoPlanarToRGB565u8(a.from(), fits, a.width, a.height, a.srcStride, 1024,
+                                                          a.to(), a.dstStride),
+                   kColor, kMedianGpu),
+        ODX_LIMITS(odxColorYCbCr422PseudoPlanarToRGB565u8, odxColorYCbCr422PseudoPlanarToRGB565u8,
+                   odxColorYCbCr422PseudoPlanarToRGB565u8(fits, a.from(), a.width, a.height, 1024, a.srcStride,
+                                                          a.to(), a.dstStride),
+                   kColor, kMedianGpu),
+        ODX_LIMITS(odxColorYCrCb420PseudoPlanarToRGB8888u8, odxColorYCrCb420PseudoPlanarToRGB8888u8,
+                   odxColorYCrCb420PseudoPlanarToRGB8888u8(a.from(), a.width, a.height, a.srcStride, 1024, a.to(),
+                                                           a.dstStride),
+                   kColor, kMedianGpu),
+        ODX_LIMITS(odxColorYCrCb420PseudoPlanarToRGB8888u8, odxColorYCrCb420PseudoPlanarToRGB8888u8,
+                   odxColorYCrCb420PseudoPlanarToRGB8888u8(a.from(), a.width, a.height, 1024, a.srcStride, a.to(),
+                                                           a.dstStride),
                    kColor, kMedianGpu),
         ODX_LIMITS(odxColorYUV420toRGB8888u8, odxColorYUV420toRGB8888u8,
                    odxColorYUV420toRGB8888u8(a.from(), a.width, a.height, a.to()), kPackedColor, kMedianGpu),
