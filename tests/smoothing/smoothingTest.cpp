@@ -103,6 +103,50 @@ TEST_F(Smoothing, StridesOfZeroArePackedRows)
                                   });
 }
 
+// Filters an image, and the same image between columns that are no part of it.
+template <class T, class Filter>
+void expectStrides(const char* name, Filter filter)
+{
+    SCOPED_TRACE(name);
+    constexpr int kSide = 16;
+    const auto src = noise<T>(kSide, kSide, 0, 255);
+    Grid<T> dst(kSide, kSide, 77);
+    filter(src.data(), src.stride(), dst.data(), dst.stride());
+    auto wideSrc = noise<T>(kSide + 5, kSide, 0, 255);
+    Grid<T> wideDst(kSide + 3, kSide, 77), expected = wideDst;
+    for (int y = 0; y < kSide; ++y) {
+        for (int x = 0; x < kSide; ++x) {
+            wideSrc.at(x, y) = src.at(x, y);
+            expected.at(x, y) = dst.at(x, y);
+        }
+    }
+    filter(wideSrc.data(), wideSrc.stride(), wideDst.data(), wideDst.stride());
+    EXPECT_EQ(expected, wideDst);
+}
+
+TEST_F(Smoothing, StridesLeadFromRowToRow)
+{
+#define ODX_STRIDES(T, name, ...)                                                              \
+    expectStrides<T>(#name, [](const T* src, unsigned srcStride, T* dst, unsigned dstStride) { \
+        name(src, 16, 16, srcStride, __VA_ARGS__);                                             \
+    })
+    ODX_STRIDES(uint8_t, odxFilterGaussian3x3u8_v2, dst, dstStride, 1);
+    ODX_STRIDES(uint8_t, odxFilterGaussian3x3u8_v3, dst, dstStride, ONDRIX_BORDER_REPLICATE, 0);
+    ODX_STRIDES(uint8_t, odxFilterGaussian5x5u8_v2, dst, dstStride, 1);
+    ODX_STRIDES(uint8_t, odxFilterGaussian11x11u8_v2, dst, dstStride, 1);
+    ODX_STRIDES(int16_t, odxFilterGaussian5x5s16_v2, dst, dstStride, 1);
+    ODX_STRIDES(int32_t, odxFilterGaussian5x5s32_v2, dst, dstStride, 1);
+    ODX_STRIDES(uint8_t, odxBoxFilter3x3u8, dst, dstStride);
+    ODX_STRIDES(uint8_t, odxBoxFilter3x3u8_v2, dst, dstStride, ONDRIX_BORDER_REPLICATE, 0);
+    ODX_STRIDES(uint8_t, odxBoxFilter5x5u8, dst, dstStride);
+    ODX_STRIDES(uint8_t, odxBoxFilter11x11u8, dst, dstStride);
+    ODX_STRIDES(float, odxBoxFilterNxNf32, 3, dst, dstStride);
+    ODX_STRIDES(uint8_t, odxFilterMedian3x3u8_v2, dst, dstStride);
+    ODX_STRIDES(uint8_t, odxFilterMedian3x3u8_v3, dst, dstStride, ONDRIX_BORDER_REPLICATE, 0);
+    ODX_STRIDES(int16_t, odxFilterMedianMxNs16, 5, 3, dst, dstStride);
+#undef ODX_STRIDES
+}
+
 TEST_F(Smoothing, WideSumsWrap)
 {
     // 256 times 2^24 is 2^32: the sum is 0; one less a pixel wraps to -256.
