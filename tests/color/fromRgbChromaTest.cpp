@@ -14,17 +14,19 @@ namespace
 struct Picture {
     uint32_t width, height, across, down;
     bool pairs, defaulted, shortRows;
-    uint32_t cStride;
+    uint32_t yStride, cStride, crStride;
     std::vector<uint8_t> y, cb, cr; // cb also holds pairs
 
     Picture(uint32_t w, uint32_t h, uint32_t subsampling, bool interleaved, bool packed)
         : width(w), height(h), across(subsampling == 444 ? 1 : 2), down(subsampling == 420 ? 2 : 1),
           pairs(interleaved), defaulted(packed), shortRows(interleaved && packed && across == 2)
     {
-        cStride = shortRows ? w : columns() * (pairs ? 2 : 1);
-        y.assign(size_t{w} * h, 0x5A);
+        yStride = packed ? w : w + 3;
+        cStride = shortRows ? w : columns() * (pairs ? 2 : 1) + (packed ? 0 : 5);
+        crStride = packed ? cStride : cStride + 2;
+        y.assign(size_t{yStride} * h, 0x5A);
         cb.assign(size_t{cStride} * rows(), 0x5A);
-        cr = cb;
+        cr.assign(size_t{crStride} * rows(), 0x5A);
     }
     uint32_t argument(uint32_t stride) const { return defaulted ? 0 : stride; }
     uint32_t columns() const { return (width + across - 1) / across; }
@@ -41,9 +43,8 @@ struct Picture {
     }
     uint8_t& sample(int kind, uint32_t i, uint32_t row)
     {
-        const size_t start = size_t{cStride} * row;
-        if (pairs) return cb[start + 2 * i + static_cast<uint32_t>(kind)];
-        return (kind == 0 ? cb : cr)[start + i];
+        if (pairs) return cb[size_t{cStride} * row + 2 * i + static_cast<uint32_t>(kind)];
+        return kind == 0 ? cb[size_t{cStride} * row + i] : cr[size_t{crStride} * row + i];
     }
     // The chroma of a pixel.
     uint8_t chroma(int kind, uint32_t x, uint32_t row)
@@ -65,9 +66,9 @@ struct Conversion {
 constexpr bool Planar = false, PseudoPlanar = true;
 
 #define ODX_Planar_ARGUMENTS(p) p.y.data(), p.cb.data(), p.cr.data()
-#define ODX_Planar_STRIDES(p) p.argument(p.width), p.argument(p.cStride), p.argument(p.cStride)
+#define ODX_Planar_STRIDES(p) p.argument(p.yStride), p.argument(p.cStride), p.argument(p.crStride)
 #define ODX_PseudoPlanar_ARGUMENTS(p) p.y.data(), p.cb.data()
-#define ODX_PseudoPlanar_STRIDES(p) p.argument(p.width), p.argument(p.cStride)
+#define ODX_PseudoPlanar_STRIDES(p) p.argument(p.yStride), p.argument(p.cStride)
 #define ODX_CASE(from, fromSubsampling, to, toSubsampling)                                                   \
     {#fromSubsampling #from " to " #toSubsampling #to,                                                       \
      fromSubsampling,                                                                                        \
@@ -92,7 +93,9 @@ TEST(ChromaLayouts, PickAndRepeatSamples)
                     Picture src(width, height, c.from, c.fromPairs, packed);
                     Picture dst(width, height, c.to, c.toPairs, packed), expected = dst;
                     src.fill();
-                    expected.y = src.y;
+                    for (uint32_t row = 0; row < height; ++row)
+                        std::copy_n(&src.y[size_t{src.yStride} * row], width,
+                                    &expected.y[size_t{dst.yStride} * row]);
                     for (uint32_t row = 0; row < dst.rows(); ++row) {
                         for (uint32_t i = 0; i < dst.stored(); ++i) {
                             for (int kind : {0, 1})

@@ -201,14 +201,26 @@ TEST_P(ToRgb, PlanarAndPseudoPlanarImagesGiveTheSameBytes)
 
 TEST_P(ToRgb, RowsOfStridedImagesLeaveTheRestAlone)
 {
-    constexpr uint32_t width = 70, height = 4, yStride = 75, cbStride = 40, crStride = 37,
+    constexpr uint32_t width = 70, height = 4, yStride = 75, cbStride = 40, crStride = 37, cStride = 73,
                        dstStride = 3 * width + 5;
-    const Bytes y(yStride * height, 50), cb(cbStride * 2, 128), cr(crStride * 2, 128);
-    Bytes dst(dstStride * height, 9);
+    // Every pixel is of one value, and what lies beside the rows is of none.
+    const auto plane = [](uint32_t stride, uint32_t rows, uint32_t length, uint8_t value) {
+        Bytes bytes(stride * rows);
+        for (uint32_t i = 0; i < bytes.size(); ++i)
+            bytes[i] = i % stride < length ? value : 0;
+        return bytes;
+    };
+    const Bytes y = plane(yStride, height, width, 50), cb = plane(cbStride, 2, 35, 128),
+                cr = plane(crStride, 2, 35, 128), c = plane(cStride, 2, 70, 128);
+    Bytes planar(dstStride * height, 9), pseudoPlanar = planar, expected = planar;
+    for (uint32_t i = 0; i < expected.size(); ++i)
+        expected[i] = i % dstStride < 3 * width ? 50 : 9;
     odxColorYCbCr420PlanarToRGB888u8(y.data(), cb.data(), cr.data(), width, height, yStride, cbStride, crStride,
-                                     dst.data(), dstStride);
-    for (uint32_t i = 0; i < dst.size(); ++i)
-        ASSERT_EQ(i % dstStride < 3 * width ? 50 : 9, dst[i]) << i;
+                                     planar.data(), dstStride);
+    EXPECT_EQ(expected, planar);
+    odxColorYCbCr420PseudoPlanarToRGB888u8(y.data(), c.data(), width, height, yStride, cStride,
+                                           pseudoPlanar.data(), dstStride);
+    EXPECT_EQ(expected, pseudoPlanar);
 }
 
 // The chroma of an image in one buffer begins where its last row of luma ends, padding included.
