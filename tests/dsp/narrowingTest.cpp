@@ -105,6 +105,15 @@ std::vector<Limits> allLimits()
     {                                                    \
 #name, op_##slot, [](A a) { call; }, __VA_ARGS__ \
     }
+// Operations that only ask for work.
+#define ODX_ANYTHING(name, slot, T, ...)                        \
+    ODX_LIMITS(                                                 \
+        name, slot,                                             \
+        {                                                       \
+            T* const dst = as<T>(a.dst);                        \
+            name(as<T>(a.src), a.width, a.height, __VA_ARGS__); \
+        },                                                      \
+        kAny, kAny)
     return {
         ODX_LIMITS(odxFilterGaussian3x3u8, odxFilterGaussian3x3u8,
                    odxFilterGaussian3x3u8(a.from(), a.width, a.height, a.to(), 0), kPackedGaussian, kEvenWidth, 3),
@@ -124,16 +133,27 @@ std::vector<Limits> allLimits()
             odxFilterMedian3x3u8_v3, odxFilterMedian3x3u8_v3,
             odxFilterMedian3x3u8_v3(a.from(), a.width, a.height, a.srcStride, a.to(), a.dstStride, kBorder, 0),
             kMedian, kMedianGpu, 4),
-        ODX_LIMITS(odxFilterMedianMxNs16, odxFilterMedianMxNs16,
-                   odxFilterMedianMxNs16(as<const int16_t>(a.src), a.width, a.height, a.srcStride, 3, 3,
-                                         as<int16_t>(a.dst), a.dstStride),
-                   kAny, kAny),
+        ODX_ANYTHING(odxFilterMedianMxNs16, odxFilterMedianMxNs16, int16_t, a.srcStride, 3, 3, dst, a.dstStride),
+        ODX_ANYTHING(odxFilterGaussian5x5u8, odxFilterGaussian5x5u8, uint8_t, dst, 0),
+        ODX_ANYTHING(odxFilterGaussian5x5u8_v2, odxFilterGaussian5x5u8, uint8_t, a.srcStride, dst, a.dstStride, 0),
+        ODX_ANYTHING(odxFilterGaussian11x11u8, odxFilterGaussian11x11u8, uint8_t, dst, 0),
+        ODX_ANYTHING(odxFilterGaussian11x11u8_v2, odxFilterGaussian11x11u8, uint8_t, a.srcStride, dst, a.dstStride,
+                     0),
+        ODX_ANYTHING(odxFilterGaussian5x5s16, odxFilterGaussian5x5s16, int16_t, dst, 0),
+        ODX_ANYTHING(odxFilterGaussian5x5s16_v2, odxFilterGaussian5x5s16, int16_t, a.srcStride, dst, a.dstStride,
+                     0),
+        ODX_ANYTHING(odxFilterGaussian5x5s32, odxFilterGaussian5x5s32, int32_t, dst, 0),
+        ODX_ANYTHING(odxFilterGaussian5x5s32_v2, odxFilterGaussian5x5s32, int32_t, a.srcStride, dst, a.dstStride,
+                     0),
+        ODX_ANYTHING(odxBoxFilter3x3u8, odxBoxFilter3x3u8, uint8_t, a.srcStride, dst, a.dstStride),
+        ODX_ANYTHING(odxBoxFilter3x3u8_v2, odxBoxFilter3x3u8_v2, uint8_t, a.srcStride, dst, a.dstStride, kBorder,
+                     0),
+        ODX_ANYTHING(odxBoxFilter5x5u8, odxBoxFilter5x5u8, uint8_t, a.srcStride, dst, a.dstStride),
+        ODX_ANYTHING(odxBoxFilter11x11u8, odxBoxFilter11x11u8, uint8_t, a.srcStride, dst, a.dstStride),
         ODX_LIMITS(odxBoxFilterNxNf32, odxBoxFilterNxNf32,
                    odxBoxFilterNxNf32(as<const float>(a.src), a.width, a.height, a.srcStride, 3, as<float>(a.dst),
                                       a.dstStride),
                    {1, 8, 1, 8, 1}, kAny, 1, 4),
-        ODX_LIMITS(odxBoxFilter11x11u8, odxBoxFilter11x11u8,
-                   odxBoxFilter11x11u8(a.from(), a.width, a.height, a.srcStride, a.to(), a.dstStride), kAny, kAny),
         ODX_LIMITS(odxColorRGB888ToGrayu8, odxColorRGB888ToGrayu8,
                    odxColorRGB888ToGrayu8(a.from(), a.width, a.height, a.srcStride, a.to(), a.dstStride), kColor,
                    kMedianGpu),
@@ -207,6 +227,7 @@ std::vector<Limits> allLimits()
                                     as<uint32_t>(a.dst)),
                    kFast, kFastGpu),
     };
+#undef ODX_ANYTHING
 #undef ODX_LIMITS
 }
 
