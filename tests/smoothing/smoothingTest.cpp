@@ -85,8 +85,8 @@ void expectDefaultStrides(Packed packed, Strided strided)
 {
     const auto src = noise<T>(13, 12, 0, 255);
     Grid<T> expected(13, 12), dst(13, 12);
-    packed(src.data(), 13, 12, expected.data(), 1);
-    strided(src.data(), 13, 12, 0, dst.data(), 0, 1);
+    packed(src.data(), 13u, 12u, expected.data(), 1);
+    strided(src.data(), 13u, 12u, 0u, dst.data(), 0u, 1);
     EXPECT_EQ(expected, dst);
 }
 
