@@ -4,12 +4,21 @@
 #ifndef ODX_CPU_CHANNELS_H
 #define ODX_CPU_CHANNELS_H
 
+#include "cpu/ondrixColor.h"
+
 #include <stddef.h>
 #include <stdint.h>
 #include <string.h>
 
 namespace odx::channels
 {
+
+// Rows are converted in chunks, by way of a plane for each channel. So every loop over a channel is one that
+// compilers vectorise.
+constexpr size_t kChunk = 256;
+struct Pixels {
+    alignas(16) uint8_t red[kChunk], green[kChunk], blue[kChunk];
+};
 
 #define ODX_CHANNELS_INLINE [[gnu::always_inline]] static inline
 
@@ -240,6 +249,18 @@ ODX_CHANNELS_INLINE void mirror4(const uint8_t* __restrict src, uint8_t* __restr
         memcpy(&w, src + 4 * x, sizeof w);
         w = (w & 0xFF00FF00) | (w & 0xFF) << 16 | (w >> 16 & 0xFF);
         memcpy(dst + 4 * x, &w, sizeof w);
+    }
+}
+
+// 16-bit words of 5 bits of a, 6 of b and 5 of c, from the low bits up.
+ODX_CHANNELS_INLINE void join565(const uint8_t* __restrict a, const uint8_t* __restrict b,
+                                 const uint8_t* __restrict c, uint8_t* __restrict dst, size_t count)
+{
+    for (size_t x = 0; x < count; ++x) {
+        color::RGB565::pack(a[x], b[x], c[x], [=](auto low, auto high) {
+            dst[2 * x] = static_cast<uint8_t>(low);
+            dst[2 * x + 1] = static_cast<uint8_t>(high);
+        });
     }
 }
 

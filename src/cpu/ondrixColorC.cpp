@@ -12,28 +12,17 @@ namespace
 
 // ---- rows ----
 
-// A row is converted in chunks: first each channel into a plane, then the planes into pixels. So every loop is one
-// that compilers vectorise.
-constexpr size_t kChunk = 256;
-struct Channels {
-    alignas(16) uint8_t red[kChunk], green[kChunk], blue[kChunk];
-};
+// A row is converted in chunks: first each channel into a plane, then the planes into pixels.
+using channels::kChunk;
+using channels::Pixels;
 
 template <class Pixel>
-void storePixels(const Channels& channels, uint8_t* __restrict dst, size_t count)
+void storePixels(const Pixels& pixels, uint8_t* dst, size_t count)
 {
-    if constexpr (Pixel::kSize == 3) {
-        channels::join3(channels.red, channels.green, channels.blue, dst, count);
-    } else if constexpr (Pixel::kSize == 4) {
-        channels::join4(channels.red, channels.green, channels.blue, dst, count);
-    } else {
-        for (size_t x = 0; x < count; ++x) {
-            Pixel::pack(channels.red[x], channels.green[x], channels.blue[x], [&](auto low, auto high) {
-                dst[2 * x] = static_cast<uint8_t>(low);
-                dst[2 * x + 1] = static_cast<uint8_t>(high);
-            });
-        }
-    }
+    constexpr auto join = Pixel::kSize == 2   ? channels::join565
+                          : Pixel::kSize == 3 ? channels::join3
+                                              : channels::join4;
+    join(pixels.red, pixels.green, pixels.blue, dst, count);
 }
 
 // The terms of chroma pair i. Two samples side by side are read as one word, which compilers vectorise better.
@@ -55,18 +44,18 @@ template <const Scheme& s, class Pixel, Chroma chroma>
 void convertRow(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* dst, size_t length)
 {
     constexpr size_t step = kChromaStep<chroma>;
-    Channels channels;
+    Pixels pixels;
     for (size_t x0 = 0, count; x0 < length; x0 += count) {
         count = length - x0 < kChunk ? length - x0 : kChunk;
         const uint8_t *const luma = y + x0, *const u = cb + step * x0, *const v = cr + step * x0;
         for (size_t x = 0; x < count; ++x) {
             const Terms terms = pairTerms<s, chroma>(u, v, x);
             const int32_t level = lumaOf<s>(luma[x]);
-            channels.red[x] = channelOf<s>(level, terms.red);
-            channels.green[x] = channelOf<s>(level, terms.green);
-            channels.blue[x] = channelOf<s>(level, terms.blue);
+            pixels.red[x] = channelOf<s>(level, terms.red);
+            pixels.green[x] = channelOf<s>(level, terms.green);
+            pixels.blue[x] = channelOf<s>(level, terms.blue);
         }
-        storePixels<Pixel>(channels, dst + Pixel::kSize * x0, count);
+        storePixels<Pixel>(pixels, dst + Pixel::kSize * x0, count);
     }
 }
 
@@ -75,21 +64,21 @@ template <const Scheme& s, class Pixel, Chroma chroma>
 void convertPairs(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* dst, size_t length)
 {
     constexpr size_t step = kChromaStep<chroma>;
-    Channels channels;
+    Pixels pixels;
     for (size_t x0 = 0, count; x0 + 1 < length; x0 += count) {
         count = length - x0 < kChunk ? (length - x0) / 2 * 2 : kChunk;
         const uint8_t *const luma = y + x0, *const u = cb + step * x0 / 2, *const v = cr + step * x0 / 2;
         for (size_t i = 0; i < count / 2; ++i) {
             const Terms terms = pairTerms<s, chroma>(u, v, i);
             const int32_t first = lumaOf<s>(luma[2 * i]), second = lumaOf<s>(luma[2 * i + 1]);
-            channels.red[2 * i] = channelOf<s>(first, terms.red);
-            channels.red[2 * i + 1] = channelOf<s>(second, terms.red);
-            channels.green[2 * i] = channelOf<s>(first, terms.green);
-            channels.green[2 * i + 1] = channelOf<s>(second, terms.green);
-            channels.blue[2 * i] = channelOf<s>(first, terms.blue);
-            channels.blue[2 * i + 1] = channelOf<s>(second, terms.blue);
+            pixels.red[2 * i] = channelOf<s>(first, terms.red);
+            pixels.red[2 * i + 1] = channelOf<s>(second, terms.red);
+            pixels.green[2 * i] = channelOf<s>(first, terms.green);
+            pixels.green[2 * i + 1] = channelOf<s>(second, terms.green);
+            pixels.blue[2 * i] = channelOf<s>(first, terms.blue);
+            pixels.blue[2 * i + 1] = channelOf<s>(second, terms.blue);
         }
-        storePixels<Pixel>(channels, dst + Pixel::kSize * x0, count);
+        storePixels<Pixel>(pixels, dst + Pixel::kSize * x0, count);
     }
 }
 

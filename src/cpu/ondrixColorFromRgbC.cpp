@@ -16,12 +16,8 @@ namespace
 
 // ---- layouts ----
 
-constexpr size_t kChunk = 256;
-
-// The channels of up to kChunk pixels.
-struct Pixels {
-    alignas(16) uint8_t red[kChunk], green[kChunk], blue[kChunk];
-};
+using channels::kChunk;
+using channels::Pixels;
 
 // How pixels are stored, from the first channel to the third in order of memory, or from the low bits up. What is
 // stored beside them is 255.
@@ -58,14 +54,7 @@ struct Words565 {
             third[x] = static_cast<uint8_t>((w >> 8 & 0xF8) | (w >> 13 & 0x07 & low));
         }
     }
-    static void store(const uint8_t* __restrict first, const uint8_t* __restrict second,
-                      const uint8_t* __restrict third, uint8_t* __restrict dst, size_t count)
-    {
-        for (size_t x = 0; x < count; ++x) {
-            dst[2 * x] = static_cast<uint8_t>(first[x] >> 3 | (second[x] << 3 & 0xE0));
-            dst[2 * x + 1] = static_cast<uint8_t>(second[x] >> 5 | (third[x] & 0xF8));
-        }
-    }
+    static constexpr auto store = channels::join565;
 };
 
 enum class Order { RedFirst, BlueFirst };
@@ -379,27 +368,7 @@ using namespace odx::color;
 
 extern "C" {
 
-#define ODX_DEFINE(source, pixels)                                                               \
-    void source##2yuvpC(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, size_t width)  \
-    {                                                                                            \
-        yuvRow<blueFirst::pixels, Chroma::Planes, 1>(src, y, cb, cr, width);                     \
-    }                                                                                            \
-    void source##2yyuvpC(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, size_t width) \
-    {                                                                                            \
-        yuvRow<blueFirst::pixels, Chroma::Planes, 2>(src, y, cb, cr, width);                     \
-    }                                                                                            \
-    void source##2yuvC(const uint8_t* src, uint8_t* y, uint8_t* c, uint8_t*, size_t width)       \
-    {                                                                                            \
-        yuvRow<blueFirst::pixels, Chroma::CbCrPairs, 1>(src, y, c, c, width);                    \
-    }                                                                                            \
-    void source##2yyuvC(const uint8_t* src, uint8_t* y, uint8_t* c, uint8_t*, size_t width)      \
-    {                                                                                            \
-        yuvRow<blueFirst::pixels, Chroma::CbCrPairs, 2>(src, y, c, c, width);                    \
-    }                                                                                            \
-    void source##2yC(const uint8_t* src, uint8_t* y, size_t width)                               \
-    {                                                                                            \
-        yRow<blueFirst::pixels>(src, y, width);                                                  \
-    }
+#define ODX_DEFINE(source, pixels) ODX_DEFINE_YUV_ROWS(source, pixels, C)
 ODX_RGB_SOURCES(ODX_DEFINE)
 #undef ODX_DEFINE
 

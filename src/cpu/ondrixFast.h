@@ -6,6 +6,7 @@
 
 #include <stddef.h>
 #include <stdint.h>
+#include <string.h>
 #include <utility>
 
 #define ODX_FAST_INLINE [[gnu::always_inline]] static inline
@@ -151,6 +152,14 @@ struct CornerList {
         xy[2 * size_t{count}] = x;
         xy[2 * size_t{count} + 1] = y;
         return ++count >= capacity;
+    }
+    // The same for several corners at once: those beyond the capacity are dropped.
+    ODX_FAST_MEMBER bool add(const uint32_t* corners, uint32_t number)
+    {
+        const uint32_t room = (capacity == 0 ? 1 : capacity) - count, added = number < room ? number : room;
+        memcpy(xy + 2 * size_t{count}, corners, 2 * sizeof *xy * added);
+        count += added;
+        return count >= capacity;
     }
 };
 

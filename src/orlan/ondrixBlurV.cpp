@@ -209,7 +209,6 @@ void odxFilterGaussian5x5s32V(const int32_t* src, unsigned int srcWidth, unsigne
 // they multiply as signed numbers; the weights turn that into 128 in the output, which is added back.
 constexpr uint32_t kTileWidth = 256, kTileRows = 32; // of outputs: the sums stay in the first-level cache
 constexpr size_t kSumsStride = kTileWidth + 10;
-using Sums = int16_t[(kTileRows + 2) * kSumsStride];
 
 // The sums of a strip of columns.
 ODX_INLINE void gaussian11Columns(const uint8_t* src, size_t stride, int16_t* sums, uint32_t rows)
@@ -236,17 +235,6 @@ ODX_INLINE void gaussian11Rows(const int16_t* sums, uint8_t* dst, size_t stride,
         storeNarrow(dst, (u16v)(joinShifted<20>(column.push(gaussian11Row(sums))) + 128));
 }
 
-// Covers `count` columns with strips; the last one may overlap its neighbour.
-template <class Strip>
-ODX_INLINE void forColumns(uint32_t count, Strip strip)
-{
-    constexpr uint32_t lanes = kBytes / 2;
-    uint32_t x = 0;
-    for (; count - x > lanes; x += lanes)
-        strip(x);
-    strip(count - lanes);
-}
-
 void odxFilterGaussian11x11u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
                                unsigned int srcStride, uint8_t* dst, unsigned int dstStride, int border)
 {
@@ -256,18 +244,21 @@ void odxFilterGaussian11x11u8V(const uint8_t* src, unsigned int srcWidth, unsign
         return odxFilterGaussian11x11u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride, border);
     }
     uint8_t* const first = rowOf(dst, dstStride, 5) + 5;
-    Sums sums;
+    alignas(kBytes) int16_t sums[(kTileRows + 2) * kSumsStride];
     for (uint32_t y = 0, rows; y < height; y += rows) {
         rows = height - y < kTileRows ? height - y : kTileRows;
         for (uint32_t left = 0; left < width; left += kTileWidth) {
-            const uint32_t count = width - left < kTileWidth ? width - left : kTileWidth;
+            const uint32_t rest = width - left < kTileWidth ? width - left : kTileWidth;
             // What is narrower than a vector goes with some of the tile before it.
-            const uint32_t columns = count < kBytes / 2 ? kBytes / 2 : count, start = left + count - columns;
+            const uint32_t columns = rest < kBytes / 2 ? kBytes / 2 : rest, start = left + rest - columns;
             const uint8_t* const in = rowOf(src, srcStride, y) + start;
             uint8_t* const out = rowOf(first, dstStride, y) + start;
-            forColumns(columns + 10,
-                       [&](uint32_t x) { gaussian11Columns(in + x, srcStride, sums + x, rows + 2); });
-            forColumns(columns, [&](uint32_t x) { gaussian11Rows(sums + x, out + x, dstStride, rows); });
+            forStrips(sums, columns + 10, rows + 2, rows + 2, [&](uint32_t x, uint32_t, uint32_t count) {
+                gaussian11Columns(in + x, srcStride, sums + x, count);
+            });
+            forStrips(sums, columns, rows, rows, [&](uint32_t x, uint32_t, uint32_t count) {
+                gaussian11Rows(sums + x, out + x, dstStride, count);
+            });
         }
     }
     if (border == 1) blur::binomialBorder<11>(plane);

@@ -190,29 +190,13 @@ ODX_INLINE void yuvRow(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr,
     if constexpr (layout == Chroma::Planes) memcpy(cr + x / step, chroma[1], left / step);
 }
 
-#define ODX_DEFINE(source, pixels)                                                                     \
-    void source##2yuvpV(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, size_t width)        \
-    {                                                                                                  \
-        yuvRow<blueFirst::pixels, Chroma::Planes, 1>(src, y, cb, cr, width);                           \
-    }                                                                                                  \
-    void source##2yyuvpV(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, size_t width)       \
-    {                                                                                                  \
-        yuvRow<blueFirst::pixels, Chroma::Planes, 2>(src, y, cb, cr, width);                           \
-    }                                                                                                  \
-    void source##2yuvV(const uint8_t* src, uint8_t* y, uint8_t* c, uint8_t*, size_t width)             \
-    {                                                                                                  \
-        yuvRow<blueFirst::pixels, Chroma::CbCrPairs, 1>(src, y, c, c, width);                          \
-    }                                                                                                  \
-    void source##2yyuvV(const uint8_t* src, uint8_t* y, uint8_t* c, uint8_t*, size_t width)            \
-    {                                                                                                  \
-        yuvRow<blueFirst::pixels, Chroma::CbCrPairs, 2>(src, y, c, c, width);                          \
-    }                                                                                                  \
-    void source##2yV(const uint8_t* src, uint8_t* y, size_t width)                                     \
-    {                                                                                                  \
-        using Source = blueFirst::pixels;                                                              \
-        convertRow<Source::kSize, 1>(src, y, width,                                                    \
-                                     [](auto in, auto out) { store(out, lumaOf(Source::load(in))); }); \
-    }
+template <class Source>
+ODX_INLINE void yRow(const uint8_t* src, uint8_t* y, size_t width)
+{
+    convertRow<Source::kSize, 1>(src, y, width, [](auto in, auto out) { store(out, lumaOf(Source::load(in))); });
+}
+
+#define ODX_DEFINE(source, pixels) ODX_DEFINE_YUV_ROWS(source, pixels, V)
 ODX_RGB_SOURCES(ODX_DEFINE)
 #undef ODX_DEFINE
 

@@ -158,13 +158,9 @@ public:
     // Whether the list is full now.
     ODX_MEMBER bool moveTo(CornerList& list)
     {
-        // The list always takes one.
-        const uint32_t room = list.capacity == 0 ? 1 : list.capacity - list.count;
-        const uint32_t moved = count_ < room ? count_ : room;
-        memcpy(list.xy + 2 * size_t{list.count}, xy_, 2 * sizeof *xy_ * moved);
-        list.count += moved;
+        const uint32_t number = count_;
         count_ = 0;
-        return list.count >= list.capacity;
+        return list.add(xy_, number);
     }
 
 private:
