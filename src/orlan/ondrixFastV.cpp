@@ -200,7 +200,8 @@ ODX_STAGE bool emit(const Batch& batch, Scan& scan, CornerList& list, Excluded& 
             excluded.enter(scan.y);
         }
         const uint32_t x = (uint32_t)(p - scan.row);
-        // A row's first and last vector overlap their neighbours: what was found before is not found again.
+        // A row's first and last vector overlap their neighbours: what was found before is not found again. They
+        // are never the same vector, so some of its lanes are left.
         if (x < scan.x) corners &= ~uint64_t{0} << ((scan.x - x) * kLaneBits);
         if (scan.x < x + kHalf) scan.x = x + kHalf;
         outbox.put(x, scan.y, without(excluded, x, corners));
@@ -227,7 +228,7 @@ ODX_INLINE uint32_t detect(const uint8_t* src, uint32_t srcStride, const Area& a
         return listIsFull;
     };
     for (uint32_t y = area.top; y < area.bottom; ++y) {
-        // A vector at the start of the row, aligned ones, and one at the end.
+        // A vector at the start of the row, aligned ones, and one at the end, if that is another one.
         const uint8_t* const row = rowOf(src, srcStride, y);
         const uint8_t* const first = row + area.left;
         const uint8_t* const last = row + area.right - kBytes;
@@ -237,7 +238,7 @@ ODX_INLINE uint32_t detect(const uint8_t* src, uint32_t srcStride, const Area& a
             p = collect(batch, p, more ? p + size_t{kSegment} * kBytes : last, stride, barrier);
             if (batch.count >= kFull && finish()) return list.count;
         }
-        collect(batch, last, last + 1, stride, barrier);
+        if (last != first) collect(batch, last, last + 1, stride, barrier);
         if (batch.count >= kFull && finish()) return list.count;
     }
     finish();
