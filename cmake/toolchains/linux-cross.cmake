@@ -2,14 +2,18 @@
 # by a file that sets
 #   ONDRIX_CROSS_TRIPLE  the triple of the cross tools
 #   ONDRIX_CROSS_QEMU    the emulator
-# ONDRIX_CROSS_CLANG builds with Clang, on the headers and libraries of the cross GCC.
+# The compiler is Clang where it is installed, as in native builds, on the headers and libraries of the cross GCC.
+# ONDRIX_CROSS_GCC takes GCC in any case.
 set(CMAKE_SYSTEM_NAME Linux)
 
-option(ONDRIX_CROSS_CLANG "Cross compile with Clang" OFF)
-list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ONDRIX_CROSS_CLANG)
-if(ONDRIX_CROSS_CLANG)
-  set(CMAKE_C_COMPILER clang)
-  set(CMAKE_CXX_COMPILER clang++)
+option(ONDRIX_CROSS_GCC "Cross compile with GCC where Clang is installed, too" OFF)
+list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ONDRIX_CROSS_GCC)
+find_program(ONDRIX_CLANGXX clang++)
+find_program(ONDRIX_CLANG clang)
+mark_as_advanced(ONDRIX_CLANGXX ONDRIX_CLANG)
+if(ONDRIX_CLANGXX AND ONDRIX_CLANG AND NOT ONDRIX_CROSS_GCC)
+  set(CMAKE_C_COMPILER ${ONDRIX_CLANG})
+  set(CMAKE_CXX_COMPILER ${ONDRIX_CLANGXX})
   set(CMAKE_C_COMPILER_TARGET ${ONDRIX_CROSS_TRIPLE})
   set(CMAKE_CXX_COMPILER_TARGET ${ONDRIX_CROSS_TRIPLE})
   # Those of this machine may not know the objects of another.

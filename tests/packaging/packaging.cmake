@@ -27,7 +27,7 @@ set(program ${work}/example)
 if(WAY STREQUAL "cmake")
   file(COPY ${CMAKE_CURRENT_LIST_DIR}/consumer/CMakeLists.txt DESTINATION ${work})
   run(ignored ${CMAKE_COMMAND} -G ${GENERATOR} -S ${work} -B ${work}
-    -DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN} -DONDRIX_CROSS_CLANG=${CLANG} -DCMAKE_C_COMPILER=${COMPILER}
+    -DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN} -DONDRIX_CROSS_GCC=${CROSS_GCC} -DCMAKE_C_COMPILER=${COMPILER}
     -DOndrix_DIR=${prefix}/${LIBDIR}/cmake/Ondrix -DWANTED=${VERSION})
   run(ignored ${CMAKE_COMMAND} --build ${work})
 else()
