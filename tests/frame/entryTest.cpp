@@ -90,35 +90,6 @@ uint32_t plainBitCount(const uint8_t* src, size_t length)
 
 } // namespace
 
-TEST_F(Entry, RemoteIndicesNarrowToSimdBelowTheirLimit)
-{
-    fillColumns();
-    for (uint32_t impl : {2u, 4u, 5u, 6u}) {
-        EXPECT_EQ(1u, bytes(impl, buffer, 25344)) << impl;
-        EXPECT_EQ(impl, bytes(impl, buffer + 1, 25345)) << impl;
-        EXPECT_EQ(1u, words(impl, word, 6336)) << impl;
-        EXPECT_EQ(impl, words(impl, word, 6337)) << impl;
-        EXPECT_EQ(impl, words(impl, word, 0x40000001)) << impl; // 2^32 + 4 bytes
-    }
-    HW_constraint_checks_enable = 0;
-    for (uint32_t impl : {2u, 4u, 5u, 6u}) {
-        EXPECT_EQ(impl, bytes(impl, buffer, 1)) << impl;
-        EXPECT_EQ(impl, words(impl, word, 0)) << impl;
-    }
-}
-
-TEST_F(Entry, GpuIndexNarrowsByAlignmentAlone)
-{
-    fillColumns();
-    for (uint32_t checks : {0u, 1u}) {
-        HW_constraint_checks_enable = checks;
-        EXPECT_EQ(3u, bytes(ODX_IMPL_GPU, buffer + 4, 1));
-        EXPECT_EQ(1u, bytes(ODX_IMPL_GPU, buffer + 2, 100000));
-        EXPECT_EQ(1u, bytes(ODX_IMPL_GPU, buffer + 1, 100000));
-        EXPECT_EQ(3u, words(ODX_IMPL_GPU, word + 1, 1));
-    }
-}
-
 TEST_F(Entry, ReferenceAndSimdIndicesAreNeverNarrowed)
 {
     fillColumns();
@@ -219,33 +190,6 @@ TEST_F(Entry, AnUnhandledStatusCallGoesToTheSimdColumn)
 
     EXPECT_EQ(ONDRIX_FAILURE, odxFilterMedian3x3u8_v3(buffer, 8, 1, 0, buffer, 9, ONDRIX_BORDER_CONSTANT, 77));
     EXPECT_EQ(2, simdCalls);
-}
-
-TEST_F(Entry, MedianNeedsHeightAndAlignmentForARemoteTarget)
-{
-    using Median = decltype(odxFilterMedian3x3u8C);
-    static uint32_t taken;
-    set<Median>(op_odxFilterMedian3x3u8, ODX_IMPL_ORLAN, [](auto...) { taken = 1; });
-    set<Median>(op_odxFilterMedian3x3u8, ODX_IMPL_XDSP, [](auto...) { taken = 2; });
-    set<Median>(op_odxFilterMedian3x3u8, ODX_IMPL_GPU, [](auto...) { taken = 3; });
-    const auto choice = [&](uint32_t impl, int srcOffset, uint32_t width, uint32_t height, int dstOffset) {
-        odxImplTable[op_odxFilterMedian3x3u8] = impl;
-        taken = 0;
-        odxFilterMedian3x3u8(buffer + srcOffset, width, height, buffer + dstOffset);
-        return taken;
-    };
-    EXPECT_EQ(1u, choice(2, 0, 160, 158, 0));
-    EXPECT_EQ(2u, choice(2, 0, 160, 159, 8));
-    EXPECT_EQ(1u, choice(2, 4, 160, 159, 0));
-    EXPECT_EQ(1u, choice(2, 0, 160, 159, 4));
-    EXPECT_EQ(1u, choice(2, 0, 164, 159, 0));
-    EXPECT_EQ(1u, choice(2, 0, 16000, 3, 0));
-    EXPECT_EQ(2u, choice(2, 0, 16000, 4, 0));
-    EXPECT_EQ(2u, choice(2, 0, 65536, 65536, 0)); // the product exceeds 32 bits
-    EXPECT_EQ(3u, choice(3, 0, 8, 4, 0));
-    EXPECT_EQ(1u, choice(3, 8, 8, 4, 0));
-    EXPECT_EQ(1u, choice(3, 0, 8, 4, 8));
-    EXPECT_EQ(1u, choice(3, 0, 12, 4, 0));
 }
 
 TEST(BitCount, EqualsAPlainLoopInEveryColumn)

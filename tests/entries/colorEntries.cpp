@@ -1,0 +1,132 @@
+// The conversions of colour: their arguments, and the texts of their checks, follow from the layouts of both
+// images.
+#include "entries/entries.h"
+
+#include "cpu/ondrixColorFromRgbC.h"
+#include "ondrix/colorFromRgb.h"
+#include "ondrix/colorToRgb.h"
+
+namespace odx::test
+{
+
+namespace
+{
+
+using Arguments = std::vector<Argument>;
+
+struct Plane {
+    std::string name;    // behind src or dst
+    std::string rowText; // the length of a row, as checks have it
+    uint32_t row;
+};
+using Layout = std::vector<Plane>;
+
+// Packed pixels of so many bytes.
+Layout packed(uint32_t size)
+{
+    return {{"", size == 1 ? "srcWidth" : "srcWidth*" + std::to_string(size), size * kWidth}};
+}
+// Luma, and chroma in two planes or in one of pairs. Conversions from RGB have whole pairs of pixels only.
+Layout yuv(uint32_t subsampling, bool pairs, bool fromRgb = false)
+{
+    const Plane luma = {"Y", "srcWidth", kWidth};
+    const bool full = subsampling == 444;
+    if (pairs) return {luma, {"C", full ? "srcWidth*2" : "srcWidth", full ? 2 * kWidth : kWidth}};
+    const std::string text = full ? "srcWidth" : fromRgb ? "srcWidth/2" : "(srcWidth+1)/2";
+    const uint32_t row = full ? kWidth : kWidth / 2;
+    return {luma, {"Cb", text, row}, {"Cr", text, row}};
+}
+
+template <class Operation>
+Entry conversion(const char* name, Operation* operation, const Layout& src, const Layout& dst,
+                 const char* closing = " )")
+{
+    std::string given, fits;
+    Arguments sources, srcStrides, destinations, dstStrides;
+    const auto add = [&](const std::string& side, const Layout& layout, Arguments& pointers, Arguments& strides,
+                         const char* end) {
+        for (const Plane& plane : layout) {
+            const std::string stride = side + plane.name + "Stride";
+            given += side + plane.name + " && ";
+            fits += " && ( " + stride + " == 0 || " + stride + " >= (" + plane.rowText + "*sizeof(uint8_t))" + end;
+            pointers.push_back(buffer(8, 16));
+            strides.push_back(test::stride(plane.row, 8));
+        }
+    };
+    add("src", src, sources, srcStrides, " )");
+    add("dst", dst, destinations, dstStrides, closing);
+    Arguments all = sources;
+    all.insert(all.end(), {width(1, 1, 8), height()});
+    for (const Arguments& part : {srcStrides, destinations, dstStrides})
+        all.insert(all.end(), part.begin(), part.end());
+    return {name, callWith(operation), failureOf(operation), given + "srcWidth && srcHeight" + fits, all};
+}
+
+// A conversion of one packed buffer to another.
+#define ODX_BUFFERS(name)                                          \
+    {                                                              \
+        ODX_ENTRY(name), "src && dst && width && height",          \
+        {                                                          \
+            buffer(8, 16), width(1, 1, 8), height(), buffer(8, 16) \
+        }                                                          \
+    }
+#define ODX_CONVERSION(name, ...) conversion(#name, name, __VA_ARGS__)
+
+constexpr bool Planar = false, PseudoPlanar = true;
+constexpr uint32_t RGB565 = 2, RGB888 = 3, RGBA8888 = 4, BGR565 = 2, BGR888 = 3, BGRA8888 = 4;
+
+} // namespace
+
+Entries colorEntries()
+{
+    return {
+#define ODX_CASE_TO(subsampling, layout, pixels)                                                                 \
+    ODX_CONVERSION(odxColorYCbCr##subsampling##layout##To##pixels##u8, yuv(subsampling, layout), packed(pixels), \
+                   ")"),
+#define ODX_CASE(subsampling)                      \
+    ODX_CASE_TO(subsampling, Planar, RGB565)       \
+    ODX_CASE_TO(subsampling, Planar, RGB888)       \
+    ODX_CASE_TO(subsampling, Planar, RGBA8888)     \
+    ODX_CASE_TO(subsampling, PseudoPlanar, RGB565) \
+    ODX_CASE_TO(subsampling, PseudoPlanar, RGB888) \
+    ODX_CASE_TO(subsampling, PseudoPlanar, RGBA8888)
+        ODX_CASE(444) ODX_CASE(422) ODX_CASE(420)
+#undef ODX_CASE
+#undef ODX_CASE_TO
+#define ODX_CASE(pixels, subsampling, ...)                                                     \
+    ODX_CONVERSION(odxColor##pixels##ToYCbCr##subsampling##Planaru8, packed(pixels),           \
+                   yuv(subsampling, Planar, true)),                                            \
+        ODX_CONVERSION(odxColor##pixels##ToYCbCr##subsampling##PseudoPlanaru8, packed(pixels), \
+                       yuv(subsampling, PseudoPlanar, true)),
+            ODX_RGB_TO_YCBCR(ODX_CASE)
+#undef ODX_CASE
+#define ODX_CASE(from, to) ODX_CONVERSION(odxColor##from##To##to##u8, packed(from), packed(to)),
+                ODX_RGB_TO_RGB(ODX_CASE)
+#undef ODX_CASE
+#define ODX_CASE(from, fromSubsampling, to, toSubsampling)                               \
+    ODX_CONVERSION(odxColorYCbCr##fromSubsampling##from##ToYCbCr##toSubsampling##to##u8, \
+                   yuv(fromSubsampling, from), yuv(toSubsampling, to)),
+                    ODX_YCBCR_TO_YCBCR(ODX_CASE)
+#undef ODX_CASE
+                        ODX_CONVERSION(odxColorRGB888ToRGB565Rotate180u8, packed(3), packed(2)),
+        ODX_CONVERSION(odxColorRGB888ToGrayu8, packed(3), packed(1)),
+        ODX_CONVERSION(odxColorRGB888ToHSV888u8, packed(3), packed(3)),
+        ODX_CONVERSION(odxColorRGB888toYCrCbu8_v2, packed(3), packed(3)),
+        ODX_CONVERSION(odxColorRGBA8888ToLABu8, packed(4), packed(3)),
+        ODX_CONVERSION(odxColorCbCrSwapu8, packed(2), packed(2)),
+        ODX_BUFFERS(odxColorRGB888toYCrCbu8),
+        ODX_BUFFERS(odxColorYUV420toRGB565u8),
+        ODX_BUFFERS(odxColorYUV420toRGB565u8Rotate180),
+        ODX_BUFFERS(odxColorYUV420toRGB8888u8),
+        ODX_BUFFERS(odxColorYCrCbH1V1toRGB888u8),
+        ODX_BUFFERS(odxColorYCrCbH2V2toRGB888u8),
+        ODX_BUFFERS(odxColorYCrCbH2V1toRGB888u8),
+        ODX_BUFFERS(odxColorYCrCbH1V2toRGB888u8),
+        {ODX_ENTRY(odxColorYCrCb420PseudoPlanarToRGB8888u8),
+         "src && dst && srcWidth && srcHeight && srcYStride && srcCStride && dstStride",
+         {buffer(8, 16), width(1, 1, 8), height(), looseStride(8).explicitly(), looseStride(8).explicitly(),
+          buffer(8, 16), looseStride(8).explicitly()}},
+    };
+}
+
+} // namespace odx::test

@@ -1,0 +1,151 @@
+// What every entry point refuses, what it says then, and which calls may leave for another target: one line an
+// operation.
+//
+//     {ODX_ENTRY(odxFilterXxxu8_v2), "src && dst && width && height", {in(8, 16), width(1, 8), height(), ...}}
+//
+// The arguments are described in the order of the call. Each brings a value that is accepted, the values that are
+// refused, and what the remote targets and the GPU ask it to be a multiple of. The calls are made before any mode
+// is selected: they end where the implementation would begin, so that no pointer is ever followed.
+#ifndef ODX_TESTS_ENTRIES_ENTRIES_H
+#define ODX_TESTS_ENTRIES_ENTRIES_H
+
+#include <functional>
+#include <stdint.h>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+namespace odx::test
+{
+
+constexpr uint32_t kWidth = 192, kHeight = 144;
+
+struct Argument {
+    enum Kind { kPointer, kColumns, kRows, kStride, kOther };
+    Kind kind;
+    double good;                  // holds addresses, sizes and numbers alike
+    std::vector<double> refused;  // by the argument check
+    uint32_t remote = 1, gpu = 1; // what it must be a multiple of to leave
+    std::vector<double> accepted = {};
+
+    // Values that fail the test that comes before everything else.
+    Argument errors(std::vector<double> values) &&
+    {
+        failing = std::move(values);
+        return std::move(*this);
+    }
+    // A stride of 0 stands for nothing.
+    Argument explicitly() &&
+    {
+        refused.push_back(0);
+        accepted.clear();
+        return std::move(*this);
+    }
+    std::vector<double> failing = {};
+};
+
+// A buffer; every one has an address of its own, which all targets take.
+inline Argument buffer(uint32_t remote = 1, uint32_t gpu = 1)
+{
+    return {Argument::kPointer, 0, {0}, remote, gpu};
+}
+// One that need not be given.
+inline Argument optional(uint32_t remote = 1, uint32_t gpu = 1)
+{
+    return {Argument::kPointer, 0, {}, remote, gpu};
+}
+inline Argument width(uint32_t least = 1, uint32_t remote = 1, uint32_t gpu = 1)
+{
+    return {Argument::kColumns, kWidth, {least - 1.0}, remote, gpu, {double(least)}};
+}
+inline Argument height(uint32_t least = 1)
+{
+    return {Argument::kRows, kHeight, {least - 1.0}, 1, 1, {double(least)}};
+}
+// A stride that is compared with its row, of so many bytes.
+inline Argument stride(uint32_t row = kWidth, uint32_t remote = 1, uint32_t gpu = 1)
+{
+    return {Argument::kStride, 4096, {row - 1.0}, remote, gpu, {double(row), 0}};
+}
+// One that is not.
+inline Argument looseStride(uint32_t remote = 1, uint32_t gpu = 1)
+{
+    return {Argument::kStride, 4096, {}, remote, gpu, {0}};
+}
+inline Argument value(double good = 1, std::vector<double> refused = {}, std::vector<double> accepted = {})
+{
+    return {Argument::kOther, good, std::move(refused), 1, 1, std::move(accepted)};
+}
+
+// What a call returned, where it returns something.
+using Outcome = double;
+constexpr Outcome kNothing = -1000;
+
+struct Entry {
+    const char* name;
+    std::function<Outcome(const std::vector<double>&)> call;
+    Outcome failure;
+    std::string condition; // the text of the check; empty where it is silent
+    std::vector<Argument> arguments;
+    uint32_t leastHeight = 1; // for a remote target
+    uint32_t pixelSize = 1;   // what the least amount of work counts a pixel as; 0: there is none
+    // Refused combinations: argument and value, and so on.
+    std::vector<std::vector<std::pair<size_t, double>>> alsoRefused = {};
+};
+
+template <class T>
+T as(double number)
+{
+    if constexpr (std::is_pointer_v<T>) {
+        return reinterpret_cast<T>(static_cast<uintptr_t>(number));
+    } else if constexpr (std::is_floating_point_v<T>) {
+        return static_cast<T>(number);
+    } else {
+        return static_cast<T>(static_cast<int64_t>(number));
+    }
+}
+
+template <class R, class... P, size_t... i>
+auto callWith(R (*operation)(P...), std::index_sequence<i...>)
+{
+    return [operation](const std::vector<double>& v) -> Outcome {
+        if (v.size() != sizeof...(P)) return kNothing - 1; // no outcome is like it
+        if constexpr (std::is_void_v<R>) {
+            operation(as<P>(v[i])...);
+            return kNothing;
+        } else {
+            return static_cast<Outcome>(operation(as<P>(v[i])...));
+        }
+    };
+}
+template <class R, class... P>
+auto callWith(R (*operation)(P...))
+{
+    return callWith(operation, std::index_sequence_for<P...>());
+}
+
+// Status operations fail with 3, signed results with -1, unsigned ones with 0.
+template <class R, class... P>
+constexpr Outcome failureOf(R (*)(P...))
+{
+    if constexpr (std::is_void_v<R>) {
+        return kNothing;
+    } else if constexpr (std::is_enum_v<R>) {
+        return 3;
+    } else {
+        return std::is_signed_v<R> ? -1 : 0;
+    }
+}
+
+#define ODX_ENTRY(operation) #operation, odx::test::callWith(operation), odx::test::failureOf(operation)
+
+using Entries = std::vector<Entry>;
+Entries colorEntries();
+Entries cornerEntries();
+Entries descriptorEntries();
+Entries smoothingEntries();
+
+} // namespace odx::test
+
+#endif
