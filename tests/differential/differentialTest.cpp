@@ -1,21 +1,31 @@
 // Every operation, run by every column on the same arguments: the reference decides what the others must write.
 //
-// A failure names the seed of its case. To run that case alone:
-//     ONDRIX_TEST_SEED=<seed> differential_tests --gtest_filter='*/<operation>'
-// ONDRIX_TEST_CASES sets the number of cases of each operation. ONDRIX_TEST_DIGEST names a file that receives a
-// line for each operation, with a digest of what its reference wrote: builds for other processors and by other
-// compilers must give the same lines.
+// A failure, also one that ends the process, names the seed of its case and the command that runs this case alone.
+// Every run goes through the sizes that matter (operations/draw.h); ONDRIX_TEST_CASES sets how many cases are
+// drawn besides. With ONDRIX_TEST_SEED that many cases from the seed on are all that runs; by default, one.
+// ONDRIX_TEST_DIGEST names a file that receives a line for each operation, with a digest of what its reference
+// wrote: builds for other processors and by other compilers must give the same lines.
 #include "ondrix/modes.h"
 #include "operations/draw.h"
 
 #include <gtest/gtest.h>
 
+#include <errno.h>
 #include <fstream>
 #include <set>
+#include <signal.h>
 #include <stdlib.h>
+#include <string_view>
+#include <unistd.h>
 
 namespace odx::test
 {
+
+// As GoogleTest shows it.
+static void PrintTo(const Row& row, std::ostream* out)
+{
+    *out << row.operation;
+}
 
 namespace
 {
@@ -26,10 +36,33 @@ uint64_t environmentNumber(const char* name, uint64_t otherwise)
     return text != nullptr ? strtoull(text, nullptr, 0) : otherwise;
 }
 
-// Where two outcomes differ first, in bytes.
-size_t firstDifference(const std::vector<uint8_t>& a, const std::vector<uint8_t>& b)
+// What is running, for whom it ends.
+char running[1024];
+
+void announce(const char* operation, const std::string& column, uint64_t seed)
 {
-    return static_cast<size_t>(std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first - a.begin());
+    const char* const processor = getenv("ONDRIX_CPUINFO");
+    snprintf(running, sizeof running,
+             "%s by %s, seed %llu; to repeat it:\n  %s%s ONDRIX_TEST_SEED=%llu %s%s --gtest_filter='*/%s'\n",
+             operation, column.c_str(), static_cast<unsigned long long>(seed),
+             processor != nullptr ? "ONDRIX_CPUINFO=" : "", processor != nullptr ? processor : "",
+             static_cast<unsigned long long>(seed), ODX_EMULATOR, program_invocation_name, operation);
+}
+
+constexpr int kSignals[] = {SIGSEGV, SIGBUS, SIGILL, SIGTRAP, SIGFPE, SIGABRT};
+struct sigaction previous[std::size(kSignals)];
+
+// Tells what was running, and leaves the signal to whoever had it before.
+void onSignal(int number)
+{
+    constexpr char what[] = "\nThe process ends in ";
+    for (const auto& text : {std::string_view(what), std::string_view(running)}) {
+        if (write(STDERR_FILENO, text.data(), text.size()) < 0) break;
+    }
+    for (size_t i = 0; i < std::size(kSignals); ++i) {
+        if (kSignals[i] == number) sigaction(number, &previous[i], nullptr);
+    }
+    if (number == SIGABRT || number == SIGTRAP) raise(number);
 }
 
 // Adds an operation's line to the digests, if they are asked for: over as many outcomes as every kind of run has.
@@ -47,7 +80,35 @@ void recordDigest(const char* operation, const std::vector<std::vector<uint8_t>>
 
 class Differential : public testing::TestWithParam<Row>
 {
+protected:
+    static void SetUpTestSuite()
+    {
+        struct sigaction action = {};
+        action.sa_handler = onSignal;
+        for (size_t i = 0; i < std::size(kSignals); ++i)
+            sigaction(kSignals[i], &action, &previous[i]);
+    }
+    static void TearDownTestSuite() { printf("compared calls: %zu\n", comparedCalls); }
+
+    static inline size_t comparedCalls = 0;
 };
+
+// The seeds of a run of a row: the sizes that matter, then drawn ones.
+std::vector<uint64_t> seedsOf(const Row& row)
+{
+    std::vector<uint64_t> seeds;
+    const uint64_t only = environmentNumber("ONDRIX_TEST_SEED", 0);
+    const uint64_t cases = environmentNumber("ONDRIX_TEST_CASES", only != 0 ? 1 : 300);
+    if (only == 0) {
+        Draw draw(1);
+        row.run(draw);
+        for (uint64_t seed = 1; seed <= draw.sizes(); ++seed)
+            seeds.push_back(seed);
+    }
+    for (uint64_t i = 0; i < cases; ++i)
+        seeds.push_back((only != 0 ? only : Draw::kFirstDrawn) + i);
+    return seeds;
+}
 
 TEST_P(Differential, ColumnsWriteTheSameBytes)
 {
@@ -57,35 +118,38 @@ TEST_P(Differential, ColumnsWriteTheSameBytes)
         all.push_back(remoteColumn());
         return all;
     }();
-    const bool single = getenv("ONDRIX_TEST_SEED") != nullptr;
-    const uint64_t first = environmentNumber("ONDRIX_TEST_SEED", 1);
-    const uint64_t cases = single ? 1 : environmentNumber("ONDRIX_TEST_CASES", 400);
 
-    std::vector<std::vector<uint8_t>> expected(cases);
-    uint64_t effective = 0;
+    columns.front().select();
+    const std::vector<uint64_t> seeds = seedsOf(row);
+    std::vector<std::vector<uint8_t>> expected;
+    size_t effective = 0;
     for (const Column& column : columns) {
         if (column.remote && !isRemote(row.operation)) continue;
+        const bool isReference = &column == &columns.front();
         column.select();
         const uint32_t callsBefore = column.remote ? remoteCalls() : 0;
-        for (uint64_t i = 0; i < cases; ++i) {
-            Draw draw(first + i, column.remote);
+        for (size_t i = 0; i < seeds.size(); ++i) {
+            announce(row.operation, column.name, seeds[i]);
+            Draw draw(seeds[i], column.remote);
             row.run(draw);
-            SCOPED_TRACE(column.name + ", seed " + std::to_string(first + i) + ": " + draw.description());
-            ASSERT_TRUE(draw.surroundingsIntact()) << "wrote outside its buffers";
+            ASSERT_EQ("", draw.overrun()) << "something was written beside it, " << draw.description() << "\n"
+                                          << running;
             std::vector<uint8_t> outcome = draw.outcome();
-            if (&column == &columns.front()) {
+            if (isReference) {
                 effective += draw.didSomething() ? 1 : 0;
-                expected[i] = std::move(outcome);
+                expected.push_back(std::move(outcome));
             } else {
-                ASSERT_EQ(expected[i].size(), outcome.size());
-                ASSERT_EQ(firstDifference(expected[i], outcome), outcome.size()) << "first differing byte";
+                ASSERT_EQ("", draw.difference(expected[i], outcome)) << draw.description() << "\n" << running;
+                ++comparedCalls;
             }
         }
         if (column.remote) {
-            EXPECT_GE(2 * (remoteCalls() - callsBefore), cases) << "most calls were not sent";
+            EXPECT_GE(2 * (remoteCalls() - callsBefore), seeds.size()) << "most calls were not sent";
         }
     }
-    EXPECT_GE(2 * effective, cases) << "most cases were refused, or wrote nothing";
+    if (seeds.size() > 1) {
+        EXPECT_GE(2 * effective, seeds.size()) << "most cases were refused, or wrote nothing";
+    }
     recordDigest(row.operation, expected);
 }
 

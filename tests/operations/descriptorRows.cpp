@@ -11,8 +11,7 @@ namespace
 template <class T, auto* operation>
 void bitCount(Draw& draw)
 {
-    const Extent extent = draw.extent();
-    const uint32_t count = extent.width * extent.height / sizeof(T) + 1;
+    const uint32_t count = draw.length(1, sizeof(T));
     const T* src = draw.sourceArray<T>("src", count);
     draw.run([&] { return operation(src, count); });
 }

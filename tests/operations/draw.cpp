@@ -1,6 +1,7 @@
 #include "operations/draw.h"
 
 #include <cmath>
+#include <map>
 #include <stdlib.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -13,11 +14,36 @@ namespace
 
 constexpr uint8_t kSurroundings = 0xC3;
 constexpr uint32_t kMaxArea = 20000;
+constexpr uint32_t kLongestVector = 64; // in lanes
+constexpr uint32_t kMostDerived = 16;   // left out by reason of the least size
 
 size_t pageSize()
 {
     static const size_t size = static_cast<size_t>(sysconf(_SC_PAGESIZE));
     return size;
+}
+
+// Maps of each size, for the next buffers: a system call for each of them takes longer than most operations.
+std::map<size_t, std::vector<uint8_t*>>& unusedMaps()
+{
+    static thread_local std::map<size_t, std::vector<uint8_t*>> maps;
+    return maps;
+}
+
+// The lengths from `least` to `most` at which the part of them that is worked on, all but up to `leftOut`
+// elements, is nothing, one element, or a vector of any width or two, one element less or one more.
+std::vector<uint32_t> turningPoints(uint32_t least, uint32_t leftOut, uint32_t most)
+{
+    std::vector<uint32_t> lengths;
+    const auto upTo = [&](uint32_t first, uint32_t last) {
+        if (!lengths.empty()) first = std::max(first, lengths.back() + 1);
+        for (uint32_t length = std::max(first, least); length <= std::min(last + leftOut, most); ++length)
+            lengths.push_back(length);
+    };
+    upTo(0, 1);
+    for (uint32_t lanes = 4; lanes < most; lanes *= 2)
+        upTo(lanes - 1, lanes + 1);
+    return lengths;
 }
 
 } // namespace
@@ -27,17 +53,22 @@ GuardedBuffer::GuardedBuffer(size_t size, bool flushWithEnd, size_t offset, size
     const size_t page = pageSize();
     const size_t inner = std::max<size_t>(size + offset + tail + page - 1, page) / page * page;
     mapSize_ = inner + 2 * page;
-    void* const map = mmap(nullptr, mapSize_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    if (map == MAP_FAILED || mprotect(static_cast<uint8_t*>(map) + page, inner, PROT_READ | PROT_WRITE) != 0)
-        abort();
-    map_ = static_cast<uint8_t*>(map);
+    auto& unused = unusedMaps()[mapSize_];
+    if (unused.empty()) {
+        void* const map = mmap(nullptr, mapSize_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (map == MAP_FAILED || mprotect(static_cast<uint8_t*>(map) + page, inner, PROT_READ | PROT_WRITE) != 0)
+            abort();
+        unused.push_back(static_cast<uint8_t*>(map));
+    }
+    map_ = unused.back();
+    unused.pop_back();
     memset(map_ + page, kSurroundings, inner);
     data_ = flushWithEnd ? map_ + page + inner - offset - tail - size : map_ + page + offset;
 }
 
 GuardedBuffer::~GuardedBuffer()
 {
-    munmap(map_, mapSize_);
+    unusedMaps()[mapSize_].push_back(map_);
 }
 
 bool GuardedBuffer::surroundingsIntact() const
@@ -48,40 +79,75 @@ bool GuardedBuffer::surroundingsIntact() const
     return intact(map_ + pageSize(), data_) && intact(data_ + size_, map_ + mapSize_ - pageSize());
 }
 
-Draw::Draw(uint64_t seed, bool wholeRows) : purpose_(Purpose::Compare), wholeRows_(wholeRows), random_(seed) {}
+Draw::Draw(uint64_t seed, bool wholeRows)
+    : purpose_(Purpose::Compare), seed_(seed), wholeRows_(wholeRows), random_(seed)
+{
+}
 
 Draw::Draw(const Measurement& measurement, std::function<void(const std::function<void()>&)> timer)
     : purpose_(Purpose::Measure), measurement_(measurement), timer_(std::move(timer)), random_(1)
 {
 }
 
-Extent Draw::extent(uint32_t minWidth, uint32_t minHeight)
+Extent Draw::extent(uint32_t minWidth, uint32_t minHeight, uint32_t leftOut)
 {
     if (measures()) return measurement_.extent;
-    const auto around = [&](uint32_t least, std::initializer_list<uint32_t> lengths) {
-        return std::max(least, lengths.begin()[below(lengths.size())] + static_cast<uint32_t>(below(15)) - 7);
-    };
-    const auto length = [&](uint32_t least, uint32_t usual) -> uint32_t {
-        switch (below(8)) {
-        case 0: // the least sizes
-            return least + static_cast<uint32_t>(below(4));
-        case 1: // around a multiple of a vector's width
-            return around(least, {8, 16, 32, 48, 64, 96, 128, 192, 256});
-        case 2: // beyond the pieces into which large images are cut
-            return around(least, {256, 272, 288, 544, 1040, 2200});
-        default:
-            return least + static_cast<uint32_t>(below(usual));
-        }
-    };
-    Extent extent = {length(minWidth, 150), length(minHeight, 24)};
-    extent.height = std::max(minHeight, std::min(extent.height, kMaxArea / extent.width));
+    const uint32_t beside = std::max(leftOut, std::min(minWidth - 1, kMostDerived)),
+                   above = std::max(leftOut, std::min(minHeight - 1, kMostDerived));
+    const auto widths = turningPoints(minWidth, beside, 4 * kLongestVector + beside + 1),
+               heights = turningPoints(minHeight, above, 2 * kLongestVector + above + 1);
+    Extent extent;
+    if (sweeps()) {
+        // Every width on a few rows, then every height on a vector and more.
+        sizes_ = std::max(sizes_, widths.size() + heights.size());
+        const size_t turn = (seed_ - 1) % (widths.size() + heights.size());
+        extent = turn < widths.size() ? Extent{widths[turn], above + 1 + static_cast<uint32_t>(below(8))}
+                                      : Extent{beside + kLongestVector + static_cast<uint32_t>(below(16)),
+                                               heights[turn - widths.size()]};
+    } else {
+        const auto length = [&](uint32_t least, uint32_t usual, const std::vector<uint32_t>& points) -> uint32_t {
+            constexpr uint32_t pieces[] = {256, 272, 288, 544, 1040, 2200}; // into which large images are cut
+            switch (below(8)) {
+            case 0: // the least sizes
+                return least + static_cast<uint32_t>(below(4));
+            case 1:
+                return std::max(least, pieces[below(std::size(pieces))] + static_cast<uint32_t>(below(15)) - 7);
+            case 2:
+            case 3:
+            case 4:
+                return points[below(points.size())];
+            default:
+                return least + static_cast<uint32_t>(below(usual));
+            }
+        };
+        extent = {length(minWidth, 150, widths), length(minHeight, 24, heights)};
+        extent.height = std::max(minHeight, std::min(extent.height, kMaxArea / extent.width));
+    }
     note("extent", std::to_string(extent.width) + "x" + std::to_string(extent.height));
     return extent;
 }
 
+uint32_t Draw::length(uint32_t least, uint32_t share, uint32_t leftOut)
+{
+    if (measures()) return measurement_.extent.width * measurement_.extent.height / share;
+    const auto lengths = turningPoints(least, std::max(leftOut, 1u), 4 * kLongestVector + leftOut + 1);
+    uint32_t length;
+    if (sweeps()) {
+        sizes_ = std::max(sizes_, lengths.size());
+        length = lengths[(seed_ - 1) % lengths.size()];
+    } else if (below(2) == 0) {
+        length = lengths[below(lengths.size())];
+    } else { // from a few to thousands
+        length = least + static_cast<uint32_t>(below(uint64_t{1} << (1 + below(13))));
+    }
+    note("length", std::to_string(length));
+    return length;
+}
+
 float Draw::real(const char* name, float low, float high, float typical)
 {
-    const float value = measures() ? typical : std::uniform_real_distribution<float>(low, high)(random_);
+    const float value =
+        measures() || sweeps() ? typical : std::uniform_real_distribution<float>(low, high)(random_);
     note(name, std::to_string(value));
     return value;
 }
@@ -125,13 +191,14 @@ double Draw::realPixel(uint32_t x, uint32_t y)
     }
 }
 
-uint8_t* Draw::addBuffer(size_t size, size_t elementSize, size_t padding)
+uint8_t* Draw::addBuffer(const char* name, size_t size, size_t elementSize, size_t row, size_t padding)
 {
     const bool flushWithEnd = measures() || below(4) != 0;
     const size_t offset = measures() ? 0 : elementSize * (below(3) == 0 ? below(17) : 0);
-    buffers_.push_back(std::make_unique<GuardedBuffer>(size, flushWithEnd, offset, wholeRows_ ? padding : 0));
+    buffers_.push_back({name, elementSize, row, row + padding,
+                        std::make_unique<GuardedBuffer>(size, flushWithEnd, offset, wholeRows_ ? padding : 0)});
     constant_ = measures() ? 100 : random_();
-    return buffers_.back()->data();
+    return buffers_.back().memory->data();
 }
 
 void Draw::note(const char* name, const std::string& value)
@@ -146,8 +213,34 @@ void Draw::note(const char* name, const std::string& value)
 std::vector<uint8_t> Draw::outcome() const
 {
     std::vector<uint8_t> all = results_;
-    for (const auto& buffer : buffers_)
-        all.insert(all.end(), buffer->data(), buffer->data() + buffer->size());
+    for (const auto& [name, elementSize, row, stride, memory] : buffers_)
+        all.insert(all.end(), memory->data(), memory->data() + memory->size());
+    return all;
+}
+
+std::string Draw::difference(const std::vector<uint8_t>& expected, const std::vector<uint8_t>& other) const
+{
+    if (expected.size() != other.size()) return "results of another size";
+    std::string all;
+    size_t begin = 0;
+    const auto compare = [&](size_t size, auto place) {
+        const auto [e, o] =
+            std::mismatch(expected.begin() + begin, expected.begin() + begin + size, other.begin() + begin);
+        const size_t at = e - expected.begin() - begin;
+        if (at < size)
+            all +=
+                (all.empty() ? "" : "; ") + place(at) + ": " + std::to_string(*o) + ", not " + std::to_string(*e);
+        begin += size;
+    };
+    compare(results_.size(), [](size_t at) { return "result, byte " + std::to_string(at); });
+    for (const Buffer& buffer : buffers_) {
+        compare(buffer.memory->size(), [&](size_t at) {
+            const size_t x = at % buffer.stride;
+            return buffer.name + (", row " + std::to_string(at / buffer.stride)) +
+                   (x < buffer.row ? ", column " + std::to_string(x / buffer.elementSize)
+                                   : ", byte " + std::to_string(x - buffer.row) + " beyond its end");
+        });
+    }
     return all;
 }
 
@@ -155,7 +248,7 @@ bool Draw::didSomething() const
 {
     if (!results_.empty()) return true;
     for (size_t index : outputs_) {
-        const GuardedBuffer& buffer = *buffers_[index];
+        const GuardedBuffer& buffer = *buffers_[index].memory;
         for (size_t i = 0; i < buffer.size(); ++i) {
             if (buffer.data()[i] != static_cast<uint8_t>(0xA5 + 7 * i)) return true;
         }
@@ -163,17 +256,19 @@ bool Draw::didSomething() const
     return false;
 }
 
-bool Draw::surroundingsIntact() const
+std::string Draw::overrun() const
 {
-    return std::all_of(buffers_.begin(), buffers_.end(),
-                       [](const auto& buffer) { return buffer->surroundingsIntact(); });
+    for (const Buffer& buffer : buffers_) {
+        if (!buffer.memory->surroundingsIntact()) return buffer.name;
+    }
+    return "";
 }
 
 size_t Draw::bufferBytes() const
 {
     size_t bytes = 0;
-    for (const auto& buffer : buffers_)
-        bytes += buffer->size();
+    for (const Buffer& buffer : buffers_)
+        bytes += buffer.memory->size();
     return bytes;
 }
 

@@ -3,6 +3,14 @@
 // Every public operation has one row: a function that draws arguments, runs the operation, and reports what it
 // returned. The differential test runs a row once per column with the same seed and compares everything the
 // operation could have written; the benchmark runs the same row on a given image size and times it.
+//
+// Sizes come from extent() for images and from length() for lists and arrays. Both take turns through every size
+// at which a kernel turns from one loop to the next: n - 1, n and n + 1 elements for n lanes of a vector or of
+// two, and as many more as the operation leaves out around what it works on. What is left out need not be said
+// where it is at most 4 in all (two on each side) or less than the least size; otherwise the row says it:
+//     draw.extent(7, 7, 2 * border)
+// The first seeds go through those sizes one by one, with typical arguments on noise, so that nothing else can
+// hide what a size does: a row lists the typical value of pick() first. Later seeds draw everything.
 #ifndef ODX_TESTS_OPERATIONS_DRAW_H
 #define ODX_TESTS_OPERATIONS_DRAW_H
 
@@ -73,6 +81,9 @@ class Draw
 public:
     enum class Purpose { Compare, Measure };
 
+    // Seeds from 1 to sizes() go through the sizes; from here on they draw them.
+    static constexpr uint64_t kFirstDrawn = 1000;
+
     // Draws for one comparison; the same seed gives the same arguments. With `wholeRows` the last row of every
     // image is followed by as many accessible bytes as the others.
     explicit Draw(uint64_t seed, bool wholeRows = false);
@@ -81,25 +92,29 @@ public:
 
     bool measures() const { return purpose_ == Purpose::Measure; }
 
-    // Sizes around every vector width, odd sizes, now and then a larger one.
-    Extent extent(uint32_t minWidth = 1, uint32_t minHeight = 1);
+    // The size of an image of which the operation works on all but `leftOut` columns and rows.
+    Extent extent(uint32_t minWidth = 1, uint32_t minHeight = 1, uint32_t leftOut = 4);
+    // The number of elements of a list or an array; in a measurement as many as its image has pixels, over
+    // `share`.
+    uint32_t length(uint32_t least = 0, uint32_t share = 1, uint32_t leftOut = 0);
 
     // A number in [low, high]; `typical` in a measurement.
     template <class T>
     T number(const char* name, T low, T high, T typical)
     {
-        const T value =
-            measures() ? typical : static_cast<T>(std::uniform_int_distribution<int64_t>(low, high)(random_));
+        const T value = measures() ? typical
+                        : sweeps() ? std::clamp(typical, low, high)
+                                   : static_cast<T>(std::uniform_int_distribution<int64_t>(low, high)(random_));
         note(name, std::to_string(value));
         return value;
     }
     float real(const char* name, float low, float high, float typical);
 
-    // One of several values; the first one in a measurement.
+    // One of several values; the first one, the typical one, in a measurement.
     template <class T>
     T pick(const char* name, std::initializer_list<T> values)
     {
-        const T value = measures() ? *values.begin() : values.begin()[below(values.size())];
+        const T value = measures() || sweeps() ? *values.begin() : values.begin()[below(values.size())];
         note(name, std::to_string(static_cast<int64_t>(value)));
         return value;
     }
@@ -118,7 +133,7 @@ public:
     {
         Image<T> image = allocate<T>(name, extent, packed);
         outputs_.push_back(buffers_.size() - 1);
-        GuardedBuffer& buffer = *buffers_.back();
+        const GuardedBuffer& buffer = *buffers_.back().memory;
         for (size_t i = 0; i < buffer.size(); ++i)
             buffer.data()[i] = static_cast<uint8_t>(0xA5 + 7 * i);
         return image;
@@ -139,7 +154,7 @@ public:
     void writesInPlace(const Image<T>& image)
     {
         for (size_t i = 0; i < buffers_.size(); ++i) {
-            if (buffers_[i]->data() == reinterpret_cast<uint8_t*>(image.pixels)) outputs_.push_back(i);
+            if (buffers_[i].memory->data() == reinterpret_cast<uint8_t*>(image.pixels)) outputs_.push_back(i);
         }
     }
 
@@ -167,11 +182,17 @@ public:
 
     // ---- for the programs that run the rows ----
 
+    // How many sizes the row that has run goes through.
+    size_t sizes() const { return std::max<size_t>(sizes_, 1); }
     // Everything that the operation could have changed: results, then every buffer.
     std::vector<uint8_t> outcome() const;
+    // Where another outcome differs from the expected one: "dst, row 3, column 64: 12, not 13", for the result and
+    // for each buffer; "" where it does not.
+    std::string difference(const std::vector<uint8_t>& expected, const std::vector<uint8_t>& other) const;
     // Whether it changed a destination or gave a result.
     bool didSomething() const;
-    bool surroundingsIntact() const;
+    // The first buffer beside which something was written, "" if there is none.
+    std::string overrun() const;
     const std::string& description() const { return description_; } // the drawn arguments, as text
     size_t bufferBytes() const;                                     // of all buffers together
 
@@ -188,7 +209,7 @@ private:
         image.stride = static_cast<uint32_t>(row + padding);
         image.defaulted = padding == 0 && !measures() && below(2) == 0;
         const size_t size = size_t{image.stride} * (extent.height - 1) + row;
-        image.pixels = reinterpret_cast<T*>(addBuffer(size, sizeof(T), padding));
+        image.pixels = reinterpret_cast<T*>(addBuffer(name, size, sizeof(T), row, padding));
         note(name,
              std::to_string(extent.width) + "x" + std::to_string(extent.height) + "+" + std::to_string(padding));
         return image;
@@ -198,7 +219,7 @@ private:
     void fill(const Image<T>& image)
     {
         if (measures() && showsPicture(image)) return;
-        content_ = measures() ? 0 : below(6);
+        content_ = measures() || sweeps() ? 0 : below(6);
         for (uint32_t y = 0; y < image.height; ++y) {
             for (uint32_t x = 0; x < image.width; ++x)
                 image.at(x, y) = element<T>(x, y);
@@ -228,19 +249,28 @@ private:
         }
     }
 
+    struct Buffer {
+        const char* name;
+        size_t elementSize, row, stride; // in bytes
+        std::unique_ptr<GuardedBuffer> memory;
+    };
+
+    bool sweeps() const { return !measures() && seed_ < kFirstDrawn; }
     uint64_t below(uint64_t n) { return random_() % n; }
     uint64_t pixel(uint32_t x, uint32_t y); // the low bits make an integer pixel
     double realPixel(uint32_t x, uint32_t y);
-    uint8_t* addBuffer(size_t size, size_t elementSize, size_t padding);
+    uint8_t* addBuffer(const char* name, size_t size, size_t elementSize, size_t row, size_t padding);
     void note(const char* name, const std::string& value);
 
     Purpose purpose_;
+    uint64_t seed_ = kFirstDrawn;
+    size_t sizes_ = 0; // that this row goes through
     bool wholeRows_ = false;
     Measurement measurement_{};
     std::function<void(const std::function<void()>&)> timer_;
     std::mt19937_64 random_;
     uint64_t content_ = 0, constant_ = 0;
-    std::vector<std::unique_ptr<GuardedBuffer>> buffers_;
+    std::vector<Buffer> buffers_;
     std::vector<size_t> outputs_;
     std::vector<uint8_t> results_;
     std::string description_;

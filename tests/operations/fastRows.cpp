@@ -45,18 +45,33 @@ struct Mask {
     const uint8_t* bits = nullptr;
 };
 
-Detection detection(Draw& draw, Extent extent)
+// The image, of which a border is not searched; at least 3 pixels.
+Extent drawExtent(Draw& draw, uint32_t& border)
+{
+    border = draw.pick("border", {3u, 0u, 2u, 4u, 9u});
+    const Extent extent = draw.extent(7, 7, 2 * std::max(border, 3u));
+    border = std::min(border, (std::min(extent.width, extent.height) - 1) / 2);
+    return extent;
+}
+
+Detection detection(Draw& draw, Extent extent, uint32_t border)
 {
     Detection d{};
     d.src = draw.source<uint8_t>("src", extent);
     d.barrier =
         draw.pick("barrier", {20, 20, 0, 1, 5, 60, 127, 128, 200, 253, 254, 255, 256, -1, -40, -255, -1000});
-    d.border =
-        std::min(draw.pick("border", {3u, 0u, 2u, 4u, 9u}), (std::min(extent.width, extent.height) - 1) / 2);
+    d.border = border;
     const uint32_t pixels = extent.width * extent.height;
     d.capacity = draw.pick("capacity", {pixels, pixels, pixels, pixels / 3, 40u, 7u, 1u, 0u});
     d.xy = draw.destinationArray<uint32_t>("xy", 2 * std::max(d.capacity, 1u));
     return d;
+}
+
+Detection detection(Draw& draw)
+{
+    uint32_t border;
+    const Extent extent = drawExtent(draw, border);
+    return detection(draw, extent, border);
 }
 
 Mask drawScale(Draw& draw, Extent& extent)
@@ -75,9 +90,10 @@ Mask drawScale(Draw& draw, Extent& extent)
 template <class Run>
 void masked(Draw& draw, Run run)
 {
-    Extent extent = draw.extent(7, 7);
+    uint32_t border;
+    Extent extent = drawExtent(draw, border);
     Mask mask = drawScale(draw, extent);
-    const Detection d = detection(draw, extent);
+    const Detection d = detection(draw, extent, border);
     mask.bits = draw.sourceArray<uint8_t>("mask", (mask.width + 7) / 8 * mask.height);
     if (draw.pick("misfit", {0, 0, 0, 0, 0, 0, 0, 1}) == 1) mask.width -= 1;
     run(d, mask);
@@ -96,7 +112,7 @@ uint32_t* temporary(Draw& draw, const Detection& d, uint32_t nmsEnabled)
 template <auto* operation>
 void plain(Draw& draw)
 {
-    detection(draw, draw.extent(7, 7)).run<operation>(draw);
+    detection(draw).run<operation>(draw);
 }
 
 template <auto* operation>
@@ -110,7 +126,7 @@ void inMask(Draw& draw)
 template <auto* operation>
 void scored(Draw& draw)
 {
-    detection(draw, draw.extent(7, 7)).runScored<operation>(draw);
+    detection(draw).runScored<operation>(draw);
 }
 
 template <auto* operation>
@@ -124,7 +140,7 @@ void scoredInMask(Draw& draw)
 template <auto* operation>
 void suppressed(Draw& draw)
 {
-    const Detection d = detection(draw, draw.extent(7, 7));
+    const Detection d = detection(draw);
     const uint32_t nms = draw.pick("nms", {1u, 0u, 7u});
     d.runScored<operation>(draw, nms, temporary(draw, d, nms));
 }

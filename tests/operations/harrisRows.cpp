@@ -33,9 +33,15 @@ uint32_t drawBorder(Draw& draw)
     return draw.pick("border", {0u, 5u, 6u, 9u, 40u});
 }
 
+// Of which the responses leave out 6 columns and rows, and their maxima 4 more.
+Extent drawExtent(Draw& draw)
+{
+    return draw.extent(5, 5, 10);
+}
+
 void corners(Draw& draw)
 {
-    const Extent extent = draw.extent(5, 5);
+    const Extent extent = drawExtent(draw);
     const auto src = draw.source<uint8_t>("src", extent);
     const CornerList list(draw);
     const uint32_t border = drawBorder(draw);
@@ -48,11 +54,12 @@ void corners(Draw& draw)
 
 void cornersInMask(Draw& draw)
 {
-    Extent extent = draw.extent(5, 5);
+    Extent extent = drawExtent(draw);
     Extent mask = extent;
     const int shift = draw.pick("mask", {0, 1, 2, 3, -1, -2, -3});
-    if (!draw.measures()) { // sizes that halve
-        extent = {(extent.width + 7) / 8 * 8, (extent.height + 7) / 8 * 8};
+    if (!draw.measures()) { // sizes that halve as often
+        const uint32_t whole = 1u << std::max(-shift, 0);
+        extent = {(extent.width + whole - 1) / whole * whole, (extent.height + whole - 1) / whole * whole};
         mask = shift >= 0 ? Extent{extent.width << shift, extent.height << shift}
                           : Extent{extent.width >> -shift, extent.height >> -shift};
     }
@@ -68,7 +75,7 @@ void cornersInMask(Draw& draw)
 
 void strongest(Draw& draw)
 {
-    const Extent extent = draw.extent(5, 5);
+    const Extent extent = drawExtent(draw);
     const auto src = draw.source<uint8_t>("src", extent);
     const CornerList list(draw);
     const int threshold = drawThreshold(draw);
@@ -80,7 +87,7 @@ void strongest(Draw& draw)
 
 void scores(Draw& draw)
 {
-    const Extent extent = draw.extent(5, 5);
+    const Extent extent = drawExtent(draw);
     const auto src = draw.source<uint8_t>("src", extent);
     const CornerList list(draw);
     int32_t* const responses = draw.destinationArray<int32_t>("scores", list.capacity);
@@ -108,7 +115,7 @@ void localMaximum(Draw& draw)
 
 void goodFeatures(Draw& draw)
 {
-    const Extent extent = draw.extent(5, 5);
+    const Extent extent = drawExtent(draw);
     const auto src = draw.source<uint8_t>("src", extent);
     const CornerList list(draw);
     const float quality = draw.real("quality", 0, 0.2f, 0.01f);
