@@ -3,6 +3,13 @@
 namespace odx
 {
 
+uint32_t narrowed(uint32_t impl, Limit limit)
+{
+    const bool fits =
+        impl == ODX_IMPL_GPU ? limit.gpu == 0 : limit.remote == 0 || current(HW_constraint_checks_enable) == 0;
+    return fits ? impl : uint32_t{ODX_IMPL_ORLAN};
+}
+
 void logDispatch(const char* name, uint32_t impl)
 {
     __android_log_print(platform::kLogError, ODX_RUNTIME_LOG, "%s_%s", name, odxImplChar[impl]);

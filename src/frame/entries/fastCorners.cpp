@@ -13,22 +13,19 @@ uint64_t effectiveBorder(uint32_t border)
     return border < 4 ? 3 : border;
 }
 
-bool remoteFits(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride)
+// What every target asks of the image, and of the lists that it finds.
+template <class... Lists>
+Limit corners(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride, Lists... lists)
 {
-    return worthSending(uint64_t{width} * height) && multiplesOf(8, stride, src);
+    return pixels(width, height) & remote(8, src, stride) & gpu(16, src, lists...);
 }
 
-// What the variants with suppression ask of the GPU's arguments. Without suppression any working memory will do.
-bool gpuFits(const uint8_t* src, uint32_t width, uint32_t stride, const uint32_t* xy, const uint32_t* scores,
-             uint32_t nmsEnabled, const uint32_t* tempBuf)
+// What the GPU asks besides for suppression. Without it any working memory will do.
+template <class... Buffers>
+Limit suppression(uint32_t width, uint32_t stride, uint32_t enabled, const uint32_t* tempBuf, Buffers... buffers)
 {
-    return src && xy && scores && multiplesOf(16, src, xy, scores) && multiplesOf(8, stride) && stride >= width &&
-           (nmsEnabled == 0 || (tempBuf && multiplesOf(16, tempBuf)));
-}
-bool gpuFits(const uint8_t* src, uint32_t width, uint32_t stride, const uint32_t* xy, const uint32_t* scores,
-             const uint8_t* mask, uint32_t nmsEnabled, const uint32_t* tempBuf)
-{
-    return gpuFits(src, width, stride, xy, scores, nmsEnabled, tempBuf) && mask && multiplesOf(16, mask);
+    return gpu(16, buffers...) & gpu(8, stride) & gpuIf(((buffers != nullptr) & ...)) & gpuIf(stride >= width) &
+           gpuIf((enabled == 0) | ((tempBuf != nullptr) & multiplesOf(16, tempBuf)));
 }
 
 } // namespace
@@ -42,9 +39,7 @@ void odxCornerFast9u8(const uint8_t* src, unsigned int width, unsigned int heigh
 {
     stride = packedIfZero(stride, width);
     const uint64_t border = effectiveBorder(requestedBorder);
-    const Call<odxCornerFast9u8C> call(
-        __func__, [&] { return remoteFits(src, width, height, stride); },
-        [&] { return multiplesOf(16, src, xy); });
+    const Call<odxCornerFast9u8C> call(__func__, [&] { return corners(src, width, height, stride, xy); });
     ODX_CHECK(src && xy && numcorners && stride >= width && border*2 < width && border*2 < height);
     call(src, width, height, stride, barrier, static_cast<uint32_t>(border), xy, nCornersMax, numcorners);
 }
@@ -56,9 +51,7 @@ void odxCornerFast9InMasku8(const uint8_t* src, unsigned int width, unsigned int
 {
     stride = packedIfZero(stride, width);
     const uint64_t border = effectiveBorder(requestedBorder);
-    const Call<odxCornerFast9InMasku8C> call(
-        __func__, [&] { return remoteFits(src, width, height, stride); },
-        [&] { return multiplesOf(16, src, xy); });
+    const Call<odxCornerFast9InMasku8C> call(__func__, [&] { return corners(src, width, height, stride, xy); });
     ODX_CHECK(src && xy && numcorners && bitMask && stride >= width && border*2 < width && border*2 < height);
     call(src, width, height, stride, barrier, static_cast<uint32_t>(border), xy, nCornersMax, numcorners, bitMask,
          maskWidth, maskHeight);
@@ -70,9 +63,8 @@ void odxCornerFast9Scoreu8(const uint8_t* src, unsigned int width, unsigned int 
 {
     stride = packedIfZero(stride, width);
     const uint64_t border = effectiveBorder(requestedBorder);
-    const Call<odxCornerFast9Scoreu8C> call(
-        __func__, [&] { return remoteFits(src, width, height, stride); },
-        [&] { return multiplesOf(16, src, xy, scores); });
+    const Call<odxCornerFast9Scoreu8C> call(__func__,
+                                            [&] { return corners(src, width, height, stride, xy, scores); });
     ODX_CHECK(src && xy && scores && numcorners && stride >= width && border*2 < width && border*2 < height);
     call(src, width, height, stride, barrier, static_cast<uint32_t>(border), xy, scores, nCornersMax, numcorners);
 }
@@ -84,9 +76,8 @@ void odxCornerFast9InMaskScoreu8(const uint8_t* src, unsigned int width, unsigne
 {
     stride = packedIfZero(stride, width);
     const uint64_t border = effectiveBorder(requestedBorder);
-    const Call<odxCornerFast9InMaskScoreu8C> call(
-        __func__, [&] { return remoteFits(src, width, height, stride); },
-        [&] { return multiplesOf(16, src, xy, scores); });
+    const Call<odxCornerFast9InMaskScoreu8C> call(__func__,
+                                                  [&] { return corners(src, width, height, stride, xy, scores); });
     ODX_CHECK(src && xy && scores && numcorners && bitMask && stride >= width && border*2 < width && border*2 < height);
     call(src, width, height, stride, barrier, static_cast<uint32_t>(border), xy, scores, nCornersMax, numcorners,
          bitMask, maskWidth, maskHeight);
@@ -99,9 +90,10 @@ void odxCornerFast9Scoreu8_v2(const uint8_t* src, unsigned int width, unsigned i
 {
     stride = packedIfZero(stride, width);
     const uint64_t border = effectiveBorder(requestedBorder);
-    const Call<odxCornerFast9Scoreu8_v2C> call(
-        __func__, [&] { return remoteFits(src, width, height, stride); },
-        [&] { return gpuFits(src, width, stride, xy, scores, nmsEnabled, tempBuf); });
+    const Call<odxCornerFast9Scoreu8_v2C> call(__func__, [&] {
+        return corners(src, width, height, stride, xy, scores) &
+               suppression(width, stride, nmsEnabled, tempBuf, src, xy, scores);
+    });
     ODX_CHECK(src && xy && scores && numcorners && stride >= width && border*2 < width && border*2 < height);
     call(src, width, height, stride, barrier, static_cast<uint32_t>(border), xy, scores, nCornersMax, numcorners,
          nmsEnabled, tempBuf);
@@ -115,9 +107,10 @@ void odxCornerFast9InMaskScoreu8_v2(const uint8_t* src, unsigned int width, unsi
 {
     stride = packedIfZero(stride, width);
     const uint64_t border = effectiveBorder(requestedBorder);
-    const Call<odxCornerFast9InMaskScoreu8_v2C> call(
-        __func__, [&] { return remoteFits(src, width, height, stride); },
-        [&] { return gpuFits(src, width, stride, xy, scores, bitMask, nmsEnabled, tempBuf); });
+    const Call<odxCornerFast9InMaskScoreu8_v2C> call(__func__, [&] {
+        return corners(src, width, height, stride, xy, scores) &
+               suppression(width, stride, nmsEnabled, tempBuf, src, xy, scores, bitMask);
+    });
     ODX_CHECK(src && xy && scores && numcorners && bitMask && stride >= width && border*2 < width && border*2 < height);
     call(src, width, height, stride, barrier, static_cast<uint32_t>(border), xy, scores, nCornersMax, numcorners,
          bitMask, maskWidth, maskHeight, nmsEnabled, tempBuf);
@@ -129,9 +122,8 @@ void odxCornerFast10u8(const uint8_t* src, unsigned int srcWidth, unsigned int s
 {
     srcStride = packedIfZero(srcStride, srcWidth);
     const uint64_t border = effectiveBorder(requestedBorder);
-    const Call<odxCornerFast10u8C> call(
-        __func__, [&] { return remoteFits(src, srcWidth, srcHeight, srcStride); },
-        [&] { return multiplesOf(16, src, xy); });
+    const Call<odxCornerFast10u8C> call(__func__,
+                                        [&] { return corners(src, srcWidth, srcHeight, srcStride, xy); });
     ODX_CHECK(src && xy && nCorners && srcStride >= srcWidth && border*2 < srcWidth && border*2 < srcHeight);
     call(src, srcWidth, srcHeight, srcStride, barrier, static_cast<uint32_t>(border), xy, nCornersMax, nCorners);
 }
@@ -143,9 +135,8 @@ void odxCornerFast10InMasku8(const uint8_t* src, unsigned int srcWidth, unsigned
 {
     srcStride = packedIfZero(srcStride, srcWidth);
     const uint64_t border = effectiveBorder(requestedBorder);
-    const Call<odxCornerFast10InMasku8C> call(
-        __func__, [&] { return remoteFits(src, srcWidth, srcHeight, srcStride); },
-        [&] { return multiplesOf(16, src, xy); });
+    const Call<odxCornerFast10InMasku8C> call(__func__,
+                                              [&] { return corners(src, srcWidth, srcHeight, srcStride, xy); });
     ODX_CHECK(src && xy && nCorners && mask && srcStride >= srcWidth && border*2 < srcWidth && border*2 < srcHeight);
     call(src, srcWidth, srcHeight, srcStride, barrier, static_cast<uint32_t>(border), xy, nCornersMax, nCorners,
          mask, maskWidth, maskHeight);
@@ -158,9 +149,10 @@ void odxCornerFast10Scoreu8(const uint8_t* src, unsigned int srcWidth, unsigned 
 {
     srcStride = packedIfZero(srcStride, srcWidth);
     const uint64_t border = effectiveBorder(requestedBorder);
-    const Call<odxCornerFast10Scoreu8C> call(
-        __func__, [&] { return remoteFits(src, srcWidth, srcHeight, srcStride); },
-        [&] { return gpuFits(src, srcWidth, srcStride, xy, scores, nmsEnabled, tempBuf); });
+    const Call<odxCornerFast10Scoreu8C> call(__func__, [&] {
+        return corners(src, srcWidth, srcHeight, srcStride, xy, scores) &
+               suppression(srcWidth, srcStride, nmsEnabled, tempBuf, src, xy, scores);
+    });
     ODX_CHECK(src && xy && scores && nCorners && srcStride >= srcWidth && border*2 < srcWidth && border*2 < srcHeight);
     call(src, srcWidth, srcHeight, srcStride, barrier, static_cast<uint32_t>(border), xy, scores, nCornersMax,
          nCorners, nmsEnabled, tempBuf);
@@ -174,9 +166,10 @@ void odxCornerFast10InMaskScoreu8(const uint8_t* src, unsigned int srcWidth, uns
 {
     srcStride = packedIfZero(srcStride, srcWidth);
     const uint64_t border = effectiveBorder(requestedBorder);
-    const Call<odxCornerFast10InMaskScoreu8C> call(
-        __func__, [&] { return remoteFits(src, srcWidth, srcHeight, srcStride); },
-        [&] { return gpuFits(src, srcWidth, srcStride, xy, scores, mask, nmsEnabled, tempBuf); });
+    const Call<odxCornerFast10InMaskScoreu8C> call(__func__, [&] {
+        return corners(src, srcWidth, srcHeight, srcStride, xy, scores) &
+               suppression(srcWidth, srcStride, nmsEnabled, tempBuf, src, xy, scores, mask);
+    });
     ODX_CHECK(src && xy && scores && nCorners && mask && srcStride >= srcWidth && border*2 < srcWidth && border*2 < srcHeight);
     call(src, srcWidth, srcHeight, srcStride, barrier, static_cast<uint32_t>(border), xy, scores, nCornersMax,
          nCorners, mask, maskWidth, maskHeight, nmsEnabled, tempBuf);

@@ -8,19 +8,15 @@ using namespace odx;
 namespace
 {
 
-// The targets' demands on a detector's arguments.
-bool remoteFits(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride)
+// What the remote targets ask of every search, and the GPU of the detectors.
+Limit search(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride)
 {
-    return worthSending(uint64_t{width} * height) && multiplesOf(4, src, stride) && multiplesOf(8, width);
+    return pixels(width, height) & remote(4, src, stride) & remote(8, width);
 }
-bool gpuFits(const uint8_t* src, uint32_t stride, const uint32_t* xy)
+template <class... Lists>
+Limit detector(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride, Lists... lists)
 {
-    return multiplesOf(16, xy, src) && multiplesOf(8, stride);
-}
-
-bool anything()
-{
-    return true;
+    return search(src, width, height, stride) & gpu(16, src, lists...) & gpu(8, stride);
 }
 
 } // namespace
@@ -33,9 +29,7 @@ void odxCornerHarrisu8(const uint8_t* src, unsigned int width, unsigned int heig
                        int threshold)
 {
     stride = packedIfZero(stride, width);
-    const Call<odxCornerHarrisu8C> call(
-        __func__, [&] { return remoteFits(src, width, height, stride); },
-        [&] { return gpuFits(src, stride, xy); });
+    const Call<odxCornerHarrisu8C> call(__func__, [&] { return detector(src, width, height, stride, xy); });
     ODX_CHECK(src && xy && numcorners && width && height && (stride >= width) && width > 4 && height > 4);
     call(src, width, height, stride, border, xy, nCornersMax, numcorners, threshold);
 }
@@ -46,9 +40,8 @@ void odxCornerHarrisInMasku8(const uint8_t* srcImg, unsigned int width, unsigned
                              unsigned int maskHeight)
 {
     stride = packedIfZero(stride, width);
-    const Call<odxCornerHarrisInMasku8C> call(
-        __func__, [&] { return remoteFits(srcImg, width, height, stride); },
-        [&] { return gpuFits(srcImg, stride, xy); });
+    const Call<odxCornerHarrisInMasku8C> call(__func__,
+                                              [&] { return detector(srcImg, width, height, stride, xy); });
     ODX_CHECK(srcImg && xy && numcorners && bitMask && width && height && (stride >= width) && maskHeight && maskWidth);
     call(srcImg, width, height, stride, border, xy, nCornersMax, numcorners, threshold, bitMask, maskWidth,
          maskHeight);
@@ -59,9 +52,8 @@ void odxCornerHarrisAdaptiveu8(const uint8_t* src, unsigned int srcWidth, unsign
                                uint32_t* nCorners, int threshold)
 {
     srcStride = packedIfZero(srcStride, srcWidth);
-    const Call<odxCornerHarrisAdaptiveu8C> call(
-        __func__, [&] { return remoteFits(src, srcWidth, srcHeight, srcStride); },
-        [&] { return gpuFits(src, srcStride, xy); });
+    const Call<odxCornerHarrisAdaptiveu8C> call(__func__,
+                                                [&] { return detector(src, srcWidth, srcHeight, srcStride, xy); });
     ODX_CHECK(src && xy && nCorners && srcWidth && srcHeight && srcStride >= srcWidth && srcWidth > 4 && srcHeight > 4);
     call(src, srcWidth, srcHeight, srcStride, border, xy, nCornersMax, nCorners, threshold);
 }
@@ -72,8 +64,7 @@ void odxCornerHarrisScoreu8(const uint8_t* src, unsigned int srcWidth, unsigned 
 {
     srcStride = packedIfZero(srcStride, srcWidth);
     const Call<odxCornerHarrisScoreu8C> call(
-        __func__, [&] { return remoteFits(src, srcWidth, srcHeight, srcStride); },
-        [&] { return gpuFits(src, srcStride, xy) && multiplesOf(16, scores); });
+        __func__, [&] { return detector(src, srcWidth, srcHeight, srcStride, xy, scores); });
     ODX_CHECK(src && xy && scores && nCorners && srcWidth && srcHeight && srcStride >= srcWidth && srcWidth > 4 && srcHeight > 4);
     call(src, srcWidth, srcHeight, srcStride, border, xy, scores, nCornersMax, nCorners, threshold);
 }
@@ -83,8 +74,7 @@ odxStatus odxLocalHarrisMaxu8(const uint8_t* src, unsigned int srcWidth, unsigne
                               uint32_t* maxX, uint32_t* maxY, int32_t* maxResponse)
 {
     srcStride = packedIfZero(srcStride, srcWidth);
-    const Call<odxLocalHarrisMaxu8C> call(
-        __func__, [&] { return remoteFits(src, srcWidth, srcHeight, srcStride); }, anything);
+    const Call<odxLocalHarrisMaxu8C> call(__func__, [&] { return search(src, srcWidth, srcHeight, srcStride); });
     ODX_CHECK(src && maxX && maxY && maxResponse && srcWidth && srcHeight && srcStride >= srcWidth);
     return call(src, srcWidth, srcHeight, srcStride, x, y, radius, maxX, maxY, maxResponse);
 }
@@ -94,9 +84,8 @@ void odxGoodFeatureToTracku8(const uint8_t* src, unsigned int srcWidth, unsigned
                              uint32_t* nCorners, float qualityLevel, unsigned int minDistance)
 {
     srcStride = packedIfZero(srcStride, srcWidth);
-    const Call<odxGoodFeatureToTracku8C> call(
-        __func__, [&] { return remoteFits(src, srcWidth, srcHeight, srcStride); },
-        [&] { return gpuFits(src, srcStride, xy); });
+    const Call<odxGoodFeatureToTracku8C> call(__func__,
+                                              [&] { return detector(src, srcWidth, srcHeight, srcStride, xy); });
     ODX_CHECK(src && xy && nCorners && srcWidth && srcHeight && srcStride >= srcWidth && srcWidth > 4 && srcHeight > 4 && qualityLevel >= 0 && qualityLevel <= 1);
     call(src, srcWidth, srcHeight, srcStride, border, xy, nCornersMax, nCorners, qualityLevel, minDistance);
 }
@@ -106,8 +95,8 @@ void odxCornerRefineSubPixu8(const uint8_t* src, unsigned int srcWidth, unsigned
                              unsigned int maxIterations, float epsilon)
 {
     srcStride = packedIfZero(srcStride, srcWidth);
-    const Call<odxCornerRefineSubPixu8C> call(
-        __func__, [&] { return remoteFits(src, srcWidth, srcHeight, srcStride); }, anything);
+    const Call<odxCornerRefineSubPixu8C> call(__func__,
+                                              [&] { return search(src, srcWidth, srcHeight, srcStride); });
     ODX_CHECK(src && xy && srcWidth && srcHeight && srcStride >= srcWidth && halfWindow >= 1 && halfWindow <= 15 && maxIterations >= 1 && epsilon >= 0);
     call(src, srcWidth, srcHeight, srcStride, xy, nCorners, halfWindow, maxIterations, epsilon);
 }
@@ -120,7 +109,7 @@ uint32_t odxFindMultipleMaximau8(const uint8_t* src, unsigned int srcWidth, unsi
     srcStride = packedIfZero(srcStride, srcWidth);
     constexpr uint32_t kNoSearch = 1;
     const Call<odxFindMultipleMaximau8C, kNoSearch> call(
-        __func__, [&] { return remoteFits(src, srcWidth, srcHeight, srcStride); }, anything);
+        __func__, [&] { return search(src, srcWidth, srcHeight, srcStride); });
     ODX_CHECK(src && pos && dir && maxima && numMaxima && srcWidth && srcHeight && srcStride >= srcWidth);
     return call(src, srcWidth, srcHeight, srcStride, pos, dir, maxDistance, maxNumMaxima, minGradient,
                 maxAngleDiff, maxima, numMaxima);

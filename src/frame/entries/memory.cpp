@@ -6,8 +6,7 @@ using namespace odx;
 
 int odxRegisterBuf(void* buffer, unsigned int nBytes, int descriptor)
 {
-    const auto anything = [] { return true; };
-    const Call<odxRegisterBufC> call(__func__, anything, anything);
+    const Call<odxRegisterBufC> call(__func__);
     ODX_CHECK(buffer && nBytes);
     return call(buffer, nBytes, descriptor);
 }
