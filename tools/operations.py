@@ -10,34 +10,27 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 PAGE = ROOT / "docs/operations.md"
-COLUMNS = {"none": "", "C": "reference", "CV": "reference, SIMD"}
+LISTS = ROOT / "src/frame/operations"
+COLUMNS = {"C": "reference", "V": "SIMD", "X": "remote"}
 
 
-def lines(path, macros):
-    """The arguments of each line of a list that starts with one of the macros."""
-    text = (ROOT / path).read_text()
-    for macro, arguments in re.findall(rf"^({macros})\(([^\n]*)\)$", text, re.MULTILINE):
-        yield macro, [argument.strip() for argument in arguments.split(",")]
+def lines():
+    """The kind, name and other fields of each line of the lists, and its family."""
+    for path in sorted(LISTS.glob("*.def")):
+        for kind, arguments in re.findall(r"^ODX_(OPERATION|VERSION)\(([^\n]*)\)$", path.read_text(), re.MULTILINE):
+            fields = [argument.strip() for argument in arguments.split(",")]
+            yield kind, fields[1:] if kind == "OPERATION" else fields, path.stem
 
 
 def operations():
-    """Pairs of an operation and its columns, by the header that declares it."""
-    remote = {arguments[0] for _, arguments in lines("src/dsp/remote.def", "ODX_REMOTE(?:_SCALAR|_STATUS)?")}
-    headers = {}
-    for header in sorted((ROOT / "include/ondrix").glob("*.h")):
-        for name in re.findall(r"^ODX_API[^(;]*\b(odx\w+)\(", header.read_text(), re.MULTILINE):
-            headers[name] = header
-
+    """Name and columns of each operation that exists, by the header that declares it."""
+    columns = {fields[0]: fields[2] for kind, fields, _ in lines() if kind == "OPERATION"}
     pages = {}
-    for macro, arguments in lines("src/frame/operations.def", "ODX_OPERATION|ODX_VERSION"):
-        name, columns = arguments[1 if macro == "ODX_OPERATION" else 0], arguments[-1]
-        base = arguments[1]  # whose implementations it has; its own name for most
-        if columns == "none":
-            continue
-        if name not in headers:
-            sys.exit(f"operations.py: no header declares {name}")
-        where = COLUMNS[columns] + (", remote" if base in remote else "")
-        pages.setdefault(headers[name], []).append((name, where))
+    for kind, fields, family in lines():
+        name, base, written = fields[0], fields[0 if kind == "OPERATION" else 1], fields[2]
+        if written != "none":
+            where = ", ".join(COLUMNS[column] for column in columns[base])
+            pages.setdefault(ROOT / f"include/ondrix/{family}.h", []).append((name, where))
     return pages
 
 

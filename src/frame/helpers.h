@@ -28,7 +28,7 @@ private:
 
 extern "C" {
 #define ODX_HELPER(name, columns) extern odx::HelperPointer<decltype(name##C)> name##_;
-#include "frame/helpers.def"
+#include "frame/operations/families.def"
 }
 
 #endif

@@ -4,6 +4,7 @@
 #include "dsp/dsp.h"
 #include "frame/hardware.h"
 #include "frame/log.h"
+#include "frame/operations.h"
 #include "frame/shared.h"
 #include "frame/tables.h"
 
@@ -20,6 +21,7 @@ namespace
 {
 
 constexpr int kUnusableProcessor = 999;
+constexpr uint32_t kRegistration = odx::op_odxRegisterBuf - kPublicSlots;
 
 ODX_FUNC_MANAGER manager;
 
@@ -54,15 +56,15 @@ void fillTables(unsigned hw)
     odxImplTablesInitialized = 1;
 }
 
-// Back to the reference code, except the index of the buffer registration and the two slots without an operation,
+// Back to the reference code, except the index of the buffer registration and the slots without an operation,
 // which keep what the previous mode gave them.
 void resetIndices()
 {
     for (uint32_t entry = 0; entry < kInternalEntries; ++entry) {
-        if (entry != 11) odx::publish(odxInternalImplTable[entry], ODX_IMPL_CPU);
+        if (entry != kRegistration) odx::publish(odxInternalImplTable[entry], ODX_IMPL_CPU);
     }
     for (uint32_t slot = 0; slot < kPublicSlots; ++slot) {
-        if (slot != 362 && slot != 363) odx::publish(odxImplTable[slot], ODX_IMPL_CPU);
+        if (!isEmptySlot(slot)) odx::publish(odxImplTable[slot], ODX_IMPL_CPU);
     }
 }
 

@@ -6,9 +6,9 @@
 #include "frame/shared.h"
 
 extern "C" {
-#define ODX_REMOTE_POINTER(name, variant) __attribute__((visibility("default"))) void* name##R_ = nullptr;
-#define ODX_REMOTE_POINTER_UNLISTED(name, variant) ODX_REMOTE_POINTER(name, variant)
-#include "frame/remotePointers.def"
+#define ODX_REMOTE_POINTER(name, variant, pointer) \
+    ODX_POINTER_##pointer(__attribute__((visibility("default"))) void* name##R_ = nullptr;)
+#include "frame/operations/families.def"
 }
 
 namespace
@@ -17,43 +17,30 @@ namespace
 struct RemotePointer {
     void** pointer;
     odx::OperationNumber variant;
+    odx::RemoteList lists;
 };
 
-// The pointers of the full list, and of each mode's list.
-enum ListPosition : uint32_t {
-#define ODX_REMOTE_POINTER(name, variant) position_##name,
-#include "frame/remotePointers.def"
-    kListedPointers
+constexpr RemotePointer kRemotePointers[] = {
+#define ODX_REMOTE_POINTER(name, variant, pointer) \
+    ODX_POINTER_##pointer({&name##R_, odx::op_##variant, odx::remoteList_##pointer}, )
+#include "frame/operations/families.def"
 };
 
-constexpr RemotePointer kFullList[] = {
-#define ODX_REMOTE_POINTER(name, variant) {&name##R_, odx::op_##variant},
-#include "frame/remotePointers.def"
-};
-constexpr ListPosition kLowPower[] = {
-#define ODX_LOW_POWER(name) position_##name,
-#include "frame/remoteLists.def"
-};
-constexpr ListPosition kPerformance[] = {
-#define ODX_PERFORMANCE(name) position_##name,
-#include "frame/remoteLists.def"
-};
-constexpr ListPosition kCpuOffload[] = {
-#define ODX_CPU_OFFLOAD(name) position_##name,
-#include "frame/remoteLists.def"
-};
-
-void point(const RemotePointer& remote)
+bool isIn(const RemotePointer& remote, odx::RemoteList list)
 {
-    odx::publish(*remote.pointer, odx::dspVariant(remote.variant));
+    return (remote.lists & list) == list;
 }
 
-template <size_t n>
-void pointList(const ListPosition (&list)[n])
+void pointList(odx::RemoteList list)
 {
-    if ((odxAvailableHardware(0) & ONDRIX_HW_XDSP) == 0) return;
-    for (ListPosition position : list)
-        point(kFullList[position]);
+    for (const RemotePointer& remote : kRemotePointers) {
+        if (isIn(remote, list)) odx::publish(*remote.pointer, odx::dspVariant(remote.variant));
+    }
+}
+
+void pointModeList(odx::RemoteList list)
+{
+    if ((odxAvailableHardware(0) & ONDRIX_HW_XDSP) != 0) pointList(list);
 }
 
 void useRemote(ODX_FUNC_MANAGER* manager, uint32_t number)
@@ -69,15 +56,15 @@ void useRemote(ODX_FUNC_MANAGER* manager, uint32_t number)
 }
 
 // A mode moves the operations that its pointer list makes reachable.
-template <size_t n>
-unsigned indexList(ODX_FUNC_MANAGER* manager, const ListPosition (&list)[n])
+unsigned indexList(ODX_FUNC_MANAGER* manager, odx::RemoteList list)
 {
     if (manager == nullptr || manager->implTable == nullptr || manager->internalImplTable == nullptr ||
         manager->implementations < 3 || (odxAvailableHardware(0) & ONDRIX_HW_XDSP) == 0) {
         return 1;
     }
-    for (ListPosition position : list)
-        useRemote(manager, kFullList[position].variant);
+    for (const RemotePointer& remote : kRemotePointers) {
+        if (isIn(remote, list)) useRemote(manager, remote.variant);
+    }
     return 0;
 }
 
@@ -87,29 +74,26 @@ extern "C" {
 
 void uRNull()
 {
-    for (const RemotePointer& remote : kFullList)
+    for (const RemotePointer& remote : kRemotePointers)
         *remote.pointer = nullptr;
-#define ODX_REMOTE_POINTER_UNLISTED(name, variant) name##R_ = nullptr;
-#include "frame/remotePointers.def"
 }
 
 void uX()
 {
-    for (const RemotePointer& remote : kFullList)
-        point(remote);
+    pointList(odx::remoteList_all);
 }
 
 void uHWLowPowerMode()
 {
-    pointList(kLowPower);
+    pointModeList(odx::remoteList_L);
 }
 void uHWPerformanceMode()
 {
-    pointList(kPerformance);
+    pointModeList(odx::remoteList_P);
 }
 void uXCpuOffloadMode()
 {
-    pointList(kCpuOffload);
+    pointModeList(odx::remoteList_O);
 }
 
 // Hooks of components that no device has.
@@ -130,17 +114,17 @@ unsigned uXIndex(ODX_FUNC_MANAGER* manager)
 
 unsigned uHWLowPowerModeTable(ODX_FUNC_MANAGER* manager)
 {
-    const unsigned refused = indexList(manager, kLowPower);
+    const unsigned refused = indexList(manager, odx::remoteList_L);
     if (refused == 0) useRemote(manager, odx::op_odxRegisterBuf);
     return refused;
 }
 
 unsigned uHWPerformanceModeTable(ODX_FUNC_MANAGER* manager)
 {
-    return indexList(manager, kPerformance);
+    return indexList(manager, odx::remoteList_P);
 }
 unsigned uXCpuOffloadModeTable(ODX_FUNC_MANAGER* manager)
 {
-    return indexList(manager, kCpuOffload);
+    return indexList(manager, odx::remoteList_O);
 }
 }

@@ -2,10 +2,10 @@
 #ifndef ODX_FRAME_REMOTE_POINTERS_H
 #define ODX_FRAME_REMOTE_POINTERS_H
 
+#include "frame/operations/words.h"
 #include "ondrix/types.h"
 
-#define ODX_REMOTE_POINTER(name, variant) ODX_API void* name##R_;
-#define ODX_REMOTE_POINTER_UNLISTED(name, variant) ODX_API void* name##R_;
-#include "frame/remotePointers.def"
+#define ODX_REMOTE_POINTER(name, variant, pointer) ODX_POINTER_##pointer(ODX_API void* name##R_;)
+#include "frame/operations/families.def"
 
 #endif

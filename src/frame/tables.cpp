@@ -17,7 +17,7 @@ uint32_t HW_constraint_checks_enable = 1;
 ODX_FUNC_MANAGER* odxMasterFuncManager = nullptr;
 
 #define ODX_HELPER(name, columns) odx::HelperPointer<decltype(name##C)> name##_;
-#include "frame/helpers.def"
+#include "frame/operations/families.def"
 }
 
 namespace
@@ -25,22 +25,17 @@ namespace
 
 struct Listed {
     uint32_t number;
-    uint32_t simdIndex; // the index that the SIMD modes select
-    void* reference;    // null until it is written
+    uint32_t simdIndex;        // the index that the SIMD modes select
+    void* reference = nullptr; // null until it is written
 };
 
 constexpr uint32_t simdIndex_C = ODX_IMPL_CPU;
 constexpr uint32_t simdIndex_V = ODX_IMPL_ORLAN;
 
-#define REFERENCE_none(name) nullptr
-#define REFERENCE_C(name) reinterpret_cast<void*>(&name##C)
-#define REFERENCE_CV(name) REFERENCE_C(name)
-
 const Listed kListed[] = {
-#define ODX_OPERATION(slot, name, family, index, columns) \
-    {odx::op_##name, simdIndex_##index, REFERENCE_##columns(name)},
-#define ODX_INTERNAL(entry, name, family, index, columns) ODX_OPERATION(entry, name, family, index, columns)
-#include "frame/operations.def"
+#define ODX_ROUTINE(number, name, index, columns, ...) \
+    {odx::op_##name, simdIndex_##index, ODX_IF_##columns##_C(reinterpret_cast<void*>(&name##C))},
+#include "frame/operations/families.def"
 };
 
 void*& entryOf(ODX_FUNC_TABLE* funcTable, ODX_INTERNAL_FUNC_TABLE* internalTable, uint32_t number, unsigned column)
@@ -49,20 +44,20 @@ void*& entryOf(ODX_FUNC_TABLE* funcTable, ODX_INTERNAL_FUNC_TABLE* internalTable
                                  : internalTable->entry[(number - kPublicSlots) * kImplementations + column];
 }
 
-constexpr bool numbersAscend()
+// Whether the lists give each number once, but for the empty slots.
+constexpr bool numbersAreComplete()
 {
-    constexpr uint32_t numbers[] = {
-#define ODX_OPERATION(slot, name, family, index, columns) odx::op_##name,
-#define ODX_INTERNAL(entry, name, family, index, columns) odx::op_##name,
-#include "frame/operations.def"
-    };
-    constexpr size_t count = sizeof numbers / sizeof numbers[0];
-    for (size_t i = 1; i < count; ++i) {
-        if (numbers[i] <= numbers[i - 1]) return false;
+    uint32_t times[odx::kOperationNumbers] = {};
+    for (uint32_t slot : kEmptySlots)
+        ++times[slot];
+#define ODX_ROUTINE(number, ...) ++times[number];
+#include "frame/operations/families.def"
+    for (uint32_t n : times) {
+        if (n != 1) return false;
     }
-    return numbers[count - 1] == odx::kOperationNumbers - 1;
+    return true;
 }
-static_assert(numbersAscend(), "two operations share a slot, or the list is out of order");
+static_assert(numbersAreComplete(), "two operations share a slot, or one has no operation");
 
 } // namespace
 
@@ -141,7 +136,7 @@ unsigned uGIndex(ODX_FUNC_MANAGER* manager)
 void uCHelper()
 {
 #define ODX_HELPER(name, columns) name##_ = &name##C;
-#include "frame/helpers.def"
+#include "frame/operations/families.def"
 }
 
 void uVHelper()

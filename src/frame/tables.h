@@ -16,6 +16,14 @@ enum ODX_IMPL : uint32_t {
 };
 
 constexpr uint32_t kPublicSlots = 506, kInternalEntries = 16, kImplementations = 7;
+constexpr uint32_t kEmptySlots[] = {362, 363}; // no operation has them
+constexpr bool isEmptySlot(uint32_t slot)
+{
+    for (uint32_t empty : kEmptySlots) {
+        if (slot == empty) return true;
+    }
+    return false;
+}
 
 // Entry of slot s for implementation i: element s * 7 + i. Zero before the first mode selection.
 struct ODX_FUNC_TABLE {

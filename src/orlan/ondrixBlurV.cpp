@@ -8,25 +8,13 @@
 #include "frame/scratch.h"
 #include "orlan/simd/simd.h"
 
+#define ODX_ONE_FAMILY "frame/operations/smoothing.def"
+#include "orlan/family.h"
+
 namespace odx::ODX_TARGET
 {
 using namespace simd;
 using blur::Plane;
-
-#define ODX_BLUR(name) decltype(name##C) name##V
-ODX_BLUR(odxFilterGaussian3x3u8);
-ODX_BLUR(odxFilterGaussian3x3u8_v3);
-ODX_BLUR(odxFilterGaussian5x5u8);
-ODX_BLUR(odxFilterGaussian11x11u8);
-ODX_BLUR(odxFilterGaussian5x5s16);
-ODX_BLUR(odxFilterGaussian5x5s32);
-ODX_BLUR(odxBoxFilter3x3u8);
-ODX_BLUR(odxBoxFilter3x3u8_v2);
-ODX_BLUR(odxBoxFilter5x5u8);
-ODX_BLUR(odxBoxFilter11x11u8);
-ODX_BLUR(odxBoxFilterNxNf32);
-ODX_BLUR(odxFilterMedian3x3u8);
-ODX_BLUR(odxFilterMedian3x3u8_v3);
 
 // ---- strips ----
 

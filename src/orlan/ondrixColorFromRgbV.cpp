@@ -5,28 +5,13 @@
 #include "cpu/ondrixColorFromRgbC.h"
 #include "orlan/simd/simd.h"
 
+#define ODX_ONE_FAMILY "frame/operations/colorFromRgb.def"
+#include "orlan/family.h"
+
 namespace odx::ODX_TARGET
 {
 using namespace simd;
 using namespace color;
-
-#define ODX_COLOR(name) decltype(name##C) name##V
-ODX_COLOR(odxColorRGB888ToGrayu8);
-ODX_COLOR(odxColorRGB888toYCrCbu8);
-ODX_COLOR(odxColorRGB888ToHSV888u8);
-ODX_COLOR(odxColorRGB888ToRGB565Rotate180u8);
-ODX_COLOR(odxColorCbCrSwapu8);
-#define ODX_ROWS(source, pixels) \
-    ODX_COLOR(source##2yuvp);    \
-    ODX_COLOR(source##2yyuvp);   \
-    ODX_COLOR(source##2yuv);     \
-    ODX_COLOR(source##2yyuv);    \
-    ODX_COLOR(source##2y);
-ODX_RGB_SOURCES(ODX_ROWS)
-#undef ODX_ROWS
-#define ODX_ROWS(from, to) ODX_COLOR(repack##from##To##to);
-ODX_RGB_TO_RGB(ODX_ROWS)
-#undef ODX_ROWS
 
 // ---- layouts ----
 

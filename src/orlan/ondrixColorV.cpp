@@ -4,6 +4,9 @@
 #include "cpu/ondrixColorC.h"
 #include "orlan/simd/simd.h"
 
+#define ODX_ONE_FAMILY "frame/operations/colorToRgb.def"
+#include "orlan/family.h"
+
 namespace odx::ODX_TARGET
 {
 using namespace simd;
@@ -251,42 +254,29 @@ ODX_INLINE bool convert420(const Frame& f)
     return convert<kFullRange, Pixel, Layout<2, 2, chroma>>(f, size_t{f.height} + f.height % 2);
 }
 
-#define ODX_COLOR_SIMD(subsampling, pixels, rows, output)                                                         \
-    decltype(odxColorYCbCr##subsampling##PlanarTo##pixels##u8) odxColorYCbCr##subsampling##PlanarTo##pixels##u8V; \
-    void odxColorYCbCr##subsampling##PlanarTo##pixels##u8V(                                                       \
-        const uint8_t* srcY, const uint8_t* srcCb, const uint8_t* srcCr, uint32_t srcWidth, uint32_t srcHeight,   \
-        uint32_t srcYStride, uint32_t srcCbStride, uint32_t srcCrStride, uint8_t* dst, uint32_t dstStride)        \
-    {                                                                                                             \
-        if (convert##subsampling<pixels, Chroma::Planes>(planarFrame(                                             \
-                srcY, srcCb, srcCr, srcWidth, srcHeight, srcYStride, srcCbStride, srcCrStride, dst, dstStride)))  \
-            return;                                                                                               \
-        odxColorYCbCr##subsampling##PlanarTo##pixels##u8C(srcY, srcCb, srcCr, srcWidth, srcHeight, srcYStride,    \
-                                                          srcCbStride, srcCrStride, dst, dstStride);              \
-    }                                                                                                             \
-    decltype(odxColorYCbCr##subsampling##PseudoPlanarTo##pixels##u8)                                              \
-        odxColorYCbCr##subsampling##PseudoPlanarTo##pixels##u8V;                                                  \
-    void odxColorYCbCr##subsampling##PseudoPlanarTo##pixels##u8V(                                                 \
-        const uint8_t* srcY, const uint8_t* srcC, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcYStride,     \
-        uint32_t srcCStride, uint8_t* dst, uint32_t dstStride)                                                    \
-    {                                                                                                             \
-        if (convert##subsampling<pixels, Chroma::CbCrPairs>(                                                      \
-                pseudoPlanarFrame(srcY, srcC, srcWidth, srcHeight, srcYStride, srcCStride, dst, dstStride)))      \
-            return;                                                                                               \
-        odxColorYCbCr##subsampling##PseudoPlanarTo##pixels##u8C(srcY, srcC, srcWidth, srcHeight, srcYStride,      \
-                                                                srcCStride, dst, dstStride);                      \
+#define ODX_COLOR_SIMD(subsampling, pixels, rows, output)                                                        \
+    void odxColorYCbCr##subsampling##PlanarTo##pixels##u8V(                                                      \
+        const uint8_t* srcY, const uint8_t* srcCb, const uint8_t* srcCr, uint32_t srcWidth, uint32_t srcHeight,  \
+        uint32_t srcYStride, uint32_t srcCbStride, uint32_t srcCrStride, uint8_t* dst, uint32_t dstStride)       \
+    {                                                                                                            \
+        if (convert##subsampling<pixels, Chroma::Planes>(planarFrame(                                            \
+                srcY, srcCb, srcCr, srcWidth, srcHeight, srcYStride, srcCbStride, srcCrStride, dst, dstStride))) \
+            return;                                                                                              \
+        odxColorYCbCr##subsampling##PlanarTo##pixels##u8C(srcY, srcCb, srcCr, srcWidth, srcHeight, srcYStride,   \
+                                                          srcCbStride, srcCrStride, dst, dstStride);             \
+    }                                                                                                            \
+    void odxColorYCbCr##subsampling##PseudoPlanarTo##pixels##u8V(                                                \
+        const uint8_t* srcY, const uint8_t* srcC, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcYStride,    \
+        uint32_t srcCStride, uint8_t* dst, uint32_t dstStride)                                                   \
+    {                                                                                                            \
+        if (convert##subsampling<pixels, Chroma::CbCrPairs>(                                                     \
+                pseudoPlanarFrame(srcY, srcC, srcWidth, srcHeight, srcYStride, srcCStride, dst, dstStride)))     \
+            return;                                                                                              \
+        odxColorYCbCr##subsampling##PseudoPlanarTo##pixels##u8C(srcY, srcC, srcWidth, srcHeight, srcYStride,     \
+                                                                srcCStride, dst, dstStride);                     \
     }
 ODX_YCBCR_TO_RGB(ODX_COLOR_SIMD)
 #undef ODX_COLOR_SIMD
-
-#define ODX_COLOR(name) decltype(name##C) name##V
-ODX_COLOR(odxColorYUV420toRGB565u8);
-ODX_COLOR(odxColorYUV420toRGB565u8Rotate180);
-ODX_COLOR(odxColorYCrCb420PseudoPlanarToRGB8888u8);
-ODX_COLOR(odxColorYUV420toRGB8888u8);
-ODX_COLOR(odxColorYCrCbH1V1toRGB888u8);
-ODX_COLOR(odxColorYCrCbH2V2toRGB888u8);
-ODX_COLOR(odxColorYCrCbH2V1toRGB888u8);
-ODX_COLOR(odxColorYCrCbH1V2toRGB888u8);
 
 void odxColorYUV420toRGB565u8V(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst)
 {

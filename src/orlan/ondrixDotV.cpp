@@ -1,12 +1,12 @@
-#include "cpu/reference.h"
+#include "cpu/ondrixDotC.h"
 #include "orlan/simd/simd.h"
+
+#define ODX_ONE_FAMILY "frame/operations/descriptors.def"
+#include "orlan/family.h"
 
 namespace odx::ODX_TARGET
 {
 using namespace simd;
-
-decltype(odxBitCountu8C) odxBitCountu8V;
-decltype(odxBitCountu32C) odxBitCountu32V;
 
 static uint32_t countBits(const uint8_t* bytes, size_t count)
 {

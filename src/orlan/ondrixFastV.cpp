@@ -1,18 +1,14 @@
 #include "cpu/ondrixFast.h"
-#include "cpu/reference.h"
+#include "cpu/ondrixFastC.h"
 #include "orlan/simd/simd.h"
+
+#define ODX_ONE_FAMILY "frame/operations/fastCorners.def"
+#include "orlan/family.h"
 
 namespace odx::ODX_TARGET
 {
 using namespace simd;
 using namespace fast;
-
-decltype(odxCornerFast9u8C) odxCornerFast9u8V;
-decltype(odxCornerFast10u8C) odxCornerFast10u8V;
-decltype(odxCornerFast9InMasku8C) odxCornerFast9InMasku8V;
-decltype(odxCornerFast10InMasku8C) odxCornerFast10InMasku8V;
-decltype(fast9_corner_scoreC) fast9_corner_scoreV;
-decltype(fast10_corner_scoreC) fast10_corner_scoreV;
 
 namespace
 {

@@ -4,6 +4,9 @@
 #include "cpu/ondrixHarrisC.h"
 #include "orlan/simd/simd.h"
 
+#define ODX_ONE_FAMILY "frame/operations/harrisCorners.def"
+#include "orlan/family.h"
+
 namespace odx::ODX_TARGET
 {
 using namespace simd;
@@ -11,14 +14,6 @@ using harris::Memory;
 using harris::Planes;
 using harris::Recent;
 using harris::View;
-
-#define ODX_HARRIS(name) decltype(name##C) name##V
-ODX_HARRIS(odxCornerHarrisu8);
-ODX_HARRIS(odxCornerHarrisInMasku8);
-ODX_HARRIS(odxCornerHarrisAdaptiveu8);
-ODX_HARRIS(odxCornerHarrisScoreu8);
-ODX_HARRIS(odxLocalHarrisMaxu8);
-ODX_HARRIS(odxGoodFeatureToTracku8);
 
 namespace
 {

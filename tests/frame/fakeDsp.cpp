@@ -26,7 +26,7 @@ bool isRemote(uint32_t operation)
     case op_odxHOGDeInit:
         return false;
     default:
-        return operation != 362 && operation != 363;
+        return !isEmptySlot(operation);
     }
 }
 

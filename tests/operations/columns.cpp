@@ -1,6 +1,7 @@
 #include "operations/draw.h"
 
 #include "dsp/remoteEntries.h"
+#include "frame/operations/words.h"
 #include "frame/tables.h"
 #include "ondrix/modes.h"
 #include "orlan/targets.h"
@@ -67,12 +68,12 @@ Column remoteColumn()
 bool isRemote(const char* operation)
 {
     std::string slot = operation;
-#define ODX_VERSION(name, base, columns) \
+#define ODX_VERSION(name, base, columns, pointer) \
     if (slot == #name) slot = #base;
-#include "frame/operations.def"
-#define ODX_REMOTE(name, ...) \
-    if (slot == #name) return true;
-#include "dsp/remote.def"
+#include "frame/operations/families.def"
+#define ODX_ROUTINE(number, name, index, columns, pointer, ...) \
+    ODX_IF_##columns##_X(if (slot == #name) return true;)
+#include "frame/operations/families.def"
     return false;
 }
 
@@ -100,10 +101,9 @@ std::vector<std::string> builtOperations()
         const char* columns;
     };
     const Listed list[] = {
-#define ODX_OPERATION(slot, name, family, index, columns) {#name, #columns},
-#define ODX_VERSION(name, base, columns) {#name, #columns},
-#define ODX_INTERNAL(entry, name, family, index, columns) {#name, #columns},
-#include "frame/operations.def"
+#define ODX_ROUTINE(number, name, index, columns, ...) {#name, #columns},
+#define ODX_VERSION(name, base, columns, pointer) {#name, #columns},
+#include "frame/operations/families.def"
     };
     std::vector<std::string> built;
     for (const Listed& listed : list) {
