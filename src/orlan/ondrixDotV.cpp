@@ -19,8 +19,7 @@ static uint32_t countBits(const uint8_t* bytes, size_t count)
         u8v sums = {};
         for (size_t end = i + vectors * kBytes; i < end; i += kBytes)
             sums += popCount(load<u8v>(bytes + i));
-        for (uint32_t lane = 0; lane < kBytes; ++lane)
-            total += sums[lane];
+        total += sumOfBytes(sums);
     }
     for (; i < count; ++i)
         total += (uint32_t)__builtin_popcount(bytes[i]);

@@ -206,6 +206,16 @@ ODX_INLINE u8v popCount(u8v v)
     return (u8v)vcntq_u8((uint8x16_t)v);
 }
 
+ODX_INLINE uint32_t sumOfBytes(u8v v)
+{
+#if defined(__aarch64__)
+    return vaddlvq_u8((uint8x16_t)v);
+#else
+    const uint64x2_t sums = vpaddlq_u32(vpaddlq_u16(vpaddlq_u8((uint8x16_t)v)));
+    return (uint32_t)(vgetq_lane_u64(sums, 0) + vgetq_lane_u64(sums, 1));
+#endif
+}
+
 ODX_INLINE u16v addSat(u16v v, u16v w)
 {
     return (u16v)vqaddq_u16((uint16x8_t)v, (uint16x8_t)w);

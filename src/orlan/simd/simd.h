@@ -30,6 +30,7 @@
 //   reciprocal16(v)              65536 / v, rounded, of s32v from 1 to 255
 //   reverse(v)                   the last byte first
 //   popCount(v)                  set bits of each byte
+//   sumOfBytes(v)                of all of them
 //   addSat(v, w)                 v + w of u16v, at most 65535
 //   subSat(v, w)                 v - w of u8v and u16v, at least 0
 //   any(v)                       whether any byte is not 0

@@ -1,4 +1,4 @@
-// The backend of AVX2 (32 bytes) and AVX-512 with BW and VL (64 bytes): the same instructions at two widths.
+// The backend of AVX2 (32 bytes) and AVX-512 with VBMI and BITALG (64 bytes): the same instructions at two widths.
 #ifndef ODX_ORLAN_SIMD_X86_H
 #define ODX_ORLAN_SIMD_X86_H
 
@@ -195,188 +195,39 @@ ODX_INLINE u8v reverse(u8v v)
 }
 
 // ---- interleaved channels ----
-//
-// Shuffles work inside lanes of 16 bytes. So a lane gets its own run of 16 pixels: the i-th vector of n holds the
-// i-th 16 bytes of each run of 16 * n.
 
-template <int n>
-ODX_INLINE ODX_MI loadRuns(const uint8_t* p)
-{
-    const auto lane = [p](int i) { return _mm_loadu_si128((const __m128i*)(p + 16 * n * i)); };
-    const __m256i low = _mm256_inserti128_si256(_mm256_castsi128_si256(lane(0)), lane(1), 1);
+} // namespace odx::ODX_TARGET::simd
+
 #if ODX_VECTOR_BYTES == 64
-    return _mm512_inserti32x4(_mm512_inserti32x4(_mm512_castsi256_si512(low), lane(2), 2), lane(3), 3);
+#include "orlan/simd/x86Channels64.h"
 #else
-    return low;
+#include "orlan/simd/x86Channels32.h"
 #endif
-}
 
-template <int n>
-ODX_INLINE void storeRuns(uint8_t* p, ODX_MI v)
+namespace odx::ODX_TARGET::simd
 {
-    const auto lane = [p](int i) { return (__m128i*)(p + 16 * n * i); };
-#if ODX_VECTOR_BYTES == 64
-    const __m256i low = _mm512_castsi512_si256(v);
-    _mm_storeu_si128(lane(2), _mm512_extracti32x4_epi32(v, 2));
-    _mm_storeu_si128(lane(3), _mm512_extracti32x4_epi32(v, 3));
-#else
-    const __m256i low = v;
-#endif
-    _mm_storeu_si128(lane(0), _mm256_castsi256_si128(low));
-    _mm_storeu_si128(lane(1), _mm256_extracti128_si256(low, 1));
-}
-
-// The even bytes of (v, w), lane by lane, then the odd ones.
-ODX_INLINE ODX_MI evenBytes(ODX_MI v, ODX_MI w)
-{
-    const ODX_MI low = ODX_MM(set1_epi16)(0xFF);
-    return (ODX_MI)ODX_MM(packus_epi16)((ODX_MI)((u16v)v & (u16v)low), (ODX_MI)((u16v)w & (u16v)low));
-}
-ODX_INLINE ODX_MI oddBytes(ODX_MI v, ODX_MI w)
-{
-    return ODX_MM(packus_epi16)(ODX_MM(srli_epi16)(v, 8), ODX_MM(srli_epi16)(w, 8));
-}
-
-// Byte i of a lane from a, b or c, for i % 3 = 0, 1 or 2.
-ODX_INLINE ODX_MI everyThird(ODX_MI a, ODX_MI b, ODX_MI c)
-{
-#if ODX_VECTOR_BYTES == 64
-    return _mm512_mask_blend_epi8(0x4924492449244924, _mm512_mask_blend_epi8(0x2492249224922492, a, b), c);
-#else
-    const auto mask = [](int third) {
-        const auto at = [third](int i) { return (char)(i % 3 == third ? -1 : 0); };
-        return inEachLane(_mm_setr_epi8(at(0), at(1), at(2), at(3), at(4), at(5), at(6), at(7), at(8), at(9),
-                                        at(10), at(11), at(12), at(13), at(14), at(15)));
-    };
-    return _mm256_blendv_epi8(_mm256_blendv_epi8(a, b, mask(1)), c, mask(2));
-#endif
-}
-
-// Byte i of a lane from byte (step * i + first) % 16 of it.
-template <int step, int first>
-ODX_INLINE ODX_MI everyNth(ODX_MI v)
-{
-    const auto at = [](int i) { return (char)((step * i + first) % 16); };
-    return ODX_MM(shuffle_epi8)(
-        v, inEachLane(_mm_setr_epi8(at(0), at(1), at(2), at(3), at(4), at(5), at(6), at(7), at(8), at(9), at(10),
-                                    at(11), at(12), at(13), at(14), at(15))));
-}
-
-ODX_INLINE u8x2 load2(const uint8_t* p)
-{
-    const ODX_MI v = loadRuns<2>(p), w = loadRuns<2>(p + 16);
-    return {(u8v)evenBytes(v, w), (u8v)oddBytes(v, w)};
-}
-
-// Channel c of pixel i is byte (3 * i + c) % 16 of a lane; each channel has all its bytes in different places.
-ODX_INLINE u8x3 load3(const uint8_t* p)
-{
-    const ODX_MI u = loadRuns<3>(p), v = loadRuns<3>(p + 16), w = loadRuns<3>(p + 32);
-    return {(u8v)everyNth<3, 0>(everyThird(u, w, v)), (u8v)everyNth<3, 1>(everyThird(v, u, w)),
-            (u8v)everyNth<3, 2>(everyThird(w, v, u))};
-}
-
-ODX_INLINE u8x4 load4(const uint8_t* p)
-{
-    const ODX_MI channels = inEachLane(_mm_setr_epi8(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15));
-    const auto fours = [=](int i) { return ODX_MM(shuffle_epi8)(loadRuns<4>(p + 16 * i), channels); };
-    const ODX_MI t = fours(0), u = fours(1), v = fours(2), w = fours(3);
-    const ODX_MI ab0 = ODX_MM(unpacklo_epi32)(t, u), ab1 = ODX_MM(unpacklo_epi32)(v, w),
-                 cd0 = ODX_MM(unpackhi_epi32)(t, u), cd1 = ODX_MM(unpackhi_epi32)(v, w);
-    return {(u8v)ODX_MM(unpacklo_epi64)(ab0, ab1), (u8v)ODX_MM(unpackhi_epi64)(ab0, ab1),
-            (u8v)ODX_MM(unpacklo_epi64)(cd0, cd1), (u8v)ODX_MM(unpackhi_epi64)(cd0, cd1)};
-}
-
-ODX_INLINE void store2(uint8_t* p, u8v a, u8v b)
-{
-    storeRuns<2>(p, ODX_MM(unpacklo_epi8)((ODX_MI)a, (ODX_MI)b));
-    storeRuns<2>(p + 16, ODX_MM(unpackhi_epi8)((ODX_MI)a, (ODX_MI)b));
-}
-
-// 11 is the inverse of 3 modulo 16.
-ODX_INLINE void store3(uint8_t* p, u8v a, u8v b, u8v c)
-{
-    const ODX_MI u = everyNth<11, 0>((ODX_MI)a), v = everyNth<11, 5>((ODX_MI)b), w = everyNth<11, 10>((ODX_MI)c);
-    storeRuns<3>(p, everyThird(u, v, w));
-    storeRuns<3>(p + 16, everyThird(v, w, u));
-    storeRuns<3>(p + 32, everyThird(w, u, v));
-}
-
-ODX_INLINE void store4(uint8_t* p, u8v a, u8v b, u8v c, u8v d)
-{
-    const ODX_MI ab0 = ODX_MM(unpacklo_epi8)((ODX_MI)a, (ODX_MI)b),
-                 ab1 = ODX_MM(unpackhi_epi8)((ODX_MI)a, (ODX_MI)b),
-                 cd0 = ODX_MM(unpacklo_epi8)((ODX_MI)c, (ODX_MI)d),
-                 cd1 = ODX_MM(unpackhi_epi8)((ODX_MI)c, (ODX_MI)d);
-    storeRuns<4>(p, ODX_MM(unpacklo_epi16)(ab0, cd0));
-    storeRuns<4>(p + 16, ODX_MM(unpackhi_epi16)(ab0, cd0));
-    storeRuns<4>(p + 32, ODX_MM(unpacklo_epi16)(ab1, cd1));
-    storeRuns<4>(p + 48, ODX_MM(unpackhi_epi16)(ab1, cd1));
-}
-
-// Shuffles each 16 bytes: byte i of a pixel of `to` bytes comes from byte i of one of `from`, for i up to 2.
-template <int from, int to, bool mirrored, int first = 0>
-ODX_INLINE __m128i repacking()
-{
-    const auto at = [](int i) {
-        const int channel = i % to, place = mirrored ? 2 - channel : channel, pixel = i / to;
-        return (char)(channel > 2 || pixel > 3 ? -1 : from * pixel + place + first);
-    };
-    return _mm_setr_epi8(at(0), at(1), at(2), at(3), at(4), at(5), at(6), at(7), at(8), at(9), at(10), at(11),
-                         at(12), at(13), at(14), at(15));
-}
-
-// A quarter of the pixels at a time. The last 16 bytes of a load end with its last pixel.
-template <bool mirrored>
-ODX_INLINE void widen3(uint8_t* q, const uint8_t* p)
-{
-    const auto lane = [](const uint8_t* from) { return _mm_loadu_si128((const __m128i*)from); };
-    const __m128i table = repacking<3, 4, mirrored>(), last = repacking<3, 4, mirrored, 4>();
-    for (int i = 0; i < 4; ++i, p += kBytes / 4 * 3, q += kBytes) {
-#if ODX_VECTOR_BYTES == 64
-        const __m512i tables = _mm512_inserti32x4(_mm512_broadcast_i32x4(table), last, 3);
-        const __m512i v = _mm512_inserti32x4(
-            _mm512_inserti32x4(_mm512_inserti32x4(_mm512_castsi128_si512(lane(p)), lane(p + 12), 1), lane(p + 24),
-                               2),
-            lane(p + 32), 3);
-#else
-        const __m256i tables = _mm256_set_m128i(last, table), v = _mm256_set_m128i(lane(p + 8), lane(p));
-#endif
-        store(q, (u32v)ODX_MM(shuffle_epi8)(v, tables) | 0xFF000000);
-    }
-}
-
-// Stores overlap, but for the last one of the group.
-template <bool mirrored>
-ODX_INLINE void narrow4(uint8_t* q, const uint8_t* p)
-{
-    const ODX_MI table = inEachLane(repacking<4, 3, mirrored>());
-    const auto packed = [=](int i) {
-        const ODX_MI v = ODX_MM(shuffle_epi8)(load<ODX_MI>(p + kBytes * i), table);
-#if ODX_VECTOR_BYTES == 64
-        return _mm512_permutexvar_epi32(_mm512_setr_epi32(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 3, 3, 3, 3), v);
-#else
-        return _mm256_permutevar8x32_epi32(v, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 3, 3));
-#endif
-    };
-    const ODX_MI v[] = {packed(0), packed(1), packed(2), packed(3)};
-    for (int i = 0; i < 3; ++i)
-        store(q + kBytes / 4 * 3 * i, v[i]);
-    q += kBytes / 4 * 9;
-#if ODX_VECTOR_BYTES == 64
-    _mm256_storeu_si256((__m256i*)q, _mm512_castsi512_si256(v[3]));
-    _mm_storeu_si128((__m128i*)(q + 32), _mm512_extracti32x4_epi32(v[3], 2));
-#else
-    _mm_storeu_si128((__m128i*)q, _mm256_castsi256_si128(v[3]));
-    _mm_storel_epi64((__m128i*)(q + 16), _mm256_extracti128_si256(v[3], 1));
-#endif
-}
 
 ODX_INLINE u8v popCount(u8v v)
 {
-    const ODX_MI table = inEachLane(_mm_setr_epi8(0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4));
+#if ODX_VECTOR_BYTES == 64
+    return (u8v)_mm512_popcnt_epi8((__m512i)v);
+#else
+    const __m256i table = inEachLane(_mm_setr_epi8(0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4));
     const u8v low = v & 15, high = v >> 4;
-    return (u8v)ODX_MM(shuffle_epi8)(table, (ODX_MI)low) + (u8v)ODX_MM(shuffle_epi8)(table, (ODX_MI)high);
+    return (u8v)_mm256_shuffle_epi8(table, (__m256i)low) + (u8v)_mm256_shuffle_epi8(table, (__m256i)high);
+#endif
+}
+
+ODX_INLINE uint32_t sumOfBytes(u8v v)
+{
+    const ODX_MI sums = ODX_MM(sad_epu8)((ODX_MI)v, ODX_MI{});
+#if ODX_VECTOR_BYTES == 64
+    const __m256i half = _mm256_add_epi64(_mm512_castsi512_si256(sums), _mm512_extracti64x4_epi64(sums, 1));
+#else
+    const __m256i half = sums;
+#endif
+    const __m128i all = _mm_add_epi64(_mm256_castsi256_si128(half), _mm256_extracti128_si256(half, 1));
+    return (uint32_t)(_mm_cvtsi128_si32(all) + _mm_extract_epi32(all, 2));
 }
 
 ODX_INLINE u16v addSat(u16v v, u16v w)
