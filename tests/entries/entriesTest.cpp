@@ -63,13 +63,12 @@ const std::map<std::string, uint32_t*>& listed()
 {
     static const std::map<std::string, uint32_t*> list = [] {
         std::map<std::string, uint32_t*> operations;
-#define ODX_OPERATION(slot, name, family, index, columns)               \
-    if (strcmp(#columns, "none") != 0 && strcmp(#family, "frame") != 0) \
-        operations[#name] = &selectedIndex(op_##name);
-#define ODX_VERSION(name, base, columns) \
+#define ODX_ROUTINE(number, name, index, columns, ...) \
+    if (strcmp(#columns, "none") != 0) operations[#name] = &selectedIndex(op_##name);
+#define ODX_VERSION(name, base, columns, pointer) \
     if (strcmp(#columns, "none") != 0) operations[#name] = &selectedIndex(op_##base);
-#define ODX_INTERNAL(entry, name, family, index, columns) ODX_OPERATION(entry, name, family, index, columns)
-#include "frame/operations.def"
+#include "frame/operations/families.def"
+        operations.erase("odxRegisterBuf"); // a service
         return operations;
     }();
     return list;
