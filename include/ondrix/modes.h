@@ -18,6 +18,7 @@
 #define ONDRIX_MODES_H
 
 #include "ondrix/types.h"
+#include "ondrix/version.h"
 
 /// Standard modes take the SIMD code only on mobile targets of the supported vendor (hardware bit
 /// ONDRIX_HW_MOBILE); on any other processor they use the reference code. The extended modes name a target and

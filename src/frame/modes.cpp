@@ -226,7 +226,7 @@ int odxCleanUp(void)
 
 void odxGetVersion(char* version, unsigned int versionLength)
 {
-    static constexpr char kVersion[] = "1.7.1";
+    static constexpr char kVersion[] = ONDRIX_VERSION_TEXT;
     ODX_LOG(Debug, "%s\n", "Ondrix vendor library");
     if (version == nullptr) return;
     if (versionLength >= sizeof kVersion) {

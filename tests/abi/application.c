@@ -13,6 +13,9 @@ typedef char statusHas32Bits[sizeof(odxStatus) == 4 ? 1 : -1];
 typedef char modeHas32Bits[sizeof(odxOperationMode) == 4 ? 1 : -1];
 typedef char borderHas32Bits[sizeof(odxBorderType) == 4 ? 1 : -1];
 
+/* Versions compare at compile time. */
+typedef char versionsCompare[ONDRIX_VERSION > ONDRIX_VERSION_NUMBER(1, 6, 999) ? 1 : -1];
+
 static int failures = 0;
 
 static void expect(int condition, const char* what)
@@ -45,7 +48,7 @@ int main(void)
     expectLog(pipeEnds[0], "E/ondrix_lib_log: No operation mode selected @odxBitCountu8\n");
 
     odxGetVersion(version, sizeof version);
-    expect(strcmp(version, "1.7.1") == 0, "version");
+    expect(strcmp(version, ONDRIX_VERSION_TEXT) == 0, "version");
     expectLog(pipeEnds[0], "D/ondrix_lib_log: Ondrix vendor library\n"); /* brings its line feed along */
 
     expect(odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE) == 0, "selection");

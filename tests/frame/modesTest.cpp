@@ -424,6 +424,10 @@ TEST(Version, IsCopiedWholeOrNotAtAll)
     }
     odxGetVersion(nullptr, 6);
     EXPECT_EQ(1u, log.take().size());
+
+    const int numbers[] = {ONDRIX_VERSION_MAJOR, ONDRIX_VERSION_MINOR, ONDRIX_VERSION_PATCH};
+    EXPECT_EQ(std::string(ONDRIX_VERSION_TEXT),
+              std::to_string(numbers[0]) + "." + std::to_string(numbers[1]) + "." + std::to_string(numbers[2]));
 }
 
 TEST(RemoteModes, LowPower)
