@@ -1,4 +1,4 @@
-// The sections of the demo, each in a file of its own. A new one is declared and listed here.
+// The sections of the demo, from the list in sections.def. A new one is a file of its own and a line of that list.
 #ifndef ONDRIX_EXAMPLES_DEMO_SECTIONS_H
 #define ONDRIX_EXAMPLES_DEMO_SECTIONS_H
 
@@ -7,17 +7,15 @@
 namespace demo
 {
 
-void showGaussians(Stage& stage);
-void showBoxes(Stage& stage);
-void showMedians(Stage& stage);
-void showWidePixels(Stage& stage);
-void showBorders(Stage& stage);
-void showColours(Stage& stage);
-void showFastCorners(Stage& stage);
-void showHarrisCorners(Stage& stage);
+#define DEMO_SECTION(name) void name(Stage& stage);
+#include "demo/sections.def"
+#undef DEMO_SECTION
 
-constexpr void (*kSections[])(Stage&) = {showGaussians, showBoxes,   showMedians,     showWidePixels,
-                                         showBorders,   showColours, showFastCorners, showHarrisCorners};
+constexpr void (*kSections[])(Stage&) = {
+#define DEMO_SECTION(name) name,
+#include "demo/sections.def"
+#undef DEMO_SECTION
+};
 
 } // namespace demo
 
