@@ -4,6 +4,15 @@
 /// Select an operation mode once (odxSetOperationMode), then call the operations from any number of threads.
 /// Images are described by a pointer to the first pixel, a width and height in pixels, and a stride: the
 /// distance in bytes between the starts of two rows. Buffers always belong to the caller.
+///
+/// Everywhere
+/// - Pointers to bytes may have any alignment. Those to wider elements must be aligned as C demands (2 bytes for
+///   int16_t, 4 for int32_t, uint32_t and float), and so must the strides between their rows. That is not checked:
+///   a misaligned pointer may work on one processor and end the process on another.
+/// - A call whose arguments are refused writes nothing at all: destinations, lists and counts keep what they held.
+///   Set counts to 0 before a call that may be refused.
+/// - Floating-point operations are rounded one by one, in the order given, and none is fused.
+/// - The log goes to stderr, or to Android's log; a program that defines `__android_log_print` gets it instead.
 #ifndef ONDRIX_H
 #define ONDRIX_H
 
@@ -16,5 +25,6 @@
 #include "ondrix/modes.h"
 #include "ondrix/smoothing.h"
 #include "ondrix/types.h"
+#include "ondrix/version.h"
 
 #endif

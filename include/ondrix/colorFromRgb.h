@@ -10,14 +10,32 @@
 /// - Refused arguments are logged ("Assertion failed @...") and nothing is written: null pointers, sizes of 0, and
 ///   strides that are neither 0 nor at least a packed row.
 ///
-/// Mind the order of the bytes: it is part of each function's contract, and the conversions to luma and chroma
-/// read blue first where all others read red first.
+/// **Mind the order of the bytes**: it is part of each function's contract, and differs between the families.
+///
+///                     to luma and chroma (4:4:4, 4:2:2, 4:2:0)     all others here, and all of colorToRgb.h
+///     RGB888          bytes B, G, R                                bytes R, G, B
+///     RGBA8888        bytes B, G, R, A                             bytes R, G, B, A
+///     RGB565          R in bits 11 to 15, B in bits 0 to 4         R in bits 0 to 4, B in bits 11 to 15
+///
+/// Pixels of the order on the right are made ready for luma and chroma by odxColorRGB888ToBGR888u8,
+/// odxColorRGBA8888ToBGRA8888u8 and odxColorRGB565ToBGR565u8.
+///
+/// Formats that encoders want, full range (0..255), matrix of BT.601; X stands for RGB565, RGB888 or RGBA8888:
+///
+///     NV12 (4:2:0, Cb Cr)     odxColorXToYCbCr420PseudoPlanaru8
+///     NV21 (4:2:0, Cr Cb)     the same, then odxColorCbCrSwapu8 of the chroma in place
+///     I420 (4:2:0, Cb, Cr)    odxColorXToYCbCr420Planaru8; YV12: with the pointers in their places
+///     NV16, I422, NV24, I444  the same for 422 and 444
+///     I420 to NV12            odxColorYCbCr420PlanarToYCbCr420PseudoPlanaru8, and the like
+///
+/// There are none to video range (luma 16..235), and none to packed YUYV or UYVY.
 #ifndef ONDRIX_COLOR_FROM_RGB_H
 #define ONDRIX_COLOR_FROM_RGB_H
 
 #include "ondrix/types.h"
 
 /// \name RGB to luma and chroma
+/// Packed RGB, blue first, to an image of luma and chroma (NV12 and I420, for example).
 /// Full range:
 ///     Y  = (77 * R + 150 * G + 29 * B + 128) >> 8
 ///     Cb = min(128 + ((-43 * R - 85 * G + 128 * B + 128) >> 8), 255)
@@ -100,21 +118,25 @@ ODX_API void odxColorRGBA8888ToYCbCr420PseudoPlanaru8(const uint8_t* src, uint32
 /// The source has bytes R, G, B.
 /// @{
 
-/// Grey: (19595 * R + 38469 * G + 7471 * B + 32768) >> 16.
+/// RGB to grey.
+/// (19595 * R + 38469 * G + 7471 * B + 32768) >> 16
 ODX_API void odxColorRGB888ToGrayu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                     uint8_t* dst, uint32_t dstStride);
 
-/// Three bytes a pixel, Y, Cr, Cb:
+/// RGB to luma and chroma in one plane.
+/// Three bytes a pixel, Y, Cr, Cb, full range:
 ///     Y  = clamp((9798 * R + 19235 * G + 3736 * B + 16384) >> 15)
 ///     Cr = clamp(128 + ((16384 * R - 13720 * G - 2664 * B + 16384) >> 15))
 ///     Cb = min(128 + ((-5529 * R - 10855 * G + 16384 * B + 16384) >> 15), 255)
 /// Packed rows; works in place.
 ODX_API void odxColorRGB888toYCrCbu8(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst);
 
-/// As odxColorRGB888toYCrCbu8, with strides; works in place with equal strides.
+/// As odxColorRGB888toYCrCbu8, with strides.
+/// Works in place with equal strides.
 ODX_API void odxColorRGB888toYCrCbu8_v2(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
                                         uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
 
+/// RGB to hue, saturation and value.
 /// Three bytes a pixel, H, S, V, each over the full range of 0..255: H covers the circle in 256 steps, from red
 /// (0) over green (85) to blue (170). A grey pixel has H = S = 0. With reciprocals of 16 fractional bits, rounded,
 /// 1/0 = 0, V = max(R, G, B) and d = V - min(R, G, B):
@@ -127,14 +149,32 @@ ODX_API void odxColorRGB888toYCrCbu8_v2(const uint8_t* src, uint32_t srcWidth, u
 ODX_API void odxColorRGB888ToHSV888u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
                                       uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
 
-/// CIE L*a*b* of sRGB pixels (bytes R, G, B, A; A is ignored) relative to the white D65. Three bytes a pixel:
-/// L * 255 / 100, a + 128, b + 128, rounded. The arithmetic is of integers, with the same bytes everywhere; before
-/// the rounding it is within 0.03 of the exact value. Grey pixels have a = b = 128.
+/// sRGB to CIE L*a*b*.
+/// Of bytes R, G, B, A (A is ignored), relative to the white D65. Three bytes a pixel: L * 255 / 100, a + 128,
+/// b + 128, rounded. Before that rounding it is within 0.03 of the exact value. Grey pixels have a = b = 128.
+///
+/// The arithmetic is of integers, with tables of real numbers rounded to the nearest whole number:
+/// - Light of a channel value v, with c = v / 255: light(v) = c / 12.92 up to c = 0.04045, else
+///   ((c + 0.055) / 1.055)^2.4.
+/// - Its share in x, y and z: round(2^30 * light(v) * weight), with the weights
+///       x: R 0.4124564, G 0.3575761, B 0.1804375, each over their sum
+///       y: R 0.2126729, G 0.7151522, B 0.0721750
+///       z: R 0.0193339, G 0.1191920, B 0.9503041, each over their sum
+///   x, y and z of a pixel are the sums of the shares of its three channels.
+/// - The curve F[i] = round(2^15 * f(i / 2048)) for i = 0 .. 2049, where f(t) is the cube root of t above
+///   216 / 24389, else t * 841 / 108 + 4 / 29. Between its points it is linear: with i = t >> 19 and
+///   part = (t >> 9) & 1023,
+///       curve(t) = F[i] + (((F[i + 1] - F[i]) * part + 512) >> 10)
+/// - With fx = curve(x), fy = curve(y), fz = curve(z):
+///       L = (fy * 37862 - 5222 * 32768 + 2097152) >> 22
+///       a = 128 + ((500 * (fx - fy) + 16384) >> 15)
+///       b = 128 + ((200 * (fy - fz) + 16384) >> 15)
 ODX_API void odxColorRGBA8888ToLABu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,
                                      uint8_t* dst, uint32_t dstStride);
 /// @}
 
 /// \name Packed RGB to packed RGB
+/// One layout of packed RGB to another.
 /// Layouts, in order of memory
 /// - RGB888: bytes R, G, B. RGBA8888: bytes R, G, B, A.
 /// - RGB565: a little-endian 16-bit word with R in bits 0 to 4, G in bits 5 to 10, B in bits 11 to 15.
@@ -175,13 +215,14 @@ ODX_API void odxColorRGBA8888ToBGR888u8(const uint8_t* src, uint32_t srcWidth, u
 ODX_API void odxColorRGBA8888ToBGRA8888u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
                                           uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
 
-/// As odxColorRGB888ToRGB565u8, turned by 180 degrees: source pixel (x, y) goes to
-/// (srcWidth - 1 - x, srcHeight - 1 - y).
+/// As odxColorRGB888ToRGB565u8, turned by 180 degrees.
+/// Source pixel (x, y) goes to (srcWidth - 1 - x, srcHeight - 1 - y).
 ODX_API void odxColorRGB888ToRGB565Rotate180u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
                                                uint32_t srcStride, uint8_t* dst, uint32_t dstStride);
 /// @}
 
 /// \name Between layouts of luma and chroma
+/// One layout of luma and chroma to another (I420 to NV12, for example).
 /// Luma is copied. Chroma is picked and replicated, never averaged or interpolated: fewer samples take those of
 /// even columns and rows, more samples repeat each one over the pixels that it covers.
 ///
@@ -367,7 +408,8 @@ ODX_API void odxColorYCbCr420PseudoPlanarToYCbCr422PseudoPlanaru8(const uint8_t*
                                                                   uint32_t dstYStride, uint32_t dstCStride);
 /// @}
 
-/// Exchanges the samples of each pair of an interleaved chroma plane (Cb, Cr to Cr, Cb, or back). srcWidth is the
+/// Exchanges the samples of each pair of an interleaved chroma plane (NV12 to NV21, or back).
+/// srcWidth is the
 /// number of pairs in a row, srcHeight that of chroma rows; packed rows are 2 * srcWidth bytes. Works in place
 /// with equal strides.
 ODX_API void odxColorCbCrSwapu8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride,

@@ -10,12 +10,39 @@
 /// RGB, in order of memory
 /// - RGB888: bytes R, G, B. RGBA8888 (and RGB8888): bytes R, G, B, 255.
 /// - RGB565: a little-endian 16-bit word with R >> 3 in bits 0 to 4, G >> 2 in bits 5 to 10, B >> 3 in bits 11
-///   to 15.
+///   to 15. Displays mostly want R in bits 11 to 15: odxColorRGB565ToBGR565u8 turns one into the other.
+/// - **The way back reads another order**: the conversions from RGB to luma and chroma (colorFromRgb.h) take blue
+///   first, and RGB565 with R in bits 11 to 15. Between both, put odxColorRGB888ToBGR888u8,
+///   odxColorRGBA8888ToBGRA8888u8 or odxColorRGB565ToBGR565u8, or red and blue are exchanged.
+///
+/// Formats of cameras and decoders. The matrix is that of BT.601 everywhere (none for BT.709). X stands for
+/// RGB888, RGBA8888 or RGB565; `c` is the chroma plane.
+///
+///     Format, chroma          Full range, 0..255 (JPEG)             Video range, luma 16..235
+///     NV12  4:2:0, Cb Cr      odxColorYCbCr420PseudoPlanarToXu8     RGB565: odxColorYUV420toRGB565u8
+///                                                                   else: swap, then as NV21
+///     NV21  4:2:0, Cr Cb      swap, then as NV12                    RGBA8888: odxColorYUV420toRGB8888u8, or with
+///                                                                   strides
+///                                                                   odxColorYCrCb420PseudoPlanarToRGB8888u8
+///                                                                   RGB565: swap, then as NV12
+///     I420  4:2:0, Cb, Cr     odxColorYCbCr420PlanarToXu8           interleave, then as NV12 or NV21
+///     YV12  4:2:0, Cr, Cb     as I420, pointers in their places     as I420
+///     NV16  4:2:2, Cb Cr      odxColorYCbCr422PseudoPlanarToXu8     none
+///     NV24  4:4:4, Cb Cr      odxColorYCbCr444PseudoPlanarToXu8     none
+///     I422, I444 (planes)     odxColorYCbCr422PlanarToXu8, ...444   none
+///     YUYV, UYVY (packed)     none                                  none
+///
+/// - Swap: odxColorCbCrSwapu8(c, width / 2, height / 2, cStride, c, cStride), of even sizes, makes NV21 of NV12
+///   and back, in place.
+/// - Interleave: odxColorYCbCr420PlanarToYCbCr420PseudoPlanaru8 makes NV12 of I420, and NV21 with the pointers
+///   (and strides) of Cb and Cr exchanged; write the chroma straight after the luma, where video range has it.
+/// - From RGBA8888 in video range to RGB888 or RGB565: odxColorRGBA8888ToRGB888u8, odxColorRGBA8888ToRGB565u8.
 ///
 /// Conventions of this page
 /// - Widths and heights are in pixels, strides in bytes. Buffers may have any alignment.
 /// - Source and destination must not overlap: a pixel grows, so that no conversion works in place.
-/// - Refused arguments are logged ("Assertion failed @...") and nothing is written.
+/// - Refused arguments are logged ("Assertion failed @...") and nothing is written: null pointers, sizes of 0, and
+///   strides that are too small where a function says so.
 ///
 /// Four arithmetics exist side by side; each function uses one of them, and its results are exact. `clamp` is to
 /// 0..255, `>>` rounds toward minus infinity, u = cb - 128 and v = cr - 128.
@@ -25,7 +52,8 @@
 #include "ondrix/types.h"
 
 /// \name Planar and pseudo-planar images
-/// Full range (0..255 for luma and chroma), rounded:
+/// A full-range image to packed RGB (NV12 and I420, for example).
+/// Luma and chroma are 0..255, results are rounded:
 ///     R = clamp((256 * y + 359 * v + 128) >> 8)
 ///     G = clamp((256 * y - 88 * u - 183 * v + 128) >> 8)
 ///     B = clamp((256 * y + 454 * u + 128) >> 8)
@@ -111,9 +139,14 @@ ODX_API void odxColorYCbCr420PseudoPlanarToRGBA8888u8(const uint8_t* srcY, const
 /// 4:2:0 with the plane of interleaved chroma straight after the luma, which it follows at `luma stride * height`.
 /// Each even row and the odd one after it share a chroma row; nothing beyond `height` is read or written. The last
 /// pixel of an odd row has a chroma pair of its own, so that the last byte read of a chroma row is that at
-/// `width`.
+/// `width`: where rows are packed, the next row begins with that byte.
+///
+/// So the source has
+///     luma stride * height + chroma stride * ((height + 1) / 2 - 1) + (width + 1) / 2 * 2
+/// bytes: with packed rows, an odd width needs one byte after the last chroma row.
 /// @{
 
+/// NV12 in video range to RGB565.
 /// Chroma pairs of Cb, Cr in rows of `width` bytes; luma counts from 16; not rounded:
 ///     c = 298 * (y - 16)
 ///     R = clamp((c + 409 * v) >> 8)
@@ -122,25 +155,29 @@ ODX_API void odxColorYCbCr420PseudoPlanarToRGBA8888u8(const uint8_t* srcY, const
 /// Packed rows.
 ODX_API void odxColorYUV420toRGB565u8(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst);
 
-/// As odxColorYUV420toRGB565u8, with the image turned by 180 degrees: pixel (x, y) goes to
-/// (width - 1 - x, height - 1 - y).
+/// As odxColorYUV420toRGB565u8, turned by 180 degrees.
+/// Pixel (x, y) goes to (width - 1 - x, height - 1 - y).
 ODX_API void odxColorYUV420toRGB565u8Rotate180(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst);
 
+/// NV21 in video range to RGBA8888.
 /// Chroma pairs of Cr, Cb; luma below 16 counts as 16; truncated:
 ///     c = 1192 * (max(y, 16) - 16)
 ///     R = clamp((c + 1634 * v) >> 10)
 ///     G = clamp((c - 833 * v - 400 * u) >> 10)
 ///     B = clamp((c + 2066 * u) >> 10)
-/// Strides are given, not defaulted; that of the destination counts in whole pixels, a remainder is dropped.
+/// Strides are given: 0 is refused, smaller ones than a row are not. That of the destination counts in whole
+/// pixels, a remainder is dropped.
 ODX_API void odxColorYCrCb420PseudoPlanarToRGB8888u8(const uint8_t* src, uint32_t srcWidth, uint32_t srcHeight,
                                                      uint32_t srcYStride, uint32_t srcCStride, uint8_t* dst,
                                                      uint32_t dstStride);
 
-/// As odxColorYCrCb420PseudoPlanarToRGB8888u8, with packed rows: chroma rows of `width` bytes.
+/// As odxColorYCrCb420PseudoPlanarToRGB8888u8, with packed rows.
+/// Chroma rows have `width` bytes.
 ODX_API void odxColorYUV420toRGB8888u8(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst);
 /// @}
 
 /// \name Coded blocks of JPEG images
+/// Decoded blocks of a JPEG image to RGB888.
 /// The source is a sequence of units, row by row. A unit has 8x8 blocks of 64 bytes, each row by row: H x V blocks
 /// of luma (HhVv in the name), row by row, then one of Cb and one of Cr, whose samples cover h x v pixels each.
 /// Units that reach over the right or the lower edge are cut. The destination is packed RGB888.

@@ -11,7 +11,8 @@
 ///   corners of nearly all pixels.
 /// - `xy`: receives the corners in raster order, an x and a y each. It must hold `nCornersMax` pairs, and at least
 ///   one: the detector stops when a corner has filled the list, so a capacity of 0 still admits one corner.
-/// - `nCorners`: receives the number of corners.
+/// - `nCorners`: receives the number of corners. Where a call is refused it keeps what it held: set it to 0
+///   before. What the lists hold beyond that number stays as it was.
 /// - `bitMask`, `mask`: an image of bits, a set bit for pixels that are not tested. Rows are whole bytes,
 ///   (maskWidth + 7) / 8 of them; the most significant bit of a byte comes first. The mask has the image's size,
 ///   or 2, 4 or 8 times that, or a half, a quarter or an eighth of it, exactly and in both directions; a pixel's
@@ -20,11 +21,13 @@
 ///   `barrier` given. It must be as long as the list of corners.
 /// - Suppression (`nmsEnabled` other than 0) drops each corner that has a neighbour among its eight that is a
 ///   corner of at least the same score; neighbours of equal score drop each other. Scores compare as unsigned.
-///   `nCornersMax` then limits the corners before suppression.
+///   `nCornersMax` then limits the corners before suppression: where there are more, the search ends, and the
+///   lower part of the image has none, though fewer than `nCornersMax` may be left in the list. Give it room for
+///   all.
 /// - `tempBuf`: working memory for suppression, 3 * nCornersMax + srcHeight words; not used without. A null
 ///   pointer where it is used is logged and ends the process.
-/// - Null pointers, a stride below the width, and images that the border covers are refused with a log line
-///   ("Assertion failed @..."), and nothing is written. Buffers must not overlap.
+/// - Null pointers, a stride other than 0 below the width, and images that the border covers are refused with a
+///   log line ("Assertion failed @..."), and nothing is written. Buffers must not overlap.
 #ifndef ONDRIX_FAST_CORNERS_H
 #define ONDRIX_FAST_CORNERS_H
 

@@ -13,15 +13,17 @@ ODX_API void* odxMemAlign(size_t nBytes, size_t alignment);
 /// Frees a block of odxMemAlign; null is ignored.
 ODX_API void odxMemAlignFree(void* ptr);
 
-/// Allocates an image buffer, from memory shared with the DSP while a session is open, else (and when that fails)
-/// as odxMemAlign.
+/// Allocates an image buffer.
+/// It comes from memory shared with the DSP while a session is open, else (and when that fails) it is as one of
+/// odxMemAlign.
 /// \return the block, to be freed with odxMemFree; null when memory is short
 ODX_API void* odxMemAlloc(size_t nBytes, size_t alignment);
 
 /// Frees a block of odxMemAlloc, shared or not; null is ignored.
 ODX_API void odxMemFree(void* ptr);
 
-/// Creates the scratch pool for the first user and counts one user more. With the pool, repeated calls on frames
+/// Creates the scratch pool for the first user and counts one user more.
+/// With the pool, repeated calls on frames
 /// of one size allocate nothing; without it, operations that need temporary memory take it from the system and
 /// give it back on every call.
 ///

@@ -11,6 +11,10 @@
 ///
 /// Before the first selection every operation logs one error line and returns its failure result.
 ///
+/// Lines that a healthy program logs, too: odxGetVersion says "Ondrix vendor library", odxCleanUp "ODXAZ9_deinit",
+/// and a mode that may use the DSP logs how its session comes about, on mobile targets alone. Where these have no
+/// stub library for it (an ordinary ARM board, say), that is several error lines; modes without the DSP have none.
+///
 /// Set the property `vendor.runtime.ondrix.log` to a non-zero number before a mode is selected and each call logs
 /// its name and the implementation that it takes. On Android that is a system property; elsewhere it is read from
 /// the environment variable VENDOR_RUNTIME_ONDRIX_LOG.
@@ -20,15 +24,20 @@
 #include "ondrix/types.h"
 #include "ondrix/version.h"
 
-/// Standard modes take the SIMD code only on mobile targets of the supported vendor (hardware bit
-/// ONDRIX_HW_MOBILE); on any other processor they use the reference code. The extended modes name a target and
-/// do not ask for the vendor: ONDRIX_OP_EXT_CPU is the mode for the SIMD code on any machine.
+/// **The standard modes (0 to 3, those named after performance too) are reference code on a PC.** They take the
+/// SIMD code only on mobile targets of the supported vendor (hardware bit ONDRIX_HW_MOBILE: a processor whose
+/// description names ARM, 0x41, or that vendor, 0x51, as its implementer, or one of the vendor's boards); on any
+/// other processor they use the reference code, in silence. The extended modes name a target and do not ask for
+/// the vendor: ONDRIX_OP_EXT_CPU is the mode for the SIMD code on any machine.
+///
+/// Unknown numbers: without the top bit they select the reference code on every processor, with result 0; with the
+/// top bit they give -1 and leave the SIMD code in force.
 // clang-format off
 ODX_ENUM(int32_t, odxOperationMode){
-    ONDRIX_OP_LOW_POWER       = 0, ///< SIMD, and the power-saving set on the DSP
-    ONDRIX_OP_PERFORMANCE     = 1, ///< SIMD, and the few operations that are faster there on the DSP
-    ONDRIX_OP_CPU_OFFLOAD     = 2, ///< SIMD, and as much as reasonable on the DSP
-    ONDRIX_OP_CPU_PERFORMANCE = 3, ///< SIMD only
+    ONDRIX_OP_LOW_POWER       = 0, ///< PC: reference. Mobile: SIMD, and the power-saving set on the DSP
+    ONDRIX_OP_PERFORMANCE     = 1, ///< PC: reference. Mobile: SIMD, and the few operations faster there on the DSP
+    ONDRIX_OP_CPU_OFFLOAD     = 2, ///< PC: reference. Mobile: SIMD, and as much as reasonable on the DSP
+    ONDRIX_OP_CPU_PERFORMANCE = 3, ///< PC: reference. Mobile: SIMD only
     ONDRIX_OP_EXT_CPU         = (int32_t)0x80000001, ///< SIMD only, the DSP is never probed
     ONDRIX_OP_EXT_REFERENCE   = (int32_t)0x80000002, ///< reference code only
     ONDRIX_OP_EXT_ORLAN       = (int32_t)0x80000004, ///< the same as ONDRIX_OP_EXT_CPU
@@ -60,8 +69,15 @@ enum {
 /// Selects the implementations that every later call takes.
 /// On a device known to have neither DSP nor GPU every mode but ONDRIX_OP_EXT_REFERENCE becomes
 /// ONDRIX_OP_CPU_PERFORMANCE, with one error line.
-/// \return 0; 999 when the processor has neither SIMD nor floating point (nothing is changed);
-///         -1 for an unknown extended mode, which leaves the library as in ONDRIX_OP_EXT_CPU.
+///
+/// A selection that fails leaves this behind:
+/// - 999: operations take what the selection before gave them; if there was none, they log one line each and
+/// return
+///   their failure results. The limits of odxSetHWFlag are on again, and the switch of the log was read.
+/// - -1: operations take the SIMD code, as in ONDRIX_OP_EXT_CPU, or the reference where the processor has none.
+/// A DSP session that cannot be opened is no failure: the result is 0, and operations take the SIMD code.
+/// \return 0; 999 when the processor has neither SIMD nor floating point, or its description (/proc/cpuinfo) cannot
+///         be read; -1 for an unknown extended mode
 ODX_API int odxSetOperationMode(odxOperationMode mode);
 
 /// Selects an extended target.
@@ -78,7 +94,8 @@ ODX_API unsigned int odxSetOperationModeRemoteLib(odxOperationMode mode);
 /// \return 0
 ODX_API int odxCleanUp(void);
 
-/// Copies the version text, "1.7.1", with its terminator.
+/// Copies the version text, ONDRIX_VERSION_TEXT as it was when the library was built, with its terminator.
+/// Logs a line ("Ondrix vendor library").
 /// \param version        destination; null is ignored
 /// \param versionLength  its size in bytes: with at least 6 the text is copied, with less it is filled with zeros
 ODX_API void odxGetVersion(char* version, unsigned int versionLength);
@@ -96,7 +113,10 @@ ODX_API int odxAvailableProcessors(void);
 /// Wall-clock time in microseconds.
 ODX_API int64_t odxGetTime(void);
 
-/// Loads the optional platform-override library.
+/// Loads the optional platform-override library, /data/local/libodxopt.so.
+/// That path is fixed, and opened on Linux hosts, too: the library found there runs in the caller's process, so
+/// only those who may install software should be able to write there. Nothing but this function opens it. Logs a
+/// line before, and one after.
 ///
 /// \return 0; -1 and an error line when it cannot be loaded
 ODX_API int odxPlatformOptLoad(void);
