@@ -1,4 +1,5 @@
-# Installs into a fresh folder, moves it, and builds and runs the example of README.md there. Called by CMakeLists.txt.
+# Installs into a fresh folder, moves it, and builds and runs the example of README.md there, in one way with the log
+# of README.md, too. Called by CMakeLists.txt.
 cmake_minimum_required(VERSION 3.22)
 
 function(run result)
@@ -9,6 +10,7 @@ function(run result)
   endif()
   string(STRIP "${output}" output)
   set(${result} "${output}" PARENT_SCOPE)
+  set(${result}_errors "${errors}" PARENT_SCOPE)
 endfunction()
 
 set(work ${WORK}/${WAY})
@@ -18,10 +20,11 @@ run(ignored ${CMAKE_COMMAND} --install ${BUILD} --prefix ${work}/elsewhere)
 file(RENAME ${work}/elsewhere ${prefix})
 
 file(READ ${SOURCE}/README.md readme)
-if(NOT readme MATCHES "```c\n([^`]*)```")
-  message(FATAL_ERROR "README.md has no C example")
+if(NOT readme MATCHES "```c\n([^`]*)```.*```c\n([^`]*)```")
+  message(FATAL_ERROR "README.md has no C examples")
 endif()
 file(WRITE ${work}/example.c "${CMAKE_MATCH_1}")
+file(WRITE ${work}/log.c "${CMAKE_MATCH_2}")
 
 set(program ${work}/example)
 if(WAY STREQUAL "cmake")
@@ -41,7 +44,7 @@ else()
   if(TARGET)
     list(PREPEND flags --target=${TARGET})
   endif()
-  run(ignored ${COMPILER} -std=c99 -Wall -Wextra -Wpedantic -Werror ${work}/example.c -o ${program} ${flags})
+  run(ignored ${COMPILER} -std=c99 -Wall -Wextra -Wpedantic -Werror ${work}/example.c ${work}/log.c -o ${program} ${flags})
 endif()
 
 # qemu-user gives an emulated program its variables by -E.
@@ -54,6 +57,9 @@ endif()
 run(output ${emulator} ${program})
 if(NOT output STREQUAL "40 20")
   message(FATAL_ERROR "the example prints: ${output}")
+endif()
+if(WAY STREQUAL "pkg-config" AND NOT output_errors STREQUAL "")
+  message(FATAL_ERROR "the log of README.md lets pass: ${output_errors}")
 endif()
 
 # Each header stands on its own, in C and in C++.
