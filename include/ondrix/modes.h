@@ -71,9 +71,8 @@ enum {
 /// ONDRIX_OP_CPU_PERFORMANCE, with one error line.
 ///
 /// A selection that fails leaves this behind:
-/// - 999: operations take what the selection before gave them; if there was none, they log one line each and
-/// return
-///   their failure results. The limits of odxSetHWFlag are on again, and the switch of the log was read.
+/// - 999: nothing. The processor is looked at once, so that every selection of the process gives 999; operations
+///   log one line each and return their failure results, as before any selection.
 /// - -1: operations take the SIMD code, as in ONDRIX_OP_EXT_CPU, or the reference where the processor has none.
 /// A DSP session that cannot be opened is no failure: the result is 0, and operations take the SIMD code.
 /// \return 0; 999 when the processor has neither SIMD nor floating point, or its description (/proc/cpuinfo) cannot
