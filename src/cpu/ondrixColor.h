@@ -133,19 +133,17 @@ ODX_COLOR_INLINE Frame singleBufferFrame(Chroma chroma, const uint8_t* src, uint
     return {src, c + swapped, c + !swapped, width, height, yStride, cStride, cStride, dst, dstStride};
 }
 
-// The conversions of planar and pseudo-planar images:
-//     X(subsampling, pixels, rows, output)
-// The reference's row routines are <rows>p2<output> for planar and <rows>2<output> for interleaved chroma.
-#define ODX_YCBCR_TO_RGB(X)      \
-    X(444, RGB565, yuv, bgr565)  \
-    X(444, RGB888, yuv, bgr888)  \
-    X(444, RGBA8888, yuv, bgra)  \
-    X(422, RGB565, yyuv, bgr565) \
-    X(422, RGB888, yyuv, bgr888) \
-    X(422, RGBA8888, yyuv, bgra) \
-    X(420, RGB565, yyuv, bgr565) \
-    X(420, RGB888, yyuv, bgr888) \
-    X(420, RGBA8888, yyuv, bgra)
+// X(subsampling, pixels): the conversions of planar and pseudo-planar images.
+#define ODX_YCBCR_TO_RGB(X) \
+    X(444, RGB565)          \
+    X(444, RGB888)          \
+    X(444, RGBA8888)        \
+    X(422, RGB565)          \
+    X(422, RGB888)          \
+    X(422, RGBA8888)        \
+    X(420, RGB565)          \
+    X(420, RGB888)          \
+    X(420, RGBA8888)
 
 // ---- coded blocks ----
 

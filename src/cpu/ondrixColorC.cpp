@@ -95,19 +95,6 @@ void convertTwoLumaRow(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, u
     }
 }
 
-constexpr auto* yuvp2bgr565 = convertRow<kFullRange, RGB565, Chroma::Planes>;
-constexpr auto* yuvp2bgr888 = convertRow<kFullRange, RGB888, Chroma::Planes>;
-constexpr auto* yuvp2bgra = convertRow<kFullRange, RGBA8888, Chroma::Planes>;
-constexpr auto* yuv2bgr565 = convertRow<kFullRange, RGB565, Chroma::CbCrPairs>;
-constexpr auto* yuv2bgr888 = convertRow<kFullRange, RGB888, Chroma::CbCrPairs>;
-constexpr auto* yuv2bgra = convertRow<kFullRange, RGBA8888, Chroma::CbCrPairs>;
-constexpr auto* yyuvp2bgr565 = convertTwoLumaRow<RGB565, Chroma::Planes>;
-constexpr auto* yyuvp2bgr888 = convertTwoLumaRow<RGB888, Chroma::Planes>;
-constexpr auto* yyuvp2bgra = convertTwoLumaRow<RGBA8888, Chroma::Planes>;
-constexpr auto* yyuv2bgr565 = convertTwoLumaRow<RGB565, Chroma::CbCrPairs>;
-constexpr auto* yyuv2bgr888 = convertTwoLumaRow<RGB888, Chroma::CbCrPairs>;
-constexpr auto* yyuv2bgra = convertTwoLumaRow<RGBA8888, Chroma::CbCrPairs>;
-
 // A row in video range, with a chroma pair for every two pixels; the last one of an odd row has a pair of its own.
 template <const Scheme& s, class Pixel, Chroma chroma>
 void convertVideoRow(const uint8_t* y, const uint8_t* cb, const uint8_t* cr, uint8_t* dst, size_t length)
@@ -145,23 +132,23 @@ void convertRows(const Frame& f, size_t rows)
     }
 }
 
-template <auto* row>
+template <class Pixel, Chroma chroma>
 void convert444(const Frame& frame)
 {
-    convertRows<row, 1>(frame, frame.height);
+    convertRows<convertRow<kFullRange, Pixel, chroma>, 1>(frame, frame.height);
 }
 
-template <auto* row>
+template <class Pixel, Chroma chroma>
 void convert422(const Frame& frame)
 {
-    convertRows<row, 1>(frame, frame.height);
+    convertRows<convertTwoLumaRow<Pixel, chroma>, 1>(frame, frame.height);
 }
 
 // Rows come in pairs, so that an odd height takes one row more.
-template <auto* row>
+template <class Pixel, Chroma chroma>
 void convert420(const Frame& frame)
 {
-    convertRows<row, 2>(frame, size_t{frame.height} + frame.height % 2);
+    convertRows<convertTwoLumaRow<Pixel, chroma>, 2>(frame, size_t{frame.height} + frame.height % 2);
 }
 
 // ---- coded blocks ----
@@ -200,19 +187,19 @@ using namespace odx::color;
 
 extern "C" {
 
-#define ODX_COLOR_REFERENCE(subsampling, pixels, rows, output)                                                  \
+#define ODX_COLOR_REFERENCE(subsampling, pixels)                                                                \
     void odxColorYCbCr##subsampling##PlanarTo##pixels##u8C(                                                     \
         const uint8_t* srcY, const uint8_t* srcCb, const uint8_t* srcCr, uint32_t srcWidth, uint32_t srcHeight, \
         uint32_t srcYStride, uint32_t srcCbStride, uint32_t srcCrStride, uint8_t* dst, uint32_t dstStride)      \
     {                                                                                                           \
-        convert##subsampling<rows##p2##output>(planarFrame(srcY, srcCb, srcCr, srcWidth, srcHeight, srcYStride, \
-                                                           srcCbStride, srcCrStride, dst, dstStride));          \
+        convert##subsampling<pixels, Chroma::Planes>(planarFrame(                                               \
+            srcY, srcCb, srcCr, srcWidth, srcHeight, srcYStride, srcCbStride, srcCrStride, dst, dstStride));    \
     }                                                                                                           \
     void odxColorYCbCr##subsampling##PseudoPlanarTo##pixels##u8C(                                               \
         const uint8_t* srcY, const uint8_t* srcC, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcYStride,   \
         uint32_t srcCStride, uint8_t* dst, uint32_t dstStride)                                                  \
     {                                                                                                           \
-        convert##subsampling<rows##2##output>(                                                                  \
+        convert##subsampling<pixels, Chroma::CbCrPairs>(                                                        \
             pseudoPlanarFrame(srcY, srcC, srcWidth, srcHeight, srcYStride, srcCStride, dst, dstStride));        \
     }
 ODX_YCBCR_TO_RGB(ODX_COLOR_REFERENCE)

@@ -6,7 +6,7 @@
 #include "ondrix/colorToRgb.h"
 
 extern "C" {
-#define ODX_COLOR_REFERENCE(subsampling, pixels, rows, output)                                                    \
+#define ODX_COLOR_REFERENCE(subsampling, pixels)                                                                  \
     decltype(odxColorYCbCr##subsampling##PlanarTo##pixels##u8) odxColorYCbCr##subsampling##PlanarTo##pixels##u8C; \
     decltype(odxColorYCbCr##subsampling##PseudoPlanarTo##pixels##u8)                                              \
         odxColorYCbCr##subsampling##PseudoPlanarTo##pixels##u8C;

@@ -254,7 +254,7 @@ ODX_INLINE bool convert420(const Frame& f)
     return convert<kFullRange, Pixel, Layout<2, 2, chroma>>(f, size_t{f.height} + f.height % 2);
 }
 
-#define ODX_COLOR_SIMD(subsampling, pixels, rows, output)                                                        \
+#define ODX_COLOR_SIMD(subsampling, pixels)                                                                      \
     void odxColorYCbCr##subsampling##PlanarTo##pixels##u8V(                                                      \
         const uint8_t* srcY, const uint8_t* srcCb, const uint8_t* srcCr, uint32_t srcWidth, uint32_t srcHeight,  \
         uint32_t srcYStride, uint32_t srcCbStride, uint32_t srcCrStride, uint8_t* dst, uint32_t dstStride)       \
