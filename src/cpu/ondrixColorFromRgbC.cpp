@@ -6,7 +6,6 @@
 #include "cpu/channels.h"
 #include "cpu/ondrixColor.h"
 #include "cpu/ondrixColorFromRgb.h"
-#include "frame/helpers.h"
 
 namespace odx::color
 {

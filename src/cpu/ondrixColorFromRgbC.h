@@ -2,6 +2,7 @@
 #ifndef ODX_CPU_ONDRIX_COLOR_FROM_RGB_C_H
 #define ODX_CPU_ONDRIX_COLOR_FROM_RGB_C_H
 
+#include "frame/helpers.h"
 #include "ondrix/colorFromRgb.h"
 
 // ---- the conversions, as tables ----
@@ -115,11 +116,18 @@ typedef void odxRepackedRow(const uint8_t* src, uint8_t* dst, size_t width);
 
 #define ODX_DECLARE(source, pixels)                                           \
     odxYuvRow source##2yuvpC, source##2yyuvpC, source##2yuvC, source##2yyuvC; \
-    odxLumaRow source##2yC;
+    odxLumaRow source##2yC;                                                   \
+    ODX_HELPER_POINTER(source##2yuvp);                                        \
+    ODX_HELPER_POINTER(source##2yyuvp);                                       \
+    ODX_HELPER_POINTER(source##2yuv);                                         \
+    ODX_HELPER_POINTER(source##2yyuv);                                        \
+    ODX_HELPER_POINTER(source##2y);
 ODX_RGB_SOURCES(ODX_DECLARE)
 #undef ODX_DECLARE
 
-#define ODX_DECLARE(from, to) odxRepackedRow repack##from##To##to##C;
+#define ODX_DECLARE(from, to)               \
+    odxRepackedRow repack##from##To##to##C; \
+    ODX_HELPER_POINTER(repack##from##To##to);
 ODX_RGB_TO_RGB(ODX_DECLARE)
 #undef ODX_DECLARE
 

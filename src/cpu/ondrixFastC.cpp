@@ -1,7 +1,6 @@
 #include "cpu/ondrixFastC.h"
 
 #include "cpu/ondrixFastReference.h"
-#include "frame/helpers.h"
 
 using namespace odx;
 using namespace odx::fast;

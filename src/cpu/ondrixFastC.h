@@ -2,6 +2,7 @@
 #ifndef ODX_CPU_ONDRIX_FAST_C_H
 #define ODX_CPU_ONDRIX_FAST_C_H
 
+#include "frame/helpers.h"
 #include "ondrix/fastCorners.h"
 
 extern "C" {
@@ -23,6 +24,8 @@ void make_offsets(ptrdiff_t* offsets, unsigned int stride);
 // The largest barrier with which the pixel is a corner, but at least `barrier`.
 int32_t fast9_corner_scoreC(const uint8_t* pixel, const ptrdiff_t* offsets, int32_t barrier);
 int32_t fast10_corner_scoreC(const uint8_t* pixel, const ptrdiff_t* offsets, int32_t barrier);
+ODX_HELPER_POINTER(fast9_corner_score);
+ODX_HELPER_POINTER(fast10_corner_score);
 
 // Scores a list of corners. A stride of 0 is the width.
 void score_9(const uint8_t* src, unsigned int width, unsigned int height, int barrier, unsigned int count,

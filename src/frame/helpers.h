@@ -1,8 +1,7 @@
-// The helper pointers. Null before the first mode selection.
+// Helper pointers: null before the first mode selection. They are declared beside the kernels that they reach.
 #ifndef ODX_FRAME_HELPERS_H
 #define ODX_FRAME_HELPERS_H
 
-#include "cpu/reference.h"
 #include "frame/shared.h"
 
 namespace odx
@@ -26,9 +25,7 @@ private:
 
 } // namespace odx
 
-extern "C" {
-#define ODX_HELPER(name, columns) extern odx::HelperPointer<decltype(name##C)> name##_;
-#include "frame/operations/families.def"
-}
+// The pointer to the kernels of a name.
+#define ODX_HELPER_POINTER(name) extern odx::HelperPointer<decltype(name##C)> name##_
 
 #endif
