@@ -1,8 +1,11 @@
 # The SIMD targets of the processor that is built for, and the compiler flags of each.
 # A target listed here is also listed in src/orlan/targets.cpp, and has a backend in src/orlan/simd.
 set(ONDRIX_SIMD_TARGETS "")
+set(ONDRIX_ZIPS OFF)
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|amd64)$")
   set(ONDRIX_SIMD_TARGETS avx2 avx512)
+  # The baseline has vectors that zip, but no interleaved loads and stores (src/cpu/zips.h).
+  set(ONDRIX_ZIPS ON)
   set(ONDRIX_SIMD_FLAGS_avx2 -march=x86-64-v3)
   # GCC and Clang keep to 32-byte vectors of their own accord; the kernels ask for 64 bytes themselves. Where bytes
   # cannot be shuffled across them, and bits not be counted, the same kernels are faster as AVX2.
