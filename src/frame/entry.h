@@ -6,7 +6,7 @@
 //         srcStride = packedIfZero(srcStride, srcWidth);
 //         // 2. choose the implementation within the limits of the targets, trace the call
 //         const Call<odxFilterXxxu8C> call(
-//             __func__, [&] { return image(srcWidth, srcHeight) & aligned(src, srcStride, dst, dstStride); });
+//             __func__, ODX_LIMITS(image(srcWidth, srcHeight) & aligned(src, srcStride, dst, dstStride)));
 //         // 3. refuse arguments that the implementations can't take
 //         ODX_CHECK(src && dst && srcWidth && srcHeight);
 //         // 4. call it
@@ -156,6 +156,13 @@ ODX_ENTRY_INLINE Limit atLeast(uint32_t n, uint32_t value)
 
 // The target that was selected, or the SIMD column where the limit keeps a call from it.
 uint32_t narrowed(uint32_t impl, Limit limit);
+
+// The limits of a call, as a function that the call inlines where it needs them.
+#define ODX_LIMITS(...)                  \
+    [&]() __attribute__((always_inline)) \
+    {                                    \
+        return __VA_ARGS__;              \
+    }
 
 // ---- the steps ----
 

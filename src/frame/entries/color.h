@@ -35,10 +35,9 @@ template <auto* Reference, size_t... from, size_t... to>
 {
     ((src[from].stride = packedIfZero(src[from].stride, src[from].row)), ...);
     ((dst[to].stride = packedIfZero(dst[to].stride, dst[to].row)), ...);
-    const Call<Reference> call(name, [&] {
-        return image(width, height) & aligned(src[from].data..., src[from].stride...) &
-               aligned(dst[to].data..., dst[to].stride...);
-    });
+    const Call<Reference> call(name,
+                               ODX_LIMITS(image(width, height) & aligned(src[from].data..., src[from].stride...) &
+                                          aligned(dst[to].data..., dst[to].stride...)));
     ODX_CHECK_AS(condition, (src[from].given() && ...) && (dst[to].given() && ...) && width && height &&
                                 (src[from].fits() && ...) && (dst[to].fits() && ...));
     call(src[from].data..., width, height, src[from].stride..., dst[to].data..., dst[to].stride...);
@@ -89,12 +88,12 @@ template <auto* Reference, size_t from, size_t to>
 // clang-format on
 
 // The conversions of images in one packed buffer.
-#define ODX_PACKED_CONVERSION(name)                                                                   \
-    void name(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst)                      \
-    {                                                                                                 \
-        const Call<name##C> call(__func__, [&] { return image(width, height) & aligned(src, dst); }); \
-        ODX_CHECK(src && dst && width && height);                                                     \
-        call(src, width, height, dst);                                                                \
+#define ODX_PACKED_CONVERSION(name)                                                               \
+    void name(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst)                  \
+    {                                                                                             \
+        const Call<name##C> call(__func__, ODX_LIMITS(image(width, height) & aligned(src, dst))); \
+        ODX_CHECK(src && dst && width && height);                                                 \
+        call(src, width, height, dst);                                                            \
     }
 
 #endif

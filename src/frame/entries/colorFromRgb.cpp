@@ -88,7 +88,7 @@ ODX_CONVERSION(odxColorCbCrSwapu8, Packed, srcWidth*2, Packed, srcWidth*2)
 
 void odxColorRGB888toYCrCbu8(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst)
 {
-    const Call<odxColorRGB888toYCrCbu8C> call(__func__, [&] { return image(width, height) & aligned(src, dst); });
+    const Call<odxColorRGB888toYCrCbu8C> call(__func__, ODX_LIMITS(image(width, height) & aligned(src, dst)));
     ODX_CHECK(src && dst && width && height);
     call(src, width, height, width * 3, dst, width * 3);
 }

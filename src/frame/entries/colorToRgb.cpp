@@ -46,9 +46,8 @@ void odxColorYCrCb420PseudoPlanarToRGB8888u8(const uint8_t* src, uint32_t srcWid
                                              uint32_t srcYStride, uint32_t srcCStride, uint8_t* dst,
                                              uint32_t dstStride)
 {
-    const Call<odxColorYCrCb420PseudoPlanarToRGB8888u8C> call(__func__, [&] {
-        return image(srcWidth, srcHeight) & aligned(src, srcYStride, srcCStride, dst, dstStride);
-    });
+    const Call<odxColorYCrCb420PseudoPlanarToRGB8888u8C> call(
+        __func__, ODX_LIMITS(image(srcWidth, srcHeight) & aligned(src, srcYStride, srcCStride, dst, dstStride)));
     ODX_CHECK(src && dst && srcWidth && srcHeight && srcYStride && srcCStride && dstStride);
     call(src, srcWidth, srcHeight, srcYStride, srcCStride, dst, dstStride);
 }

@@ -39,7 +39,7 @@ void odxCornerFast9u8(const uint8_t* src, unsigned int width, unsigned int heigh
 {
     stride = packedIfZero(stride, width);
     const uint64_t border = effectiveBorder(requestedBorder);
-    const Call<odxCornerFast9u8C> call(__func__, [&] { return corners(src, width, height, stride, xy); });
+    const Call<odxCornerFast9u8C> call(__func__, ODX_LIMITS(corners(src, width, height, stride, xy)));
     ODX_CHECK(src && xy && numcorners && stride >= width && border*2 < width && border*2 < height);
     call(src, width, height, stride, barrier, static_cast<uint32_t>(border), xy, nCornersMax, numcorners);
 }
@@ -51,7 +51,7 @@ void odxCornerFast9InMasku8(const uint8_t* src, unsigned int width, unsigned int
 {
     stride = packedIfZero(stride, width);
     const uint64_t border = effectiveBorder(requestedBorder);
-    const Call<odxCornerFast9InMasku8C> call(__func__, [&] { return corners(src, width, height, stride, xy); });
+    const Call<odxCornerFast9InMasku8C> call(__func__, ODX_LIMITS(corners(src, width, height, stride, xy)));
     ODX_CHECK(src && xy && numcorners && bitMask && stride >= width && border*2 < width && border*2 < height);
     call(src, width, height, stride, barrier, static_cast<uint32_t>(border), xy, nCornersMax, numcorners, bitMask,
          maskWidth, maskHeight);
@@ -63,8 +63,7 @@ void odxCornerFast9Scoreu8(const uint8_t* src, unsigned int width, unsigned int 
 {
     stride = packedIfZero(stride, width);
     const uint64_t border = effectiveBorder(requestedBorder);
-    const Call<odxCornerFast9Scoreu8C> call(__func__,
-                                            [&] { return corners(src, width, height, stride, xy, scores); });
+    const Call<odxCornerFast9Scoreu8C> call(__func__, ODX_LIMITS(corners(src, width, height, stride, xy, scores)));
     ODX_CHECK(src && xy && scores && numcorners && stride >= width && border*2 < width && border*2 < height);
     call(src, width, height, stride, barrier, static_cast<uint32_t>(border), xy, scores, nCornersMax, numcorners);
 }
@@ -77,7 +76,7 @@ void odxCornerFast9InMaskScoreu8(const uint8_t* src, unsigned int width, unsigne
     stride = packedIfZero(stride, width);
     const uint64_t border = effectiveBorder(requestedBorder);
     const Call<odxCornerFast9InMaskScoreu8C> call(__func__,
-                                                  [&] { return corners(src, width, height, stride, xy, scores); });
+                                                  ODX_LIMITS(corners(src, width, height, stride, xy, scores)));
     ODX_CHECK(src && xy && scores && numcorners && bitMask && stride >= width && border*2 < width && border*2 < height);
     call(src, width, height, stride, barrier, static_cast<uint32_t>(border), xy, scores, nCornersMax, numcorners,
          bitMask, maskWidth, maskHeight);
@@ -90,10 +89,9 @@ void odxCornerFast9Scoreu8_v2(const uint8_t* src, unsigned int width, unsigned i
 {
     stride = packedIfZero(stride, width);
     const uint64_t border = effectiveBorder(requestedBorder);
-    const Call<odxCornerFast9Scoreu8_v2C> call(__func__, [&] {
-        return corners(src, width, height, stride, xy, scores) &
-               suppression(width, stride, nmsEnabled, tempBuf, src, xy, scores);
-    });
+    const Call<odxCornerFast9Scoreu8_v2C> call(
+        __func__, ODX_LIMITS(corners(src, width, height, stride, xy, scores) &
+                             suppression(width, stride, nmsEnabled, tempBuf, src, xy, scores)));
     ODX_CHECK(src && xy && scores && numcorners && stride >= width && border*2 < width && border*2 < height);
     call(src, width, height, stride, barrier, static_cast<uint32_t>(border), xy, scores, nCornersMax, numcorners,
          nmsEnabled, tempBuf);
@@ -107,10 +105,9 @@ void odxCornerFast9InMaskScoreu8_v2(const uint8_t* src, unsigned int width, unsi
 {
     stride = packedIfZero(stride, width);
     const uint64_t border = effectiveBorder(requestedBorder);
-    const Call<odxCornerFast9InMaskScoreu8_v2C> call(__func__, [&] {
-        return corners(src, width, height, stride, xy, scores) &
-               suppression(width, stride, nmsEnabled, tempBuf, src, xy, scores, bitMask);
-    });
+    const Call<odxCornerFast9InMaskScoreu8_v2C> call(
+        __func__, ODX_LIMITS(corners(src, width, height, stride, xy, scores) &
+                             suppression(width, stride, nmsEnabled, tempBuf, src, xy, scores, bitMask)));
     ODX_CHECK(src && xy && scores && numcorners && bitMask && stride >= width && border*2 < width && border*2 < height);
     call(src, width, height, stride, barrier, static_cast<uint32_t>(border), xy, scores, nCornersMax, numcorners,
          bitMask, maskWidth, maskHeight, nmsEnabled, tempBuf);
@@ -122,8 +119,7 @@ void odxCornerFast10u8(const uint8_t* src, unsigned int srcWidth, unsigned int s
 {
     srcStride = packedIfZero(srcStride, srcWidth);
     const uint64_t border = effectiveBorder(requestedBorder);
-    const Call<odxCornerFast10u8C> call(__func__,
-                                        [&] { return corners(src, srcWidth, srcHeight, srcStride, xy); });
+    const Call<odxCornerFast10u8C> call(__func__, ODX_LIMITS(corners(src, srcWidth, srcHeight, srcStride, xy)));
     ODX_CHECK(src && xy && nCorners && srcStride >= srcWidth && border*2 < srcWidth && border*2 < srcHeight);
     call(src, srcWidth, srcHeight, srcStride, barrier, static_cast<uint32_t>(border), xy, nCornersMax, nCorners);
 }
@@ -136,7 +132,7 @@ void odxCornerFast10InMasku8(const uint8_t* src, unsigned int srcWidth, unsigned
     srcStride = packedIfZero(srcStride, srcWidth);
     const uint64_t border = effectiveBorder(requestedBorder);
     const Call<odxCornerFast10InMasku8C> call(__func__,
-                                              [&] { return corners(src, srcWidth, srcHeight, srcStride, xy); });
+                                              ODX_LIMITS(corners(src, srcWidth, srcHeight, srcStride, xy)));
     ODX_CHECK(src && xy && nCorners && mask && srcStride >= srcWidth && border*2 < srcWidth && border*2 < srcHeight);
     call(src, srcWidth, srcHeight, srcStride, barrier, static_cast<uint32_t>(border), xy, nCornersMax, nCorners,
          mask, maskWidth, maskHeight);
@@ -149,10 +145,9 @@ void odxCornerFast10Scoreu8(const uint8_t* src, unsigned int srcWidth, unsigned 
 {
     srcStride = packedIfZero(srcStride, srcWidth);
     const uint64_t border = effectiveBorder(requestedBorder);
-    const Call<odxCornerFast10Scoreu8C> call(__func__, [&] {
-        return corners(src, srcWidth, srcHeight, srcStride, xy, scores) &
-               suppression(srcWidth, srcStride, nmsEnabled, tempBuf, src, xy, scores);
-    });
+    const Call<odxCornerFast10Scoreu8C> call(
+        __func__, ODX_LIMITS(corners(src, srcWidth, srcHeight, srcStride, xy, scores) &
+                             suppression(srcWidth, srcStride, nmsEnabled, tempBuf, src, xy, scores)));
     ODX_CHECK(src && xy && scores && nCorners && srcStride >= srcWidth && border*2 < srcWidth && border*2 < srcHeight);
     call(src, srcWidth, srcHeight, srcStride, barrier, static_cast<uint32_t>(border), xy, scores, nCornersMax,
          nCorners, nmsEnabled, tempBuf);
@@ -166,10 +161,9 @@ void odxCornerFast10InMaskScoreu8(const uint8_t* src, unsigned int srcWidth, uns
 {
     srcStride = packedIfZero(srcStride, srcWidth);
     const uint64_t border = effectiveBorder(requestedBorder);
-    const Call<odxCornerFast10InMaskScoreu8C> call(__func__, [&] {
-        return corners(src, srcWidth, srcHeight, srcStride, xy, scores) &
-               suppression(srcWidth, srcStride, nmsEnabled, tempBuf, src, xy, scores, mask);
-    });
+    const Call<odxCornerFast10InMaskScoreu8C> call(
+        __func__, ODX_LIMITS(corners(src, srcWidth, srcHeight, srcStride, xy, scores) &
+                             suppression(srcWidth, srcStride, nmsEnabled, tempBuf, src, xy, scores, mask)));
     ODX_CHECK(src && xy && scores && nCorners && mask && srcStride >= srcWidth && border*2 < srcWidth && border*2 < srcHeight);
     call(src, srcWidth, srcHeight, srcStride, barrier, static_cast<uint32_t>(border), xy, scores, nCornersMax,
          nCorners, mask, maskWidth, maskHeight, nmsEnabled, tempBuf);

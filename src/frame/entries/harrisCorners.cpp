@@ -29,7 +29,7 @@ void odxCornerHarrisu8(const uint8_t* src, unsigned int width, unsigned int heig
                        int threshold)
 {
     stride = packedIfZero(stride, width);
-    const Call<odxCornerHarrisu8C> call(__func__, [&] { return detector(src, width, height, stride, xy); });
+    const Call<odxCornerHarrisu8C> call(__func__, ODX_LIMITS(detector(src, width, height, stride, xy)));
     ODX_CHECK(src && xy && numcorners && width && height && (stride >= width) && width > 4 && height > 4);
     call(src, width, height, stride, border, xy, nCornersMax, numcorners, threshold);
 }
@@ -40,8 +40,7 @@ void odxCornerHarrisInMasku8(const uint8_t* srcImg, unsigned int width, unsigned
                              unsigned int maskHeight)
 {
     stride = packedIfZero(stride, width);
-    const Call<odxCornerHarrisInMasku8C> call(__func__,
-                                              [&] { return detector(srcImg, width, height, stride, xy); });
+    const Call<odxCornerHarrisInMasku8C> call(__func__, ODX_LIMITS(detector(srcImg, width, height, stride, xy)));
     ODX_CHECK(srcImg && xy && numcorners && bitMask && width && height && (stride >= width) && maskHeight && maskWidth);
     call(srcImg, width, height, stride, border, xy, nCornersMax, numcorners, threshold, bitMask, maskWidth,
          maskHeight);
@@ -53,7 +52,7 @@ void odxCornerHarrisAdaptiveu8(const uint8_t* src, unsigned int srcWidth, unsign
 {
     srcStride = packedIfZero(srcStride, srcWidth);
     const Call<odxCornerHarrisAdaptiveu8C> call(__func__,
-                                                [&] { return detector(src, srcWidth, srcHeight, srcStride, xy); });
+                                                ODX_LIMITS(detector(src, srcWidth, srcHeight, srcStride, xy)));
     ODX_CHECK(src && xy && nCorners && srcWidth && srcHeight && srcStride >= srcWidth && srcWidth > 4 && srcHeight > 4);
     call(src, srcWidth, srcHeight, srcStride, border, xy, nCornersMax, nCorners, threshold);
 }
@@ -64,7 +63,7 @@ void odxCornerHarrisScoreu8(const uint8_t* src, unsigned int srcWidth, unsigned 
 {
     srcStride = packedIfZero(srcStride, srcWidth);
     const Call<odxCornerHarrisScoreu8C> call(
-        __func__, [&] { return detector(src, srcWidth, srcHeight, srcStride, xy, scores); });
+        __func__, ODX_LIMITS(detector(src, srcWidth, srcHeight, srcStride, xy, scores)));
     ODX_CHECK(src && xy && scores && nCorners && srcWidth && srcHeight && srcStride >= srcWidth && srcWidth > 4 && srcHeight > 4);
     call(src, srcWidth, srcHeight, srcStride, border, xy, scores, nCornersMax, nCorners, threshold);
 }
@@ -74,7 +73,7 @@ odxStatus odxLocalHarrisMaxu8(const uint8_t* src, unsigned int srcWidth, unsigne
                               uint32_t* maxX, uint32_t* maxY, int32_t* maxResponse)
 {
     srcStride = packedIfZero(srcStride, srcWidth);
-    const Call<odxLocalHarrisMaxu8C> call(__func__, [&] { return search(src, srcWidth, srcHeight, srcStride); });
+    const Call<odxLocalHarrisMaxu8C> call(__func__, ODX_LIMITS(search(src, srcWidth, srcHeight, srcStride)));
     ODX_CHECK(src && maxX && maxY && maxResponse && srcWidth && srcHeight && srcStride >= srcWidth);
     return call(src, srcWidth, srcHeight, srcStride, x, y, radius, maxX, maxY, maxResponse);
 }
@@ -85,7 +84,7 @@ void odxGoodFeatureToTracku8(const uint8_t* src, unsigned int srcWidth, unsigned
 {
     srcStride = packedIfZero(srcStride, srcWidth);
     const Call<odxGoodFeatureToTracku8C> call(__func__,
-                                              [&] { return detector(src, srcWidth, srcHeight, srcStride, xy); });
+                                              ODX_LIMITS(detector(src, srcWidth, srcHeight, srcStride, xy)));
     ODX_CHECK(src && xy && nCorners && srcWidth && srcHeight && srcStride >= srcWidth && srcWidth > 4 && srcHeight > 4 && qualityLevel >= 0 && qualityLevel <= 1);
     call(src, srcWidth, srcHeight, srcStride, border, xy, nCornersMax, nCorners, qualityLevel, minDistance);
 }
@@ -95,8 +94,7 @@ void odxCornerRefineSubPixu8(const uint8_t* src, unsigned int srcWidth, unsigned
                              unsigned int maxIterations, float epsilon)
 {
     srcStride = packedIfZero(srcStride, srcWidth);
-    const Call<odxCornerRefineSubPixu8C> call(__func__,
-                                              [&] { return search(src, srcWidth, srcHeight, srcStride); });
+    const Call<odxCornerRefineSubPixu8C> call(__func__, ODX_LIMITS(search(src, srcWidth, srcHeight, srcStride)));
     ODX_CHECK(src && xy && srcWidth && srcHeight && srcStride >= srcWidth && halfWindow >= 1 && halfWindow <= 15 && maxIterations >= 1 && epsilon >= 0);
     call(src, srcWidth, srcHeight, srcStride, xy, nCorners, halfWindow, maxIterations, epsilon);
 }
@@ -108,8 +106,8 @@ uint32_t odxFindMultipleMaximau8(const uint8_t* src, unsigned int srcWidth, unsi
 {
     srcStride = packedIfZero(srcStride, srcWidth);
     constexpr uint32_t kNoSearch = 1;
-    const Call<odxFindMultipleMaximau8C, kNoSearch> call(
-        __func__, [&] { return search(src, srcWidth, srcHeight, srcStride); });
+    const Call<odxFindMultipleMaximau8C, kNoSearch> call(__func__,
+                                                         ODX_LIMITS(search(src, srcWidth, srcHeight, srcStride)));
     ODX_CHECK(src && pos && dir && maxima && numMaxima && srcWidth && srcHeight && srcStride >= srcWidth);
     return call(src, srcWidth, srcHeight, srcStride, pos, dir, maxDistance, maxNumMaxima, minGradient,
                 maxAngleDiff, maxima, numMaxima);

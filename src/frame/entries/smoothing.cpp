@@ -43,7 +43,7 @@ extern "C" {
 #define ODX_GAUSSIAN(name, T, condition) \
     void name(const T* src, unsigned int width, unsigned int height, T* dst, int border) \
     { \
-        const Call<name##C> call(__func__, [&] { return pixels(width, height); }); \
+        const Call<name##C> call(__func__, ODX_LIMITS(pixels(width, height))); \
         ODX_CHECK(condition); \
         const uint32_t stride = width * static_cast<uint32_t>(sizeof(T)); \
         call(src, width, height, stride, dst, stride, border); \
@@ -55,7 +55,7 @@ extern "C" {
     { \
         srcStride = packedIfZero(srcStride, srcWidth * sizeof(T)); \
         dstStride = packedIfZero(dstStride, srcWidth * sizeof(T)); \
-        const Call<base##C> call(__func__, [&] { return pixels(srcWidth, srcHeight); }); \
+        const Call<base##C> call(__func__, ODX_LIMITS(pixels(srcWidth, srcHeight))); \
         ODX_CHECK(condition); \
         call(src, srcWidth, srcHeight, srcStride, dst, dstStride, border); \
     }
@@ -74,7 +74,7 @@ ODX_GAUSSIAN_V2(odxFilterGaussian5x5s32_v2, odxFilterGaussian5x5s32, int32_t, sr
     void name(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride, \
               uint8_t* dst, unsigned int dstStride) \
     { \
-        const Call<name##C> call(__func__, [&] { return pixels(srcWidth, srcHeight); }); \
+        const Call<name##C> call(__func__, ODX_LIMITS(pixels(srcWidth, srcHeight))); \
         ODX_CHECK(condition); \
         call(src, srcWidth, srcHeight, srcStride, dst, dstStride); \
     }
@@ -90,7 +90,7 @@ ODX_BOX_FILTER(odxBoxFilter11x11u8, src && dst && srcWidth && srcHeight && srcSt
     { \
         srcStride = packedIfZero(srcStride, srcWidth); \
         dstStride = packedIfZero(dstStride, srcWidth); \
-        const Call<name##C> call(__func__, [&] { return limits; }); \
+        const Call<name##C> call(__func__, ODX_LIMITS(limits)); \
         if (!usable(src, srcWidth, srcHeight, srcStride, dst, dstStride, borderType)) return call.failure(); \
         return call(src, srcWidth, srcHeight, srcStride, dst, dstStride, borderType, borderValue); \
     }
@@ -103,7 +103,7 @@ ODX_BORDER_FILTER(odxFilterMedian3x3u8_v3, median3x3(srcWidth, srcHeight, src, s
 void odxFilterGaussian3x3u8(const uint8_t* src, unsigned int width, unsigned int height, uint8_t* dst, int border)
 {
     if (!gaussianRowsFit(width)) return logError(__func__);
-    const Call<odxFilterGaussian3x3u8C> call(__func__, [&] { return gaussian3x3(width, height, src, dst); });
+    const Call<odxFilterGaussian3x3u8C> call(__func__, ODX_LIMITS(gaussian3x3(width, height, src, dst)));
     ODX_CHECK(src && dst && width && height);
     call(src, width, height, width, dst, width, border);
 }
@@ -115,14 +115,14 @@ void odxFilterGaussian3x3u8_v2(const uint8_t* src, unsigned int srcWidth, unsign
     srcStride = packedIfZero(srcStride, srcWidth);
     dstStride = packedIfZero(dstStride, srcWidth);
     const Call<odxFilterGaussian3x3u8C> call(
-        __func__, [&] { return gaussian3x3(srcWidth, srcHeight, src, srcStride, dst, dstStride); });
+        __func__, ODX_LIMITS(gaussian3x3(srcWidth, srcHeight, src, srcStride, dst, dstStride)));
     ODX_CHECK(src && dst && (srcWidth > 1) && (srcHeight > 1) && (srcStride >= srcWidth) && (dstStride >= srcWidth));
     call(src, srcWidth, srcHeight, srcStride, dst, dstStride, border);
 }
 
 void odxFilterMedian3x3u8(const uint8_t* src, unsigned int width, unsigned int height, uint8_t* dst)
 {
-    const Call<odxFilterMedian3x3u8C> call(__func__, [&] { return median3x3(width, height, src, dst); });
+    const Call<odxFilterMedian3x3u8C> call(__func__, ODX_LIMITS(median3x3(width, height, src, dst)));
     ODX_CHECK(src && dst && width && height);
     call(src, width, height, width, dst, width);
 }
@@ -133,7 +133,7 @@ void odxFilterMedian3x3u8_v2(const uint8_t* src, unsigned int srcWidth, unsigned
     srcStride = packedIfZero(srcStride, srcWidth);
     dstStride = packedIfZero(dstStride, srcWidth);
     const Call<odxFilterMedian3x3u8C> call(
-        __func__, [&] { return median3x3(srcWidth, srcHeight, src, srcStride, dst, dstStride); });
+        __func__, ODX_LIMITS(median3x3(srcWidth, srcHeight, src, srcStride, dst, dstStride)));
     ODX_CHECK(src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstStride);
     call(src, srcWidth, srcHeight, srcStride, dst, dstStride);
 }
@@ -144,7 +144,7 @@ void odxBoxFilterNxNf32(const float* src, unsigned int srcWidth, unsigned int sr
     srcStride = packedIfZero(srcStride, srcWidth * sizeof *src);
     dstStride = packedIfZero(dstStride, srcWidth * sizeof *dst);
     const Call<odxBoxFilterNxNf32C> call(
-        __func__, [&] { return bytes(uint64_t{srcWidth} * srcHeight, sizeof *src) & remote(8, src, srcStride); });
+        __func__, ODX_LIMITS(bytes(uint64_t{srcWidth} * srcHeight, sizeof *src) & remote(8, src, srcStride)));
     ODX_CHECK(src && dst && srcWidth && srcHeight && (N > 1) && ((src == dst && srcStride == dstStride) || (src != dst)) && (srcStride >=srcWidth*4) && (dstStride >=srcWidth*4) && srcWidth > 4 && srcHeight > 4);
     call(src, srcWidth, srcHeight, srcStride, N, dst, dstStride);
 }
@@ -153,7 +153,7 @@ odxStatus odxFilterMedianMxNs16(const int16_t* src, unsigned int srcWidth, unsig
                                 unsigned int srcStride, unsigned int M, unsigned int N, int16_t* dst,
                                 unsigned int dstStride)
 {
-    const Call<odxFilterMedianMxNs16C> call(__func__, [&] { return pixels(srcWidth, srcHeight); });
+    const Call<odxFilterMedianMxNs16C> call(__func__, ODX_LIMITS(pixels(srcWidth, srcHeight)));
     const uint64_t packed = sizeof *src * uint64_t{srcWidth};
     const bool windowFits = M >= 3 && N >= 3 && M % 2 == 1 && N % 2 == 1;
     if (!src || !dst || !srcWidth || !srcHeight || srcStride < packed || dstStride < packed || !windowFits) {
