@@ -1,10 +1,11 @@
-// The entries of the stub library, as the library calls them and as a stub defines them. All but the three of the
-// session's own return 0 when the remote processor took the call, 104 when it restarted, and anything else when
-// the call failed; in all but the first case nothing that they point at counts.
+// The entries of the stub library, as the library calls them and as a stub defines them: those of sessions and of
+// the processor itself. remoteOperations.h declares those of operations. All but the three of the session's own
+// return 0 when the remote processor took the call, 104 when it restarted, and anything else when the call failed;
+// in all but the first case nothing that they point at counts.
 #ifndef ODX_DSP_REMOTE_ENTRIES_H
 #define ODX_DSP_REMOTE_ENTRIES_H
 
-#include "dsp/remoteLine.h"
+#include <stdint.h>
 
 #define ODX_STUB_LIBRARY "libondrixadsp_stub.so"
 #define ODX_STUB_INIT "dspRT_initZ9_with_attributes"
@@ -28,13 +29,6 @@ int ondrixadsp_probeZ9TimeX(int64_t* microseconds);
 int ondrixadsp_odxRegisterBufX(uint64_t address, uint32_t nBytes, int32_t descriptor);
 int ondrixadsp_odx_cache_flush_invalidateX(void* buffer, uint32_t bufferLength, uint32_t size);
 int ondrixadsp_odxUpdateDSPMsgFlagX(uint32_t flag, uint32_t* result);
-
-#define ODX_REMOTE(name, ...) \
-    int ondrixadsp_##name##X(ODX_EACH(ODX_REMOTE_PARAMETER, decltype(name##C), __VA_ARGS__));
-#define ODX_REMOTE_SCALAR(name, ...)                                                         \
-    int ondrixadsp_##name##X(ODX_EACH(ODX_REMOTE_PARAMETER, decltype(name##C), __VA_ARGS__), \
-                             odx::dsp::ResultOf<decltype(name##C)>* result);
-#include "dsp/remote.def"
 }
 
 #endif

@@ -44,7 +44,7 @@ Entry* sessionEntry(const char* symbol)
 void compareVersions(const char* version)
 {
     char remote[10] = "";
-    pFnX_odxGetVersionX(remote, sizeof remote);
+    callEntry<decltype(ondrixadsp_odxGetVersionX)>(pFnX_odxGetVersionX, remote, uint32_t{sizeof remote});
     remote[sizeof remote - 1] = '\0';
     if (version[0] == remote[0] && version[1] == remote[1]) return;
     ODX_LOG(Error, "Unmatch CPU and Z9 major version. CPU version is %s, Z9 version is %s", version, remote);
@@ -71,7 +71,7 @@ bool answers()
 {
     const StubInUse stub(StubInUse::kWaits);
     int64_t clock;
-    return pFnX_odxZ9GetClkX != nullptr && pFnX_odxZ9GetClkX(&clock) == 0;
+    return callEntry<decltype(ondrixadsp_odxZ9GetClkX)>(pFnX_odxZ9GetClkX, &clock) == 0;
 }
 
 bool reloadStub()

@@ -1,12 +1,14 @@
 #include "dsp/stub.h"
 
 #include "frame/log.h"
+#include "platform/platform.h"
 
 using namespace odx;
 
 extern "C" {
-#define ODX_REMOTE_ENTRY(name) decltype(&ondrixadsp_##name##X) pFnX_##name##X = nullptr;
-#include "dsp/remote.def"
+#define ODX_ROUTINE(number, name, index, columns, ...) ODX_IF_##columns##_X(void* pFnX_##name##X = nullptr;)
+#define ODX_SERVICE(name) void* pFnX_##name##X = nullptr;
+#include "frame/operations/families.def"
 }
 
 pthread_rwlock_t dsp::stubLock = PTHREAD_RWLOCK_INITIALIZER;
@@ -17,19 +19,22 @@ namespace
 void* adspstubHandle = nullptr;
 uint32_t adspstubReferences = 0;
 
-template <class Entry>
-bool load(Entry*& pointer, const char* symbol)
-{
-    pointer = reinterpret_cast<Entry*>(dlsym_get(symbol));
-    if (pointer == nullptr) ODX_LOG(Error, "Cannot load: %s \n", symbol);
-    return pointer != nullptr;
-}
+struct Symbol {
+    void** pointer;
+    const char* name;
+};
+constexpr Symbol kSymbols[] = {
+#define ODX_ROUTINE(number, name, index, columns, ...) \
+    ODX_IF_##columns##_X({&pFnX_##name##X, "ondrixadsp_" #name "X"}, )
+#define ODX_SERVICE(name) {&pFnX_##name##X, "ondrixadsp_" #name "X"},
+#include "frame/operations/families.def"
+};
 
 // What an unloaded stub leaves behind must not be called.
 void forgetSymbols()
 {
-#define ODX_REMOTE_ENTRY(name) pFnX_##name##X = nullptr;
-#include "dsp/remote.def"
+    for (const Symbol& symbol : kSymbols)
+        *symbol.pointer = nullptr;
 }
 
 } // namespace
@@ -69,9 +74,13 @@ void* dlsym_get(const char* symbol)
 
 int load_stub_symbols()
 {
-#define ODX_REMOTE_ENTRY(name) \
-    if (!load(pFnX_##name##X, "ondrixadsp_" #name "X")) return -1;
-#include "dsp/remote.def"
+    for (const Symbol& symbol : kSymbols) {
+        *symbol.pointer = dlsym_get(symbol.name);
+        if (*symbol.pointer == nullptr) {
+            ODX_LOG(Error, "Cannot load: %s \n", symbol.name);
+            return -1;
+        }
+    }
     return 0;
 }
 }

@@ -1,8 +1,8 @@
-// The variant of every operation with a remote line, `odxXxxX`: it sends the call, and does the work on this
-// processor when that fails.
+// The remote column: the variants of all families, and what they share.
+#include "dsp/variant.h"
+
 #include "dsp/services.h"
 #include "dsp/session.h"
-#include "dsp/stub.h"
 #include "frame/log.h"
 #include "frame/operations.h"
 #include "frame/shared.h"
@@ -10,47 +10,48 @@
 using namespace odx;
 using namespace odx::dsp;
 
-namespace
-{
-
-template <class Entry, class... Arguments>
-int callEntry(Entry* entry, Arguments... arguments)
-{
-    return entry != nullptr ? entry(arguments...) : kUnreachable;
-}
-
-// Whether the remote processor did the call that `send` makes.
-template <class Send>
-bool sent(Send send)
+bool dsp::callRemote(int (*send)(void* context), void* context)
 {
     int code = kUnreachable;
-    if (const StubInUse stub(StubInUse::kNow); stub) code = send();
-    if (__builtin_expect(code == kRestarted, 0)) {
-        code = callAfterRestart([](void* context) { return (*static_cast<Send*>(context))(); }, &send);
-    }
+    if (const StubInUse stub(StubInUse::kNow); stub) code = send(context);
+    if (__builtin_expect(code == kRestarted, 0)) code = callAfterRestart(send, context);
     return code == 0;
 }
 
-// The same operation in the SIMD column.
-template <auto* Reference>
-decltype(Reference) here()
+bool dsp::limitsHold()
 {
-    constexpr OperationNumber number = numberOf<Reference>;
-    static_assert(number != kOperationNumbers, "the reference function is not in the operation list");
-    void* const& entry =
-        number < kPublicSlots
-            ? odxFuncTable.entry[number * kImplementations + ODX_IMPL_ORLAN]
-            : odxInternalFuncTable.entry[(number - kPublicSlots) * kImplementations + ODX_IMPL_ORLAN];
-    return reinterpret_cast<decltype(Reference)>(current(entry));
+    return current(Z9_constraint_checks_enable) != 0;
 }
 
-odxStatus beyondLimits(const char* variant)
+odxStatus dsp::beyondLimits(const char* variant)
 {
     if (current(libLogPrintX) != 0) {
         ODX_LOG(Debug, "%s: Warning - Unsatisfied HW limitation, will try CPU", variant);
     }
     return ONDRIX_UNSUPPORTED_HERE;
 }
+
+void* dsp::simdColumn(uint32_t number)
+{
+    return current(number < kPublicSlots
+                       ? odxFuncTable.entry[number * kImplementations + ODX_IMPL_ORLAN]
+                       : odxInternalFuncTable.entry[(number - kPublicSlots) * kImplementations + ODX_IMPL_ORLAN]);
+}
+
+bool dsp::disjoint(const Range* ranges, size_t count)
+{
+    for (size_t i = 0; i < count; ++i) {
+        for (size_t j = i + 1; j < count && ranges[i].size != 0; ++j) {
+            const Range &a = ranges[i], &b = ranges[j];
+            if (b.size != 0 && (a.begin < b.begin ? b.begin - a.begin < a.size : a.begin - b.begin < b.size))
+                return false;
+        }
+    }
+    return true;
+}
+
+namespace
+{
 
 // The variant of an operation that the remote processor does not have.
 template <class Name, class R, class... Arguments>
@@ -64,51 +65,11 @@ R absent(Arguments...)
 
 extern "C" {
 
-#define ODX_REMOTE(name, ...) decltype(name##C) name##X;
-#define ODX_REMOTE_ABSENT(name)                      \
-    struct name##Absent {                            \
-        static constexpr char variant[] = #name "X"; \
-    };                                               \
-    constexpr decltype(&name##C) name##X = absent<name##Absent>;
-#include "dsp/remote.def"
-
-#define ODX_VARIANT(name, ...) \
-    ResultOf<decltype(name##C)> name##X(ODX_EACH(ODX_PARAMETER, decltype(name##C), __VA_ARGS__))
-#define ODX_HERE(name, ...) here<name##C>()(ODX_EACH(ODX_ARGUMENT, name##C, __VA_ARGS__))
-#define ODX_CAN_TRAVEL(name, ...) \
-    (allOf(ODX_EACH(ODX_FITS, name##C, __VA_ARGS__)) && disjoint({ODX_EACH(ODX_WRITTEN, name##C, __VA_ARGS__)}))
-
-#define ODX_REMOTE(name, ...)                                                                      \
-    ODX_VARIANT(name, __VA_ARGS__)                                                                 \
-    {                                                                                              \
-        ODX_EACH(ODX_DEFAULT, name##C, __VA_ARGS__);                                               \
-        const auto send = [&] {                                                                    \
-            return callEntry(pFnX_##name##X, ODX_EACH(ODX_REMOTE_ARGUMENT, name##C, __VA_ARGS__)); \
-        };                                                                                         \
-        if (!ODX_CAN_TRAVEL(name, __VA_ARGS__) || !sent(send)) ODX_HERE(name, __VA_ARGS__);        \
-    }
-#define ODX_SENT_WITH_RESULT(name, initial, ...)                                                        \
-    ResultOf<decltype(name##C)> result = initial;                                                       \
-    const auto send = [&] {                                                                             \
-        return callEntry(pFnX_##name##X, ODX_EACH(ODX_REMOTE_ARGUMENT, name##C, __VA_ARGS__), &result); \
-    };                                                                                                  \
-    if (ODX_CAN_TRAVEL(name, __VA_ARGS__) && sent(send)) return result;                                 \
-    return ODX_HERE(name, __VA_ARGS__)
-#define ODX_REMOTE_SCALAR(name, ...)                                                                     \
-    ODX_VARIANT(name, __VA_ARGS__)                                                                       \
-    {                                                                                                    \
-        static_assert(!std::is_same_v<ResultOf<decltype(name##C)>, odxStatus>, "use ODX_REMOTE_STATUS"); \
-        ODX_EACH(ODX_DEFAULT, name##C, __VA_ARGS__);                                                     \
-        ODX_SENT_WITH_RESULT(name, 0, __VA_ARGS__);                                                      \
-    }
-#define ODX_REMOTE_STATUS(name, limits, ...)                                                       \
-    ODX_VARIANT(name, __VA_ARGS__)                                                                 \
-    {                                                                                              \
-        ODX_EACH(ODX_DEFAULT, name##C, __VA_ARGS__);                                               \
-        if (current(Z9_constraint_checks_enable) != 0 && !(limits)) return beyondLimits(__func__); \
-        ODX_SENT_WITH_RESULT(name, ONDRIX_FAILURE, __VA_ARGS__);                                   \
-    }
-#include "dsp/remote.def"
+#define ODX_ROUTINE(number, name, index, columns, ...)                                             \
+    ODX_IF_##columns##_X(decltype(name##C) name##X;)                                               \
+        ODX_IF_##columns##_A(struct name##Absent { static constexpr char variant[] = #name "X"; }; \
+                             constexpr decltype(&name##C) name##X = absent<name##Absent>;)
+#include "frame/operations/families.def"
 
 unsigned uXTable(ODX_FUNC_MANAGER* manager, unsigned column)
 {
@@ -133,15 +94,14 @@ unsigned uXTable(ODX_FUNC_MANAGER* manager, unsigned column)
 void* odx::dspVariant(uint32_t operation)
 {
     switch (operation) {
-#define ODX_REMOTE(name, ...) \
-    case op_##name:           \
+#define ODX_CASE(name) \
+    case op_##name:    \
         return reinterpret_cast<void*>(name##X);
-#define ODX_REMOTE_ABSENT(name) ODX_REMOTE(name, )
-#include "dsp/remote.def"
-    case op_probeZ9Time:
-        return reinterpret_cast<void*>(probeZ9TimeX);
-    case op_odxRegisterBuf:
-        return reinterpret_cast<void*>(odxRegisterBufX);
+#define ODX_ROUTINE(number, name, index, columns, ...) \
+    ODX_IF_##columns##_X(ODX_CASE(name)) ODX_IF_##columns##_A(ODX_CASE(name))
+#include "frame/operations/families.def"
+        ODX_CASE(probeZ9Time)
+        ODX_CASE(odxRegisterBuf)
     default:
         return nullptr;
     }

@@ -1,6 +1,10 @@
-// Declares the SIMD functions of the family whose list ODX_ONE_FAMILY names, or of all: each has the type of its
-// reference, which is declared before. No guard: ODX_ONE_FAMILY is another one each time.
+// Declares the SIMD functions of the family whose list ODX_FAMILY_LIST names, or of all: each has the type of its
+// reference, which is declared before. No guard: the list is another one each time.
 #include "frame/operations/words.h"
+
+#ifdef ODX_FAMILY_LIST
+#define ODX_ONE_FAMILY ODX_FAMILY_LIST
+#endif
 
 namespace odx::ODX_TARGET
 {

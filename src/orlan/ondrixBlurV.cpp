@@ -8,7 +8,7 @@
 #include "frame/scratch.h"
 #include "orlan/simd/simd.h"
 
-#define ODX_ONE_FAMILY "frame/operations/smoothing.def"
+#define ODX_FAMILY_LIST "frame/operations/smoothing.def"
 #include "orlan/family.h"
 
 namespace odx::ODX_TARGET

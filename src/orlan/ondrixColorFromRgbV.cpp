@@ -5,7 +5,7 @@
 #include "cpu/ondrixColorFromRgbC.h"
 #include "orlan/simd/simd.h"
 
-#define ODX_ONE_FAMILY "frame/operations/colorFromRgb.def"
+#define ODX_FAMILY_LIST "frame/operations/colorFromRgb.def"
 #include "orlan/family.h"
 
 namespace odx::ODX_TARGET

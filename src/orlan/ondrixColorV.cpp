@@ -4,7 +4,7 @@
 #include "cpu/ondrixColorC.h"
 #include "orlan/simd/simd.h"
 
-#define ODX_ONE_FAMILY "frame/operations/colorToRgb.def"
+#define ODX_FAMILY_LIST "frame/operations/colorToRgb.def"
 #include "orlan/family.h"
 
 namespace odx::ODX_TARGET

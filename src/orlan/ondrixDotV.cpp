@@ -1,7 +1,7 @@
 #include "cpu/ondrixDotC.h"
 #include "orlan/simd/simd.h"
 
-#define ODX_ONE_FAMILY "frame/operations/descriptors.def"
+#define ODX_FAMILY_LIST "frame/operations/descriptors.def"
 #include "orlan/family.h"
 
 namespace odx::ODX_TARGET

@@ -2,7 +2,7 @@
 #include "cpu/ondrixFastC.h"
 #include "orlan/simd/simd.h"
 
-#define ODX_ONE_FAMILY "frame/operations/fastCorners.def"
+#define ODX_FAMILY_LIST "frame/operations/fastCorners.def"
 #include "orlan/family.h"
 
 namespace odx::ODX_TARGET

@@ -4,7 +4,7 @@
 #include "cpu/ondrixHarrisC.h"
 #include "orlan/simd/simd.h"
 
-#define ODX_ONE_FAMILY "frame/operations/harrisCorners.def"
+#define ODX_FAMILY_LIST "frame/operations/harrisCorners.def"
 #include "orlan/family.h"
 
 namespace odx::ODX_TARGET

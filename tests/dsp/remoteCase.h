@@ -3,6 +3,8 @@
 #define ODX_TESTS_DSP_REMOTE_CASE_H
 
 #include "dsp/lines.h"
+#include "dsp/remoteOperations.h"
+#include "dsp/stub.h"
 #include "ondrix.h"
 #include "support/processors.h"
 
@@ -34,6 +36,22 @@ inline uint32_t countBits()
     return odxBitCountu32(words, 3);
 }
 constexpr uint32_t kBits = 33;
+
+// Calls and replaces remote entries.
+template <class Entry>
+Entry* entry(void* pointer)
+{
+    return reinterpret_cast<Entry*>(pointer);
+}
+template <class Entry>
+void setEntry(void*& pointer, Entry* entry)
+{
+    pointer = reinterpret_cast<void*>(entry);
+}
+inline int countRemotely(uint32_t* words, uint32_t* count)
+{
+    return entry<decltype(ondrixadsp_odxBitCountu32X)>(pFnX_odxBitCountu32X)(words, 1, 1, count);
+}
 
 } // namespace odx::test
 

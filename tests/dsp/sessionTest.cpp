@@ -1,7 +1,7 @@
 // Sessions with the remote processor: what opens, what is logged, in which order.
 #include "dsp/session.h"
 
-#include "dsp/lines.h"
+#include "dsp/remoteCase.h"
 #include "dsp/stub.h"
 #include "frame/hardware.h"
 #include "frame/log.h"
@@ -35,8 +35,10 @@ struct Symbol {
 std::vector<Symbol> symbols()
 {
     return {
-#define ODX_REMOTE_ENTRY(name) {"ondrixadsp_" #name "X", reinterpret_cast<void*>(pFnX_##name##X)},
-#include "dsp/remote.def"
+#define ODX_ROUTINE(number, name, index, columns, ...) \
+    ODX_IF_##columns##_X({"ondrixadsp_" #name "X", pFnX_##name##X}, )
+#define ODX_SERVICE(name) {"ondrixadsp_" #name "X", pFnX_##name##X},
+#include "frame/operations/families.def"
     };
 }
 
@@ -227,7 +229,7 @@ TEST(Session, OpensWithAProcessorThatDoesNotStart)
         strcpy(behaviour.version, "9");
         stub.behaves(behaviour);
         uint32_t word = 1, count;
-        EXPECT_EQ(104, pFnX_odxBitCountu32X(&word, 1, 1, &count));
+        EXPECT_EQ(104, countRemotely(&word, &count));
         log.take();
 
         EXPECT_EQ(0, ODXAZ9_init(2, kVersion));

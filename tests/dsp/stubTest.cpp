@@ -18,7 +18,7 @@ TEST(LoopbackStub, MisbehavesAsItsEnvironmentSays)
     };
     const auto call = [] {
         uint32_t word = 1, count;
-        return pFnX_odxBitCountu32X(&word, 1, 1, &count);
+        return countRemotely(&word, &count);
     };
     onProcessor(kArmSimd, [&] {
         setenv("ONDRIX_STUB_FAILURE", "3", 1);
@@ -53,7 +53,8 @@ TEST(LoopbackStub, ALostCallLeavesItsBuffersAlone)
         uint8_t dst[25];
         const auto filter = [&] {
             std::fill_n(dst, 25, uint8_t{7});
-            return pFnX_odxBoxFilter3x3u8X(src, 25, 5, 5, 5, dst, 25, 5);
+            return entry<decltype(ondrixadsp_odxBoxFilter3x3u8X)>(pFnX_odxBoxFilter3x3u8X)(src, 25, 5, 5, 5, dst,
+                                                                                           25, 5);
         };
         EXPECT_EQ(0, filter());
         EXPECT_EQ(0, dst[12]);
@@ -72,7 +73,7 @@ TEST(LoopbackStub, ALengthThatIsTooShortEndsTheProcess)
             return runInChild([length] {
                        static const uint8_t bytes[64] = {};
                        uint32_t count;
-                       pFnX_odxBitCountu8X(bytes, length, 64, &count);
+                       entry<decltype(ondrixadsp_odxBitCountu8X)>(pFnX_odxBitCountu8X)(bytes, length, 64, &count);
                    })
                 .exitStatus;
         };

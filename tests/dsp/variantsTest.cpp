@@ -2,7 +2,6 @@
 #include "dsp/remoteCase.h"
 #include "dsp/services.h"
 #include "dsp/session.h"
-#include "dsp/stub.h"
 #include "frame/operations.h"
 #include "frame/remotePointers.h"
 
@@ -33,9 +32,10 @@ TEST(Variants, AreWhereTheTablesAndPointersSayTheyAre)
                   dspVariant(op_odxFilterMedian3x3u8));
         EXPECT_EQ(odxFilterMedian3x3u8_v2R_, dspVariant(op_odxFilterMedian3x3u8));
         EXPECT_NE(nullptr, odxFilterMedian3x3u8_v2R_);
-        EXPECT_EQ(odxInternalFuncTable.entry[10 * kImplementations + ODX_IMPL_XDSP], probeZ9TimeR_);
+        EXPECT_EQ(odxInternalFuncTable.entry[(op_probeZ9Time - kPublicSlots) * kImplementations + ODX_IMPL_XDSP],
+                  probeZ9TimeR_);
         EXPECT_NE(nullptr, probeZ9TimeR_);
-        EXPECT_EQ(nullptr, dspVariant(362));
+        EXPECT_EQ(nullptr, dspVariant(kEmptySlots[0]));
         EXPECT_EQ(1u, uXTable(nullptr, 2));
         ODX_FUNC_MANAGER manager = *odxMasterFuncManager;
         EXPECT_EQ(4u, uXTable(&manager, 7));
@@ -169,10 +169,11 @@ TEST(Variants, KeepWhatIsTooLongForARemoteCall)
             reinterpret_cast<void*>(boxHere);
         uint8_t byte = 0;
         EXPECT_EQ(0x80000000u, odxBitCountu8(&byte, 0x80000000u));
-        pFnX_odxBitCountu8X = [](const uint8_t*, uint32_t srcLength, uint32_t, uint32_t* result) {
-            *result = srcLength;
-            return 0;
-        };
+        setEntry<decltype(ondrixadsp_odxBitCountu8X)>(
+            pFnX_odxBitCountu8X, [](const uint8_t*, uint32_t srcLength, uint32_t, uint32_t* result) {
+                *result = srcLength;
+                return 0;
+            });
         EXPECT_EQ(0x7FFFFFFFu, odxBitCountu8(&byte, 0x7FFFFFFFu));
         EXPECT_EQ(0x80000000u, local) << "the largest length stayed here";
         odxBoxFilter5x5u8(&byte, 5, 65536, 65536, &byte, 65536); // 2^32 bytes of rows
@@ -240,25 +241,28 @@ TEST(Services, PassTheirArgumentsOn)
 {
     onRemote([](Stub&, LogCapture&) {
         static uint8_t buffer[8];
-        pFnX_odxRegisterBufX = [](uint64_t address, uint32_t nBytes, int32_t descriptor) {
-            EXPECT_TRUE(stubIsHeld());
-            EXPECT_EQ(reinterpret_cast<uintptr_t>(buffer), address);
-            EXPECT_EQ(8u, nBytes);
-            EXPECT_EQ(3, descriptor);
-            return 17;
-        };
+        setEntry<decltype(ondrixadsp_odxRegisterBufX)>(pFnX_odxRegisterBufX,
+                                                       [](uint64_t address, uint32_t nBytes, int32_t descriptor) {
+                                                           EXPECT_TRUE(stubIsHeld());
+                                                           EXPECT_EQ(reinterpret_cast<uintptr_t>(buffer), address);
+                                                           EXPECT_EQ(8u, nBytes);
+                                                           EXPECT_EQ(3, descriptor);
+                                                           return 17;
+                                                       });
         EXPECT_EQ(17, odxRegisterBuf(buffer, 8, 3));
-        pFnX_odx_cache_flush_invalidateX = [](void* address, uint32_t length, uint32_t size) {
-            EXPECT_TRUE(address == buffer ? length == 8 : length == 0);
-            EXPECT_EQ(8u, size);
-            return 18;
-        };
+        setEntry<decltype(ondrixadsp_odx_cache_flush_invalidateX)>(
+            pFnX_odx_cache_flush_invalidateX, [](void* address, uint32_t length, uint32_t size) {
+                EXPECT_TRUE(address == buffer ? length == 8 : length == 0);
+                EXPECT_EQ(8u, size);
+                return 18;
+            });
         EXPECT_EQ(18, odx_cache_flush_invalidateX(buffer, 8));
         EXPECT_EQ(18, odx_cache_flush_invalidateX(nullptr, 8));
-        pFnX_odxUpdateDSPMsgFlagX = [](uint32_t flag, uint32_t* result) {
-            *result = flag + 1;
-            return 0;
-        };
+        setEntry<decltype(ondrixadsp_odxUpdateDSPMsgFlagX)>(pFnX_odxUpdateDSPMsgFlagX,
+                                                            [](uint32_t flag, uint32_t* result) {
+                                                                *result = flag + 1;
+                                                                return 0;
+                                                            });
         EXPECT_EQ(78u, odxUpdateDSPMsgFlagX(77));
     });
 }
@@ -278,7 +282,7 @@ TEST(Services, ForwardToTheProcessor)
         restarting.restartEvery = 1;
         stub.behaves(restarting);
         uint32_t word = 0, count;
-        EXPECT_EQ(104, pFnX_odxBitCountu32X(&word, 1, 1, &count)); // it is down now
+        EXPECT_EQ(104, countRemotely(&word, &count)); // it is down now
         EXPECT_EQ(0, odxZ9GetClkX());
         EXPECT_EQ(0, probeZ9TimeX());
         EXPECT_EQ(104, odxRegisterBuf(buffer, sizeof buffer, 3)); // the application's business

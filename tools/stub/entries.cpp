@@ -3,8 +3,7 @@
 // have exactly the declared length, so that a length that is too short does not go unnoticed.
 #include "processor.h"
 
-#include "cpu/reference.h"
-#include "dsp/remoteEntries.h"
+#include "dsp/remoteOperations.h"
 #include "ondrix/modes.h"
 
 #include <stdio.h>
@@ -18,26 +17,35 @@ using namespace odx::stub;
 namespace
 {
 
+// The processor's own view of an argument: numbers as they are.
 template <class T>
-constexpr size_t sizeOf()
+class Argument
 {
-    if constexpr (std::is_void_v<T>) {
-        return 1;
-    } else {
-        return sizeof(T);
-    }
-}
+public:
+    explicit Argument(T value) : value_(value) {}
+    bool usable() const { return true; }
+    T argument() const { return value_; }
+    void comeBack() const {}
 
-// The processor's own copy of a buffer.
-template <class Pointer, Direction direction>
-class Copy
+private:
+    T value_;
+};
+template <>
+class Argument<Stride> : public Argument<uint32_t>
 {
-    using Element = std::remove_pointer_t<Pointer>;
-    using Bytes = std::conditional_t<std::is_const_v<Element>, const uint8_t, uint8_t>;
+public:
+    using Argument<uint32_t>::Argument;
+};
+
+// Of a buffer, a copy.
+template <class T, Direction direction, size_t unit>
+class Argument<Buffer<T, direction, unit>>
+{
+    using Bytes = std::conditional_t<std::is_const_v<T>, const uint8_t, uint8_t>;
 
 public:
-    Copy(Pointer original, uint32_t length, Unit unit)
-        : original_(reinterpret_cast<Bytes*>(original)), size_(length * (unit == kBytes ? 1 : sizeOf<Element>()))
+    Argument(T* original, uint32_t length)
+        : original_(reinterpret_cast<Bytes*>(original)), size_(size_t{length} * unit)
     {
         if (original == nullptr) return;
         const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
@@ -54,15 +62,15 @@ public:
             memset(copy_, kUndefined, size_);
         }
     }
-    ~Copy()
+    ~Argument()
     {
         if (mapSize_ != 0) munmap(map_, mapSize_);
     }
-    Copy(const Copy&) = delete;
-    Copy& operator=(const Copy&) = delete;
+    Argument(const Argument&) = delete;
+    Argument& operator=(const Argument&) = delete;
 
     bool usable() const { return original_ == nullptr || mapSize_ != 0; }
-    Pointer argument() const { return reinterpret_cast<Pointer>(copy_); }
+    T* argument() const { return reinterpret_cast<T*>(copy_); }
     void comeBack() const
     {
         if constexpr ((direction & kOut) != 0) {
@@ -78,27 +86,14 @@ private:
     uint8_t* copy_ = nullptr;
 };
 
-template <class T>
-class Value
-{
-public:
-    explicit Value(T value) : value_(value) {}
-    bool usable() const { return true; }
-    T argument() const { return value_; }
-    void comeBack() const {}
-
-private:
-    T value_;
-};
-
 // Runs an operation on its items. `result` is null where it has none.
-template <class Operation, class... Items>
-int serve(Operation* operation, ResultOf<Operation>* result, const Items&... items)
+template <class Result, class... A, class... Items>
+int serve(Result (*operation)(A...), Result* result, const Items&... items)
 {
     const Call call;
     if (call.arrival() != kDone) return call.arrival();
     if (!(items.usable() && ...)) return kOutOfMemory;
-    if constexpr (std::is_void_v<ResultOf<Operation>>) {
+    if constexpr (std::is_void_v<Result>) {
         operation(items.argument()...);
     } else {
         *result = operation(items.argument()...);
@@ -108,30 +103,66 @@ int serve(Operation* operation, ResultOf<Operation>* result, const Items&... ite
     return outcome;
 }
 
+// The item that begins at a place among what was sent.
+template <class Item, size_t place, class Sent>
+Argument<Item> itemAt(const Sent& sent)
+{
+    if constexpr (std::tuple_size_v<odx::dsp::Sent<Item>> == 2) {
+        return Argument<Item>(std::get<place>(sent), std::get<place + 1>(sent));
+    } else {
+        return Argument<Item>(std::get<place>(sent));
+    }
+}
+
+// How many of the arguments were sent before an item.
+template <size_t item, class... Items>
+constexpr size_t placeOf()
+{
+    constexpr size_t sizes[] = {std::tuple_size_v<odx::dsp::Sent<Items>>...};
+    size_t place = 0;
+    for (size_t i = 0; i < item; ++i)
+        place += sizes[i];
+    return place;
+}
+
+template <class Result, class... A, class... Items, class Sent, size_t... i>
+int serveSent(Result (*operation)(A...), const Sent& sent, std::tuple<Items...>*, std::index_sequence<i...>)
+{
+    Result* result = nullptr;
+    if constexpr (!std::is_void_v<Result>) result = std::get<std::tuple_size_v<Sent> - 1>(sent);
+    return serve(operation, result, itemAt<Items, placeOf<i, Items...>()>(sent)...);
+}
+
+template <class Description, class Operation, class... Sent>
+int answer(Operation* operation, Sent... sent)
+{
+    using Items = typename Description::Items;
+    return serveSent(operation, std::tuple<Sent...>(sent...), static_cast<Items*>(nullptr),
+                     std::make_index_sequence<std::tuple_size_v<Items>>());
+}
+
 } // namespace
 
 // ---- operations ----
 
-#define ODX_SERVED(f, i, item) ODX_MAKE(ODX_SERVED, f, i, ODX_ITEM_##item)
-#define ODX_SERVED_VALUE(f, i, name) Value<ValueParameter<f, i>>(name)
-#define ODX_SERVED_STRIDE(f, i, name, packed) Value<ValueParameter<f, i>>(name)
-#define ODX_SERVED_BUFFER(f, i, name, count, direction, unit) \
-    Copy<BufferParameter<f, i, direction>, direction>(name, name##Length, unit)
+// A function whose parameters come from a type is a friend of a template.
+#define ODX_ENTRY(name, description)                                                    \
+    template <class Entry>                                                              \
+    struct name##Entry;                                                                 \
+    template <class... Sent>                                                            \
+    struct name##Entry<int(Sent...)> {                                                  \
+        [[gnu::used]] friend int ondrixadsp_##name##X(Sent... sent)                     \
+        {                                                                               \
+            return answer<Described<description, decltype(name##C)>>(name##C, sent...); \
+        }                                                                               \
+    };                                                                                  \
+    template struct name##Entry<decltype(ondrixadsp_##name##X)>;                        \
+    [[maybe_unused]] static constexpr auto* name##Defined = &ondrixadsp_##name##X;
+#define ODX_ROUTINE(number, name, index, columns, pointer, ...) \
+    ODX_IF_##columns##_X(ODX_ENTRY(name, (odx::dsp::__VA_ARGS__)))
+#include "frame/operations/families.def"
 
 extern "C" {
-
-#define ODX_REMOTE(name, ...)                                                                 \
-    int ondrixadsp_##name##X(ODX_EACH(ODX_REMOTE_PARAMETER, decltype(name##C), __VA_ARGS__))  \
-    {                                                                                         \
-        return serve(name##C, nullptr, ODX_EACH(ODX_SERVED, decltype(name##C), __VA_ARGS__)); \
-    }
-#define ODX_REMOTE_SCALAR(name, ...)                                                         \
-    int ondrixadsp_##name##X(ODX_EACH(ODX_REMOTE_PARAMETER, decltype(name##C), __VA_ARGS__), \
-                             ResultOf<decltype(name##C)>* result)                            \
-    {                                                                                        \
-        return serve(name##C, result, ODX_EACH(ODX_SERVED, decltype(name##C), __VA_ARGS__)); \
-    }
-#include "dsp/remote.def"
 
 // ---- the processor itself ----
 

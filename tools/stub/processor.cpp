@@ -2,6 +2,7 @@
 
 #include "dsp/remoteEntries.h"
 #include "frame/shared.h"
+#include "platform/platform.h"
 #include "ondrix/modes.h"
 
 #include <stdarg.h>

@@ -2,22 +2,35 @@
 #ifndef ODX_FRAME_OPERATIONS_WORDS_H
 #define ODX_FRAME_OPERATIONS_WORDS_H
 
-// ODX_IF_<columns>_C(x), ..._V(x) and ..._X(x) give x where an operation has that column.
+// ODX_IF_<columns>_C(x), ..._V(x), ..._X(x) and ..._A(x) give x where an operation has that column.
 #define ODX_IF_none_C(...)
 #define ODX_IF_none_V(...)
 #define ODX_IF_none_X(...)
+#define ODX_IF_none_A(...)
 #define ODX_IF_C_C(...) __VA_ARGS__
 #define ODX_IF_C_V(...)
 #define ODX_IF_C_X(...)
+#define ODX_IF_C_A(...)
 #define ODX_IF_CV_C(...) __VA_ARGS__
 #define ODX_IF_CV_V(...) __VA_ARGS__
 #define ODX_IF_CV_X(...)
+#define ODX_IF_CV_A(...)
 #define ODX_IF_CX_C(...) __VA_ARGS__
 #define ODX_IF_CX_V(...)
 #define ODX_IF_CX_X(...) __VA_ARGS__
+#define ODX_IF_CX_A(...)
 #define ODX_IF_CVX_C(...) __VA_ARGS__
 #define ODX_IF_CVX_V(...) __VA_ARGS__
 #define ODX_IF_CVX_X(...) __VA_ARGS__
+#define ODX_IF_CVX_A(...)
+#define ODX_IF_CA_C(...) __VA_ARGS__
+#define ODX_IF_CA_V(...)
+#define ODX_IF_CA_X(...)
+#define ODX_IF_CA_A(...) __VA_ARGS__
+#define ODX_IF_CVA_C(...) __VA_ARGS__
+#define ODX_IF_CVA_V(...) __VA_ARGS__
+#define ODX_IF_CVA_X(...)
+#define ODX_IF_CVA_A(...) __VA_ARGS__
 
 // ODX_POINTER_<pointer>(x) gives x where there is a remote pointer.
 #define ODX_POINTER_none(...)

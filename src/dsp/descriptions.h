@@ -1,0 +1,10 @@
+// How the arguments of every operation travel, by family.
+#ifndef ODX_DSP_DESCRIPTIONS_H
+#define ODX_DSP_DESCRIPTIONS_H
+
+#include "dsp/ondrixBlurX.h"
+#include "dsp/ondrixColorX.h"
+#include "dsp/ondrixFastX.h"
+#include "dsp/ondrixHarrisX.h"
+
+#endif

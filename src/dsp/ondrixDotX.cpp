@@ -1,0 +1,7 @@
+// Remote variants of the operations on descriptors.
+#include "dsp/shapes.h"
+
+#include "cpu/ondrixDotC.h"
+
+#define ODX_FAMILY_LIST "frame/operations/descriptors.def"
+#include "dsp/variants.h"
