@@ -20,12 +20,16 @@ using namespace color;
 
 struct Triples {
     static constexpr size_t kSize = 3;
+    static constexpr bool kBlueFirst = false;
+    ODX_INLINE u8q pixels(const uint8_t* p) { return loadTriples(p); } // for sums of channels
     ODX_INLINE u8x3 load(const uint8_t* p) { return load3(p); }
     ODX_INLINE void store(uint8_t* p, const u8x3& v) { store3(p, v.a, v.b, v.c); }
 };
 
 struct Quads {
     static constexpr size_t kSize = 4;
+    static constexpr bool kBlueFirst = false;
+    ODX_INLINE u8q pixels(const uint8_t* p) { return loadQuads(p); }
     ODX_INLINE u8x3 load(const uint8_t* p)
     {
         const u8x4 v = load4(p);
@@ -38,6 +42,8 @@ struct Quads {
 template <bool copies>
 struct Words565 {
     static constexpr size_t kSize = 2;
+    static constexpr bool kBlueFirst = false;
+    ODX_INLINE u8x3 pixels(const uint8_t* p) { return load(p); }
     ODX_INLINE u8x3 load(const uint8_t* p)
     {
         const u8x2 v = load2(p);
@@ -54,6 +60,8 @@ struct Words565 {
 template <class Storage>
 struct BlueFirst {
     static constexpr size_t kSize = Storage::kSize;
+    static constexpr bool kBlueFirst = true;
+    ODX_INLINE auto pixels(const uint8_t* p) { return Storage::pixels(p); }
     ODX_INLINE u8x3 load(const uint8_t* p)
     {
         const u8x3 v = Storage::load(p);
@@ -104,42 +112,36 @@ ODX_INLINE void convertImage(ODX_Packed_SOURCE, ODX_Packed_DESTINATION, Group gr
 
 // ---- luma and chroma ----
 
-// The upper bytes of weighted sums, which are from 0 to 65535. The channels are in 16 bits.
-template <int red, int green, int blue, int offset>
-ODX_INLINE u16v sumOf(u16v r, u16v g, u16v b)
+// The weights of a source's channels in order of memory.
+template <class Source, int red, int green, int blue, int offset, class Pixels>
+ODX_INLINE u8v channelSums(const Pixels& pixels)
 {
-    return r * (uint16_t)red + g * (uint16_t)green + b * (uint16_t)blue + (uint16_t)offset;
+    return Source::kBlueFirst ? highSums<blue, green, red, offset>(pixels)
+                              : highSums<red, green, blue, offset>(pixels);
 }
-template <int red, int green, int blue, int offset>
-ODX_INLINE u8v highSum(const u8x3& rgb)
+template <class Source, int red, int green, int blue, int offset, class Pixels>
+ODX_INLINE u16v channelSumsOfPairs(const Pixels& pixels)
 {
-    const u16p r = split(rgb.a), g = split(rgb.b), b = split(rgb.c);
-    return joinShifted<8>(
-        u16p{sumOf<red, green, blue, offset>(r.a, g.a, b.a), sumOf<red, green, blue, offset>(r.b, g.b, b.b)});
-}
-// The same of every second pixel, as 16-bit lanes.
-template <int red, int green, int blue, int offset>
-ODX_INLINE u16v highSumOfPairs(const u8x3& rgb)
-{
-    const auto even = [](u8v v) { return (u16v)v & 0xFF; };
-    return sumOf<red, green, blue, offset>(even(rgb.a), even(rgb.b), even(rgb.c)) >> 8;
+    return Source::kBlueFirst ? highSumsOfPairs<blue, green, red, offset>(pixels)
+                              : highSumsOfPairs<red, green, blue, offset>(pixels);
 }
 
-ODX_INLINE u8v lumaOf(const u8x3& rgb)
+template <class Source, class Pixels>
+ODX_INLINE u8v lumaOf(const Pixels& pixels)
 {
-    return highSum<77, 150, 29, 128>(rgb);
+    return channelSums<Source, 77, 150, 29, 128>(pixels);
 }
 
 // Converts kBytes pixels, with the chroma of every `step`-th one.
 template <class Source, Chroma layout, size_t step>
 ODX_INLINE void toYuv(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr)
 {
-    const u8x3 rgb = Source::load(src);
-    store(y, lumaOf(rgb));
+    const auto pixels = Source::pixels(src);
+    store(y, lumaOf<Source>(pixels));
     const auto limited = [](auto high) { return (u8v)min((u8v)high, u8v{} + 254); };
     if constexpr (step == 1) {
-        const u8v u = limited(highSum<-43, -85, 128, 32640>(rgb)) + 1,
-                  v = limited(highSum<128, -107, -21, 32640>(rgb)) + 1;
+        const u8v u = limited(channelSums<Source, -43, -85, 128, 32640>(pixels)) + 1,
+                  v = limited(channelSums<Source, 128, -107, -21, 32640>(pixels)) + 1;
         if constexpr (layout == Chroma::Planes) {
             store(cb, u);
             store(cr, v);
@@ -147,8 +149,8 @@ ODX_INLINE void toYuv(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr)
             store2(cb, u, v);
         }
     } else {
-        const u16v u = (u16v)limited(highSumOfPairs<-43, -85, 128, 32640>(rgb)) + 1,
-                   v = (u16v)limited(highSumOfPairs<128, -107, -21, 32640>(rgb)) + 1;
+        const u16v u = (u16v)limited(channelSumsOfPairs<Source, -43, -85, 128, 32640>(pixels)) + 1,
+                   v = (u16v)limited(channelSumsOfPairs<Source, 128, -107, -21, 32640>(pixels)) + 1;
         if constexpr (layout == Chroma::Planes) {
             storeNarrow(cb, u);
             storeNarrow(cr, v);
@@ -178,7 +180,8 @@ ODX_INLINE void yuvRow(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr,
 template <class Source>
 ODX_INLINE void yRow(const uint8_t* src, uint8_t* y, size_t width)
 {
-    convertRow<Source::kSize, 1>(src, y, width, [](auto in, auto out) { store(out, lumaOf(Source::load(in))); });
+    convertRow<Source::kSize, 1>(src, y, width,
+                                 [](auto in, auto out) { store(out, lumaOf<Source>(Source::pixels(in))); });
 }
 
 #define ODX_DEFINE(source, pixels) ODX_DEFINE_YUV_ROWS(source, pixels, V)
@@ -212,6 +215,19 @@ struct Repacking<repacked::RGBA8888, repacked::RGB888> : Narrowing<false> {
 };
 template <>
 struct Repacking<repacked::RGBA8888, repacked::BGR888> : Narrowing<true> {
+};
+
+template <>
+struct Repacking<repacked::RGB888, repacked::BGR888> {
+    ODX_INLINE void group(const uint8_t* in, uint8_t* out) { mirror3(out, in); }
+};
+template <>
+struct Repacking<repacked::RGB565, repacked::RGBA8888> {
+    ODX_INLINE void group(const uint8_t* in, uint8_t* out) { widen565<false>(out, in); }
+};
+template <>
+struct Repacking<repacked::RGB565, repacked::BGRA8888> {
+    ODX_INLINE void group(const uint8_t* in, uint8_t* out) { widen565<true>(out, in); }
 };
 
 // Both have words of 16 bits, or of 32, in which red and blue change places and the rest stays.
@@ -260,12 +276,7 @@ ODX_INLINE s16p ofHalves(const u8x3& rgb, Sum sum)
 void odxColorRGB888ToGrayu8V(ODX_Packed_SOURCE, ODX_Packed_DESTINATION)
 {
     convertImage<3, 1>(ODX_Packed_ARGUMENTS, [](const uint8_t* in, uint8_t* out) {
-        // The weight of green needs 17 bits with its sign: 65536 of it are left out, and added after the shift.
-        constexpr int16_t green = (int16_t)(kGrey.green - 65536);
-        const s16p grey = ofHalves(load3(in), [](s16v r, s16v g, s16v b) {
-            return g + dotShift<16>(r, g, b, kGrey.red, green, kGrey.blue, 32768);
-        });
-        store(out, join(u16p{(u16v)grey.a, (u16v)grey.b}));
+        store(out, fineSums<kGrey.red, kGrey.green, kGrey.blue>(in));
     });
 }
 

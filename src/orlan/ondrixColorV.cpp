@@ -16,16 +16,20 @@ using namespace color;
 
 // A scheme in 16 bits. Powers of two that divide the gain are divided out before the sum is made, exactly:
 //     (gain * luma + sum) >> shift = (kGain * luma + (sum >> kCommon)) >> (shift - kCommon)
-// A kGain of 1 leaves no shift, and a sum that is clamped as a signed number. Otherwise the sum could need more
-// than 16 bits, but is clamped to fewer: it is made of unsigned steps that saturate.
+// A kGain of 1 leaves no shift. Otherwise the sum could need more than 16 bits; it is made around the middle of
+// the channels' range, where a sum that saturates is clamped anyway.
 template <const Scheme& s>
 constexpr int kCommon = __builtin_ctz((uint32_t)s.gain);
 template <const Scheme& s>
-constexpr uint16_t kGain = (uint16_t)(s.gain >> kCommon<s>);
+constexpr int kGain = s.gain >> kCommon<s>;
 
-// What is added to kGain * luma: `plus`, as a signed number, for a kGain of 1; else `plus`, and then less `minus`.
+// What brings kGain * (luma - 128) to kGain * (luma - black), less 128 of the channel.
+template <const Scheme& s>
+constexpr int32_t kOrigin = kGain<s>*(128 - s.black) - (128 << (s.shift - kCommon<s>));
+
+// What is added to the luma. A sum that needs more than 16 bits comes in two parts of one sign.
 struct Term {
-    u16v plus, minus;
+    s16v part, rest;
 };
 
 struct TermsV {
@@ -69,20 +73,24 @@ ODX_INLINE s16v weightedSum(s16v u, s16v v)
     }
 }
 
+// Whether a sum, with the origin, needs more than 16 bits.
+template <const Scheme& s, int32_t weightU, int32_t weightV>
+constexpr bool kLong = kGain<s> != 1 && (s.chromaOrigin * (magnitude(weightU) + magnitude(weightV)) >>
+                                         kCommon<s>)+magnitude(kOrigin<s>) > 32767;
+
 template <const Scheme& s, int32_t weightU, int32_t weightV>
 ODX_INLINE Term term(s16v u, s16v v)
 {
-    const u16v sum = (u16v)weightedSum<s, weightU, weightV>(u, v);
+    const s16v sum = weightedSum<s, weightU, weightV>(u, v);
     if constexpr (kGain<s> == 1) {
-        return {sum, u16v{}};
+        return {sum, s16v{}};
+    } else if constexpr (!kLong<s, weightU, weightV>) {
+        return {sum + (int16_t)kOrigin<s>, s16v{}};
     } else {
-        // A sum of one product can need a bit more, but has the sign of its chroma.
-        constexpr bool single = weightU == 0 || weightV == 0;
-        static_assert(!single || weightU + weightV > 0);
-        static_assert(single || s.chromaOrigin * (magnitude(weightU) + magnitude(weightV)) >> kCommon<s> <= 32767);
-        const s16v sign = !single ? (s16v)sum : weightU == 0 ? v : u;
-        const u16v plus = sum & ~(u16v)(sign < 0);
-        return {plus, plus - sum + (uint16_t)(s.black * kGain<s>)};
+        // A bit is missing, but the sum of one product has the sign of its chroma.
+        static_assert((weightU == 0 || weightV == 0) && weightU + weightV > 0);
+        const s16v part = (s16v)((u16v)sum >> 1) | ((weightU == 0 ? v : u) & (int16_t)-32768);
+        return {part, sum - part + (int16_t)kOrigin<s>};
     }
 }
 
@@ -94,22 +102,18 @@ ODX_INLINE TermsV termsOf(u16v cb, u16v cr)
     return {term<s, 0, s.redCr>(u, v), term<s, s.greenCb, s.greenCr>(u, v), term<s, s.blueCb, 0>(u, v)};
 }
 
-// A channel from kGain * luma.
-template <const Scheme& s>
-ODX_INLINE s16v channel(u16v luma, const Term& term)
+// A channel from the halves of kGain * (luma - 128), or from the luma for a kGain of 1.
+template <const Scheme& s, bool isLong>
+ODX_INLINE u8v channel(const s16p& luma, const Term& a, const Term& b)
 {
     if constexpr (kGain<s> == 1) {
         static_assert(s.shift == kCommon<s> && s.black == 0);
-        return (s16v)(luma + term.plus);
+        return joinClamped({luma.a + a.part, luma.b + b.part});
     } else {
-        return (s16v)(subSat(addSat(luma, term.plus), term.minus) >> (s.shift - kCommon<s>));
+        s16p sum = {addSat(luma.a, a.part), addSat(luma.b, b.part)};
+        if constexpr (isLong) sum = {addSat(sum.a, a.rest), addSat(sum.b, b.rest)};
+        return joinCentred<s.shift - kCommon<s>>(sum);
     }
-}
-
-template <const Scheme& s>
-ODX_INLINE u8v channel(const u16p& luma, const Term& a, const Term& b)
-{
-    return joinClamped({channel<s>(luma.a, a), channel<s>(luma.b, b)});
 }
 
 // Writes kBytes pixels.
@@ -118,10 +122,16 @@ ODX_INLINE void convertLuma(const uint8_t* y, const TermsPair& t, uint8_t* dst)
 {
     u8v bytes = load<u8v>(y);
     if constexpr (s.darkest != 0) bytes = max(bytes, u8v{} + (uint8_t)s.darkest);
-    const u16p wide = split(bytes);
-    const u16p luma = {wide.a * kGain<s>, wide.b * kGain<s>};
-    u8v red = channel<s>(luma, t.a.red, t.b.red), green = channel<s>(luma, t.a.green, t.b.green),
-        blue = channel<s>(luma, t.a.blue, t.b.blue);
+    s16p luma;
+    if constexpr (kGain<s> == 1) {
+        const u16p wide = split(bytes);
+        luma = {(s16v)wide.a, (s16v)wide.b};
+    } else {
+        luma = mulCentred<kGain<s>>(bytes);
+    }
+    u8v red = channel<s, kLong<s, 0, s.redCr>>(luma, t.a.red, t.b.red),
+        green = channel<s, kLong<s, s.greenCb, s.greenCr>>(luma, t.a.green, t.b.green),
+        blue = channel<s, kLong<s, s.blueCb, 0>>(luma, t.a.blue, t.b.blue);
     if constexpr (backward) {
         red = reverse(red);
         green = reverse(green);
@@ -139,8 +149,8 @@ ODX_INLINE void convertLuma(const uint8_t* y, const TermsPair& t, uint8_t* dst)
 
 ODX_INLINE Term eachTwice(const Term& t, bool second)
 {
-    const s16p plus = simd::eachTwice((s16v)t.plus), minus = simd::eachTwice((s16v)t.minus);
-    return second ? Term{(u16v)plus.b, (u16v)minus.b} : Term{(u16v)plus.a, (u16v)minus.a};
+    const s16p part = simd::eachTwice(t.part), rest = simd::eachTwice(t.rest);
+    return second ? Term{part.b, rest.b} : Term{part.a, rest.a};
 }
 
 // A pair of chroma for each of the kBytes pixels from x on.

@@ -61,6 +61,13 @@ ODX_INLINE u8v joinClamped(const s16p& p)
     return (u8v)vcombine_u8(vqmovun_s16((int16x8_t)p.a), vqmovun_s16((int16x8_t)p.b));
 }
 
+template <int n>
+ODX_INLINE u8v joinCentred(const s16p& p)
+{
+    const int8x16_t n8 = vcombine_s8(vqshrn_n_s16((int16x8_t)p.a, n), vqshrn_n_s16((int16x8_t)p.b, n));
+    return (u8v)n8 ^ 0x80;
+}
+
 ODX_INLINE s16p eachTwice(s16v v)
 {
     const int16x8x2_t n = vzipq_s16((int16x8_t)v, (int16x8_t)v);
@@ -83,6 +90,35 @@ ODX_INLINE void storeInOrder(int32_t* p, const s32p& pair)
 {
     store(p, pair.a);
     store(p + 4, pair.b);
+}
+
+template <int k>
+ODX_INLINE u16p mulAdd(const u16p& sum, u8v v)
+{
+    static_assert(k >= -255 && k <= 255);
+    const uint8x16_t n = (uint8x16_t)v;
+    const uint16x8_t a = (uint16x8_t)sum.a, b = (uint16x8_t)sum.b;
+    const uint8x8_t weight = vdup_n_u8(k < 0 ? -k : k);
+    if constexpr (k < 0) {
+        return {(u16v)vmlsl_u8(a, vget_low_u8(n), weight), (u16v)vmlsl_u8(b, vget_high_u8(n), weight)};
+    } else {
+        return {(u16v)vmlal_u8(a, vget_low_u8(n), weight), (u16v)vmlal_u8(b, vget_high_u8(n), weight)};
+    }
+}
+
+template <int k>
+ODX_INLINE u16p mul(u8v v)
+{
+    const uint8x16_t n = (uint8x16_t)v;
+    return {(u16v)vmull_u8(vget_low_u8(n), vdup_n_u8(k)), (u16v)vmull_u8(vget_high_u8(n), vdup_n_u8(k))};
+}
+
+template <int k>
+ODX_INLINE s16p mulCentred(u8v v)
+{
+    const u16v origin = u16v{} - (uint16_t)(128 * k);
+    const u16p p = mulAdd<k>({origin, origin}, v);
+    return {(s16v)p.a, (s16v)p.b};
 }
 
 template <int a, int b>
@@ -201,6 +237,50 @@ ODX_INLINE void narrow4(uint8_t* q, const uint8_t* p)
     store3(q, mirrored ? v.c : v.a, v.b, mirrored ? v.a : v.c);
 }
 
+ODX_INLINE void mirror3(uint8_t* q, const uint8_t* p)
+{
+    const u8x3 v = load3(p);
+    store3(q, v.c, v.b, v.a);
+}
+
+// ---- sums of channels ----
+
+typedef u8x3 u8q;
+
+ODX_INLINE u8q loadQuads(const uint8_t* p)
+{
+    const u8x4 v = load4(p);
+    return {v.a, v.b, v.c};
+}
+ODX_INLINE u8q loadTriples(const uint8_t* p)
+{
+    return load3(p);
+}
+
+// From products with the upper and the lower bytes of the weights.
+template <int a, int b, int c>
+ODX_INLINE u8v fineSums(const uint8_t* p)
+{
+    const u8x3 v = load3(p);
+    const u16p upper = mulAdd<c / 256>(mulAdd<b / 256>(mul<a / 256>(v.a), v.b), v.c),
+               lower = mulAdd<c % 256>(mulAdd<b % 256>(mul<a % 256>(v.a), v.b), v.c);
+    return (u8v)vcombine_u8(vrshrn_n_u16(vsraq_n_u16((uint16x8_t)upper.a, (uint16x8_t)lower.a, 8), 8),
+                            vrshrn_n_u16(vsraq_n_u16((uint16x8_t)upper.b, (uint16x8_t)lower.b, 8), 8));
+}
+
+// ---- words of 5, 6 and 5 bits ----
+
+template <bool mirrored>
+ODX_INLINE void widen565(uint8_t* q, const uint8_t* p)
+{
+    const uint8x16x2_t n = vld2q_u8(p);
+    // Channels come to the top of their bytes, and over whatever is below go copies of their high bits.
+    const uint8x16_t low = vshlq_n_u8(n.val[0], 3), middle = vsriq_n_u8(vshlq_n_u8(n.val[1], 5), n.val[0], 3);
+    const u8v first = (u8v)vsriq_n_u8(low, low, 5), second = (u8v)vsriq_n_u8(middle, middle, 6),
+              third = (u8v)vsriq_n_u8(n.val[1], n.val[1], 5);
+    store4(q, mirrored ? third : first, second, mirrored ? first : third, first | 255);
+}
+
 ODX_INLINE u8v popCount(u8v v)
 {
     return (u8v)vcntq_u8((uint8x16_t)v);
@@ -216,6 +296,10 @@ ODX_INLINE uint32_t sumOfBytes(u8v v)
 #endif
 }
 
+ODX_INLINE s16v addSat(s16v v, s16v w)
+{
+    return (s16v)vqaddq_s16((int16x8_t)v, (int16x8_t)w);
+}
 ODX_INLINE u16v addSat(u16v v, u16v w)
 {
     return (u16v)vqaddq_u16((uint16x8_t)v, (uint16x8_t)w);

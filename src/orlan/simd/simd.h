@@ -13,12 +13,31 @@
 //   widen3<mirrored>(q, p)       kBytes pixels of 3 bytes at p as pixels of 4 at q, of which the last is 255
 //   narrow4<mirrored>(q, p)      the first 3 bytes of kBytes pixels of 4; mirrored: the first and the third
 //                                change places
+//   mirror3(q, p)                kBytes pixels of 3 bytes with the first and the third in each other's place
+//   widen565<mirrored>(q, p)     kBytes words of 5, 6 and 5 bits, from the low ones up, as pixels of 4 bytes: each
+//                                with copies of its high bits below, and 255; mirrored: first and third change
+//                                places
+//   loadTriples(p), loadQuads(p) kBytes pixels of 3 or 4 bytes, as a u8q, for sums of the first three, which stand
+//   in
+//                                the target's own order
+//   highSums<a, b, c, offset>(q) the upper bytes of a * first + b * second + c * third + offset for each pixel of
+//   a
+//                                u8q or u8x3; the sums are from 0 to 65535. Weights of no sign have a + b below
+//                                256 and a sum up to 256, others are from -127 to 128, and a + b from -128 to 128
+//   highSumsOfPairs<a, b, c, offset>(q)
+//                                of every second pixel, as 16-bit lanes
+//   fineSums<a, b, c>(p)         (a * first + b * second + c * third + 32768) >> 16 of kBytes pixels of 3 bytes;
+//   the
+//                                weights are positive, a and c below 32768, and 65535 in all
 //   min, max                     of u8v and s16v; max of s32v
 //   split(v), join(pair)         bytes to 16 bits (or signed 16 to 32) and back, as a pair in the target's own
 //                                lane order: even and odd lanes on x86, halves on ARM. join takes values that fit.
 //   joinShifted<n>(pair)         join(pair >> n)
 //   storeInOrder(p, pair)        the 32-bit lanes of a pair
 //   joinClamped(pair)            join of signed values, clamped to 0..255
+//   joinCentred<n>(pair)         128 + (pair >> n) of signed values, clamped to 0..255; n from 1 to 8
+//   mulAdd<k>(pair, v)           pair + v * k of a u16p and a u8v; k from -255 to 255
+//   mulCentred<k>(v)             (v - 128) * k of a u8v as signed values; k up to 255
 //   eachTwice(v)                 each 16-bit lane for two neighbouring bytes, as a pair in the same order
 //   dot2<a, b>(p)                p[i] * a + p[i + 1] * b for each lane i, as a pair in the same order;
 //                                of bytes: a and b up to 127, 255 * (a + b) up to 32767
@@ -31,7 +50,7 @@
 //   reverse(v)                   the last byte first
 //   popCount(v)                  set bits of each byte
 //   sumOfBytes(v)                of all of them
-//   addSat(v, w)                 v + w of u16v, at most 65535
+//   addSat(v, w)                 v + w of u16v and s16v, at most and at least what 16 bits hold
 //   subSat(v, w)                 v - w of u8v and u16v, at least 0
 //   any(v)                       whether any byte is not 0
 //   highest(v)                   the greatest byte
@@ -137,5 +156,6 @@ ODX_INLINE Pair<V> operator<<(const Pair<V>& p, int n)
 #elif defined(__ARM_NEON)
 #include "orlan/simd/neon.h"
 #endif
+#include "orlan/simd/channelSums.h"
 
 #endif

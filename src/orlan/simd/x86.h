@@ -88,6 +88,15 @@ ODX_INLINE u8v joinClamped(const s16p& p)
         halves, inEachLane(_mm_setr_epi8(0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15)));
 }
 
+template <int n>
+ODX_INLINE u8v joinCentred(const s16p& p)
+{
+    const ODX_MI halves = ODX_MM(packs_epi16)((ODX_MI)(p.a >> n), (ODX_MI)(p.b >> n));
+    return (u8v)ODX_MM(shuffle_epi8)(
+               halves, inEachLane(_mm_setr_epi8(0, 8, 1, 9, 2, 10, 3, 11, 4, 12, 5, 13, 6, 14, 7, 15))) ^
+           0x80;
+}
+
 ODX_INLINE s16p eachTwice(s16v v)
 {
     return {v, v};
@@ -117,6 +126,23 @@ ODX_INLINE void storeInOrder(int32_t* p, const s32p& pair)
     store(p, _mm256_permute2x128_si256(low, high, 0x20));
     store(p + 8, _mm256_permute2x128_si256(low, high, 0x31));
 #endif
+}
+
+template <int k>
+ODX_INLINE u16p mulAdd(const u16p& sum, u8v v)
+{
+    static_assert(k >= -255 && k <= 255);
+    const u16p wide = split(v);
+    return {sum.a + wide.a * (uint16_t)k, sum.b + wide.b * (uint16_t)k};
+}
+
+template <int k>
+ODX_INLINE s16p mulCentred(u8v v)
+{
+    static_assert(k >= 0 && k <= 255);
+    const ODX_MI centred = (ODX_MI)(v ^ 0x80);
+    return {(s16v)ODX_MM(maddubs_epi16)(ODX_MM(set1_epi16)(k), centred),
+            (s16v)ODX_MM(maddubs_epi16)(ODX_MM(set1_epi16)((short)(k << 8)), centred)};
 }
 
 template <int a, int b>
@@ -230,6 +256,10 @@ ODX_INLINE uint32_t sumOfBytes(u8v v)
     return (uint32_t)(_mm_cvtsi128_si32(all) + _mm_extract_epi32(all, 2));
 }
 
+ODX_INLINE s16v addSat(s16v v, s16v w)
+{
+    return (s16v)ODX_MM(adds_epi16)((ODX_MI)v, (ODX_MI)w);
+}
 ODX_INLINE u16v addSat(u16v v, u16v w)
 {
     return (u16v)ODX_MM(adds_epu16)((ODX_MI)v, (ODX_MI)w);

@@ -136,6 +136,73 @@ ODX_INLINE void narrow4(uint8_t* q, const uint8_t* p)
     store(q + 128, shuffle(v, w, third));
 }
 
+// All 192 bytes are shuffled from the 128 around each vector.
+ODX_INLINE void mirror3(uint8_t* q, const uint8_t* p)
+{
+    constexpr auto from = [](int i) { return i / 3 * 3 + 2 - i % 3; };
+    static constexpr ShuffleTable first = shuffleTable([=](int i) { return from(i); }),
+                                  second = shuffleTable([=](int i) { return from(i + 64) - 1; }),
+                                  third = shuffleTable([=](int i) { return from(i + 128) - 64; });
+    const u8v t = load<u8v>(p), u = load<u8v>(p + 64), v = load<u8v>(p + 128);
+    const u8v around = shuffle(load<u8v>(p + 1), load<u8v>(p + 65), second);
+    store(q, shuffle(t, u, first));
+    store(q + 64, around);
+    store(q + 128, shuffle(u, v, third));
+}
+
+// ---- sums of channels ----
+
+typedef u8x3 u8q;
+
+ODX_INLINE u8q loadQuads(const uint8_t* p)
+{
+    const u8x4 v = load4(p);
+    return {v.a, v.b, v.c};
+}
+ODX_INLINE u8q loadTriples(const uint8_t* p)
+{
+    return load3(p);
+}
+
+template <int a, int b, int c>
+ODX_INLINE u8v fineSums(const uint8_t* p)
+{
+    static_assert(a <= 32767 && c <= 32767 && b <= 65534);
+    // Words of the first, second, third and second byte of a pixel, from four loads, the last of which ends with
+    // the last pixel.
+    constexpr auto from = [](int i) { return i / 4 * 3 + (i % 4 == 3 ? 1 : i % 4); };
+    static constexpr ShuffleTable table = shuffleTable(from),
+                                  last = shuffleTable([=](int i) { return from(i) + 16; });
+    const auto sums = [](u8v words) {
+        const __m512i ac = (__m512i)((u16v)words & 0xFF), bb = (__m512i)((u16v)words >> 8);
+        return (u8v)((s32v)_mm512_madd_epi16(ac, _mm512_set1_epi32(a | c << 16)) +
+                     (s32v)_mm512_madd_epi16(bb, _mm512_set1_epi32(b / 2 | (b - b / 2) << 16)) + 32768);
+    };
+    static constexpr ShuffleTable third = shuffleTable([](int i) { return 4 * (i % 32) + 2; });
+    const u8v low = shuffle(sums(shuffle(load<u8v>(p), table)), sums(shuffle(load<u8v>(p + 48), table)), third),
+              high =
+                  shuffle(sums(shuffle(load<u8v>(p + 96), table)), sums(shuffle(load<u8v>(p + 128), last)), third);
+    return (u8v)_mm512_shuffle_i32x4((__m512i)low, (__m512i)high, 0x44);
+}
+
+// ---- words of 5, 6 and 5 bits ----
+
+template <bool mirrored>
+ODX_INLINE void widen565(uint8_t* q, const uint8_t* p)
+{
+    static constexpr ShuffleTable low = shuffleTable([](int i) { return i % 4 / 2 * 64 + i / 4 * 2 + i % 2; }),
+                                  high =
+                                      shuffleTable([](int i) { return i % 4 / 2 * 64 + i / 4 * 2 + i % 2 + 32; });
+    for (int half = 0; half < 2; ++half, p += 64, q += 128) {
+        // Products with 2^a + 2^b copy the high bits of a channel below the others.
+        const u16v w = load<u16v>(p), first = mulHigh(w << 11, 0x0108), third = mulHigh(w & 0xF800, 0x0108),
+                   middle = mulHigh(w & 0x07E0, 0x2080) << 8;
+        const u8v ab = (u8v)((mirrored ? third : first) | middle), cd = (u8v)((mirrored ? first : third) | 0xFF00);
+        store(q, shuffle(ab, cd, low));
+        store(q + 64, shuffle(ab, cd, high));
+    }
+}
+
 } // namespace odx::ODX_TARGET::simd
 
 #endif
