@@ -8,20 +8,61 @@ namespace odx::ODX_TARGET
 {
 using namespace simd;
 
+// Adds three bits in each place: the sum goes to the first, the carry is returned.
+ODX_INLINE u8v carry(u8v& sum, u8v a, u8v b)
+{
+    const u8v difference = sum ^ a, both = sum & a;
+    sum = difference ^ b;
+    return both | (difference & b);
+}
+
+// Where the processor does not count the bits of a vector, eight vectors are added bit by bit first, and only
+// their carries are counted.
+struct Adder {
+    u8v ones, twos, fours;
+
+    ODX_MEMBER u8v add(const uint8_t* bytes)
+    {
+        const auto at = [bytes](uint32_t i) { return load<u8v>(bytes + kBytes * i); };
+        const u8v a = carry(ones, at(0), at(1)), b = carry(ones, at(2), at(3)), first = carry(twos, a, b);
+        const u8v c = carry(ones, at(4), at(5)), d = carry(ones, at(6), at(7)), second = carry(twos, c, d);
+        return carry(fours, first, second);
+    }
+    ODX_MEMBER uint32_t rest() const
+    {
+        return sumOfBytes(popCount(ones)) + 2 * sumOfBytes(popCount(twos)) + 4 * sumOfBytes(popCount(fours));
+    }
+};
+
+// The sum of bitsOf(p), at most 8 a byte, of every `step` bytes.
+template <size_t step, class Count>
+ODX_INLINE uint32_t countVectors(const uint8_t* bytes, size_t count, Count bitsOf)
+{
+    uint32_t total = 0;
+    // Counts of 31 steps fit a byte: 31 x 8 = 248.
+    for (size_t i = 0; i < count;) {
+        const size_t end = count - i > 31 * step ? i + 31 * step : count;
+        u8v sums = {};
+        for (; i < end; i += step)
+            sums += bitsOf(bytes + i);
+        total += sumOfBytes(sums);
+    }
+    return total;
+}
+
 static uint32_t countBits(const uint8_t* bytes, size_t count)
 {
     uint32_t total = 0;
     size_t i = 0;
-    while (count - i >= kBytes) {
-        // Counts of 31 vectors fit a byte: 31 x 8 = 248.
-        size_t vectors = (count - i) / kBytes;
-        if (vectors > 31) vectors = 31;
-        u8v sums = {};
-        for (size_t end = i + vectors * kBytes; i < end; i += kBytes)
-            sums += popCount(load<u8v>(bytes + i));
-        total += sumOfBytes(sums);
+    if constexpr (!kCountsBits) {
+        Adder adder = {};
+        i = count / (8 * kBytes) * (8 * kBytes);
+        total = 8 * countVectors<8 * kBytes>(bytes, i, [&](const uint8_t* p) { return popCount(adder.add(p)); }) +
+                adder.rest();
     }
-    for (; i < count; ++i)
+    const size_t whole = count / kBytes * kBytes;
+    total += countVectors<kBytes>(bytes + i, whole - i, [](const uint8_t* p) { return popCount(load<u8v>(p)); });
+    for (i = whole; i < count; ++i)
         total += (uint32_t)__builtin_popcount(bytes[i]);
     return total;
 }

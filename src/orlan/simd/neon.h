@@ -281,6 +281,7 @@ ODX_INLINE void widen565(uint8_t* q, const uint8_t* p)
     store4(q, mirrored ? third : first, second, mirrored ? first : third, first | 255);
 }
 
+constexpr bool kCountsBits = true;
 ODX_INLINE u8v popCount(u8v v)
 {
     return (u8v)vcntq_u8((uint8x16_t)v);

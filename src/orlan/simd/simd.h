@@ -48,7 +48,7 @@
 //                                the same with three products; c is even
 //   reciprocal16(v)              65536 / v, rounded, of s32v from 1 to 255
 //   reverse(v)                   the last byte first
-//   popCount(v)                  set bits of each byte
+//   popCount(v)                  set bits of each byte; kCountsBits: by one instruction
 //   sumOfBytes(v)                of all of them
 //   addSat(v, w)                 v + w of u16v and s16v, at most and at least what 16 bits hold
 //   subSat(v, w)                 v - w of u8v and u16v, at least 0

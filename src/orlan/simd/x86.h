@@ -233,6 +233,7 @@ ODX_INLINE u8v reverse(u8v v)
 namespace odx::ODX_TARGET::simd
 {
 
+constexpr bool kCountsBits = ODX_VECTOR_BYTES == 64;
 ODX_INLINE u8v popCount(u8v v)
 {
 #if ODX_VECTOR_BYTES == 64
