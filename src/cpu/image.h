@@ -1,4 +1,4 @@
-// Addressing of image rows.
+// Images and their rows.
 #ifndef ODX_CPU_IMAGE_H
 #define ODX_CPU_IMAGE_H
 
@@ -20,6 +20,20 @@ template <class T>
 {
     return reinterpret_cast<T*>(reinterpret_cast<char*>(image) + stride * y);
 }
+
+// A single-channel image that is filtered into another of its size. Strides in bytes.
+template <class S, class D = S>
+struct Plane {
+    const S* src;
+    uint32_t width, height;
+    uint32_t srcStride;
+    D* dst;
+    uint32_t dstStride;
+
+    // Width or height of the interior of a filter of size K: 0 for an image that is all border.
+    uint32_t interiorWidth(uint32_t K) const { return width >= K ? width - (K - 1) : 0; }
+    uint32_t interiorHeight(uint32_t K) const { return height >= K ? height - (K - 1) : 0; }
+};
 
 } // namespace odx
 

@@ -3,10 +3,8 @@
 #ifndef ODX_CPU_ONDRIX_BLUR_H
 #define ODX_CPU_ONDRIX_BLUR_H
 
+#include "cpu/image.h"
 #include "ondrix/types.h"
-
-#include <stddef.h>
-#include <stdint.h>
 
 namespace odx::blur
 {
@@ -15,20 +13,6 @@ namespace odx::blur
 constexpr uint16_t kBox3Reciprocal = 7282; // 65536 / 9, rounded
 constexpr uint16_t kBox5Reciprocal = 2621; // 65536 / 25, truncated
 constexpr uint16_t kBox11Reciprocal = 542; // 65536 / 121, rounded
-
-// A single-channel image that is filtered into another of its size. Strides in bytes.
-template <class T>
-struct Plane {
-    const T* src;
-    uint32_t width, height;
-    uint32_t srcStride;
-    T* dst;
-    uint32_t dstStride;
-
-    // Width or height of the interior of a filter of size K: 0 for an image that is all border.
-    uint32_t interiorWidth(uint32_t K) const { return width >= K ? width - (K - 1) : 0; }
-    uint32_t interiorHeight(uint32_t K) const { return height >= K ? height - (K - 1) : 0; }
-};
 
 // Border of a binomial filter of size K from the pixels inside the image: weighted sum divided by the weights
 // used. Defined for (3, 5, 11; u8), (5; s16), (5; s32).

@@ -8,6 +8,7 @@
 #include <string.h>
 #include <type_traits>
 
+using odx::Plane;
 using odx::rowOf;
 using odx::Scratch;
 using namespace odx::blur;

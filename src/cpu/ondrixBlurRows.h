@@ -73,25 +73,8 @@ static inline T middle(T a, T b, T c)
     return larger(smaller(a, b), smaller(larger(a, b), c));
 }
 
-// Sorts the columns from `first` to `last` of a 3x3 window: the largest on top, the smallest at the bottom.
-static inline void sortColumeWiseInWindow3x3(uint8_t* window, int first, int last)
-{
-    for (uint8_t* c = window + first; c <= window + last; ++c) {
-        const uint8_t low = smaller(smaller(c[0], c[3]), c[6]), high = larger(larger(c[0], c[3]), c[6]);
-        c[3] = middle(c[0], c[3], c[6]);
-        c[0] = high;
-        c[6] = low;
-    }
-}
-
-// The median of a window whose columns are sorted like that: the median of the largest of the columns' minima, the
-// median of their medians, and the smallest of their maxima.
-static inline uint8_t findMedianInSortedWindow3x3(const uint8_t* w)
-{
-    return middle(smaller(smaller(w[0], w[1]), w[2]), middle(w[3], w[4], w[5]), larger(larger(w[6], w[7]), w[8]));
-}
-
-// The same for rows.
+// Medians of windows whose columns are sorted: the median of the largest of the columns' minima, the median of
+// their medians, and the smallest of their maxima.
 template <class T>
 static inline void median3x3Row(const T* __restrict above, const T* __restrict here, const T* __restrict below,
                                 T* __restrict out, uint32_t width)

@@ -1,129 +1,48 @@
-// SIMD smoothing filters. Interiors are computed in strips: one vector of columns, walked down a block of rows, so
-// that what neighbouring output rows share stays in registers. Borders are the reference's own code, as are images
-// that are narrower than a vector.
+// SIMD smoothing filters. Interiors are computed in strips (neighbourhood.h). Borders are the reference's own
+// code, as are images that are narrower than a vector.
 #include "cpu/image.h"
 #include "cpu/ondrixBlurC.h"
 #include "cpu/ondrixBlurRows.h"
 #include "frame/log.h"
 #include "frame/scratch.h"
-#include "orlan/simd/simd.h"
+#include "orlan/neighbourhood.h"
 
 #define ODX_FAMILY_LIST "frame/operations/smoothing.def"
 #include "orlan/family.h"
 
 namespace odx::ODX_TARGET
 {
-using namespace simd;
-using blur::Plane;
-
-// ---- strips ----
-
-// Output rows that a strip computes before the next strip begins: enough that the K - 1 rows of its run-up weigh
-// little, few enough that the rows of a block stay in the first-level cache.
-constexpr uint32_t kBlockRows = 16;
-
-// Covers width x height outputs with strips of `lanes` columns: strip(x, y, rows). The first and the last strip of
-// a block overlap their neighbours, so that the others store to whole cache lines where the rows allow it; width
-// must be at least `lanes`.
-template <class T, class Strip>
-ODX_INLINE void forStrips(const T* dst, uint32_t width, uint32_t height, uint32_t blockRows, Strip strip)
-{
-    constexpr uint32_t lanes = kBytes / sizeof(T);
-    const uint32_t aligned = (uint32_t)(-(uintptr_t)dst % kBytes / sizeof(T));
-    for (uint32_t y = 0, rows; y < height; y += rows) {
-        rows = height - y < blockRows ? height - y : blockRows;
-        uint32_t x = 0;
-        if (aligned != 0) {
-            strip(x, y, rows);
-            x = aligned;
-        }
-        for (; x < width && width - x >= lanes; x += lanes)
-            strip(x, y, rows);
-        if (x < width) strip(width - lanes, y, rows);
-    }
-}
-
-// Runs a filter over the interior of an image. `Filter` has the kernel's size K, the number of lanes it computes,
-// and the state of a strip: `push(row)` takes the next source row, from the leftmost tap of the first lane on, and
-// once K rows were pushed gives what `output` makes a vector of outputs of.
-template <class Filter, class T>
-ODX_INLINE void filterInterior(const Plane<T>& plane)
-{
-    constexpr uint32_t r = Filter::K / 2;
-    T* const dst = rowOf(plane.dst, plane.dstStride, r) + r;
-    const size_t srcStride = plane.srcStride, dstStride = plane.dstStride;
-    forStrips(dst, plane.interiorWidth(Filter::K), plane.interiorHeight(Filter::K), kBlockRows,
-              [&](uint32_t x, uint32_t y, uint32_t rows) {
-                  const T* in = rowOf(plane.src, srcStride, y) + x;
-                  T* out = rowOf(dst, dstStride, y) + x;
-                  Filter filter;
-                  for (uint32_t i = 0; i < Filter::K - 1; ++i, in = rowOf(in, srcStride, 1))
-                      filter.push(in);
-                  for (uint32_t i = 0; i < rows; ++i) {
-                      store(out, filter.output(filter.push(in)));
-                      in = rowOf(in, srcStride, 1);
-                      out = rowOf(out, dstStride, 1);
-                  }
-              });
-}
-
-template <class Filter, class T>
-ODX_INLINE bool tooNarrow(const Plane<T>& plane)
-{
-    return plane.interiorWidth(Filter::K) < kBytes / sizeof(T);
-}
-
-// A binomial kernel of order n in one direction is n sums of neighbours: sum[i] holds the previous row of each
-// stage.
-template <class Sum, int n>
-struct BinomialColumn {
-    Sum stage[n] = {};
-
-    ODX_MEMBER Sum push(Sum sum)
-    {
-        for (int i = 0; i < n; ++i) {
-            const Sum next = sum + stage[i];
-            stage[i] = sum;
-            sum = next;
-        }
-        return sum;
-    }
-};
 
 // ---- Gaussians ----
 
-struct Gaussian3x3 {
-    static constexpr uint32_t K = 3;
+struct Gaussian3x3 : Window<3, 3, kBytes> {
     BinomialColumn<u16p, 2> column; // sums up to 16 x 255
 
     ODX_MEMBER auto push(const uint8_t* row) { return column.push(dot2<1, 2>(row) + split(load<u8v>(row + 2))); }
-    ODX_MEMBER static u8v output(const u16p& sum) { return joinShifted<4>(sum); }
+    ODX_MEMBER static void write(const u16p& sum, uint8_t* out) { store(out, joinShifted<4>(sum)); }
 };
 
-struct Gaussian5x5 {
-    static constexpr uint32_t K = 5;
+struct Gaussian5x5 : Window<5, 5, kBytes> {
     BinomialColumn<u16p, 4> column; // sums up to 256 x 255
 
     ODX_MEMBER auto push(const uint8_t* row)
     {
         return column.push(dot2<1, 4>(row) + dot2<6, 4>(row + 2) + split(load<u8v>(row + 4)));
     }
-    ODX_MEMBER static u8v output(const u16p& sum) { return joinShifted<8>(sum); }
+    ODX_MEMBER static void write(const u16p& sum, uint8_t* out) { store(out, joinShifted<8>(sum)); }
 };
 
-struct Gaussian5x5s16 {
-    static constexpr uint32_t K = 5;
+struct Gaussian5x5s16 : Window<5, 5, kBytes / 2> {
     BinomialColumn<s32p, 4> column;
 
     ODX_MEMBER auto push(const int16_t* row)
     {
         return column.push(dot2<1, 4>(row) + dot2<6, 4>(row + 2) + split(load<s16v>(row + 4)));
     }
-    ODX_MEMBER static s16v output(const s32p& sum) { return joinShifted<8>(sum); }
+    ODX_MEMBER static void write(const s32p& sum, int16_t* out) { store(out, joinShifted<8>(sum)); }
 };
 
-struct Gaussian5x5s32 {
-    static constexpr uint32_t K = 5;
+struct Gaussian5x5s32 : Window<5, 5, kBytes / 4> {
     BinomialColumn<u32v, 4> column; // modulo 2^32
 
     ODX_MEMBER auto push(const int32_t* row)
@@ -131,7 +50,7 @@ struct Gaussian5x5s32 {
         return column.push(load<u32v>(row) + load<u32v>(row + 4) +
                            4 * (load<u32v>(row + 1) + load<u32v>(row + 3)) + 6 * load<u32v>(row + 2));
     }
-    ODX_MEMBER static s32v output(const u32v& sum) { return (s32v)sum >> 8; }
+    ODX_MEMBER static void write(const u32v& sum, int32_t* out) { store(out, (s32v)sum >> 8); }
 };
 
 void odxFilterGaussian3x3u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
@@ -141,7 +60,7 @@ void odxFilterGaussian3x3u8V(const uint8_t* src, unsigned int srcWidth, unsigned
     if (tooNarrow<Gaussian3x3>(plane)) {
         return odxFilterGaussian3x3u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride, border);
     }
-    filterInterior<Gaussian3x3>(plane);
+    filterInterior(Gaussian3x3(), plane);
     if (border == 1) blur::binomialBorder<3>(plane);
 }
 
@@ -154,7 +73,7 @@ odxStatus odxFilterGaussian3x3u8_v3V(const uint8_t* src, unsigned int srcWidth, 
         return odxFilterGaussian3x3u8_v3C(src, srcWidth, srcHeight, srcStride, dst, dstStride, borderType,
                                           borderValue);
     }
-    filterInterior<Gaussian3x3>(plane);
+    filterInterior(Gaussian3x3(), plane);
     if (borderType == ONDRIX_BORDER_UNDEFINED) {
         blur::binomialBorder<3>(plane);
     } else {
@@ -167,7 +86,7 @@ template <class Filter, class T, class Reference>
 ODX_INLINE void gaussian5x5(const Plane<T>& p, int border, Reference* reference)
 {
     if (tooNarrow<Filter>(p)) return reference(p.src, p.width, p.height, p.srcStride, p.dst, p.dstStride, border);
-    filterInterior<Filter>(p);
+    filterInterior(Filter(), p);
     if (border == 1) blur::binomialBorder<5>(p);
 }
 
@@ -228,7 +147,8 @@ void odxFilterGaussian11x11u8V(const uint8_t* src, unsigned int srcWidth, unsign
 {
     const Plane<uint8_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
     const uint32_t width = plane.interiorWidth(11), height = plane.interiorHeight(11);
-    if (width < kBytes / 2) {
+    constexpr uint32_t lanes = kBytes / 2;
+    if (width < lanes) {
         return odxFilterGaussian11x11u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride, border);
     }
     uint8_t* const first = rowOf(dst, dstStride, 5) + 5;
@@ -238,13 +158,14 @@ void odxFilterGaussian11x11u8V(const uint8_t* src, unsigned int srcWidth, unsign
         for (uint32_t left = 0; left < width; left += kTileWidth) {
             const uint32_t rest = width - left < kTileWidth ? width - left : kTileWidth;
             // What is narrower than a vector goes with some of the tile before it.
-            const uint32_t columns = rest < kBytes / 2 ? kBytes / 2 : rest, start = left + rest - columns;
+            const uint32_t columns = rest < lanes ? lanes : rest, start = left + rest - columns;
             const uint8_t* const in = rowOf(src, srcStride, y) + start;
             uint8_t* const out = rowOf(first, dstStride, y) + start;
-            forStrips(sums, columns + 10, rows + 2, rows + 2, [&](uint32_t x, uint32_t, uint32_t count) {
-                gaussian11Columns(in + x, srcStride, sums + x, count);
-            });
-            forStrips(sums, columns, rows, rows, [&](uint32_t x, uint32_t, uint32_t count) {
+            forStrips<lanes, 1>(columns + 10, rows + 2, 0, rows + 2,
+                                [&](auto, uint32_t x, uint32_t, uint32_t count) {
+                                    gaussian11Columns(in + x, srcStride, sums + x, count);
+                                });
+            forStrips<lanes, 1>(columns, rows, 0, rows, [&](auto, uint32_t x, uint32_t, uint32_t count) {
                 gaussian11Rows(sums + x, out + x, dstStride, count);
             });
         }
@@ -254,8 +175,7 @@ void odxFilterGaussian11x11u8V(const uint8_t* src, unsigned int srcWidth, unsign
 
 // ---- means ----
 
-struct Box3x3 {
-    static constexpr uint32_t K = 3;
+struct Box3x3 : Window<3, 3, kBytes> {
     u16p previous[2] = {};
 
     ODX_MEMBER u16p push(const uint8_t* row)
@@ -266,10 +186,10 @@ struct Box3x3 {
         previous[1] = next;
         return sum;
     }
-    ODX_MEMBER static u8v output(const u16p& sum)
+    ODX_MEMBER static void write(const u16p& sum, uint8_t* out)
     {
         constexpr int16_t half = blur::kBox3Reciprocal / 2; // (sum * 7282 + 32768) >> 16
-        return join({mulRound(sum.a, half), mulRound(sum.b, half)});
+        store(out, join({mulRound(sum.a, half), mulRound(sum.b, half)}));
     }
 };
 
@@ -281,7 +201,7 @@ odxStatus odxBoxFilter3x3u8_v2V(const uint8_t* src, unsigned int srcWidth, unsig
     if (tooNarrow<Box3x3>(plane)) {
         return odxBoxFilter3x3u8_v2C(src, srcWidth, srcHeight, srcStride, dst, dstStride, borderType, borderValue);
     }
-    filterInterior<Box3x3>(plane);
+    filterInterior(Box3x3(), plane);
     blur::box3x3Border(plane, borderType, borderValue);
     return ONDRIX_SUCCESS;
 }
@@ -353,8 +273,8 @@ ODX_INLINE void boxStrip(const Plane<uint8_t>& plane, uint32_t x, uint32_t y0, u
 template <uint32_t K>
 ODX_INLINE void boxFilter(const Plane<uint8_t>& plane)
 {
-    forStrips(plane.dst, plane.width, plane.height, 4 * kBlockRows,
-              [&](uint32_t x, uint32_t y, uint32_t rows) { boxStrip<K>(plane, x, y, rows); });
+    forStrips<kBytes, 1>(plane.width, plane.height, columnsToAligned(plane.dst), 64,
+                         [&](auto, uint32_t x, uint32_t y, uint32_t rows) { boxStrip<K>(plane, x, y, rows); });
 }
 
 void odxBoxFilter5x5u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride,
@@ -465,8 +385,7 @@ struct Sorted {
 };
 
 // The median of a window whose rows are sorted. A row is sorted once for the three windows that hold it.
-struct Median3x3 {
-    static constexpr uint32_t K = 3;
+struct Median3x3 : Window<3, 3, kBytes> {
     Sorted rows[2];
 
     ODX_MEMBER u8v push(const uint8_t* row)
@@ -481,7 +400,7 @@ struct Median3x3 {
         rows[1] = next;
         return median;
     }
-    ODX_MEMBER static u8v output(u8v median) { return median; }
+    ODX_MEMBER static void write(u8v median, uint8_t* out) { store(out, median); }
 };
 
 void odxFilterMedian3x3u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
@@ -491,7 +410,7 @@ void odxFilterMedian3x3u8V(const uint8_t* src, unsigned int srcWidth, unsigned i
     if (tooNarrow<Median3x3>(plane)) {
         return odxFilterMedian3x3u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride);
     }
-    filterInterior<Median3x3>(plane);
+    filterInterior(Median3x3(), plane);
 }
 
 odxStatus odxFilterMedian3x3u8_v3V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
