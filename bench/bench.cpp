@@ -1,21 +1,29 @@
-// ondrix_bench [--picture=FILE] [--report=FOLDER] [options of the benchmark library]
+// ondrix_bench [--filter=REGEX] [--quick] [--large] [--picture=FILE] [--report=FOLDER] [--count]
 //
 // Measures every operation on one thread: by the reference, by each SIMD target, beside memcpy of the same bytes
-// and the nearest calls of other libraries. All of it is interleaved at random, so that what else the machine does
-// hits everyone alike; what counts is the least time of all repetitions. --benchmark_filter takes a part of the
-// rows.
+// and the nearest calls of other libraries. What counts is the least time.
+//   --filter   only operations whose name, size and content have a part that matches ("Median", "u8.*1920x1080")
+//   --quick    small images and little time, for a first look
+//   --large    the pictures of cameras in place of the usual sizes
+//   --picture  a picture to look at, too, where content matters
+//   --report   leaves a table and a chart in the folder
+//   --count    counts instructions in place of time: a line of operation, size, who and count for each. For QEMU
+//              with the plugin in arm/.
 #include "content.h"
 #include "peers.h"
+#include "race.h"
 #include "report.h"
 
 #include "cpu/ondrixDotC.h"
 #include "ondrix/descriptors.h"
 #include "ondrix/modes.h"
 
-#include <benchmark/benchmark.h>
-
+#include <chrono>
 #include <fstream>
 #include <iostream>
+#include <map>
+#include <regex>
+#include <unistd.h>
 
 namespace odx::bench
 {
@@ -29,220 +37,264 @@ using test::Extent;
 using test::Measurement;
 using test::Row;
 
-// A name is kind, operation, size and content, who ran it: "row|odxFilterMedian3x3u8|640x480|avx2".
-std::string nameOf(const std::string& kind, const std::string& operation, const std::string& size,
-                   const std::string& who)
-{
-    return kind + "|" + operation + "|" + size + "|" + who;
-}
+struct Options {
+    std::string filter, picture, report;
+    bool quick = false, large = false, count = false;
 
-class Reporter : public benchmark::BenchmarkReporter
-{
-public:
-    bool ReportContext(const Context&) override { return true; }
-    void ReportRuns(const std::vector<Run>& runs) override
+    std::vector<Extent> extents() const
     {
-        for (const Run& run : runs) {
-            if (run.run_type != Run::RT_Iteration || run.error_occurred) continue;
-            const double time = run.GetAdjustedRealTime();
-            double& least = times_[run.run_name.function_name];
-            if (least == 0 || time < least) least = time;
-        }
+        if (quick) return {{640, 480}};
+        if (large) return {{4000, 3000}, {8192, 6144}};
+        return {{640, 480}, {1920, 1080}};
     }
-    // The least time of a benchmark, 0 where it did not run.
-    double operator[](const std::string& name) const
-    {
-        const auto found = times_.find(name);
-        return found == times_.end() ? 0 : found->second;
-    }
-
-private:
-    std::map<std::string, double> times_;
+    Effort effort() const { return quick ? Effort{6, 0.002, 0.04} : Effort{16, 0.005, 0.25}; }
 };
 
-void registerTimed(const std::string& name, std::function<void(benchmark::State&)> body)
-{
-    benchmark::RegisterBenchmark(name.c_str(), std::move(body))
-        ->Unit(benchmark::kNanosecond)
-        ->UseRealTime()
-        ->MinTime(0.1)
-        ->Repetitions(7);
-}
-
-// The cost of the entry point, which checks, traces and dispatches: a call through it beside a direct one.
-void registerWrapper()
-{
-    static const uint8_t bits[1] = {0x5A};
-    registerTimed("wrapper|entry", [](benchmark::State& state) {
-        odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE);
-        auto* volatile call = odxBitCountu8;
-        for (auto _ : state)
-            benchmark::DoNotOptimize(call(bits, 1));
-    });
-    registerTimed("wrapper|direct", [](benchmark::State& state) {
-        auto* volatile call = odxBitCountu8C;
-        for (auto _ : state)
-            benchmark::DoNotOptimize(call(bits, 1));
-    });
-}
-
+// An operation on an image size and content.
 struct Subject {
-    std::string size; // with the content, where that matters
-    Measurement measurement;
+    Row row;
+    Extent extent;
+    std::string content; // "" where it does not matter
+
+    std::string size() const
+    {
+        return std::to_string(extent.width) + "x" + std::to_string(extent.height) +
+               (content.empty() ? "" : " " + content);
+    }
 };
 
-class Benchmarks
+std::vector<Subject> subjectsOf(const Options& options)
+{
+    const std::regex filter(options.filter);
+    std::vector<Subject> subjects;
+    for (const Row& row : test::allRows()) {
+        std::vector<std::string> contents = {""};
+        if (row.contentMatters) contents = {"noise", "scene"};
+        if (row.contentMatters && !options.picture.empty()) contents.push_back("picture");
+        for (const std::string& content : contents) {
+            for (const Extent extent : options.extents()) {
+                const Subject subject{row, extent, content};
+                if (std::regex_search(row.operation + (" " + subject.size()), filter)) subjects.push_back(subject);
+            }
+        }
+    }
+    return subjects;
+}
+
+class Benchmark
 {
 public:
-    explicit Benchmarks(const std::string& picture)
+    explicit Benchmark(const Options& options) : options_(options) {}
+
+    // Times of one subject. Columns share their images, and so their places in memory.
+    Line time(const Subject& subject)
     {
-        for (const Extent extent : {Extent{640, 480}, Extent{1920, 1080}}) {
-            const std::string size = std::to_string(extent.width) + "x" + std::to_string(extent.height);
-            noise_.push_back({size, {extent}});
-            addPicture(size + " scene", extent, scene(extent));
-            if (!picture.empty()) addPicture(size + " picture", extent, pictureFile(picture, extent));
-        }
-        for (const Row& row : rows_) {
-            forSubjects(row, [&](const Subject& subject) { registerRow(row, subject); });
-        }
-        registerWrapper();
+        const Measurement measurement = measurementOf(subject);
+        std::vector<Contender> contenders;
+        for (const Column& column : columns_)
+            contenders.push_back({column.name, column.select, {}});
+        const std::vector<Peer> peers = Peers::of(subject.row.operation);
+        for (const Peer& peer : peers)
+            contenders.push_back({peer.library, {}, peer.prepare(measurement)});
+        columns_.front().select();
+        Draw* drawn = nullptr;
+        Draw draw(measurement, [&](const std::function<void()>& operation) {
+            for (size_t i = 0; i < columns_.size(); ++i)
+                contenders[i].call = operation;
+            operation();
+            contenders.push_back({"memcpy", {}, copyOf(drawn->bytesMoved())});
+            race(contenders, options_.effort());
+        });
+        drawn = &draw;
+        subject.row.run(draw);
+
+        Line line = {subject.row.operation, subject.size(), contenders.back().nanoseconds, {}, {}};
+        for (size_t i = 0; i + 1 < contenders.size(); ++i)
+            (i < columns_.size() ? line.columns : line.peers)
+                .push_back({contenders[i].name, contenders[i].nanoseconds});
+        return line;
     }
 
-    std::vector<Line> lines(const Reporter& times) const
+    // Each column starts from the same images, so that its count does not depend on the others.
+    void count(const Subject& subject)
     {
-        std::vector<Line> lines;
-        for (const Row& row : rows_) {
-            forSubjects(row, [&](const Subject& subject) {
-                Line line = {row.operation, subject.size, 0, {}, {}};
-                for (const Column& column : columns_) {
-                    const double time = times[nameOf("row", row.operation, subject.size, column.name)];
-                    if (time > 0) line.columns.push_back({column.name, time});
-                }
-                for (const Peer& peer : peers_) {
-                    const double time = times[nameOf("peer", peer.operation, subject.size, peer.library)];
-                    if (row.operation == std::string(peer.operation) && time > 0)
-                        line.peers.push_back({peer.library, time});
-                }
-                line.copy = times[nameOf("copy", row.operation, subject.size, "memcpy")];
-                if (!line.columns.empty()) lines.push_back(line);
+        const Measurement measurement = measurementOf(subject);
+        const std::string label = subject.row.operation + ("\t" + subject.size()) + "\t";
+        for (const Column& column : columns_) {
+            column.select();
+            Draw draw(measurement, [&](const std::function<void()>& operation) {
+                countInstructions(label + column.name, operation);
             });
+            subject.row.run(draw);
         }
-        return lines;
+        for (const Peer& peer : Peers::of(subject.row.operation)) {
+            const Call call = peer.prepare(measurement);
+            call();
+            countInstructions(label + peer.library, call);
+        }
     }
 
 private:
-    void addPicture(const std::string& size, Extent extent, std::vector<uint8_t> pixels)
+    // A copy that moves as many bytes. A copy reads and writes.
+    Call copyOf(size_t bytesMoved)
     {
+        const size_t bytes = bytesMoved / 2;
+        memory_.resize(2 * bytes + 8192, 1);
+        // Neither at the same place of a page, which slows copies down, nor at that of a cache line.
+        uint8_t* const from = memory_.data() + -reinterpret_cast<uintptr_t>(memory_.data()) % 4096;
+        uint8_t* const to = from + bytes / 64 * 64 + 64 + (bytes / 64 % 64 < 32 ? 2048 : 0);
+        return [=] {
+            memcpy(to, from, bytes);
+            asm volatile("" : : : "memory");
+        };
+    }
+
+    Measurement measurementOf(const Subject& subject)
+    {
+        if (subject.content.empty() || subject.content == "noise") return {subject.extent};
+        std::vector<uint8_t>& pixels = pictures_[subject.size()];
+        if (pixels.empty())
+            pixels =
+                subject.content == "scene" ? scene(subject.extent) : pictureFile(options_.picture, subject.extent);
         if (pixels.empty()) {
             std::cerr << "the picture cannot be read\n";
             exit(1);
         }
-        pixels_.push_back(std::make_unique<std::vector<uint8_t>>(std::move(pixels)));
-        pictures_.push_back({size, {extent, pixels_.back()->data()}});
+        return {subject.extent, pixels.data()};
     }
 
-    template <class F>
-    void forSubjects(const Row& row, F f) const
-    {
-        for (const Subject& subject : noise_)
-            f(row.contentMatters ? Subject{subject.size + " noise", subject.measurement} : subject);
-        if (!row.contentMatters) return;
-        for (const Subject& subject : pictures_)
-            f(subject);
-    }
-
-    void registerRow(const Row& row, const Subject& subject)
-    {
-        const Measurement measurement = subject.measurement;
-        for (const Column& column : columns_) {
-            registerTimed(nameOf("row", row.operation, subject.size, column.name), [=](benchmark::State& state) {
-                column.select();
-                Draw draw(measurement, [&](const std::function<void()>& operation) {
-                    for (auto _ : state)
-                        operation();
-                });
-                row.run(draw);
-            });
-        }
-        for (const Peer& peer : peers_) {
-            if (row.operation != std::string(peer.operation)) continue;
-            registerTimed(nameOf("peer", peer.operation, subject.size, peer.library),
-                          [=](benchmark::State& state) {
-                              const std::function<void()> call = peer.prepare(measurement);
-                              call(); // the peer allocates its destination now
-                              for (auto _ : state)
-                                  call();
-                          });
-        }
-        registerTimed(nameOf("copy", row.operation, subject.size, "memcpy"), [=](benchmark::State& state) {
-            Draw draw(measurement, [](const std::function<void()>&) {});
-            row.run(draw);
-            const size_t bytes = draw.bufferBytes() / 2; // a copy reads and writes
-            // Neither at the same place of a page, which slows copies down, nor at that of a cache line.
-            std::vector<uint8_t> memory(2 * bytes + 8192, 1);
-            uint8_t* const from = memory.data() + -reinterpret_cast<uintptr_t>(memory.data()) % 4096;
-            uint8_t* const to = from + bytes / 64 * 64 + 64 + (bytes / 64 % 64 < 32 ? 2048 : 0);
-            for (auto _ : state) {
-                memcpy(to, from, bytes);
-                benchmark::ClobberMemory();
-            }
-        });
-    }
-
-    std::vector<Row> rows_ = test::allRows();
+    Options options_;
     std::vector<Column> columns_ = test::allColumns();
-    std::vector<Peer> peers_ = allPeers();
-    std::vector<Subject> noise_, pictures_;
-    std::vector<std::unique_ptr<std::vector<uint8_t>>> pixels_;
+    std::map<std::string, std::vector<uint8_t>> pictures_; // made when they are first asked for
+    std::vector<uint8_t> memory_;
 };
 
-// Takes an argument of the form --name=value out of the list; empty if it is not there.
-std::string takeArgument(std::vector<char*>& arguments, const std::string& name)
+// The cost of the entry point, which checks, traces and dispatches: a call through it beside a direct one.
+double entryCost(const Effort& effort)
 {
-    const std::string prefix = "--" + name + "=";
-    for (size_t i = 1; i < arguments.size(); ++i) {
-        const std::string argument = arguments[i];
-        if (argument.compare(0, prefix.size(), prefix) != 0) continue;
-        arguments.erase(arguments.begin() + static_cast<std::ptrdiff_t>(i));
-        return argument.substr(prefix.size());
+    static const uint8_t bits[1] = {0x5A};
+    odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE);
+    const auto calling = [](auto* volatile call) {
+        return [call] {
+            const auto result = call(bits, 1);
+            asm volatile("" : : "r"(&result) : "memory");
+        };
+    };
+    std::vector<Contender> contenders = {{"entry", {}, calling(odxBitCountu8)},
+                                         {"direct", {}, calling(odxBitCountu8C)}};
+    race(contenders, effort);
+    return contenders[0].nanoseconds - contenders[1].nanoseconds;
+}
+
+// How far it is, for whoever waits.
+class Progress
+{
+public:
+    explicit Progress(size_t total) : total_(total) {}
+    void show(size_t done, const std::string& next) const
+    {
+        const double spent = std::chrono::duration<double>(Clock::now() - start_).count();
+        std::string left;
+        if (done > 0) {
+            const int seconds =
+                static_cast<int>(spent / static_cast<double>(done) * static_cast<double>(total_ - done));
+            left = ", " + std::to_string(seconds / 60) + " min " + std::to_string(seconds % 60) + " s left";
+        }
+        if (terminal_) {
+            std::cerr << "\r\033[K" << done << " of " << total_ << left << ": " << next << std::flush;
+        } else if (done % 20 == 0) {
+            std::cerr << done << " of " << total_ << left << '\n';
+        }
     }
-    return {};
+    void hide() const
+    {
+        if (terminal_) std::cerr << "\r\033[K" << std::flush;
+    }
+
+private:
+    using Clock = std::chrono::steady_clock;
+    size_t total_;
+    bool terminal_ = isatty(STDERR_FILENO) != 0;
+    Clock::time_point start_ = Clock::now();
+};
+
+int timeAll(const Options& options)
+{
+    const std::vector<Subject> subjects = subjectsOf(options);
+    Benchmark benchmark(options);
+    const Progress progress(subjects.size());
+    std::vector<Line> lines;
+    std::cout << tableHead() << std::flush;
+    for (const Subject& subject : subjects) {
+        progress.show(lines.size(), subject.row.operation + (" " + subject.size()));
+        lines.push_back(benchmark.time(subject));
+        progress.hide();
+        std::cout << tableLine(lines.back()) << std::flush;
+    }
+    std::cout << "\nEntry point: " << entryCost(options.effort())
+              << " ns beyond a direct call of the implementation.\n";
+    if (options.report.empty()) return 0;
+    std::ofstream table(options.report + "/benchmark.md");
+    table << tableHead();
+    for (const Line& line : lines)
+        table << tableLine(line);
+    std::ofstream(options.report + "/benchmark.svg") << chart(lines);
+    std::cout << "\nTable and chart: " << options.report << "/benchmark.md, " << options.report
+              << "/benchmark.svg\n";
+    return 0;
+}
+
+int countAll(const Options& options)
+{
+    const std::vector<Subject> subjects = subjectsOf(options);
+    Benchmark benchmark(options);
+    const Progress progress(subjects.size());
+    for (size_t i = 0; i < subjects.size(); ++i) {
+        progress.show(i, subjects[i].row.operation);
+        benchmark.count(subjects[i]);
+    }
+    progress.hide();
+    return 0;
+}
+
+bool parse(int argc, char** argv, Options& options)
+{
+    const std::map<std::string, bool*> flags = {
+        {"--quick", &options.quick}, {"--large", &options.large}, {"--count", &options.count}};
+    const std::map<std::string, std::string*> values = {{"--filter", &options.filter},
+                                                        {"--benchmark_filter", &options.filter},
+                                                        {"--picture", &options.picture},
+                                                        {"--report", &options.report}};
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        const size_t equals = argument.find('=');
+        const auto flag = flags.find(argument);
+        const auto value = values.find(argument.substr(0, equals));
+        if (flag != flags.end()) {
+            *flag->second = true;
+        } else if (equals != std::string::npos && value != values.end()) {
+            *value->second = argument.substr(equals + 1);
+        } else {
+            std::cerr << "usage: " << argv[0]
+                      << " [--filter=REGEX] [--quick] [--large] [--picture=FILE] [--report=FOLDER] [--count]\n";
+            return false;
+        }
+    }
+    return true;
 }
 
 } // namespace
-
-std::vector<Peer> allPeers()
-{
-    std::vector<Peer> peers;
-    for (const auto& family : {colorPeers(), cornersPeers(), smoothingPeers()})
-        peers.insert(peers.end(), family.begin(), family.end());
-    return peers;
-}
 
 } // namespace odx::bench
 
 int main(int argc, char** argv)
 {
-    using namespace odx::bench;
-    static char interleaved[] = "--benchmark_enable_random_interleaving=true";
-    std::vector<char*> arguments(argv, argv + argc);
-    const std::string picture = takeArgument(arguments, "picture"), folder = takeArgument(arguments, "report");
-    arguments.insert(arguments.begin() + 1, interleaved);
-    int count = static_cast<int>(arguments.size());
-    benchmark::Initialize(&count, arguments.data());
-    if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 1;
-
-    const Benchmarks benchmarks(picture);
-    Reporter times;
-    benchmark::RunSpecifiedBenchmarks(&times);
-    const std::vector<Line> lines = benchmarks.lines(times);
-    std::cout << table(lines);
-    const double entry = times["wrapper|entry"], direct = times["wrapper|direct"];
-    if (entry > 0 && direct > 0)
-        std::cout << "\nEntry point: " << entry - direct << " ns beyond a direct call of the implementation.\n";
-    if (folder.empty()) return 0;
-    std::ofstream(folder + "/benchmark.md") << table(lines);
-    std::ofstream(folder + "/benchmark.svg") << chart(lines);
-    std::cout << "\nTable and chart: " << folder << "/benchmark.md, " << folder << "/benchmark.svg\n";
-    return 0;
+    odx::bench::Options options;
+    try {
+        if (!odx::bench::parse(argc, argv, options)) return 2;
+        return options.count ? odx::bench::countAll(options) : odx::bench::timeAll(options);
+    } catch (const std::exception& error) { // a filter that is no expression
+        fprintf(stderr, "ondrix_bench: %s\n", error.what());
+        return 2;
+    }
 }

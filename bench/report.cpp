@@ -60,27 +60,30 @@ double Line::bestPeer() const
     return best;
 }
 
-std::string table(const std::vector<Line>& lines)
+std::string tableHead()
 {
-    std::string text =
-        "Times in microseconds, one thread, the least of all repetitions. `gain` is the reference's time and "
-        "`lead` the fastest\npeer's time over the best SIMD column's (the reference's, where there is no "
-        "other); `copies` is that column's time\nin copies of the same bytes.\n\n"
-        "| operation | size | reference | SIMD | peers | memcpy | gain | lead | copies |\n"
-        "|---|---|--:|---|---|--:|--:|--:|--:|\n";
-    for (const Line& line : lines) {
-        const auto listed = [](const std::vector<std::pair<std::string, double>>& entries, size_t from) {
-            std::string list;
-            for (size_t i = from; i < entries.size(); ++i)
-                append(list, "%s%s %.1f", i == from ? "" : ", ", entries[i].first.c_str(),
-                       entries[i].second / 1e3);
-            return list;
-        };
-        append(text, "| %s | %s | %.1f | %s | %s | %.1f | %s | %s | %s |\n", line.operation.c_str(),
-               line.size.c_str(), line.reference() / 1e3, listed(line.columns, 1).c_str(),
-               listed(line.peers, 0).c_str(), line.copy / 1e3, ratio(line.reference(), line.best()).c_str(),
-               ratio(line.bestPeer(), line.best()).c_str(), ratio(line.best(), line.copy).c_str());
-    }
+    return "Times in microseconds, one thread, the least of many. `gain` is the reference's time and `lead` "
+           "the "
+           "fastest\npeer's time over the best SIMD column's (the reference's, where there is no other); `copies` "
+           "is "
+           "that column's time\nin copies of as many bytes as the operation reads and writes.\n\n"
+           "| operation | size | reference | SIMD | peers | memcpy | gain | lead | copies |\n"
+           "|---|---|--:|---|---|--:|--:|--:|--:|\n";
+}
+
+std::string tableLine(const Line& line)
+{
+    const auto listed = [](const std::vector<std::pair<std::string, double>>& entries, size_t from) {
+        std::string list;
+        for (size_t i = from; i < entries.size(); ++i)
+            append(list, "%s%s %.1f", i == from ? "" : ", ", entries[i].first.c_str(), entries[i].second / 1e3);
+        return list;
+    };
+    std::string text;
+    append(text, "| %s | %s | %.1f | %s | %s | %.1f | %s | %s | %s |\n", line.operation.c_str(), line.size.c_str(),
+           line.reference() / 1e3, listed(line.columns, 1).c_str(), listed(line.peers, 0).c_str(), line.copy / 1e3,
+           ratio(line.reference(), line.best()).c_str(), ratio(line.bestPeer(), line.best()).c_str(),
+           ratio(line.best(), line.copy).c_str());
     return text;
 }
 

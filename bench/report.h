@@ -2,7 +2,6 @@
 #ifndef ODX_BENCH_REPORT_H
 #define ODX_BENCH_REPORT_H
 
-#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,7 +12,7 @@ namespace odx::bench
 // One line: an operation on one size and content. Times are in nanoseconds, the least of all repetitions.
 struct Line {
     std::string operation, size;
-    double copy = 0;                                     // memcpy of the bytes that the operation reads and writes
+    double copy = 0; // memcpy of as many bytes as the operation reads and writes
     std::vector<std::pair<std::string, double>> columns; // reference first, then SIMD targets, the best one first
     std::vector<std::pair<std::string, double>> peers;
 
@@ -22,7 +21,9 @@ struct Line {
     double bestPeer() const;
 };
 
-std::string table(const std::vector<Line>& lines); // Markdown
+// A table in Markdown, line by line.
+std::string tableHead();
+std::string tableLine(const Line& line);
 std::string chart(const std::vector<Line>& lines); // SVG: times as multiples of memcpy, logarithmic
 
 } // namespace odx::bench

@@ -152,6 +152,16 @@ float Draw::real(const char* name, float low, float high, float typical)
     return value;
 }
 
+void Draw::copyNoise(void* to, size_t size) const
+{
+    static std::vector<uint64_t> noise;
+    static std::mt19937_64 random(1);
+    const size_t start = 8009 * buffers_.size(), end = start + size / sizeof(uint64_t) + 1;
+    while (noise.size() < end)
+        noise.push_back(random());
+    memcpy(to, noise.data() + start, size);
+}
+
 uint64_t Draw::pixel(uint32_t x, uint32_t y)
 {
     switch (content_) {
@@ -250,7 +260,7 @@ bool Draw::didSomething() const
     for (size_t index : outputs_) {
         const GuardedBuffer& buffer = *buffers_[index].memory;
         for (size_t i = 0; i < buffer.size(); ++i) {
-            if (buffer.data()[i] != static_cast<uint8_t>(0xA5 + 7 * i)) return true;
+            if (buffer.data()[i] != untouched(i)) return true;
         }
     }
     return false;
@@ -264,11 +274,21 @@ std::string Draw::overrun() const
     return "";
 }
 
-size_t Draw::bufferBytes() const
+size_t Draw::bytesMoved() const
 {
-    size_t bytes = 0;
-    for (const Buffer& buffer : buffers_)
-        bytes += buffer.memory->size();
+    constexpr size_t kLine = 64;
+    size_t bytes = bytesRead_;
+    for (const size_t index : outputs_) {
+        const GuardedBuffer& buffer = *buffers_[index].memory;
+        for (size_t start = 0; start < buffer.size(); start += kLine) {
+            const size_t end = std::min(start + kLine, buffer.size());
+            for (size_t i = start; i < end; ++i) {
+                if (buffer.data()[i] == untouched(i)) continue;
+                bytes += end - start;
+                break;
+            }
+        }
+    }
     return bytes;
 }
 

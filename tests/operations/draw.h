@@ -125,6 +125,7 @@ public:
     {
         Image<T> image = allocate<T>(name, extent, packed);
         fill(image);
+        bytesRead_ += buffers_.back().memory->size();
         return image;
     }
     // An image with a known pattern, for the operation to write.
@@ -135,7 +136,7 @@ public:
         outputs_.push_back(buffers_.size() - 1);
         const GuardedBuffer& buffer = *buffers_.back().memory;
         for (size_t i = 0; i < buffer.size(); ++i)
-            buffer.data()[i] = static_cast<uint8_t>(0xA5 + 7 * i);
+            buffer.data()[i] = untouched(i);
         return image;
     }
     // An array of elements: an image of one row.
@@ -194,7 +195,7 @@ public:
     // The first buffer beside which something was written, "" if there is none.
     std::string overrun() const;
     const std::string& description() const { return description_; } // the drawn arguments, as text
-    size_t bufferBytes() const;                                     // of all buffers together
+    size_t bytesMoved() const; // of what an operation read, and of the lines of 64 bytes that it wrote
 
 private:
     template <class T>
@@ -218,12 +219,19 @@ private:
     template <class T>
     void fill(const Image<T>& image)
     {
-        if (measures() && showsPicture(image)) return;
+        if (measures() && (showsPicture(image) || showsNoise(image))) return;
         content_ = measures() || sweeps() ? 0 : below(6);
         for (uint32_t y = 0; y < image.height; ++y) {
             for (uint32_t x = 0; x < image.width; ++x)
                 image.at(x, y) = element<T>(x, y);
         }
+    }
+    // Whether the image holds whole numbers: those of a measurement are noise that is made once.
+    template <class T>
+    bool showsNoise(const Image<T>& image)
+    {
+        if constexpr (std::is_integral_v<T>) copyNoise(image.pixels, size_t{image.stride} * image.height);
+        return std::is_integral_v<T>;
     }
     // Whether the image is one that the picture of a measurement fits, which it then holds.
     template <class T>
@@ -256,6 +264,9 @@ private:
     };
 
     bool sweeps() const { return !measures() && seed_ < kFirstDrawn; }
+    // What a destination's bytes hold before the operation.
+    static uint8_t untouched(size_t i) { return static_cast<uint8_t>(0xA5 + 7 * i); }
+    void copyNoise(void* to, size_t size) const; // of another place for each buffer
     uint64_t below(uint64_t n) { return random_() % n; }
     uint64_t pixel(uint32_t x, uint32_t y); // the low bits make an integer pixel
     double realPixel(uint32_t x, uint32_t y);
@@ -272,6 +283,7 @@ private:
     uint64_t content_ = 0, constant_ = 0;
     std::vector<Buffer> buffers_;
     std::vector<size_t> outputs_;
+    size_t bytesRead_ = 0;
     std::vector<uint8_t> results_;
     std::string description_;
 };

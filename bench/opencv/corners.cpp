@@ -1,16 +1,10 @@
-#include "peers.h"
-
-#ifdef ONDRIX_BENCH_OPENCV
-#include "opencv.h"
+#include "opencv/opencv.h"
 
 #include <opencv2/features2d.hpp>
 #include <opencv2/imgproc.hpp>
-#endif
 
 namespace odx::bench
 {
-
-#ifdef ONDRIX_BENCH_OPENCV
 
 namespace
 {
@@ -19,7 +13,7 @@ using test::Measurement;
 
 // FAST with the rows' barrier.
 template <int type, bool suppression>
-std::function<void()> fast(const Measurement& measurement)
+Call fast(const Measurement& measurement)
 {
     return [src = matrix(measurement, CV_8U), corners = std::vector<cv::KeyPoint>()]() mutable {
         cv::FAST(src, corners, 20, suppression, cv::FastFeatureDetector::DetectorType(type));
@@ -28,21 +22,21 @@ std::function<void()> fast(const Measurement& measurement)
 constexpr int kArc9 = cv::FastFeatureDetector::TYPE_9_16;
 
 // Only the responses: the search for maxima comes on top.
-std::function<void()> harrisResponses(const Measurement& measurement)
+Call harrisResponses(const Measurement& measurement)
 {
     return [src = matrix(measurement, CV_8U), dst = cv::Mat()]() mutable {
         cv::cornerHarris(src, dst, 5, 3, 0.0625);
     };
 }
 
-std::function<void()> goodFeatures(const Measurement& measurement)
+Call goodFeatures(const Measurement& measurement)
 {
     return [src = matrix(measurement, CV_8U), corners = std::vector<cv::Point2f>()]() mutable {
         cv::goodFeaturesToTrack(src, corners, 20000, 0.01, 10, cv::noArray(), 5);
     };
 }
 
-std::function<void()> subPixels(const Measurement& measurement)
+Call subPixels(const Measurement& measurement)
 {
     const cv::Point2f start(static_cast<float>(measurement.extent.width) / 2,
                             static_cast<float>(measurement.extent.height) / 2);
@@ -53,29 +47,13 @@ std::function<void()> subPixels(const Measurement& measurement)
     };
 }
 
+const OpencvPeers corners = {
+    {"odxCornerFast9u8", fast<kArc9, false>},       {"odxCornerFast9Scoreu8_v2", fast<kArc9, true>},
+    {"odxCornerHarrisu8", harrisResponses},         {"odxCornerHarrisInMasku8", harrisResponses},
+    {"odxCornerHarrisAdaptiveu8", harrisResponses}, {"odxCornerHarrisScoreu8", harrisResponses},
+    {"odxGoodFeatureToTracku8", goodFeatures},      {"odxCornerRefineSubPixu8", subPixels},
+};
+
 } // namespace
-
-std::vector<Peer> cornersPeers()
-{
-    return {
-        {"odxCornerFast9u8", "OpenCV", fast<kArc9, false>},
-        {"odxCornerFast9Scoreu8_v2", "OpenCV", fast<kArc9, true>},
-        {"odxCornerHarrisu8", "OpenCV", harrisResponses},
-        {"odxCornerHarrisInMasku8", "OpenCV", harrisResponses},
-        {"odxCornerHarrisAdaptiveu8", "OpenCV", harrisResponses},
-        {"odxCornerHarrisScoreu8", "OpenCV", harrisResponses},
-        {"odxGoodFeatureToTracku8", "OpenCV", goodFeatures},
-        {"odxCornerRefineSubPixu8", "OpenCV", subPixels},
-    };
-}
-
-#else
-
-std::vector<Peer> cornersPeers()
-{
-    return {};
-}
-
-#endif
 
 } // namespace odx::bench

@@ -1,13 +1,17 @@
 // Pictures of a measurement as OpenCV takes them.
-#ifndef ODX_BENCH_OPENCV_H
-#define ODX_BENCH_OPENCV_H
+#ifndef ODX_BENCH_OPENCV_OPENCV_H
+#define ODX_BENCH_OPENCV_OPENCV_H
 
-#include "operations/draw.h"
+#include "peers.h"
 
 #include <opencv2/core.hpp>
 
 namespace odx::bench
 {
+
+struct OpencvPeers : Peers {
+    OpencvPeers(std::initializer_list<Peer> peers) : Peers("OpenCV", peers) {}
+};
 
 // A matrix of the type and of the measurement's size and content.
 inline cv::Mat matrix(const test::Measurement& measurement, int type)
@@ -23,6 +27,23 @@ inline cv::Mat matrix(const test::Measurement& measurement, int type)
         cv::randu(image, wide ? -32768 : 0, wide ? 32768 : 256);
     }
     return image;
+}
+
+struct Matrices {
+    std::vector<cv::Mat> src;
+    cv::Mat dst;
+};
+
+// A peer that reads images of these types and writes one.
+inline std::function<Call(const test::Measurement&)> matrices(const std::vector<int>& types,
+                                                              void (*call)(Matrices&))
+{
+    return [=](const test::Measurement& measurement) -> Call {
+        Matrices made;
+        for (const int type : types)
+            made.src.push_back(matrix(measurement, type));
+        return [=]() mutable { call(made); };
+    };
 }
 
 // Keeps a result from being optimised away.
