@@ -64,9 +64,13 @@ int main()
         return 1;
     }
     odxSetHWFlag(1); // the limits cost, too
-    pFnX_odxBitCountu32X = bitCount;
-    pFnX_odxFilterMedian3x3u8X = median;
-    pFnX_odxFilterMedian3x3u8_v3X = medianWithStatus;
+    pFnX_odxBitCountu32X = reinterpret_cast<void*>(bitCount);
+    pFnX_odxFilterMedian3x3u8X = reinterpret_cast<void*>(median);
+    pFnX_odxFilterMedian3x3u8_v3X = reinterpret_cast<void*>(medianWithStatus);
+
+    auto* volatile directBitCount = bitCount;
+    auto* volatile directMedian = median;
+    auto* volatile directMedianWithStatus = medianWithStatus;
 
     constexpr unsigned kWidth = 160, kHeight = 160;
     alignas(16) static uint32_t words[kWidth * kHeight];
@@ -74,17 +78,17 @@ int main()
     uint32_t bits;
     odxStatus status;
     measure(
-        "odxBitCountu32", [&] { pFnX_odxBitCountu32X(words, kWidth * kHeight, kWidth * kHeight, &bits); },
+        "odxBitCountu32", [&] { directBitCount(words, kWidth * kHeight, kWidth * kHeight, &bits); },
         [&] { odxBitCountu32(words, kWidth * kHeight); });
     measure(
         "odxFilterMedian3x3u8_v2",
-        [&] { pFnX_odxFilterMedian3x3u8X(src, sizeof src, kWidth, kHeight, kWidth, dst, sizeof dst, kWidth); },
+        [&] { directMedian(src, sizeof src, kWidth, kHeight, kWidth, dst, sizeof dst, kWidth); },
         [&] { odxFilterMedian3x3u8_v2(src, kWidth, kHeight, 0, dst, 0); });
     measure(
         "odxFilterMedian3x3u8_v3",
         [&] {
-            pFnX_odxFilterMedian3x3u8_v3X(src, sizeof src, kWidth, kHeight, kWidth, dst, sizeof dst, kWidth,
-                                          ONDRIX_BORDER_REPLICATE, 0, &status);
+            directMedianWithStatus(src, sizeof src, kWidth, kHeight, kWidth, dst, sizeof dst, kWidth,
+                                   ONDRIX_BORDER_REPLICATE, 0, &status);
         },
         [&] { odxFilterMedian3x3u8_v3(src, kWidth, kHeight, 0, dst, 0, ONDRIX_BORDER_REPLICATE, 0); });
     odxCleanUp();
