@@ -22,15 +22,39 @@ def lines():
             yield kind, fields[1:] if kind == "OPERATION" else fields, path.stem
 
 
+def purposes(header):
+    """What the header says of each operation it declares: the first sentence of its comment, or the group's name."""
+    purpose, group, comment = {}, "", []
+    for line in header.read_text().splitlines():
+        if line.startswith("/// \\name "):
+            group, comment = line[len("/// \\name "):], []
+        elif re.match(r"/// ?@", line):
+            comment = []
+        elif line.startswith("///"):
+            comment.append(line[3:].strip())
+        elif declared := re.match(r"ODX_API[^(;]*\b(odx\w+)\(", line):
+            sentence = re.split(r"[.:](?:\s|$)", " ".join(comment))[0].strip()
+            purpose[declared[1]] = sentence or group
+            comment = []
+        elif not line.startswith(" "):
+            comment = []
+    return purpose
+
+
 def operations():
-    """Name and columns of each operation that exists, by the header that declares it."""
+    """Name, purpose and columns of each operation that exists, by the header that declares it."""
     columns = {fields[0]: fields[2] for kind, fields, _ in lines() if kind == "OPERATION"}
     pages = {}
     for kind, fields, family in lines():
         name, base, written = fields[0], fields[0 if kind == "OPERATION" else 1], fields[2]
-        if written != "none":
-            where = ", ".join(COLUMNS[column] for column in columns[base])
-            pages.setdefault(ROOT / f"include/ondrix/{family}.h", []).append((name, where))
+        if written == "none":
+            continue
+        header = ROOT / f"include/ondrix/{family}.h"
+        purpose = purposes(header).get(name)
+        if not purpose:
+            sys.exit(f"operations.py: {header.name} does not say what {name} does")
+        where = ", ".join(COLUMNS[column] for column in columns[base] if column in COLUMNS)
+        pages.setdefault(header, []).append((name, purpose.replace("|", "\\|"), where))
     return pages
 
 
@@ -48,8 +72,8 @@ def page():
             "", "Some references call inner loops that the SIMD modes replace, too: the scores of corners, and rows of RGB.", ""]
     for header, rows in sorted(pages.items(), key=lambda item: item[0].name):
         text += [f"## [{header.name}](../include/ondrix/{header.name})", "", title(header), "",
-                 "| Operation | Runs as |", "|---|---|"]
-        text += [f"| `{name}` | {where} |" for name, where in sorted(rows, key=lambda row: row[0].lower())]
+                 "| Operation | What it does | Runs as |", "|---|---|---|"]
+        text += ["| `{}` | {} | {} |".format(*row) for row in sorted(rows, key=lambda row: row[0].lower())]
         text.append("")
     return "\n".join(text)
 
