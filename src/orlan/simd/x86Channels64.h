@@ -112,9 +112,9 @@ static constexpr int channelFrom(int c)
 template <bool mirrored>
 ODX_INLINE void widen3(uint8_t* q, const uint8_t* p)
 {
-    constexpr auto from = [](int i) { return i / 4 * 3 + channelFrom<mirrored>(i % 4) & 63; };
+    constexpr auto from = [](int i) { return (i / 4 * 3 + channelFrom<mirrored>(i % 4)) & 63; };
     static constexpr ShuffleTable table = shuffleTable(from),
-                                  last = shuffleTable([=](int i) { return from(i) + 16 & 63; });
+                                  last = shuffleTable([=](int i) { return (from(i) + 16) & 63; });
     const u8v v[] = {load<u8v>(p), load<u8v>(p + 48), load<u8v>(p + 96), load<u8v>(p + 128)};
     for (int i = 0; i < 4; ++i)
         store(q + 64 * i, (u32v)shuffle(v[i], i < 3 ? table : last) | 0xFF000000);
