@@ -249,7 +249,8 @@ void odxFilterGaussian3x3u8C(const uint8_t* src, unsigned int srcWidth, unsigned
     // Rows are made of groups of six outputs and a rest. The entry points refuse the widths that break this.
     const uint32_t w_2 = srcWidth - 2;
     const uint32_t w6 = w_2 / 6 * 6;
-    ODX_FATAL_ASSERT("ondrixBlurC", 79, w6<=w_2 && w6>=w_2-5);
+    constexpr int kLoggedLine = 79; // part of the log's text, wherever the assertion stands
+    ODX_FATAL_ASSERT("ondrixBlurC", kLoggedLine, w6<=w_2 && w6>=w_2-5);
 
     const Plane<uint8_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
     interior3x3(plane, gaussian3x3Row);

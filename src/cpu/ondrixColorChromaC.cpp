@@ -86,6 +86,8 @@ struct PseudoPlanar {
     }
 };
 
+constexpr uint8_t kNoChroma = 128; // of a grey pixel
+
 // Writes `count` samples of a row from the `available` ones of another: each as it is, every second one, or each
 // twice. Where they run out, the last one is repeated.
 template <class From, size_t fromAcross, class To, size_t toAcross>
@@ -97,7 +99,7 @@ void chromaRow(const uint8_t* __restrict srcCb, const uint8_t* __restrict srcCr,
     for (size_t i = 0; i < groups; ++i)
         To::template store<repeat>(dstCb, dstCr, i, From::template load<step>(srcCb, srcCr, i));
     for (size_t i = repeat * groups; i < count; ++i) {
-        Sample sample = {128, 128};
+        Sample sample = {kNoChroma, kNoChroma};
         const size_t at = i * step / repeat;
         if (available != 0) sample = From::template load<1>(srcCb, srcCr, at < available ? at : available - 1);
         To::template store<1>(dstCb, dstCr, i, sample);

@@ -250,13 +250,15 @@ void yCrCbRow(const uint8_t* src, uint8_t* dst, size_t width)
     });
 }
 
+constexpr int32_t kOne = 65536; // 1 in 16 fractional bits
+
 struct Reciprocals {
     uint32_t entry[256];
 
     constexpr Reciprocals() : entry()
     {
         for (uint32_t i = 1; i < 256; ++i)
-            entry[i] = (65536 + i / 2) / i;
+            entry[i] = (kOne + i / 2) / i;
     }
 };
 constexpr Reciprocals kReciprocals;
@@ -293,9 +295,9 @@ void rgb8882hsv(const uint8_t* src, uint8_t* dst, size_t width)
         for (size_t x = 0; x < count; ++x, hsv += 3) {
             const uint32_t value = hues.greatest[x], spread = hues.spread[x];
             const int32_t reciprocal = static_cast<int32_t>(OneByxLUT[spread]);
-            const int32_t h = reciprocal * (hues.first[x] - hues.second[x]) + hues.sixths[x] * 65536;
-            hsv[0] = static_cast<uint8_t>((32768 + ((h * 85) >> 1)) >> 16);
-            hsv[1] = static_cast<uint8_t>((OneByxLUT[value] * spread * 255 + 32768) >> 16);
+            const int32_t h = reciprocal * (hues.first[x] - hues.second[x]) + hues.sixths[x] * kOne;
+            hsv[0] = static_cast<uint8_t>((kOne / 2 + ((h * 85) >> 1)) >> 16);
+            hsv[1] = static_cast<uint8_t>((OneByxLUT[value] * spread * 255 + kOne / 2) >> 16);
             hsv[2] = static_cast<uint8_t>(value);
         }
     });

@@ -7,10 +7,12 @@ using namespace odx;
 namespace
 {
 
-// The border that a call has at least. 64 bits, so that twice any border is compared as it is.
+constexpr uint32_t kCircleRadius = 3;
+
+// The border that a call has: at least that of the circle. 64 bits, so that twice any border is compared as it is.
 uint64_t effectiveBorder(uint32_t border)
 {
-    return border < 4 ? 3 : border;
+    return border < kCircleRadius ? kCircleRadius : border;
 }
 
 // What every target asks of the image, and of the lists that it finds.
