@@ -88,48 +88,69 @@ using RGB888 = BlueFirst<Triples>;
 using RGBA8888 = BlueFirst<Quads>;
 } // namespace blueFirst
 
-// Converts a row with group(src, dst), which converts kBytes pixels of srcSize bytes to pixels of dstSize bytes.
-template <size_t srcSize, size_t dstSize, class Group>
-ODX_INLINE void convertRow(const uint8_t* src, uint8_t* dst, size_t width, Group group)
+// Converts groups of kBytes pixels, and moves on to the next ones.
+template <size_t srcSize, size_t dstSize, size_t groups, class Group>
+ODX_INLINE void convertGroups(const uint8_t*& src, uint8_t*& dst, Group group)
 {
-    size_t x = 0;
-    for (; width - x >= kBytes; x += kBytes)
-        group(src + srcSize * x, dst + dstSize * x);
-    if (x == width) return;
-    uint8_t in[srcSize * kBytes] = {}, out[dstSize * kBytes];
-    memcpy(in, src + srcSize * x, srcSize * (width - x));
-    group(in, out);
-    memcpy(dst + dstSize * x, out, dstSize * (width - x));
+    group(src, dst);
+    src += srcSize * kBytes;
+    dst += dstSize * kBytes;
+    if constexpr (groups > 1) convertGroups<srcSize, dstSize, groups - 1>(src, dst, group);
 }
 
-template <size_t srcSize, size_t dstSize, class Group>
+// Converts a row with group(src, dst), which converts kBytes pixels of srcSize bytes to pixels of dstSize bytes;
+// short groups some `together`.
+template <size_t srcSize, size_t dstSize, size_t together = 1, class Group>
+ODX_INLINE void convertRow(const uint8_t* src, uint8_t* dst, size_t width, Group group)
+{
+    for (size_t i = width / (together * kBytes); i != 0; --i)
+        convertGroups<srcSize, dstSize, together>(src, dst, group);
+    if constexpr (together != 1) {
+        for (size_t i = width / kBytes % together; i != 0; --i)
+            convertGroups<srcSize, dstSize, 1>(src, dst, group);
+    }
+    const size_t left = width % kBytes;
+    if (left == 0) return;
+    uint8_t in[srcSize * kBytes] = {}, out[dstSize * kBytes];
+    memcpy(in, src, srcSize * left);
+    group(in, out);
+    memcpy(dst, out, dstSize * left);
+}
+
+template <size_t srcSize, size_t dstSize, size_t together = 1, class Group>
 ODX_INLINE void convertImage(ODX_Packed_SOURCE, ODX_Packed_DESTINATION, Group group)
 {
     eachRow(ODX_Packed_ARGUMENTS, [group](const uint8_t* in, uint8_t* out, size_t width) {
-        convertRow<srcSize, dstSize>(in, out, width, group);
+        convertRow<srcSize, dstSize, together>(in, out, width, group);
     });
 }
 
 // ---- luma and chroma ----
 
-// The weights of a source's channels in order of memory.
-template <class Source, int red, int green, int blue, int offset, class Pixels>
-ODX_INLINE u8v channelSums(const Pixels& pixels)
-{
-    return Source::kBlueFirst ? highSums<blue, green, red, offset>(pixels)
-                              : highSums<red, green, blue, offset>(pixels);
-}
-template <class Source, int red, int green, int blue, int offset, class Pixels>
-ODX_INLINE u16v channelSumsOfPairs(const Pixels& pixels)
-{
-    return Source::kBlueFirst ? highSumsOfPairs<blue, green, red, offset>(pixels)
-                              : highSumsOfPairs<red, green, blue, offset>(pixels);
-}
+constexpr Weights kY = {77, 150, 29}, kCb = {-43, -85, 128}, kCr = {128, -107, -21};
 
+// The weights of a source's channels in order of memory.
+template <class Source, const Weights& w>
+constexpr Weights kOrdered = Source::kBlueFirst ? Weights{w.blue, w.green, w.red} : w;
+
+// Sums for pixels as a source gives them: of every pixel, or of every second one as 16-bit lanes.
 template <class Source, class Pixels>
 ODX_INLINE u8v lumaOf(const Pixels& pixels)
 {
-    return channelSums<Source, 77, 150, 29, 128>(pixels);
+    constexpr Weights w = kOrdered<Source, kY>;
+    return lumaSums<w.red, w.green, w.blue>(pixels);
+}
+template <class Source, const Weights& weights, class Pixels>
+ODX_INLINE u8v chromaOf(const Pixels& pixels)
+{
+    constexpr Weights w = kOrdered<Source, weights>;
+    return chromaSums<w.red, w.green, w.blue>(pixels);
+}
+template <class Source, const Weights& weights, class Pixels>
+ODX_INLINE u16v chromaOfPairs(const Pixels& pixels)
+{
+    constexpr Weights w = kOrdered<Source, weights>;
+    return chromaSumsOfPairs<w.red, w.green, w.blue>(pixels);
 }
 
 // Converts kBytes pixels, with the chroma of every `step`-th one.
@@ -138,10 +159,8 @@ ODX_INLINE void toYuv(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr)
 {
     const auto pixels = Source::pixels(src);
     store(y, lumaOf<Source>(pixels));
-    const auto limited = [](auto high) { return (u8v)min((u8v)high, u8v{} + 254); };
     if constexpr (step == 1) {
-        const u8v u = limited(channelSums<Source, -43, -85, 128, 32640>(pixels)) + 1,
-                  v = limited(channelSums<Source, 128, -107, -21, 32640>(pixels)) + 1;
+        const u8v u = chromaOf<Source, kCb>(pixels), v = chromaOf<Source, kCr>(pixels);
         if constexpr (layout == Chroma::Planes) {
             store(cb, u);
             store(cr, v);
@@ -149,8 +168,7 @@ ODX_INLINE void toYuv(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr)
             store2(cb, u, v);
         }
     } else {
-        const u16v u = (u16v)limited(channelSumsOfPairs<Source, -43, -85, 128, 32640>(pixels)) + 1,
-                   v = (u16v)limited(channelSumsOfPairs<Source, 128, -107, -21, 32640>(pixels)) + 1;
+        const u16v u = chromaOfPairs<Source, kCb>(pixels), v = chromaOfPairs<Source, kCr>(pixels);
         if constexpr (layout == Chroma::Planes) {
             storeNarrow(cb, u);
             storeNarrow(cr, v);
@@ -230,35 +248,32 @@ struct Repacking<repacked::RGB565, repacked::BGRA8888> {
     ODX_INLINE void group(const uint8_t* in, uint8_t* out) { widen565<true>(out, in); }
 };
 
-// Both have words of 16 bits, or of 32, in which red and blue change places and the rest stays.
+// Both have the same words.
 template <>
 struct Repacking<repacked::RGB565, repacked::BGR565> {
     ODX_INLINE void group(const uint8_t* in, uint8_t* out)
     {
-        for (size_t half = 0; half < 2 * kBytes; half += kBytes) {
-            const u16v w = load<u16v>(in + half);
-            store(out + half, (w & 0x07E0) | w << 11 | w >> 11);
-        }
+        for (size_t half = 0; half < 2 * kBytes; half += kBytes)
+            store(out + half, mirror565(load<u16v>(in + half)));
     }
 };
 template <>
 struct Repacking<repacked::RGBA8888, repacked::BGRA8888> {
     ODX_INLINE void group(const uint8_t* in, uint8_t* out)
     {
-        for (size_t quarter = 0; quarter < 4 * kBytes; quarter += kBytes) {
-            const u32v w = load<u32v>(in + quarter);
-            store(out + quarter, (w & 0xFF00FF00) | (w << 16 & 0xFF0000) | (w >> 16 & 0xFF));
-        }
+        for (size_t quarter = 0; quarter < 4 * kBytes; quarter += kBytes)
+            store(out + quarter, mirrorQuads(load<u8v>(in + quarter)));
     }
 };
 
-#define ODX_DEFINE(from, to)                                                                        \
-    void repack##from##To##to##V(const uint8_t* src, uint8_t* dst, size_t width)                    \
-    {                                                                                               \
-        using Source = repacked::from;                                                              \
-        using Target = repacked::to;                                                                \
-        convertRow<Source::kSize, Target::kSize>(                                                   \
-            src, dst, width, [](auto in, auto out) { Repacking<Source, Target>::group(in, out); }); \
+#define ODX_DEFINE(from, to)                                                                    \
+    void repack##from##To##to##V(const uint8_t* src, uint8_t* dst, size_t width)                \
+    {                                                                                           \
+        using Source = repacked::from;                                                          \
+        using Target = repacked::to;                                                            \
+        using Pixels = Repacking<Source, Target>;                                               \
+        convertRow<Source::kSize, Target::kSize, (Source::kSize + Target::kSize == 4 ? 2 : 1)>( \
+            src, dst, width, [](auto in, auto out) { Pixels::group(in, out); });                \
     }
 ODX_RGB_TO_RGB(ODX_DEFINE)
 #undef ODX_DEFINE
@@ -370,7 +385,7 @@ void odxColorRGB888ToRGB565Rotate180u8V(ODX_Packed_SOURCE, ODX_Packed_DESTINATIO
 
 void odxColorCbCrSwapu8V(ODX_Packed_SOURCE, ODX_Packed_DESTINATION)
 {
-    convertImage<2, 2>(ODX_Packed_ARGUMENTS, [](const uint8_t* in, uint8_t* out) {
+    convertImage<2, 2, 4>(ODX_Packed_ARGUMENTS, [](const uint8_t* in, uint8_t* out) {
         const u16v low = load<u16v>(in), high = load<u16v>(in + kBytes);
         store(out, low << 8 | low >> 8);
         store(out + kBytes, high << 8 | high >> 8);

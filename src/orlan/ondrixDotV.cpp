@@ -34,17 +34,17 @@ struct Adder {
     }
 };
 
-// The sum of bitsOf(p), at most 8 a byte, of every `step` bytes.
-template <size_t step, class Count>
-ODX_INLINE uint32_t countVectors(const uint8_t* bytes, size_t count, Count bitsOf)
+// The sum of counts(p), bytes up to `most`, of every `step` bytes.
+template <size_t step, size_t most, class Counts>
+ODX_INLINE uint32_t sumOfCounts(const uint8_t* bytes, size_t count, Counts counts)
 {
+    constexpr size_t atOnce = 255 / most * step;
     uint32_t total = 0;
-    // Counts of 31 steps fit a byte: 31 x 8 = 248.
     for (size_t i = 0; i < count;) {
-        const size_t end = count - i > 31 * step ? i + 31 * step : count;
+        const size_t end = count - i > atOnce ? i + atOnce : count;
         u8v sums = {};
         for (; i < end; i += step)
-            sums += bitsOf(bytes + i);
+            sums += counts(bytes + i);
         total += sumOfBytes(sums);
     }
     return total;
@@ -57,11 +57,17 @@ static uint32_t countBits(const uint8_t* bytes, size_t count)
     if constexpr (!kCountsBits) {
         Adder adder = {};
         i = count / (8 * kBytes) * (8 * kBytes);
-        total = 8 * countVectors<8 * kBytes>(bytes, i, [&](const uint8_t* p) { return popCount(adder.add(p)); }) +
-                adder.rest();
+        total =
+            8 * sumOfCounts<8 * kBytes, 8>(bytes, i, [&](const uint8_t* p) { return popCount(adder.add(p)); }) +
+            adder.rest();
+    } else {
+        const auto at = [](const uint8_t* p, uint32_t n) { return popCount(load<u8v>(p + kBytes * n)); };
+        i = count / (4 * kBytes) * (4 * kBytes);
+        total = sumOfCounts<4 * kBytes, 32>(
+            bytes, i, [at](const uint8_t* p) { return (at(p, 0) + at(p, 1)) + (at(p, 2) + at(p, 3)); });
     }
     const size_t whole = count / kBytes * kBytes;
-    total += countVectors<kBytes>(bytes + i, whole - i, [](const uint8_t* p) { return popCount(load<u8v>(p)); });
+    total += sumOfCounts<kBytes, 8>(bytes + i, whole - i, [](const uint8_t* p) { return popCount(load<u8v>(p)); });
     for (i = whole; i < count; ++i)
         total += (uint32_t)__builtin_popcount(bytes[i]);
     return total;

@@ -92,33 +92,27 @@ ODX_INLINE void storeInOrder(int32_t* p, const s32p& pair)
     store(p + 4, pair.b);
 }
 
+// sum + v * k, and v * k.
 template <int k>
-ODX_INLINE u16p mulAdd(const u16p& sum, u8v v)
+ODX_INLINE uint16x8_t mulAdd(uint16x8_t sum, uint8x8_t v)
 {
     static_assert(k >= -255 && k <= 255);
-    const uint8x16_t n = (uint8x16_t)v;
-    const uint16x8_t a = (uint16x8_t)sum.a, b = (uint16x8_t)sum.b;
-    const uint8x8_t weight = vdup_n_u8(k < 0 ? -k : k);
-    if constexpr (k < 0) {
-        return {(u16v)vmlsl_u8(a, vget_low_u8(n), weight), (u16v)vmlsl_u8(b, vget_high_u8(n), weight)};
-    } else {
-        return {(u16v)vmlal_u8(a, vget_low_u8(n), weight), (u16v)vmlal_u8(b, vget_high_u8(n), weight)};
-    }
+    if constexpr (k < 0) return vmlsl_u8(sum, v, vdup_n_u8(-k));
+    return vmlal_u8(sum, v, vdup_n_u8((uint8_t)k));
 }
-
 template <int k>
-ODX_INLINE u16p mul(u8v v)
+ODX_INLINE uint16x8_t mul(uint8x8_t v)
 {
-    const uint8x16_t n = (uint8x16_t)v;
-    return {(u16v)vmull_u8(vget_low_u8(n), vdup_n_u8(k)), (u16v)vmull_u8(vget_high_u8(n), vdup_n_u8(k))};
+    return vmull_u8(v, vdup_n_u8(k));
 }
 
 template <int k>
 ODX_INLINE s16p mulCentred(u8v v)
 {
-    const u16v origin = u16v{} - (uint16_t)(128 * k);
-    const u16p p = mulAdd<k>({origin, origin}, v);
-    return {(s16v)p.a, (s16v)p.b};
+    static_assert(k >= 0 && k <= 255);
+    const uint16x8_t origin = vdupq_n_u16((uint16_t)(-128 * k));
+    return {(s16v)mulAdd<k>(origin, vget_low_u8((uint8x16_t)v)),
+            (s16v)mulAdd<k>(origin, vget_high_u8((uint8x16_t)v))};
 }
 
 template <int a, int b>
@@ -257,18 +251,76 @@ ODX_INLINE u8q loadTriples(const uint8_t* p)
     return load3(p);
 }
 
+// A product with a positive weight comes first, because it takes no register to begin with.
+template <int a, int b, int c>
+ODX_INLINE uint16x8_t products(uint8x8_t first, uint8x8_t second, uint8x8_t third)
+{
+    if constexpr (a < 0) return products<c, b, a>(third, second, first);
+    return mulAdd<c>(mulAdd<b>(mul<(a < 0 ? 0 : a)>(first), second), third);
+}
+
+struct ProductsPair {
+    uint16x8_t low, high;
+};
+template <int a, int b, int c>
+ODX_INLINE ProductsPair products(const u8x3& v)
+{
+    const uint8x16_t first = (uint8x16_t)v.a, second = (uint8x16_t)v.b, third = (uint8x16_t)v.c;
+    return {products<a, b, c>(vget_low_u8(first), vget_low_u8(second), vget_low_u8(third)),
+            products<a, b, c>(vget_high_u8(first), vget_high_u8(second), vget_high_u8(third))};
+}
+
+template <int a, int b, int c>
+ODX_INLINE u8v lumaSums(const u8x3& v)
+{
+    const ProductsPair sums = products<a, b, c>(v);
+    return (u8v)vcombine_u8(vrshrn_n_u16(sums.low, 8), vrshrn_n_u16(sums.high, 8));
+}
+
+template <int a, int b, int c>
+ODX_INLINE u8v chromaSums(const u8x3& v)
+{
+    const ProductsPair sums = products<a, b, c>(v);
+    return (u8v)vcombine_s8(vqrshrn_n_s16((int16x8_t)sums.low, 8), vqrshrn_n_s16((int16x8_t)sums.high, 8)) ^ 0x80;
+}
+
+template <int a, int b, int c>
+ODX_INLINE u16v chromaSumsOfPairs(const u8x3& v)
+{
+    const auto even = [](u8v bytes) { return vmovn_u16((uint16x8_t)bytes); };
+    const uint16x8_t sums = products<a, b, c>(even(v.a), even(v.b), even(v.c));
+    return (u16v)vmovl_u8(veor_u8((uint8x8_t)vqrshrn_n_s16((int16x8_t)sums, 8), vdup_n_u8(0x80)));
+}
+
 // From products with the upper and the lower bytes of the weights.
 template <int a, int b, int c>
 ODX_INLINE u8v fineSums(const uint8_t* p)
 {
     const u8x3 v = load3(p);
-    const u16p upper = mulAdd<c / 256>(mulAdd<b / 256>(mul<a / 256>(v.a), v.b), v.c),
-               lower = mulAdd<c % 256>(mulAdd<b % 256>(mul<a % 256>(v.a), v.b), v.c);
-    return (u8v)vcombine_u8(vrshrn_n_u16(vsraq_n_u16((uint16x8_t)upper.a, (uint16x8_t)lower.a, 8), 8),
-                            vrshrn_n_u16(vsraq_n_u16((uint16x8_t)upper.b, (uint16x8_t)lower.b, 8), 8));
+    const ProductsPair upper = products<a / 256, b / 256, c / 256>(v),
+                       lower = products<a % 256, b % 256, c % 256>(v);
+    return (u8v)vcombine_u8(vrshrn_n_u16(vsraq_n_u16(upper.low, lower.low, 8), 8),
+                            vrshrn_n_u16(vsraq_n_u16(upper.high, lower.high, 8), 8));
+}
+
+ODX_INLINE u8v mirrorQuads(u8v v)
+{
+    const uint8x8_t table = vcreate_u8(0x0704050603000102);
+#if defined(__aarch64__)
+    return (u8v)vqtbl1q_u8((uint8x16_t)v, vcombine_u8(table, vadd_u8(table, vdup_n_u8(8))));
+#else
+    return (u8v)vcombine_u8(vtbl1_u8(vget_low_u8((uint8x16_t)v), table),
+                            vtbl1_u8(vget_high_u8((uint8x16_t)v), table));
+#endif
 }
 
 // ---- words of 5, 6 and 5 bits ----
+
+ODX_INLINE u16v mirror565(u16v v)
+{
+    const uint16x8_t n = (uint16x8_t)v;
+    return (u16v)vbslq_u16(vdupq_n_u16(0x07E0), n, vsriq_n_u16(vshlq_n_u16(n, 11), n, 11));
+}
 
 template <bool mirrored>
 ODX_INLINE void widen565(uint8_t* q, const uint8_t* p)

@@ -14,17 +14,21 @@
 //   narrow4<mirrored>(q, p)      the first 3 bytes of kBytes pixels of 4; mirrored: the first and the third
 //                                change places
 //   mirror3(q, p)                kBytes pixels of 3 bytes with the first and the third in each other's place
+//   mirrorQuads(v)               the same of pixels of 4 bytes
+//   mirror565(v)                 the same of words of 5, 6 and 5 bits
 //   widen565<mirrored>(q, p)     kBytes words of 5, 6 and 5 bits, from the low ones up, as pixels of 4 bytes: each
 //                                with copies of its high bits below, and 255; mirrored: first and third change
 //                                places
 //   loadTriples(p), loadQuads(p) kBytes pixels of 3 or 4 bytes, as a u8q, for sums of the first three, which stand
 //   in
 //                                the target's own order
-//   highSums<a, b, c, offset>(q) the upper bytes of a * first + b * second + c * third + offset for each pixel of
-//   a
-//                                u8q or u8x3; the sums are from 0 to 65535. Weights of no sign have a + b below
-//                                256 and a sum up to 256, others are from -127 to 128, and a + b from -128 to 128
-//   highSumsOfPairs<a, b, c, offset>(q)
+//   lumaSums<a, b, c>(q)         (a * first + b * second + c * third + 128) >> 8 for each pixel of a u8q or u8x3;
+//   the
+//                                weights are not negative, a + b is below 256, and all are 256 or less
+//   chromaSums<a, b, c>(q)       128 + ((a * first + b * second + c * third + 128) >> 8), at most 255; negative
+//   and
+//                                positive weights are 128 each, in all, and no weight is -128
+//   chromaSumsOfPairs<a, b, c>(q)
 //                                of every second pixel, as 16-bit lanes
 //   fineSums<a, b, c>(p)         (a * first + b * second + c * third + 32768) >> 16 of kBytes pixels of 3 bytes;
 //   the
@@ -36,7 +40,6 @@
 //   storeInOrder(p, pair)        the 32-bit lanes of a pair
 //   joinClamped(pair)            join of signed values, clamped to 0..255
 //   joinCentred<n>(pair)         128 + (pair >> n) of signed values, clamped to 0..255; n from 1 to 8
-//   mulAdd<k>(pair, v)           pair + v * k of a u16p and a u8v; k from -255 to 255
 //   mulCentred<k>(v)             (v - 128) * k of a u8v as signed values; k up to 255
 //   eachTwice(v)                 each 16-bit lane for two neighbouring bytes, as a pair in the same order
 //   dot2<a, b>(p)                p[i] * a + p[i + 1] * b for each lane i, as a pair in the same order;
@@ -156,6 +159,5 @@ ODX_INLINE Pair<V> operator<<(const Pair<V>& p, int n)
 #elif defined(__ARM_NEON)
 #include "orlan/simd/neon.h"
 #endif
-#include "orlan/simd/channelSums.h"
 
 #endif

@@ -129,14 +129,6 @@ ODX_INLINE void storeInOrder(int32_t* p, const s32p& pair)
 }
 
 template <int k>
-ODX_INLINE u16p mulAdd(const u16p& sum, u8v v)
-{
-    static_assert(k >= -255 && k <= 255);
-    const u16p wide = split(v);
-    return {sum.a + wide.a * (uint16_t)k, sum.b + wide.b * (uint16_t)k};
-}
-
-template <int k>
 ODX_INLINE s16p mulCentred(u8v v)
 {
     static_assert(k >= 0 && k <= 255);
@@ -230,8 +222,21 @@ ODX_INLINE u8v reverse(u8v v)
 #include "orlan/simd/x86Channels32.h"
 #endif
 
+#include "orlan/simd/x86Sums.h"
+
 namespace odx::ODX_TARGET::simd
 {
+
+ODX_INLINE u16v mirror565(u16v v)
+{
+    return (v & 0x07E0) | v << 11 | v >> 11;
+}
+
+ODX_INLINE u8v mirrorQuads(u8v v)
+{
+    const __m128i table = _mm_setr_epi8(2, 1, 0, 3, 6, 5, 4, 7, 10, 9, 8, 11, 14, 13, 12, 15);
+    return (u8v)ODX_MM(shuffle_epi8)((ODX_MI)v, inEachLane(table));
+}
 
 constexpr bool kCountsBits = ODX_VECTOR_BYTES == 64;
 ODX_INLINE u8v popCount(u8v v)
