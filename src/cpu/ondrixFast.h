@@ -159,7 +159,7 @@ struct CornerList {
         const uint32_t room = (capacity == 0 ? 1 : capacity) - count, added = number < room ? number : room;
         memcpy(xy + 2 * size_t{count}, corners, 2 * sizeof *xy * added);
         count += added;
-        return count >= capacity;
+        return added == room;
     }
 };
 
