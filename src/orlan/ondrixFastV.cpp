@@ -30,12 +30,12 @@ ODX_INLINE u8v distance(u8v bright, u8v dark, u8v centre)
 
 // Detection works on batches of vectors, in stages without branches that depend on pixels:
 //  1. all vectors: the four compass points leave some of them a chance;
-//  2. those: the diagonals leave some of their halves a chance;
-//  3. those, two at a time: the arcs;
+//  2. those: the diagonals leave some of their parts a chance;
+//  3. those, a vector of parts at a time: the arcs;
 //  4. the corners that are left, in raster order.
-constexpr uint32_t kHalf = kBytes / 2;
-constexpr uint32_t kHalfBits = kHalf * kLaneBits;
-constexpr uint64_t kHalfMask = (uint64_t{1} << kHalfBits) - 1;
+constexpr uint32_t kPart = kBytes > 16 ? kBytes / 2 : kBytes;
+constexpr uint32_t kParts = kBytes / kPart;
+constexpr uint64_t kPartMask = (uint64_t{1} << kPart) - 1;
 
 constexpr uint32_t kBatch = 256;                  // vectors that may wait for the later stages
 constexpr uint32_t kSegment = 64;                 // vectors that stage 1 takes in between
@@ -48,11 +48,16 @@ struct Batch {
     const uint8_t* vectors[kBatch + 1];
     uint32_t count;
 
-    const uint8_t* halves[2 * kBatch + 1];
-    uint32_t halfCount;
+    const uint8_t* parts[kParts * kBatch + 1];
+    uint32_t partCount;
 
-    uint32_t corners[2 * kBatch + 1]; // of each half that is left, as laneBits has them
+    uint32_t corners[kParts * kBatch + 1]; // of each part that is left, a bit for each pixel
 };
+
+ODX_INLINE u8v loadParts(const uint8_t* p, const uint8_t* q)
+{
+    return kParts == 2 ? loadHalves(p, q) : loadOnce(p);
+}
 
 // Stage 1, of the vectors from p to before `end`; returns where it stopped.
 ODX_STAGE const uint8_t* collect(Batch& batch, const uint8_t* p, const uint8_t* end, ptrdiff_t stride,
@@ -60,26 +65,54 @@ ODX_STAGE const uint8_t* collect(Batch& batch, const uint8_t* p, const uint8_t* 
 {
     const u8v barrier = u8v{} + barrierByte;
     const ptrdiff_t below = 3 * stride;
-    uint32_t n = batch.count;
-    for (; p < end; p += kBytes) {
-        const u8v centre = loadOnce(p), south = loadOnce(p + below), north = loadOnce(p - below),
-                  east = loadOnce(p + 3), west = loadOnce(p - 3);
+    const auto chances = [=](const uint8_t* at) __attribute__((always_inline))
+    {
+        const u8v centre = loadOnce(at), south = loadOnce(at + below), north = loadOnce(at - below),
+                  east = loadOnce(at + 3), west = loadOnce(at - 3);
         const u8v bright = overPairs<Min, Max>(south, north, east, west);
         const u8v dark = overPairs<Max, Min>(south, north, east, west);
+        return distance(bright, dark, centre);
+    };
+    uint32_t n = batch.count;
+    constexpr ptrdiff_t kFour = 4 * kBytes;
+    for (; kGroupsVectors && end - p > kFour - ptrdiff_t{kBytes}; p += kFour) {
+        const uint64_t some =
+            anyAbove(chances(p), chances(p + kBytes), chances(p + 2 * kBytes), chances(p + 3 * kBytes), barrier);
+        if (some == 0) continue;
+        for (uint32_t i = 0; i < 4; ++i) {
+            batch.vectors[n] = p + i * kBytes;
+            n += (some >> (16 * i) & 0xFFFF) != 0 ? 1 : 0;
+        }
+    }
+    for (; p < end; p += kBytes) {
+        const u8v some = chances(p);
         batch.vectors[n] = p;
-        n += any(subSat(distance(bright, dark, centre), barrier)) ? 1 : 0;
+        n += any(subSat(some, barrier)) ? 1 : 0;
     }
     batch.count = n;
     return p;
 }
 
-// Stage 2.
+// Stage 2. Where it hardly leaves anything out of the first vectors, it isn't worth its time for the rest.
 ODX_STAGE void sift(Batch& batch, ptrdiff_t stride, uint8_t barrierByte)
 {
+    constexpr uint32_t kFirst = 16, kMost = kParts == 1 ? kFirst * 3 / 4 : kParts * kFirst - 1;
     const u8v barrier = u8v{} + barrierByte;
     const uint32_t count = batch.count;
     uint32_t n = 0;
+    const auto keep = [&](const uint8_t* part, bool chance) __attribute__((always_inline))
+    {
+        batch.parts[n] = part;
+        n += chance ? 1 : 0;
+    };
     for (uint32_t i = 0; i < count; ++i) {
+        if (i == kFirst && n > kMost) {
+            for (; i < count; ++i) {
+                keep(batch.vectors[i], true);
+                if (kParts == 2) keep(batch.vectors[i] + kPart, true);
+            }
+            break;
+        }
         const uint8_t* const p = batch.vectors[i];
         const auto at = [&](size_t k) __attribute__((always_inline))
         {
@@ -88,13 +121,16 @@ ODX_STAGE void sift(Batch& batch, ptrdiff_t stride, uint8_t barrierByte)
         const u8v a = at(0), b = at(8), c = at(4), d = at(12), e = at(2), f = at(10), g = at(6), h = at(14);
         const u8v bright = min(overPairs<Min, Max>(a, b, c, d), overPairs<Min, Max>(e, f, g, h));
         const u8v dark = max(overPairs<Max, Min>(a, b, c, d), overPairs<Max, Min>(e, f, g, h));
-        const uint64_t chances = laneBits(distance(bright, dark, loadOnce(p)) > barrier);
-        batch.halves[n] = p;
-        n += (chances & kHalfMask) != 0 ? 1 : 0;
-        batch.halves[n] = p + kHalf;
-        n += (chances >> kHalfBits) != 0 ? 1 : 0;
+        const u8v contrast = distance(bright, dark, loadOnce(p));
+        if (kParts == 1) {
+            keep(p, any(subSat(contrast, barrier)));
+        } else {
+            const uint64_t chances = laneBits(contrast > barrier);
+            keep(p, (chances & kPartMask) != 0);
+            keep(p + kPart, chances >> (kBytes - kPart) != 0);
+        }
     }
-    batch.halfCount = n;
+    batch.partCount = n;
 }
 
 // Stage 3.
@@ -102,27 +138,28 @@ template <int N>
 ODX_STAGE void testArcs(Batch& batch, ptrdiff_t stride, uint8_t barrierByte)
 {
     const u8v barrier = u8v{} + barrierByte;
-    const uint32_t count = batch.halfCount;
+    const uint32_t count = batch.partCount;
     uint32_t n = 0;
-    const auto keep = [&](const uint8_t* half, uint64_t corners) __attribute__((always_inline))
-    {
-        batch.halves[n] = half;
-        batch.corners[n] = (uint32_t)corners;
-        n += corners != 0 ? 1 : 0;
-    };
-    for (uint32_t i = 0; i < count; i += 2) {
-        const uint8_t* const p = batch.halves[i];
-        const uint8_t* const q = batch.halves[i + 1 < count ? i + 1 : i]; // one alone goes twice
+    for (uint32_t i = 0; i < count; i += kParts) {
+        const uint32_t j = i + kParts - 1 < count ? i + kParts - 1 : i; // one alone goes twice
+        const uint8_t *const p = batch.parts[i], *const q = batch.parts[j];
+        const u8v centre = loadParts(p, q);
         const auto circle = circleOf<u8v>([&](size_t k) __attribute__((always_inline)) {
             const ptrdiff_t offset = kCircle[k].dy * stride + kCircle[k].dx;
-            return loadHalves(p + offset, q + offset);
+            return loadParts(p + offset, q + offset);
         });
         const u8v bright = overArcs<N, Min, Max>(circle), dark = overArcs<N, Max, Min>(circle);
-        const uint64_t corners = laneBits(distance(bright, dark, loadHalves(p, q)) > barrier);
-        keep(p, corners & kHalfMask);
-        keep(q, corners >> kHalfBits);
+        const uint64_t corners = laneBits(distance(bright, dark, centre) > barrier);
+        const auto keep = [&](const uint8_t* part, uint64_t found) __attribute__((always_inline))
+        {
+            batch.parts[n] = part;
+            batch.corners[n] = (uint32_t)found;
+            n += found != 0 ? 1 : 0;
+        };
+        keep(p, corners & kPartMask);
+        if (kParts == 2) keep(q, corners >> (kBytes - kPart));
     }
-    batch.halfCount = n;
+    batch.partCount = n;
 }
 
 // Where in the image the corners that were found last are.
@@ -133,21 +170,38 @@ struct Scan {
     uint32_t x; // nothing before here is left in the row
 };
 
-// Corners on their way to a list. Those of a half are written in fours, whether there are as many or not: how many
-// there are is what a branch would guess wrong.
+// The places of the bits that are set in each byte, in order, and how many there are.
+struct Places {
+    uint8_t of[256][8], count[256];
+};
+constexpr Places placesOfBits()
+{
+    Places places = {};
+    for (uint32_t byte = 0; byte < 256; ++byte) {
+        for (uint32_t bit = 0, n = 0; bit < 8; ++bit) {
+            if ((byte >> bit & 1) == 0) continue;
+            places.of[byte][n++] = (uint8_t)bit;
+            places.count[byte] = (uint8_t)n;
+        }
+    }
+    return places;
+}
+constexpr Places kPlaces = placesOfBits();
+
+// Corners on their way to a list. Those among eight neighbours are written as eight, however many there are.
 class Outbox
 {
 public:
-    ODX_MEMBER void put(uint32_t x, uint32_t y, uint64_t corners)
+    ODX_MEMBER void put(uint32_t x, uint32_t y, uint32_t corners)
     {
-        uint32_t* out = xy_ + 2 * count_;
-        count_ += (uint32_t)__builtin_popcountll(corners);
-        do {
-            for (int i = 0; i < 4; ++i, out += 2, corners &= corners - 1) {
-                out[0] = x + (uint32_t)__builtin_ctzll(corners | uint64_t{1} << 63) / kLaneBits;
-                out[1] = y;
-            }
-        } while (corners != 0);
+        uint32_t count = count_;
+        while (corners != 0) {
+            const uint32_t first = (uint32_t)__builtin_ctz(corners), some = corners >> first & 0xFF;
+            storePoints(xy_ + 2 * count, kPlaces.of[some], x + first, y);
+            count += kPlaces.count[some];
+            corners &= ~(uint32_t{0xFF} << first);
+        }
+        count_ = count;
     }
     ODX_MEMBER bool full() const { return count_ > kRoom; }
 
@@ -160,33 +214,34 @@ public:
     }
 
 private:
-    static constexpr uint32_t kRoom = 128; // for another half, while no more are in
-    uint32_t xy_[2 * (kRoom + kHalf + 3)];
+    static constexpr uint32_t kRoom = 128; // for another part, while no more are in
+    uint32_t xy_[2 * (kRoom + kPart + 8)];
     uint32_t count_ = 0;
 };
 
 // The corners from x on that are not excluded.
-ODX_INLINE uint64_t without(const NoMask&, uint32_t, uint64_t corners)
+ODX_INLINE uint32_t without(const NoMask&, uint32_t, uint32_t corners)
 {
     return corners;
 }
-ODX_INLINE uint64_t without(const Mask& mask, uint32_t x, uint64_t corners)
+ODX_INLINE uint32_t without(const Mask& mask, uint32_t x, uint32_t corners)
 {
-    uint64_t kept = corners;
+    uint32_t kept = corners;
     for (; corners != 0; corners &= corners - 1) {
-        if (mask.excludes(x + (uint32_t)__builtin_ctzll(corners) / kLaneBits)) kept &= ~(corners & (0 - corners));
+        if (mask.excludes(x + (uint32_t)__builtin_ctz(corners))) kept &= ~(corners & (0 - corners));
     }
     return kept;
 }
 
 // Stage 4; whether the list is full.
 template <class Excluded>
-ODX_STAGE bool emit(const Batch& batch, Scan& scan, CornerList& list, Excluded& excluded)
+ODX_STAGE bool emit(const Batch& batch, Scan& upTo, CornerList& list, Excluded& excluded)
 {
+    Scan scan = upTo;
     Outbox outbox;
-    for (uint32_t i = 0; i < batch.halfCount; ++i) {
-        const uint8_t* const p = batch.halves[i];
-        uint64_t corners = batch.corners[i];
+    for (uint32_t i = 0; i < batch.partCount; ++i) {
+        const uint8_t* const p = batch.parts[i];
+        uint32_t corners = batch.corners[i];
         if (p - scan.row >= scan.stride) {
             do {
                 scan.row += scan.stride;
@@ -196,13 +251,14 @@ ODX_STAGE bool emit(const Batch& batch, Scan& scan, CornerList& list, Excluded& 
             excluded.enter(scan.y);
         }
         const uint32_t x = (uint32_t)(p - scan.row);
-        // A row's first and last vector overlap their neighbours: what was found before is not found again. They
-        // are never the same vector, so some of its lanes are left.
-        if (x < scan.x) corners &= ~uint64_t{0} << ((scan.x - x) * kLaneBits);
-        if (scan.x < x + kHalf) scan.x = x + kHalf;
+        // A row's first and last vector overlap their neighbours: what was found before is not found again. All of
+        // a part may have been.
+        if (x < scan.x) corners &= (uint32_t)(~uint64_t{0} << (scan.x - x));
+        if (scan.x < x + kPart) scan.x = x + kPart;
         outbox.put(x, scan.y, without(excluded, x, corners));
         if (outbox.full() && outbox.moveTo(list)) return true;
     }
+    upTo = scan;
     return outbox.moveTo(list);
 }
 

@@ -410,11 +410,44 @@ ODX_INLINE u8v rotate(u8v v)
     return (u8v)vextq_u8((uint8x16_t)v, (uint8x16_t)v, n);
 }
 
-constexpr uint32_t kLaneBits = 4;
+// A test of a whole vector takes several instructions, and a way from one register file to the other.
+constexpr bool kGroupsVectors = true;
+ODX_INLINE uint64_t anyAbove(u8v a, u8v b, u8v c, u8v d, u8v limit)
+{
+#if defined(__aarch64__)
+    const uint8x16_t ab = vpmaxq_u8((uint8x16_t)a, (uint8x16_t)b), cd = vpmaxq_u8((uint8x16_t)c, (uint8x16_t)d),
+                     abcd = vpmaxq_u8(ab, cd);
+    const uint8x8_t highest = vget_low_u8(vpmaxq_u8(abcd, abcd));
+#else
+    const auto half = [](u8v v) { return vpmax_u8(vget_low_u8((uint8x16_t)v), vget_high_u8((uint8x16_t)v)); };
+    const uint8x8_t highest = vpmax_u8(vpmax_u8(half(a), half(b)), vpmax_u8(half(c), half(d)));
+#endif
+    return vget_lane_u64(vreinterpret_u64_u8(vqsub_u8(highest, vget_low_u8((uint8x16_t)limit))), 0);
+}
+
+ODX_INLINE void storePoints(uint32_t* p, const uint8_t* bytes, uint32_t x, uint32_t y)
+{
+    const uint16x8_t eight = vmovl_u8(vld1_u8(bytes));
+    const uint32x4_t first = vdupq_n_u32(x);
+    const uint32x4x2_t low = {{vaddw_u16(first, vget_low_u16(eight)), vdupq_n_u32(y)}},
+                       high = {{vaddw_u16(first, vget_high_u16(eight)), vdupq_n_u32(y)}};
+    vst2q_u32(p, low);
+    vst2q_u32(p + 8, high);
+}
+
+// Each byte keeps the bit of its place among eight, and neighbours are added up.
 ODX_INLINE uint64_t laneBits(s8v mask)
 {
-    const uint8x8_t nibbles = vshrn_n_u16((uint16x8_t)mask, 4);
-    return vget_lane_u64(vreinterpret_u64_u8(nibbles), 0) & 0x1111111111111111u;
+    const uint8x16_t places = {1, 2, 4, 8, 16, 32, 64, 128, 1, 2, 4, 8, 16, 32, 64, 128};
+    const uint8x16_t bits = vandq_u8((uint8x16_t)mask, places);
+#if defined(__aarch64__)
+    uint8x8_t sums = vget_low_u8(vpaddq_u8(bits, bits));
+#else
+    uint8x8_t sums = vpadd_u8(vget_low_u8(bits), vget_high_u8(bits));
+#endif
+    sums = vpadd_u8(sums, sums);
+    sums = vpadd_u8(sums, sums);
+    return vget_lane_u16(vreinterpret_u16_u8(sums), 0);
 }
 
 } // namespace odx::ODX_TARGET::simd

@@ -61,7 +61,11 @@
 //   loadHalves(p, q)             kBytes / 2 bytes from p, then as many from q
 //   repeat(low, high)            the 16 bytes of two words, least significant first, repeated
 //   rotate<n>(v)                 byte (i + n) % 16 to place i, in each 16 bytes
-//   laneBits(mask)               one bit for each byte of a comparison that holds: bit kLaneBits * i for lane i
+//   laneBits(mask)               one bit for each byte of a comparison that holds
+//   anyAbove(a, b, c, d, limit)  16 bits for each vector, not all 0 where any of its bytes is above those of
+//                                `limit`, which are equal; where kGroupsVectors is true, it is well faster than
+//                                one vector after the other
+//   storePoints(p, bytes, x, y)  the pairs (x + bytes[i], y) of 32 bits, for eight bytes
 #ifndef ODX_ORLAN_SIMD_SIMD_H
 #define ODX_ORLAN_SIMD_SIMD_H
 

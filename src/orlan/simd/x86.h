@@ -320,7 +320,26 @@ ODX_INLINE u8v rotate(u8v v)
     return (u8v)ODX_MM(alignr_epi8)((ODX_MI)v, (ODX_MI)v, n);
 }
 
-constexpr uint32_t kLaneBits = 1;
+// A test of a whole vector sets a flag.
+constexpr bool kGroupsVectors = false;
+ODX_INLINE uint64_t anyAbove(u8v a, u8v b, u8v c, u8v d, u8v limit)
+{
+    const auto flag = [=](u8v v, int place) { return uint64_t{any(subSat(v, limit))} << place; };
+    return flag(a, 0) | flag(b, 16) | flag(c, 32) | flag(d, 48);
+}
+
+ODX_INLINE void storePoints(uint32_t* p, const uint8_t* bytes, uint32_t x, uint32_t y)
+{
+    const long long first = (long long)(uint64_t{y} << 32 | x);
+    const __m128i eight = _mm_loadl_epi64((const __m128i*)bytes);
+#if ODX_VECTOR_BYTES == 64
+    store(p, _mm512_add_epi64(_mm512_cvtepu8_epi64(eight), _mm512_set1_epi64(first)));
+#else
+    store(p, _mm256_add_epi64(_mm256_cvtepu8_epi64(eight), _mm256_set1_epi64x(first)));
+    store(p + 8, _mm256_add_epi64(_mm256_cvtepu8_epi64(_mm_srli_si128(eight, 4)), _mm256_set1_epi64x(first)));
+#endif
+}
+
 ODX_INLINE uint64_t laneBits(s8v mask)
 {
 #if ODX_VECTOR_BYTES == 64
