@@ -154,6 +154,20 @@ TEST_P(Fast, ListsEndWithTheCornerThatFillsThem)
     }
 }
 
+// However many pixels without a corner come before.
+TEST_P(Fast, ListsWithoutCapacityTakeTheFirstCorner)
+{
+    const Image image = noise(150, 300, 18);
+    Mask mask(image, 1, 1);
+    std::fill(mask.bits.begin(), mask.bits.end() - 200, 255);
+    Options options;
+    options.mask = &mask;
+    options.capacity = 0;
+    for (const Operation& operation : operations()) {
+        if (operation.masked) expectModel(operation, image, options);
+    }
+}
+
 TEST_P(Fast, MasksOfSevenScalesExcludeWhatTheyCover)
 {
     const Image image = noise(104, 48, 15);
