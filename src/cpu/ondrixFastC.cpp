@@ -2,6 +2,8 @@
 
 #include "cpu/ondrixFastReference.h"
 
+#include <algorithm>
+
 using namespace odx;
 using namespace odx::fast;
 
@@ -46,6 +48,78 @@ struct NeighbourRow {
     }
 };
 
+// Where the survivors go.
+struct Survivors {
+    uint32_t *xy, *scores;
+    uint32_t count;
+
+    void add(const Candidates& candidates, uint32_t i)
+    {
+        xy[2 * size_t{count}] = candidates.xy[2 * size_t{i}];
+        xy[2 * size_t{count} + 1] = candidates.xy[2 * size_t{i} + 1];
+        scores[count] = candidates.scores[i];
+        ++count;
+    }
+};
+
+// The scores of three neighbouring rows at their columns, so that a candidate's neighbours are looked up without
+// branches. A place holds its row, counted from 2, and the score: what an earlier row left there is always less
+// than what is looked for, and nothing needs to be cleared.
+class ScoreRows
+{
+public:
+    static constexpr uint32_t kColumns = 4094, kRows = 0xFFFD, kScores = 0x10000;
+
+    explicit ScoreRows(uint32_t columns)
+    {
+        for (auto& row : rows_)
+            memset(row, 0, sizeof *row * (size_t{columns} + 2));
+    }
+
+    void enter(uint32_t x, uint32_t y, uint32_t score) { rows_[y % 3][x + 1] = value(y, score); }
+
+    bool suppresses(uint32_t x, uint32_t y, uint32_t score) const
+    {
+        const auto three = [x](const uint32_t* row) { return std::max({row[x], row[x + 1], row[x + 2]}); };
+        const uint32_t *const row = rows_[y % 3], beside = std::max(row[x], row[x + 2]);
+        const bool above = three(rows_[(y + 2) % 3]) >= value(y - 1, score),
+                   below = three(rows_[(y + 1) % 3]) >= value(y + 1, score);
+        return (beside >= value(y, score)) | above | below;
+    }
+
+private:
+    static uint32_t value(uint32_t y, uint32_t score) { return (y + 2) << 16 | score; }
+
+    uint32_t rows_[3][kColumns + 2];
+};
+
+void suppressByRows(const Candidates& candidates, uint32_t columns, Survivors& survivors)
+{
+    ScoreRows rows(columns);
+    const auto yOf = [&](uint32_t i) { return candidates.xy[2 * size_t{i} + 1]; };
+    // Enters the row that begins with a candidate; returns where the next one begins.
+    const auto enterRow = [&](uint32_t i) {
+        if (i == candidates.count) return i;
+        for (const uint32_t y = yOf(i); i < candidates.count && yOf(i) == y; ++i)
+            rows.enter(candidates.xy[2 * size_t{i}], y, candidates.scores[i]);
+        return i;
+    };
+    uint32_t begin = 0, end = enterRow(0);
+    while (begin < candidates.count) {
+        const uint32_t y = yOf(begin);
+        // Another row than the one below may take the place of this one, and is entered after it.
+        const bool adjacent = end < candidates.count && yOf(end) == y + 1;
+        uint32_t nextEnd = adjacent ? enterRow(end) : end;
+        for (uint32_t i = begin; i < end; ++i) {
+            if (!rows.suppresses(candidates.xy[2 * size_t{i}], y, candidates.scores[i]))
+                survivors.add(candidates, i);
+        }
+        if (!adjacent) nextEnd = enterRow(end);
+        begin = end;
+        end = nextEnd;
+    }
+}
+
 } // namespace
 
 extern "C" {
@@ -68,12 +142,20 @@ void nms_processing(const uint32_t* xy, const uint32_t* scores, uint32_t* rowSta
     const uint32_t lastY = yOf(count - 1);
     for (uint32_t y = 0; y <= lastY; ++y)
         rowStart[y] = kNone;
+    uint32_t highest = 0, right = 0;
     for (uint32_t i = 0; i < count; ++i) {
         if (i == 0 || yOf(i) != yOf(i - 1)) rowStart[yOf(i)] = i;
+        highest = std::max(highest, scores[i]);
+        right = std::max(right, xy[2 * size_t{i}]);
+    }
+    Survivors survivors = {xyOut, scoresOut, 0};
+    if (right < ScoreRows::kColumns && lastY < ScoreRows::kRows && highest < ScoreRows::kScores) {
+        suppressByRows(candidates, right + 1, survivors);
+        *countOut = survivors.count;
+        return;
     }
 
     NeighbourRow above = {candidates}, below = {candidates};
-    uint32_t kept = 0;
     for (uint32_t i = 0; i < count; ++i) {
         const uint32_t x = xy[2 * size_t{i}], y = yOf(i), score = scores[i];
         const uint64_t place = candidates.placeOf(i);
@@ -82,12 +164,9 @@ void nms_processing(const uint32_t* xy, const uint32_t* scores, uint32_t* rowSta
             continue;
         if (y > 0 && rowStart[y - 1] != kNone && above.suppresses(rowStart[y - 1], x, y - 1, score)) continue;
         if (y != lastY && rowStart[y + 1] != kNone && below.suppresses(rowStart[y + 1], x, y + 1, score)) continue;
-        xyOut[2 * size_t{kept}] = x;
-        xyOut[2 * size_t{kept} + 1] = y;
-        scoresOut[kept] = score;
-        ++kept;
+        survivors.add(candidates, i);
     }
-    *countOut = kept;
+    *countOut = survivors.count;
 }
 
 int32_t fast9_corner_scoreC(const uint8_t* pixel, const ptrdiff_t* offsets, int32_t barrier)

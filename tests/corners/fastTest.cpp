@@ -279,21 +279,23 @@ TEST_P(Fast, SuppressionKeepsMaxima)
     }
 }
 
-// Lists of all densities, with few scores, so that ties are frequent, and with rows without candidates.
+// Lists of all densities, with few scores, so that ties are frequent, and with rows without candidates; columns
+// and scores up to large ones.
 TEST(FastSuppression, AgreesWithEachAgainstEach)
 {
     std::mt19937 random(24);
     for (uint32_t round = 0; round < 300; ++round) {
         const uint32_t width = 1 + random() % 40, height = 1 + random() % 20, density = 1 + random() % 10;
         const uint32_t levels = 1 + random() % 6, skipped = random() % 3;
+        const uint32_t left = round % 3 == 1 ? 4070 : 0, least = round % 3 == 2 ? 0xFFFFFFFF - levels : 0;
         Corners corners;
         Scores scores;
         for (uint32_t y = 0; y < height; ++y) {
             if (skipped != 0 && random() % (skipped + 1) == 0) continue;
             for (uint32_t x = 0; x < width; ++x) {
                 if (random() % density != 0) continue;
-                corners.push_back({x, y});
-                scores.push_back(random() % levels);
+                corners.push_back({left + x, y});
+                scores.push_back(least + random() % levels);
             }
         }
         const uint32_t count = static_cast<uint32_t>(corners.size());
