@@ -94,10 +94,11 @@ public:
                 const s32v maximum =
                     (response > max(beside, load<s32v>(n.around + x + 2))) & (response > threshold);
                 if (!any((u8v)maximum)) continue;
-                int32_t found[kWords];
-                store(found, maximum);
-                for (uint32_t i = 0; i < kWords && x + i < count; ++i) {
-                    if (found[i] != 0 && !f(from + x + i)) return;
+                // The lanes that are set, of those up to `count`, by the first of their bytes.
+                uint64_t lanes = laneBits((s8v)maximum) & 0x1111111111111111;
+                if (count - x < kWords) lanes &= (uint64_t{1} << (4 * (count - x))) - 1;
+                for (; lanes != 0; lanes &= lanes - 1) {
+                    if (!f(from + x + (uint32_t)__builtin_ctzll(lanes) / 4)) return;
                 }
             }
         }
