@@ -3,6 +3,7 @@
 // A failure, also one that ends the process, names the seed of its case and the command that runs this case alone.
 // Every run goes through the sizes that matter (operations/draw.h); ONDRIX_TEST_CASES sets how many cases are
 // drawn besides. With ONDRIX_TEST_SEED that many cases from the seed on are all that runs; by default, one.
+// With ONDRIX_TEST_THREADS another thread makes the same call at the same time, for the thread sanitizer to watch.
 // ONDRIX_TEST_DIGEST names a file that receives a line for each operation, with a digest of what its reference
 // wrote: builds for other processors and by other compilers must give the same lines.
 #include "ondrix/modes.h"
@@ -14,8 +15,10 @@
 #include <fstream>
 #include <set>
 #include <signal.h>
+#include <sstream>
 #include <stdlib.h>
 #include <string_view>
+#include <thread>
 #include <unistd.h>
 
 namespace odx::test
@@ -65,17 +68,19 @@ void onSignal(int number)
     if (number == SIGABRT || number == SIGTRAP) raise(number);
 }
 
-// Adds an operation's line to the digests, if they are asked for: over as many outcomes as every kind of run has.
-void recordDigest(const char* operation, const std::vector<std::vector<uint8_t>>& outcomes)
+// Adds an operation's line to the digests, if they are asked for: over the cases that every kind of run has.
+void recordDigest(const char* operation, const std::vector<uint64_t>& seeds,
+                  const std::vector<std::vector<uint8_t>>& outcomes)
 {
     const char* const path = getenv("ONDRIX_TEST_DIGEST");
     if (path == nullptr) return;
     uint64_t digest = 14695981039346656037u; // FNV-1a
-    for (size_t i = 0; i < std::min<size_t>(outcomes.size(), 100); ++i) {
+    for (size_t i = 0; i < outcomes.size() && seeds[i] < Draw::kFirstDrawn + 40; ++i) {
         for (const uint8_t byte : outcomes[i])
             digest = (digest ^ byte) * 1099511628211u;
     }
-    std::ofstream(path, std::ios::app) << operation << ' ' << std::hex << digest << '\n';
+    std::ofstream(path, std::ios::app)
+        << (std::ostringstream() << operation << ' ' << std::hex << digest << '\n').str();
 }
 
 class Differential : public testing::TestWithParam<Row>
@@ -119,6 +124,7 @@ TEST_P(Differential, ColumnsWriteTheSameBytes)
         return all;
     }();
 
+    const bool inThreads = getenv("ONDRIX_TEST_THREADS") != nullptr;
     columns.front().select();
     const std::vector<uint64_t> seeds = seedsOf(row);
     std::vector<std::vector<uint8_t>> expected;
@@ -130,8 +136,16 @@ TEST_P(Differential, ColumnsWriteTheSameBytes)
         const uint32_t callsBefore = column.remote ? remoteCalls() : 0;
         for (size_t i = 0; i < seeds.size(); ++i) {
             announce(row.operation, column.name, seeds[i]);
+            std::thread beside;
+            if (inThreads) {
+                beside = std::thread([&] {
+                    Draw draw(seeds[i], column.remote);
+                    row.run(draw);
+                });
+            }
             Draw draw(seeds[i], column.remote);
             row.run(draw);
+            if (inThreads) beside.join();
             ASSERT_EQ("", draw.overrun()) << "something was written beside it, " << draw.description() << "\n"
                                           << running;
             std::vector<uint8_t> outcome = draw.outcome();
@@ -150,7 +164,7 @@ TEST_P(Differential, ColumnsWriteTheSameBytes)
     if (seeds.size() > 1) {
         EXPECT_GE(2 * effective, seeds.size()) << "most cases were refused, or wrote nothing";
     }
-    recordDigest(row.operation, expected);
+    recordDigest(row.operation, seeds, expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(Operations, Differential, testing::ValuesIn(allRows()),

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <map>
+#include <mutex>
 #include <stdlib.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -17,6 +18,11 @@ constexpr uint32_t kMaxArea = 20000;
 constexpr uint32_t kLongestVector = 64; // in lanes
 constexpr uint32_t kMostDerived = 16;   // left out by reason of the least size
 
+constexpr uint8_t patternAt(size_t i)
+{
+    return static_cast<uint8_t>(0xA5 + 7 * i);
+}
+
 size_t pageSize()
 {
     static const size_t size = static_cast<size_t>(sysconf(_SC_PAGESIZE));
@@ -24,11 +30,8 @@ size_t pageSize()
 }
 
 // Maps of each size, for the next buffers: a system call for each of them takes longer than most operations.
-std::map<size_t, std::vector<uint8_t*>>& unusedMaps()
-{
-    static thread_local std::map<size_t, std::vector<uint8_t*>> maps;
-    return maps;
-}
+std::mutex unusedLock;
+std::map<size_t, std::vector<uint8_t*>> unusedMaps;
 
 // The lengths from `least` to `most` at which the part of them that is worked on, all but up to `leftOut`
 // elements, is nothing, one element, or a vector of any width or two, one element less or one more.
@@ -51,9 +54,12 @@ std::vector<uint32_t> turningPoints(uint32_t least, uint32_t leftOut, uint32_t m
 GuardedBuffer::GuardedBuffer(size_t size, bool flushWithEnd, size_t offset, size_t tail) : size_(size)
 {
     const size_t page = pageSize();
-    const size_t inner = std::max<size_t>(size + offset + tail + page - 1, page) / page * page;
+    size_t inner = page; // a power of two, so that there are few kinds
+    while (inner < size + offset + tail)
+        inner *= 2;
     mapSize_ = inner + 2 * page;
-    auto& unused = unusedMaps()[mapSize_];
+    const std::lock_guard lock(unusedLock);
+    auto& unused = unusedMaps[mapSize_];
     if (unused.empty()) {
         void* const map = mmap(nullptr, mapSize_, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
         if (map == MAP_FAILED || mprotect(static_cast<uint8_t*>(map) + page, inner, PROT_READ | PROT_WRITE) != 0)
@@ -68,24 +74,26 @@ GuardedBuffer::GuardedBuffer(size_t size, bool flushWithEnd, size_t offset, size
 
 GuardedBuffer::~GuardedBuffer()
 {
-    unusedMaps()[mapSize_].push_back(map_);
+    const std::lock_guard lock(unusedLock);
+    unusedMaps[mapSize_].push_back(map_);
 }
 
 bool GuardedBuffer::surroundingsIntact() const
 {
     const auto intact = [](const uint8_t* from, const uint8_t* to) {
-        return std::all_of(from, to, [](uint8_t byte) { return byte == kSurroundings; });
+        const size_t size = static_cast<size_t>(to - from);
+        return size == 0 || (*from == kSurroundings && memcmp(from, from + 1, size - 1) == 0); // each as the next
     };
     return intact(map_ + pageSize(), data_) && intact(data_ + size_, map_ + mapSize_ - pageSize());
 }
 
 Draw::Draw(uint64_t seed, bool wholeRows)
-    : purpose_(Purpose::Compare), seed_(seed), wholeRows_(wholeRows), random_(seed)
+    : purpose_(Purpose::Compare), seed_(seed), wholeRows_(wholeRows), random_{seed}
 {
 }
 
 Draw::Draw(const Measurement& measurement, std::function<void(const std::function<void()>&)> timer)
-    : purpose_(Purpose::Measure), measurement_(measurement), timer_(std::move(timer)), random_(1)
+    : purpose_(Purpose::Measure), measurement_(measurement), timer_(std::move(timer)), random_{1}
 {
 }
 
@@ -162,21 +170,54 @@ void Draw::copyNoise(void* to, size_t size) const
     memcpy(to, noise.data() + start, size);
 }
 
-uint64_t Draw::pixel(uint32_t x, uint32_t y)
+void Draw::fillIntegers(uint8_t* row, uint32_t width, size_t elementSize, uint32_t y)
 {
+    const auto fillAs = [&](auto zero, auto valueAt) {
+        for (uint32_t x = 0; x < width; ++x) {
+            const auto value = static_cast<decltype(zero)>(valueAt(x));
+            memcpy(row + sizeof value * x, &value, sizeof value);
+        }
+    };
+    const auto fillWith = [&](auto valueAt) {
+        switch (elementSize) {
+        case 1:
+            return fillAs(uint8_t{0}, valueAt);
+        case 2:
+            return fillAs(uint16_t{0}, valueAt);
+        case 4:
+            return fillAs(uint32_t{0}, valueAt);
+        default:
+            return fillAs(uint64_t{0}, valueAt);
+        }
+    };
+    const auto eitherOf = [&](uint64_t one, uint64_t other) {
+        uint64_t bits = 0;
+        fillWith([&](uint32_t x) {
+            bits = x % 64 == 0 ? random_() : bits >> 1;
+            return (bits & 1) != 0 ? one : other;
+        });
+    };
     switch (content_) {
     case 0: // noise
-        return random_();
+        for (size_t i = 0, size = elementSize * width; i < size; i += 8) {
+            const uint64_t word = random_();
+            memcpy(row + i, &word, std::min<size_t>(size - i, 8));
+        }
+        break;
     case 1: // extremes
-        return below(2) == 0 ? 0 : ~uint64_t{0};
+        return eitherOf(0, ~uint64_t{0});
     case 2: // constant
-        return constant_;
+        return fillWith([&](uint32_t) { return constant_; });
     case 3: // sparse: mostly constant
-        return below(40) == 0 ? random_() : constant_;
+        return fillWith([&, next = below(80)](uint32_t x) mutable {
+            if (x < next) return constant_;
+            next = x + 1 + below(80);
+            return random_();
+        });
     case 4: // slopes
-        return constant_ + 3 * x + 5 * y;
+        return fillWith([&](uint32_t x) { return constant_ + 3 * x + 5 * y; });
     default: // the largest and smallest signed numbers
-        return below(2) == 0 ? 0x7FFFFFFF7FFF7F7Full : 0x8000000080008080ull;
+        return eitherOf(0x7FFFFFFF7FFF7F7F, 0x8000000080008080);
     }
 }
 
@@ -211,6 +252,13 @@ uint8_t* Draw::addBuffer(const char* name, size_t size, size_t elementSize, size
     return buffers_.back().memory->data();
 }
 
+void Draw::setPattern()
+{
+    const GuardedBuffer& buffer = *buffers_.back().memory;
+    for (size_t i = 0; i < buffer.size(); ++i)
+        buffer.data()[i] = patternAt(i);
+}
+
 void Draw::note(const char* name, const std::string& value)
 {
     if (measures()) return;
@@ -230,6 +278,7 @@ std::vector<uint8_t> Draw::outcome() const
 
 std::string Draw::difference(const std::vector<uint8_t>& expected, const std::vector<uint8_t>& other) const
 {
+    if (expected == other) return "";
     if (expected.size() != other.size()) return "results of another size";
     std::string all;
     size_t begin = 0;
@@ -260,7 +309,7 @@ bool Draw::didSomething() const
     for (size_t index : outputs_) {
         const GuardedBuffer& buffer = *buffers_[index].memory;
         for (size_t i = 0; i < buffer.size(); ++i) {
-            if (buffer.data()[i] != untouched(i)) return true;
+            if (buffer.data()[i] != patternAt(i)) return true;
         }
     }
     return false;
@@ -283,7 +332,7 @@ size_t Draw::bytesMoved() const
         for (size_t start = 0; start < buffer.size(); start += kLine) {
             const size_t end = std::min(start + kLine, buffer.size());
             for (size_t i = start; i < end; ++i) {
-                if (buffer.data()[i] == untouched(i)) continue;
+                if (buffer.data()[i] == patternAt(i)) continue;
                 bytes += end - start;
                 break;
             }

@@ -76,6 +76,22 @@ struct Image {
     }
 };
 
+// SplitMix64: small, because a new one is made for each case, and cheap under emulation.
+struct Random {
+    using result_type = uint64_t;
+    uint64_t state;
+
+    static constexpr uint64_t min() { return 0; }
+    static constexpr uint64_t max() { return ~uint64_t{0}; }
+    uint64_t operator()()
+    {
+        uint64_t z = state += 0x9E3779B97F4A7C15;
+        z = (z ^ z >> 30) * 0xBF58476D1CE4E5B9;
+        z = (z ^ z >> 27) * 0x94D049BB133111EB;
+        return z ^ z >> 31;
+    }
+};
+
 class Draw
 {
 public:
@@ -134,9 +150,7 @@ public:
     {
         Image<T> image = allocate<T>(name, extent, packed);
         outputs_.push_back(buffers_.size() - 1);
-        const GuardedBuffer& buffer = *buffers_.back().memory;
-        for (size_t i = 0; i < buffer.size(); ++i)
-            buffer.data()[i] = untouched(i);
+        setPattern();
         return image;
     }
     // An array of elements: an image of one row.
@@ -220,10 +234,15 @@ private:
     void fill(const Image<T>& image)
     {
         if (measures() && (showsPicture(image) || showsNoise(image))) return;
+        static_assert(std::is_arithmetic_v<T>);
         content_ = measures() || sweeps() ? 0 : below(6);
         for (uint32_t y = 0; y < image.height; ++y) {
-            for (uint32_t x = 0; x < image.width; ++x)
-                image.at(x, y) = element<T>(x, y);
+            if constexpr (std::is_floating_point_v<T>) {
+                for (uint32_t x = 0; x < image.width; ++x)
+                    image.at(x, y) = static_cast<T>(realPixel(x, y));
+            } else {
+                fillIntegers(reinterpret_cast<uint8_t*>(&image.at(0, y)), image.width, sizeof(T), y);
+            }
         }
     }
     // Whether the image holds whole numbers: those of a measurement are noise that is made once.
@@ -247,16 +266,6 @@ private:
             return false;
         }
     }
-    template <class T>
-    T element(uint32_t x, uint32_t y)
-    {
-        if constexpr (std::is_floating_point_v<T>) {
-            return static_cast<T>(realPixel(x, y));
-        } else {
-            return static_cast<T>(pixel(x, y));
-        }
-    }
-
     struct Buffer {
         const char* name;
         size_t elementSize, row, stride; // in bytes
@@ -264,13 +273,12 @@ private:
     };
 
     bool sweeps() const { return !measures() && seed_ < kFirstDrawn; }
-    // What a destination's bytes hold before the operation.
-    static uint8_t untouched(size_t i) { return static_cast<uint8_t>(0xA5 + 7 * i); }
     void copyNoise(void* to, size_t size) const; // of another place for each buffer
     uint64_t below(uint64_t n) { return random_() % n; }
-    uint64_t pixel(uint32_t x, uint32_t y); // the low bits make an integer pixel
+    void fillIntegers(uint8_t* row, uint32_t width, size_t elementSize, uint32_t y);
     double realPixel(uint32_t x, uint32_t y);
     uint8_t* addBuffer(const char* name, size_t size, size_t elementSize, size_t row, size_t padding);
+    void setPattern(); // into the last buffer
     void note(const char* name, const std::string& value);
 
     Purpose purpose_;
@@ -279,7 +287,7 @@ private:
     bool wholeRows_ = false;
     Measurement measurement_{};
     std::function<void(const std::function<void()>&)> timer_;
-    std::mt19937_64 random_;
+    Random random_;
     uint64_t content_ = 0, constant_ = 0;
     std::vector<Buffer> buffers_;
     std::vector<size_t> outputs_;
