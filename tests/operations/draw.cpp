@@ -109,7 +109,7 @@ Extent Draw::extent(uint32_t minWidth, uint32_t minHeight, uint32_t leftOut)
         // Every width on a few rows, then every height on a vector and more.
         sizes_ = std::max(sizes_, widths.size() + heights.size());
         const size_t turn = (seed_ - 1) % (widths.size() + heights.size());
-        extent = turn < widths.size() ? Extent{widths[turn], above + 1 + static_cast<uint32_t>(below(8))}
+        extent = turn < widths.size() ? Extent{widths[turn], above + 2 + static_cast<uint32_t>(below(8))}
                                       : Extent{beside + kLongestVector + static_cast<uint32_t>(below(16)),
                                                heights[turn - widths.size()]};
     } else {
