@@ -21,6 +21,9 @@
 #include <thread>
 #include <unistd.h>
 
+// Of the sanitizers, which end the process without a signal.
+extern "C" [[gnu::weak]] void __sanitizer_set_death_callback(void (*)());
+
 namespace odx::test
 {
 
@@ -55,13 +58,17 @@ void announce(const char* operation, const std::string& column, uint64_t seed)
 constexpr int kSignals[] = {SIGSEGV, SIGBUS, SIGILL, SIGTRAP, SIGFPE, SIGABRT};
 struct sigaction previous[std::size(kSignals)];
 
-// Tells what was running, and leaves the signal to whoever had it before.
-void onSignal(int number)
+void tellWhatRuns()
 {
-    constexpr char what[] = "\nThe process ends in ";
-    for (const auto& text : {std::string_view(what), std::string_view(running)}) {
+    for (const std::string_view text : {"\nThe process ends in ", static_cast<const char*>(running)}) {
         if (write(STDERR_FILENO, text.data(), text.size()) < 0) break;
     }
+}
+
+// Leaves the signal to whoever had it before.
+void onSignal(int number)
+{
+    tellWhatRuns();
     for (size_t i = 0; i < std::size(kSignals); ++i) {
         if (kSignals[i] == number) sigaction(number, &previous[i], nullptr);
     }
@@ -92,6 +99,7 @@ protected:
         action.sa_handler = onSignal;
         for (size_t i = 0; i < std::size(kSignals); ++i)
             sigaction(kSignals[i], &action, &previous[i]);
+        if (__sanitizer_set_death_callback != nullptr) __sanitizer_set_death_callback(tellWhatRuns);
     }
     static void TearDownTestSuite() { printf("compared calls: %zu\n", comparedCalls); }
 
