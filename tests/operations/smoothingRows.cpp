@@ -1,4 +1,4 @@
-#include "operations/draw.h"
+#include "operations/shapes.h"
 
 #include "ondrix/smoothing.h"
 
@@ -8,50 +8,17 @@ namespace odx::test
 namespace
 {
 
-// Rows of the functions that share a signature. Packed functions have no strides.
+// 1 for borders, else none.
+constexpr auto border = oneOf<1, 0, 2>;
 
-template <class T, uint32_t minWidth, uint32_t minHeight, auto* operation>
-void packedGaussian(Draw& draw)
-{
-    const Extent extent = draw.extent(minWidth, minHeight);
-    const auto src = draw.source<T>("src", extent, true), dst = draw.destination<T>("dst", extent, true);
-    const int border = draw.pick("border", {1, 0, 2});
-    draw.run([&] { operation(src.pixels, extent.width, extent.height, dst.pixels, border); });
-}
-
-template <class T, uint32_t minWidth, uint32_t minHeight, auto* operation>
-void gaussian(Draw& draw)
-{
-    const Extent extent = draw.extent(minWidth, minHeight);
-    const auto src = draw.source<T>("src", extent), dst = draw.destination<T>("dst", extent);
-    const int border = draw.pick("border", {1, 0, 2});
-    draw.run([&] {
-        operation(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels, dst.strideArgument(),
-                  border);
-    });
-}
-
+template <class T, auto* operation, class Size>
+constexpr auto packedGaussian = packedToPacked<T, T, operation, Size, border>;
+template <class T, auto* operation, class Size>
+constexpr auto gaussian = imageToImage<T, T, operation, Size, border>;
 template <uint32_t K, auto* operation>
-void box(Draw& draw)
-{
-    const Extent extent = draw.extent(K, K);
-    const auto src = draw.source<uint8_t>("src", extent), dst = draw.destination<uint8_t>("dst", extent);
-    draw.run([&] { operation(src.pixels, extent.width, extent.height, src.stride, dst.pixels, dst.stride); });
-}
-
+constexpr auto box = stridedToStrided<uint8_t, uint8_t, operation, Size<K>>;
 template <auto* operation>
-void withBorderType(Draw& draw)
-{
-    const Extent extent = draw.extent();
-    const auto src = draw.source<uint8_t>("src", extent), dst = draw.destination<uint8_t>("dst", extent);
-    const auto type =
-        draw.pick("type", {ONDRIX_BORDER_REPLICATE, ONDRIX_BORDER_CONSTANT, ONDRIX_BORDER_UNDEFINED});
-    const uint32_t value = draw.number<uint32_t>("value", 0, 300, 0);
-    draw.run([&] {
-        return operation(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
-                         dst.strideArgument(), type, value);
-    });
-}
+constexpr auto withBorderType = imageToImage<uint8_t, uint8_t, operation, Size<1>, borderType, borderValue>;
 
 void boxNxN(Draw& draw)
 {
@@ -72,24 +39,6 @@ void boxNxN(Draw& draw)
     });
 }
 
-void median(Draw& draw)
-{
-    const Extent extent = draw.extent();
-    const auto src = draw.source<uint8_t>("src", extent, true),
-               dst = draw.destination<uint8_t>("dst", extent, true);
-    draw.run([&] { odxFilterMedian3x3u8(src.pixels, extent.width, extent.height, dst.pixels); });
-}
-
-void median_v2(Draw& draw)
-{
-    const Extent extent = draw.extent();
-    const auto src = draw.source<uint8_t>("src", extent), dst = draw.destination<uint8_t>("dst", extent);
-    draw.run([&] {
-        odxFilterMedian3x3u8_v2(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
-                                dst.strideArgument());
-    });
-}
-
 void medianMxN(Draw& draw)
 {
     const Extent extent = draw.extent();
@@ -106,24 +55,24 @@ void medianMxN(Draw& draw)
 std::vector<Row> smoothingRows()
 {
     return {
-        {"odxFilterGaussian3x3u8", packedGaussian<uint8_t, 7, 1, odxFilterGaussian3x3u8>},
-        {"odxFilterGaussian3x3u8_v2", gaussian<uint8_t, 7, 2, odxFilterGaussian3x3u8_v2>},
+        {"odxFilterGaussian3x3u8", packedGaussian<uint8_t, odxFilterGaussian3x3u8, Size<7, 1>>},
+        {"odxFilterGaussian3x3u8_v2", gaussian<uint8_t, odxFilterGaussian3x3u8_v2, Size<7, 2>>},
         {"odxFilterGaussian3x3u8_v3", withBorderType<odxFilterGaussian3x3u8_v3>},
-        {"odxFilterGaussian5x5u8", packedGaussian<uint8_t, 5, 5, odxFilterGaussian5x5u8>},
-        {"odxFilterGaussian5x5u8_v2", gaussian<uint8_t, 5, 5, odxFilterGaussian5x5u8_v2>},
-        {"odxFilterGaussian11x11u8", packedGaussian<uint8_t, 11, 11, odxFilterGaussian11x11u8>},
-        {"odxFilterGaussian11x11u8_v2", gaussian<uint8_t, 11, 11, odxFilterGaussian11x11u8_v2>},
-        {"odxFilterGaussian5x5s16", packedGaussian<int16_t, 1, 2, odxFilterGaussian5x5s16>},
-        {"odxFilterGaussian5x5s16_v2", gaussian<int16_t, 1, 2, odxFilterGaussian5x5s16_v2>},
-        {"odxFilterGaussian5x5s32", packedGaussian<int32_t, 5, 5, odxFilterGaussian5x5s32>},
-        {"odxFilterGaussian5x5s32_v2", gaussian<int32_t, 5, 5, odxFilterGaussian5x5s32_v2>},
+        {"odxFilterGaussian5x5u8", packedGaussian<uint8_t, odxFilterGaussian5x5u8, Size<5, 5>>},
+        {"odxFilterGaussian5x5u8_v2", gaussian<uint8_t, odxFilterGaussian5x5u8_v2, Size<5, 5>>},
+        {"odxFilterGaussian11x11u8", packedGaussian<uint8_t, odxFilterGaussian11x11u8, Size<11, 11>>},
+        {"odxFilterGaussian11x11u8_v2", gaussian<uint8_t, odxFilterGaussian11x11u8_v2, Size<11, 11>>},
+        {"odxFilterGaussian5x5s16", packedGaussian<int16_t, odxFilterGaussian5x5s16, Size<1, 2>>},
+        {"odxFilterGaussian5x5s16_v2", gaussian<int16_t, odxFilterGaussian5x5s16_v2, Size<1, 2>>},
+        {"odxFilterGaussian5x5s32", packedGaussian<int32_t, odxFilterGaussian5x5s32, Size<5, 5>>},
+        {"odxFilterGaussian5x5s32_v2", gaussian<int32_t, odxFilterGaussian5x5s32_v2, Size<5, 5>>},
         {"odxBoxFilter3x3u8", box<3, odxBoxFilter3x3u8>},
         {"odxBoxFilter3x3u8_v2", withBorderType<odxBoxFilter3x3u8_v2>},
         {"odxBoxFilter5x5u8", box<5, odxBoxFilter5x5u8>},
         {"odxBoxFilter11x11u8", box<11, odxBoxFilter11x11u8>},
         {"odxBoxFilterNxNf32", boxNxN},
-        {"odxFilterMedian3x3u8", median},
-        {"odxFilterMedian3x3u8_v2", median_v2},
+        {"odxFilterMedian3x3u8", packedToPacked<uint8_t, uint8_t, odxFilterMedian3x3u8>},
+        {"odxFilterMedian3x3u8_v2", imageToImage<uint8_t, uint8_t, odxFilterMedian3x3u8_v2>},
         {"odxFilterMedian3x3u8_v3", withBorderType<odxFilterMedian3x3u8_v3>},
         {"odxFilterMedianMxNs16", medianMxN},
     };

@@ -1,0 +1,100 @@
+// Rows of operations that share a signature, for all families: one line for each operation.
+//
+//     {"odxFilterMedian3x3u8_v3", imageToImage<uint8_t, uint8_t, odxFilterMedian3x3u8_v3, Size<3>, borderType,
+//     borderValue>}
+//
+// After the operation stands the least size, then what the operation takes beyond the images, each as a function
+// that draws it: oneOf<...>, between<...>, or one of the family's own.
+#ifndef ODX_TESTS_OPERATIONS_SHAPES_H
+#define ODX_TESTS_OPERATIONS_SHAPES_H
+
+#include "operations/draw.h"
+
+#include "ondrix/types.h"
+
+#include <tuple>
+
+namespace odx::test
+{
+
+template <uint32_t width = 1, uint32_t height = width, uint32_t leftOut = 4>
+struct Size {
+    static Extent draw(Draw& draw) { return draw.extent(width, height, leftOut); }
+};
+
+// ---- arguments ----
+
+template <auto... values> // the typical one first
+auto oneOf(Draw& draw)
+{
+    return draw.pick("argument", {values...});
+}
+
+template <auto low, decltype(low) high, decltype(low) typical>
+auto between(Draw& draw)
+{
+    return draw.number("argument", low, high, typical);
+}
+
+constexpr auto borderType = oneOf<ONDRIX_BORDER_REPLICATE, ONDRIX_BORDER_CONSTANT, ONDRIX_BORDER_UNDEFINED>;
+constexpr auto borderValue = between<0u, 300u, 0u>;
+
+// ---- shapes ----
+
+// call(rest...), with what each of `rest` draws.
+template <auto... rest, class Call>
+void runWith(Draw& draw, Call call)
+{
+    const std::tuple values{rest(draw)...};
+    draw.run([&] { return std::apply(call, values); });
+}
+
+// operation(src, width, height, srcStride, dst, dstStride, rest...); 0 stands for packed rows.
+template <class Source, class Destination, auto* operation, class Size = Size<>, auto... rest>
+void imageToImage(Draw& draw)
+{
+    const Extent extent = Size::draw(draw);
+    const auto src = draw.source<Source>("src", extent);
+    const auto dst = draw.destination<Destination>("dst", extent);
+    runWith<rest...>(draw, [&](auto... value) {
+        return operation(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
+                         dst.strideArgument(), value...);
+    });
+}
+
+// The same where a stride of 0 stands for nothing.
+template <class Source, class Destination, auto* operation, class Size = Size<>, auto... rest>
+void stridedToStrided(Draw& draw)
+{
+    const Extent extent = Size::draw(draw);
+    const auto src = draw.source<Source>("src", extent);
+    const auto dst = draw.destination<Destination>("dst", extent);
+    runWith<rest...>(draw, [&](auto... value) {
+        return operation(src.pixels, extent.width, extent.height, src.stride, dst.pixels, dst.stride, value...);
+    });
+}
+
+// operation(src, width, height, dst, rest...), of packed rows.
+template <class Source, class Destination, auto* operation, class Size = Size<>, auto... rest>
+void packedToPacked(Draw& draw)
+{
+    const Extent extent = Size::draw(draw);
+    const auto src = draw.source<Source>("src", extent, true);
+    const auto dst = draw.destination<Destination>("dst", extent, true);
+    runWith<rest...>(draw, [&](auto... value) {
+        return operation(src.pixels, extent.width, extent.height, dst.pixels, value...);
+    });
+}
+
+// result = operation(src, length).
+template <class Source, auto* operation>
+void arrayToResult(Draw& draw)
+{
+    const uint32_t length = draw.length(1, sizeof(Source));
+    const Source* const src = draw.sourceArray<Source>("src", length);
+    draw.run([&] { return operation(src, length); });
+}
+
+} // namespace odx::test
+
+#endif
