@@ -111,7 +111,7 @@ static uint32_t detectEach(const uint8_t* src, uint32_t stride, const Area& area
         excluded.enter(y);
         for (uint32_t x = area.left; x < area.right; ++x) {
             const auto circle = circleOf<int32_t>([&](size_t k) __attribute__((always_inline)) {
-                return int32_t{row[x + offsets[k]]};
+                return int32_t{(row + x)[offsets[k]]};
             });
             if (contrast<N>(circle, row[x]) <= barrier || excluded.excludes(x)) continue;
             if (list.add(x, y)) return list.count;
