@@ -1,14 +1,5 @@
 #include "orlan/targets.h"
 
-// Best first.
-#if defined(__x86_64__)
-#define ODX_SIMD_TARGETS(list) list(avx512) list(avx2)
-#elif defined(__ARM_NEON) || defined(__arm__) || defined(__aarch64__)
-#define ODX_SIMD_TARGETS(list) list(neon)
-#else
-#define ODX_SIMD_TARGETS(list)
-#endif
-
 #define DECLARE_TARGET(name)           \
     namespace odx::name                \
     {                                  \

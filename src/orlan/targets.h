@@ -4,6 +4,15 @@
 
 #include <stddef.h>
 
+// The targets of the build, best first.
+#if defined(__x86_64__)
+#define ODX_SIMD_TARGETS(list) list(avx512) list(avx2)
+#elif defined(__ARM_NEON) || defined(__arm__) || defined(__aarch64__)
+#define ODX_SIMD_TARGETS(list) list(neon)
+#else
+#define ODX_SIMD_TARGETS(list)
+#endif
+
 namespace odx::orlan
 {
 
