@@ -88,6 +88,27 @@ struct PseudoPlanar {
 
 constexpr uint8_t kNoChroma = 128; // of a grey pixel
 
+// A row of chroma, as ODX_CHROMA_ROWS lists them.
+template <class From, size_t step, class To, size_t repeat>
+void chromaGroups(const uint8_t* __restrict srcCb, const uint8_t* __restrict srcCr, uint8_t* __restrict dstCb,
+                  uint8_t* __restrict dstCr, size_t count)
+{
+    for (size_t i = 0; i < count; ++i)
+        To::template store<repeat>(dstCb, dstCr, i, From::template load<step>(srcCb, srcCr, i));
+}
+
+template <class From, size_t step, class To, size_t repeat>
+struct ChromaGroups {
+    static odxChromaRow* row() { return chromaGroups<From, step, To, repeat>; }
+};
+#define ODX_DEFINE(name, from, step, to, repeat)       \
+    template <>                                        \
+    struct ChromaGroups<from, step, to, repeat> {      \
+        static odxChromaRow* row() { return name##_; } \
+    };
+ODX_CHROMA_ROWS(ODX_DEFINE)
+#undef ODX_DEFINE
+
 // Writes `count` samples of a row from the `available` ones of another: each as it is, every second one, or each
 // twice. Where they run out, the last one is repeated.
 template <class From, size_t fromAcross, class To, size_t toAcross>
@@ -96,8 +117,7 @@ void chromaRow(const uint8_t* __restrict srcCb, const uint8_t* __restrict srcCr,
 {
     constexpr size_t step = toAcross > fromAcross ? 2 : 1, repeat = fromAcross > toAcross ? 2 : 1;
     const size_t groups = available / step < count / repeat ? available / step : count / repeat;
-    for (size_t i = 0; i < groups; ++i)
-        To::template store<repeat>(dstCb, dstCr, i, From::template load<step>(srcCb, srcCr, i));
+    ChromaGroups<From, step, To, repeat>::row()(srcCb, srcCr, dstCb, dstCr, groups);
     for (size_t i = repeat * groups; i < count; ++i) {
         Sample sample = {kNoChroma, kNoChroma};
         const size_t at = i * step / repeat;
@@ -141,6 +161,14 @@ void swapRow(const uint8_t* src, uint8_t* dst, size_t pairs)
 using namespace odx::color;
 
 extern "C" {
+
+#define ODX_DEFINE(name, from, step, to, repeat)                                                           \
+    void name##C(const uint8_t* srcCb, const uint8_t* srcCr, uint8_t* dstCb, uint8_t* dstCr, size_t count) \
+    {                                                                                                      \
+        chromaGroups<from, step, to, repeat>(srcCb, srcCr, dstCb, dstCr, count);                           \
+    }
+ODX_CHROMA_ROWS(ODX_DEFINE)
+#undef ODX_DEFINE
 
 #define ODX_Planar_SOURCE_IMAGE                                  \
     {                                                            \

@@ -88,6 +88,20 @@
     ODX_YCBCR_TO_OTHER_LAYOUT(X, Planar, PseudoPlanar)            \
     ODX_YCBCR_TO_OTHER_LAYOUT(X, PseudoPlanar, Planar)
 
+// Rows of chroma: X(name, source layout, step, destination layout, repeat). Of every `step`-th sample of the
+// source come `repeat` in the destination; one of them is 1. Samples that only move are copied.
+#define ODX_CHROMA_ROWS(X)                                                    \
+    X(chromaPlanarToPlanarHalf, Planar, 2, Planar, 1)                         \
+    X(chromaPlanarToPlanarTwice, Planar, 1, Planar, 2)                        \
+    X(chromaPlanarToPseudoPlanar, Planar, 1, PseudoPlanar, 1)                 \
+    X(chromaPlanarToPseudoPlanarHalf, Planar, 2, PseudoPlanar, 1)             \
+    X(chromaPlanarToPseudoPlanarTwice, Planar, 1, PseudoPlanar, 2)            \
+    X(chromaPseudoPlanarToPlanar, PseudoPlanar, 1, Planar, 1)                 \
+    X(chromaPseudoPlanarToPlanarHalf, PseudoPlanar, 2, Planar, 1)             \
+    X(chromaPseudoPlanarToPlanarTwice, PseudoPlanar, 1, Planar, 2)            \
+    X(chromaPseudoPlanarToPseudoPlanarHalf, PseudoPlanar, 2, PseudoPlanar, 1) \
+    X(chromaPseudoPlanarToPseudoPlanarTwice, PseudoPlanar, 1, PseudoPlanar, 2)
+
 // ---- their parameters, and the names of these as arguments ----
 
 #define ODX_Packed_SOURCE const uint8_t *src, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcStride
@@ -113,6 +127,10 @@ extern "C" {
 typedef void odxYuvRow(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, size_t width);
 typedef void odxLumaRow(const uint8_t* src, uint8_t* y, size_t width);
 typedef void odxRepackedRow(const uint8_t* src, uint8_t* dst, size_t width);
+// `count` samples of each kind are read, at `step` times their place, and written `repeat` times. Interleaved
+// chroma is at cb alone. The rows do not overlap.
+typedef void odxChromaRow(const uint8_t* srcCb, const uint8_t* srcCr, uint8_t* dstCb, uint8_t* dstCr,
+                          size_t count);
 
 #define ODX_DECLARE(source, pixels)                                           \
     odxYuvRow source##2yuvpC, source##2yyuvpC, source##2yuvC, source##2yyuvC; \
@@ -129,6 +147,12 @@ ODX_RGB_SOURCES(ODX_DECLARE)
     odxRepackedRow repack##from##To##to##C; \
     ODX_HELPER_POINTER(repack##from##To##to);
 ODX_RGB_TO_RGB(ODX_DECLARE)
+#undef ODX_DECLARE
+
+#define ODX_DECLARE(name, from, step, to, repeat) \
+    odxChromaRow name##C;                         \
+    ODX_HELPER_POINTER(name);
+ODX_CHROMA_ROWS(ODX_DECLARE)
 #undef ODX_DECLARE
 
 // ---- operations ----
