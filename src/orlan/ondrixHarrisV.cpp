@@ -28,13 +28,13 @@ public:
     ODX_MEMBER static uint64_t responseBytes(uint32_t width) { return sizeof(int32_t) * padded(width); }
     ODX_MEMBER static uint64_t gradientBytes(uint32_t width)
     {
-        return kPlanes * (sizeof(int16_t) + kStages * sizeof(int32_t)) * padded(width);
+        return kPlanes * (sizeof(int16_t) + kStages * sizeof(int32_t)) * padded(width) + kBytes;
     }
     ODX_MEMBER static uint64_t smoothedBytes(uint32_t width) { return kPlanes * sizeof(int16_t) * padded(width); }
 
     ODX_MEMBER Rows(const View& view, const Memory& memory)
         : view_(view), products_(planesAt(memory.grads)), smoothed_(planesAt(memory.blurgrads)),
-          stages_(reinterpret_cast<int32_t*>(memory.grads + kPlanes * padded(view.width)))
+          stages_(aligned(memory.grads + kPlanes * padded(view.width)))
     {
         memset(memory.grads, 0, gradientBytes(view.width)); // what lies beyond the rows takes part in sums
         memset(memory.blurgrads, 0, smoothedBytes(view.width));
@@ -106,6 +106,11 @@ public:
 
 private:
     ODX_MEMBER static size_t padded(uint32_t width) { return size_t{width} + 2 * kLanes; }
+    // Vectors that cross cache lines would make the stages slow.
+    ODX_MEMBER static int32_t* aligned(int16_t* p)
+    {
+        return reinterpret_cast<int32_t*>(p + -reinterpret_cast<uintptr_t>(p) % kBytes / sizeof *p);
+    }
     ODX_MEMBER Planes planesAt(int16_t* row) const
     {
         return {row, row + padded(view_.width), row + 2 * padded(view_.width)};
