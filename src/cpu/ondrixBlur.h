@@ -25,6 +25,10 @@ void gaussian3x3Border(const Plane<uint8_t>& plane, odxBorderType type, uint32_t
 void box3x3Border(const Plane<uint8_t>& plane, odxBorderType type, uint32_t value);
 void median3x3Border(const Plane<uint8_t>& plane, odxBorderType type, uint32_t value);
 
+// Border pixels of the box filters of size K, 5 or 11: outside the image there are zeros.
+template <uint32_t K>
+void boxBorder(const Plane<uint8_t>& plane);
+
 } // namespace odx::blur
 
 #endif

@@ -221,7 +221,37 @@ struct Symmetric3x3 {
     static constexpr auto column = row;
 };
 
+// Sums of columns, then of rows; they fit 16 bits: 121 x 255.
+template <uint32_t size>
+struct BoxWindow {
+    static constexpr uint32_t K = size;
+    static void row(const uint8_t* const* lines, uint8_t* out, uint32_t count)
+    {
+        uint16_t columns[border::kOutputs + K - 1] = {};
+        for (uint32_t k = 0; k < K; ++k) {
+            for (size_t x = 0; x < count + K - 1; ++x)
+                columns[x] = static_cast<uint16_t>(columns[x] + lines[k][x]);
+        }
+        for (size_t x = 0; x < count; ++x) {
+            uint16_t sum = 0;
+            for (size_t k = 0; k < K; ++k)
+                sum = static_cast<uint16_t>(sum + columns[x + k]);
+            out[x] = boxMean(sum, K == 5 ? kBox5Reciprocal : kBox11Reciprocal);
+        }
+    }
+    static constexpr auto column = row;
+};
+
 } // namespace
+
+template <uint32_t K>
+void boxBorder(const Plane<uint8_t>& plane)
+{
+    border::filterFrame<BoxWindow<K>>(plane, {false, 0});
+}
+
+template void boxBorder<5>(const Plane<uint8_t>&);
+template void boxBorder<11>(const Plane<uint8_t>&);
 
 void gaussian3x3Border(const Plane<uint8_t>& plane, odxBorderType type, uint32_t value)
 {

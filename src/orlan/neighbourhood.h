@@ -22,7 +22,7 @@
 //       u16p last = {}, lastTwo = {};                        // sums of one row, and of two
 //       ODX_MEMBER u16p push(const uint8_t* row)
 //       {
-//           const u16p next = dot3<1, 1, 1>(row), sum = lastTwo + next;
+//           const u16p next = dots<1, 1, 1>(row), sum = lastTwo + next;
 //           lastTwo = last + next;
 //           last = next;
 //           return sum;
@@ -76,41 +76,53 @@ struct Rows {
 template <class T>
 Rows(T*, size_t) -> Rows<T>;
 
-// How many vectors a strip of a filter is wide: a line of the cache, so that it is read at one time and not by
-// strip after strip, if what the filters carry from row to row leaves enough registers to work with.
+// ---- the order that suits the caches ----
+//
+// Rows up to kNearRow bytes: a block of them stays in the nearest caches, so that blocks are high and the run-up
+// of a strip weighs little. Longer rows come from far away, more of them at a time than processors follow by
+// themselves: blocks are low, strips as wide as registers allow, and what comes next is fetched ahead. Rows that
+// lie a multiple of 2048 bytes apart share a few lines of the first cache: blocks are lower still.
+constexpr size_t kNearRow = 2048;
+
+constexpr uint32_t blockRows(uint32_t windowRows, bool nearby, size_t srcStride)
+{
+    const uint32_t runUp = windowRows > 1 ? windowRows - 1 : 1;
+    return nearby ? 8 * runUp : srcStride % 2048 != 0 ? 4 * runUp : 4;
+}
+
+// How many vectors a strip is wide: nearby rows a line of the cache, others two vectors, if what the filters carry
+// from row to row leaves enough registers to work with.
 #if defined(__AVX512F__) || defined(__aarch64__)
 constexpr uint32_t kRegisters = 32;
 #else
 constexpr uint32_t kRegisters = 16;
 #endif
-template <class Filter>
-constexpr uint32_t kAcross = kBytes < 64 && 2 * sizeof(Filter) <= (kRegisters - 6) * kBytes ? 2 : 1;
+template <class Filter, bool nearby>
+constexpr uint32_t kAcross = (kBytes < 64 || !nearby) && 2 * sizeof(Filter) <= (kRegisters - 6) * kBytes ? 2 : 1;
 
-// How far ahead of a strip its rows are fetched, in bytes; 0 where processors are left to themselves. They follow
-// rows of pixels well, but not as many as a block has.
+// How far ahead of a strip distant rows are fetched, in bytes: about as long as memory takes, so that low blocks,
+// which are done sooner, reach further. ARM's processors are left to themselves: there it has not been measured.
 #if defined(__ARM_NEON)
-constexpr uintptr_t kFetchAhead = 0;
+constexpr bool kFetchesAhead = false;
 #else
-constexpr uintptr_t kFetchAhead = 1024;
+constexpr bool kFetchesAhead = true;
 #endif
+constexpr uint32_t fetchDistance(uint32_t rowsAtOnce)
+{
+    return rowsAtOnce <= 4 ? 1024 : 512;
+}
 
 // Hints to the cache may point anywhere.
-template <uint32_t bytes>
-ODX_INLINE void fetchAhead(const void* p)
+template <bool nearby, uint32_t bytes>
+ODX_INLINE void fetchAhead(const void* p, uint32_t ahead)
 {
-    if constexpr (kFetchAhead != 0) {
+    if constexpr (!nearby && kFetchesAhead) {
         for (uint32_t i = 0; i < bytes; i += 64)
-            __builtin_prefetch((const void*)((uintptr_t)p + kFetchAhead + i));
+            __builtin_prefetch((const void*)((uintptr_t)p + ahead + i));
     }
 }
 
-// Output rows that strips compute before the next strip begins: enough that the run-up of the strip weighs little,
-// few enough that the rows of a block stay in the nearest caches, where rows that lie a power of two apart share a
-// few lines.
-constexpr uint32_t blockRows(uint32_t rows, uint32_t width)
-{
-    return width <= 2048 ? 8 * rows - 8 : 2 * rows;
-}
+// ---- strips ----
 
 // Covers width x height outputs with strips of `lanes` columns, one or several side by side:
 // strip(Side<n>(), x, y, rows). The first and the last strip of a block overlap their neighbours, so that the
@@ -205,21 +217,22 @@ struct Beside<Filter, 0> {
 
 // One strip: n vectors of outputs, `rows` high. Two rows at a time: what a filter carries from row to row then
 // changes places without moves.
-template <uint32_t n, class Filter, class S, class... D>
-ODX_INLINE void filterStrip(const Filter& filter, const S* in, size_t stride, uint32_t rows, Rows<D>... out)
+template <uint32_t n, bool nearby, class Filter, class S, class... D>
+ODX_INLINE void filterStrip(const Filter& filter, const S* in, size_t stride, uint32_t rows, uint32_t ahead,
+                            Rows<D>... out)
 {
     constexpr uint32_t step = Filter::kStep, bytes = n * Filter::kLanes * step * sizeof(S);
     Beside<Filter, n> filters(filter);
     for (uint32_t i = 0; i + step < Filter::kRows; ++i, in = rowOf(in, stride, 1)) {
-        fetchAhead<bytes>(in);
+        fetchAhead<nearby, bytes>(in, ahead);
         filters.enter(in);
     }
     const auto row = [&] {
         for (uint32_t i = 1; i < step; ++i, in = rowOf(in, stride, 1)) {
-            fetchAhead<bytes>(in);
+            fetchAhead<nearby, bytes>(in, ahead);
             filters.enter(in);
         }
-        fetchAhead<bytes>(in);
+        fetchAhead<nearby, bytes>(in, ahead);
         filters.step(in, out.pixels...);
         in = rowOf(in, stride, 1);
         ((out = out.next()), ...);
@@ -227,8 +240,8 @@ ODX_INLINE void filterStrip(const Filter& filter, const S* in, size_t stride, ui
     for (; rows >= 2; rows -= 2) {
         if constexpr (step == 1 && TakesBoth<Filter, S>::value) {
             const S* const next = rowOf(in, stride, 1);
-            fetchAhead<bytes>(in);
-            fetchAhead<bytes>(next);
+            fetchAhead<nearby, bytes>(in, ahead);
+            fetchAhead<nearby, bytes>(next, ahead);
             filters.stepBoth(in, next, out...);
             in = rowOf(next, stride, 1);
             ((out = out.next().next()), ...);
@@ -246,19 +259,32 @@ ODX_INLINE T* firstOf(const Rows<T>& rows, const Others&...)
     return rows.pixels;
 }
 
+template <bool nearby, class Filter, class S, class... D>
+ODX_INLINE void walkRows(const Filter& filter, const S* src, size_t srcStride, uint32_t width, uint32_t height,
+                         Rows<D>... out)
+{
+    constexpr uint32_t lanes = Filter::kLanes;
+    const uint32_t rowsAtOnce = blockRows(Filter::kRows, nearby, srcStride);
+    forStrips<lanes, kAcross<Filter, nearby>>(
+        width, height, columnsToAligned(firstOf(out...)) % lanes, rowsAtOnce,
+        [&](auto side, uint32_t x, uint32_t y, uint32_t rows) {
+            const S* const in = rowOf(src, srcStride, y * size_t{Filter::kStep}) + x * size_t{Filter::kStep};
+            filterStrip<decltype(side)::value, nearby>(filter, in, srcStride, rows, fetchDistance(rowsAtOnce),
+                                                       out.at(x, y)...);
+        });
+}
+
 // Filters width x height outputs, the first of which has its uppermost leftmost tap at `src`; width is at least
 // Filter::kLanes. Strips are aligned to the first destination.
 template <class Filter, class S, class... D>
 ODX_INLINE void walk(const Filter& filter, const S* src, size_t srcStride, uint32_t width, uint32_t height,
                      Rows<D>... out)
 {
-    constexpr uint32_t lanes = Filter::kLanes;
-    forStrips<lanes, kAcross<Filter>>(
-        width, height, columnsToAligned(firstOf(out...)) % lanes, blockRows(Filter::kRows, width),
-        [&](auto side, uint32_t x, uint32_t y, uint32_t rows) {
-            const S* const in = rowOf(src, srcStride, y * size_t{Filter::kStep}) + x * size_t{Filter::kStep};
-            filterStrip<decltype(side)::value>(filter, in, srcStride, rows, out.at(x, y)...);
-        });
+    if (!kFetchesAhead || width * sizeof(S) * Filter::kStep <= kNearRow) {
+        walkRows<true>(filter, src, srcStride, width, height, out...);
+    } else {
+        walkRows<false>(filter, src, srcStride, width, height, out...);
+    }
 }
 
 // The interior of an image: the outputs whose whole window is inside it.

@@ -18,18 +18,15 @@ namespace odx::ODX_TARGET
 struct Gaussian3x3 : Window<3, 3, kBytes> {
     BinomialColumn<u16p, 2> column; // sums up to 16 x 255
 
-    ODX_MEMBER auto push(const uint8_t* row) { return column.push(dot2<1, 2>(row) + split(load<u8v>(row + 2))); }
-    ODX_MEMBER static void write(const u16p& sum, uint8_t* out) { store(out, joinShifted<4>(sum)); }
+    ODX_MEMBER auto push(const uint8_t* row) { return column.push(dotsFor<4, 1, 2, 1>(row)); }
+    ODX_MEMBER static void write(const u16p& sum, uint8_t* out) { store(out, joinDots<4>(sum)); }
 };
 
 struct Gaussian5x5 : Window<5, 5, kBytes> {
     BinomialColumn<u16p, 4> column; // sums up to 256 x 255
 
-    ODX_MEMBER auto push(const uint8_t* row)
-    {
-        return column.push(dot2<1, 4>(row) + dot2<6, 4>(row + 2) + split(load<u8v>(row + 4)));
-    }
-    ODX_MEMBER static void write(const u16p& sum, uint8_t* out) { store(out, joinShifted<8>(sum)); }
+    ODX_MEMBER auto push(const uint8_t* row) { return column.push(dotsFor<8, 1, 4, 6, 4, 1>(row)); }
+    ODX_MEMBER static void write(const u16p& sum, uint8_t* out) { store(out, joinDots<8>(sum)); }
 };
 
 struct Gaussian5x5s16 : Window<5, 5, kBytes / 2> {
@@ -175,16 +172,29 @@ void odxFilterGaussian11x11u8V(const uint8_t* src, unsigned int srcWidth, unsign
 
 // ---- means ----
 
+// Two outputs, one above the other.
+template <class V>
+struct Both {
+    V first, second;
+};
+
 struct Box3x3 : Window<3, 3, kBytes> {
-    u16p previous[2] = {};
+    u16p rows[2] = {}; // the row sums before
 
     ODX_MEMBER u16p push(const uint8_t* row)
     {
-        const u16p next = dot2<1, 1>(row) + split(load<u8v>(row + 2));
-        const u16p sum = previous[0] + previous[1] + next;
-        previous[0] = previous[1];
-        previous[1] = next;
+        const u16p next = dots<1, 1, 1>(row), sum = rows[0] + rows[1] + next;
+        rows[0] = rows[1];
+        rows[1] = next;
         return sum;
+    }
+    ODX_MEMBER Both<u16p> pushBoth(const uint8_t* row, const uint8_t* after)
+    {
+        const u16p next = dots<1, 1, 1>(row), last = dots<1, 1, 1>(after), shared = rows[1] + next;
+        const Both<u16p> sums = {rows[0] + shared, shared + last};
+        rows[0] = next;
+        rows[1] = last;
+        return sums;
     }
     ODX_MEMBER static void write(const u16p& sum, uint8_t* out)
     {
@@ -216,10 +226,10 @@ void odxBoxFilter3x3u8V(const uint8_t* src, unsigned int srcWidth, unsigned int 
 template <uint32_t K>
 ODX_INLINE u16p rowSum(const uint8_t* row)
 {
-    if constexpr (K == 1) {
-        return split(load<u8v>(row));
+    if constexpr (K == 5) {
+        return dots<1, 1, 1, 1, 1>(row);
     } else {
-        return dot2<1, 1>(row) + rowSum<K - 2>(row + 2);
+        return dots<1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1>(row);
     }
 }
 
@@ -234,61 +244,83 @@ ODX_INLINE u16v meanOf(u16v sum)
     }
 }
 
-// Every output of a strip is the sum of the last K row sums: each step adds the row that enters and subtracts the
-// one that leaves. What is outside the image counts as 0.
+// A strip of sums of the last K row sums: each step adds the row that enters and subtracts the one that entered K
+// rows before, from a ring.
 template <uint32_t K>
-ODX_INLINE void boxStrip(const Plane<uint8_t>& plane, uint32_t x, uint32_t y0, uint32_t rows)
-{
-    constexpr uint32_t r = K / 2;
-    const bool inside = x >= r && plane.width - x >= kBytes + r;
-    uint8_t padded[kBytes + 2 * r] = {};
-    const uint32_t from = x < r ? 0 : x - r, to = plane.width - x < kBytes + r ? plane.width : x + kBytes + r;
-
+struct BoxColumn {
     u16p ring[K] = {};
     u16p sum = {};
-    uint32_t oldest = 0;
-    for (uint32_t i = 0; i < rows + K - 1; ++i) {
-        const uint32_t y = y0 + i - r; // wraps above the image
-        u16p next = {};
-        if (y < plane.height) {
-            const uint8_t* row = rowOf(plane.src, plane.srcStride, y);
-            if (inside) {
-                row += x - r;
-            } else {
-                memcpy(padded + (from + r - x), row + from, to - from);
-                row = padded;
-            }
-            next = rowSum<K>(row);
-        }
-        sum = sum + next - ring[oldest];
-        ring[oldest] = next;
-        oldest = oldest + 1 == K ? 0 : oldest + 1;
-        if (i >= K - 1) {
-            store(rowOf(plane.dst, plane.dstStride, y0 + i - (K - 1)) + x,
-                  join({meanOf<K>(sum.a), meanOf<K>(sum.b)}));
-        }
+
+    ODX_MEMBER void push(uint32_t place, const uint8_t* row)
+    {
+        const u16p next = rowSum<K>(row);
+        sum = sum + next - ring[place];
+        ring[place] = next;
     }
-}
+    ODX_MEMBER void write(uint8_t* out) const { store(out, join({meanOf<K>(sum.a), meanOf<K>(sum.b)})); }
+
+    // Rows from the K-th on, one for each place, as far as there are any; returns how many are left. Places that
+    // the compiler knows can be registers.
+    template <uint32_t count = 0>
+    ODX_MEMBER uint32_t turn(const uint8_t*& in, size_t stride, uint8_t*& out, size_t dstStride, uint32_t rows)
+    {
+        push((count + K - 1) % K, in);
+        write(out);
+        in += stride;
+        out += dstStride;
+        if constexpr (count + 1 < K) {
+            if (rows > 1) return turn<count + 1>(in, stride, out, dstStride, rows - 1);
+        }
+        return rows - 1;
+    }
+};
 
 template <uint32_t K>
-ODX_INLINE void boxFilter(const Plane<uint8_t>& plane)
+ODX_INLINE void boxInterior(const Plane<uint8_t>& plane)
 {
-    forStrips<kBytes, 1>(plane.width, plane.height, columnsToAligned(plane.dst), 64,
-                         [&](auto, uint32_t x, uint32_t y, uint32_t rows) { boxStrip<K>(plane, x, y, rows); });
+    const uint32_t width = plane.interiorWidth(K);
+    uint8_t* const dst = rowOf(plane.dst, plane.dstStride, K / 2) + K / 2;
+    forStrips<kBytes, 1>(width, plane.interiorHeight(K), columnsToAligned(dst), width <= kNearRow ? 64 : 2 * K,
+                         [&](auto, uint32_t x, uint32_t y, uint32_t rows) {
+                             const size_t stride = plane.srcStride, dstStride = plane.dstStride;
+                             const uint8_t* in = rowOf(plane.src, stride, y) + x;
+                             uint8_t* out = rowOf(dst, dstStride, y) + x;
+                             BoxColumn<K> column;
+                             for (uint32_t i = 0; i < K - 1; ++i, in += stride)
+                                 column.push(i, in);
+                             if constexpr (2 * K <= kRegisters) {
+                                 while (rows != 0)
+                                     rows = column.turn(in, stride, out, dstStride, rows);
+                                 return;
+                             }
+                             for (uint32_t place = K - 1; rows != 0; --rows, in += stride, out += dstStride) {
+                                 column.push(place, in);
+                                 column.write(out);
+                                 place = place + 1 == K ? 0 : place + 1;
+                             }
+                         });
 }
 
 void odxBoxFilter5x5u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride,
                         uint8_t* dst, unsigned int dstStride)
 {
-    if (srcWidth < kBytes) return odxBoxFilter5x5u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride);
-    boxFilter<5>({src, srcWidth, srcHeight, srcStride, dst, dstStride});
+    const Plane<uint8_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
+    if (plane.interiorWidth(5) < kBytes) {
+        return odxBoxFilter5x5u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    }
+    boxInterior<5>(plane);
+    blur::boxBorder<5>(plane);
 }
 
 void odxBoxFilter11x11u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
                           unsigned int srcStride, uint8_t* dst, unsigned int dstStride)
 {
-    if (srcWidth < kBytes) return odxBoxFilter11x11u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride);
-    boxFilter<11>({src, srcWidth, srcHeight, srcStride, dst, dstStride});
+    const Plane<uint8_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
+    if (plane.interiorWidth(11) < kBytes) {
+        return odxBoxFilter11x11u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    }
+    boxInterior<11>(plane);
+    blur::boxBorder<11>(plane);
 }
 
 // One output row: sums += entering - leaving where there are such rows, out = sums * reciprocal.
@@ -384,21 +416,50 @@ struct Sorted {
     u8v low = {}, mid = {}, high = {};
 };
 
-// The median of a window whose rows are sorted. A row is sorted once for the three windows that hold it.
+ODX_INLINE Sorted sortedRow(const uint8_t* row)
+{
+    const u8v a = load<u8v>(row), b = load<u8v>(row + 1), c = load<u8v>(row + 2);
+    const u8v lesser = min(a, b), greater = max(a, b);
+    return {min(lesser, c), max(lesser, min(greater, c)), max(greater, c)};
+}
+
+// What two rows bring to the median of a window: the greater of the lowest, both of the middle ones, sorted, and
+// the lesser of the highest.
+struct TwoSorted {
+    u8v low, mid, midUpper, high;
+};
+
+ODX_INLINE TwoSorted combine(const Sorted& a, const Sorted& b)
+{
+    return {max(a.low, b.low), min(a.mid, b.mid), max(a.mid, b.mid), min(a.high, b.high)};
+}
+
+// The median of a window whose rows are sorted.
+ODX_INLINE u8v medianOf(const TwoSorted& two, const Sorted& row)
+{
+    return middle(max(two.low, row.low), max(two.mid, min(two.midUpper, row.mid)), min(two.high, row.high));
+}
+
+// A row is sorted once for the three windows that hold it, and combined with the next for the two that hold both.
 struct Median3x3 : Window<3, 3, kBytes> {
     Sorted rows[2];
 
     ODX_MEMBER u8v push(const uint8_t* row)
     {
-        const u8v a = load<u8v>(row), b = load<u8v>(row + 1), c = load<u8v>(row + 2);
-        const u8v lesser = min(a, b), greater = max(a, b);
-        const Sorted next = {min(lesser, c), max(lesser, min(greater, c)), max(greater, c)};
-        const u8v median =
-            middle(max(max(rows[0].low, rows[1].low), next.low), middle(rows[0].mid, rows[1].mid, next.mid),
-                   min(min(rows[0].high, rows[1].high), next.high));
+        const Sorted next = sortedRow(row);
+        const u8v median = medianOf(combine(rows[0], rows[1]), next);
         rows[0] = rows[1];
         rows[1] = next;
         return median;
+    }
+    ODX_MEMBER Both<u8v> pushBoth(const uint8_t* row, const uint8_t* after)
+    {
+        const Sorted next = sortedRow(row), last = sortedRow(after);
+        const TwoSorted shared = combine(rows[1], next);
+        const Both<u8v> medians = {medianOf(shared, rows[0]), medianOf(shared, last)};
+        rows[0] = next;
+        rows[1] = last;
+        return medians;
     }
     ODX_MEMBER static void write(u8v median, uint8_t* out) { store(out, median); }
 };

@@ -115,14 +115,46 @@ ODX_INLINE s16p mulCentred(u8v v)
             (s16v)mulAdd<k>(origin, vget_high_u8((uint8x16_t)v))};
 }
 
-template <int a, int b>
-ODX_INLINE u16p dot2(const uint8_t* p)
+template <int w>
+ODX_INLINE u16p addProduct(const u16p& sum, const uint8_t* p)
 {
-    static_assert(a >= 0 && a <= 127 && b >= 0 && b <= 127 && 255 * (a + b) <= 32767);
-    const uint8x16_t v = (uint8x16_t)load<u8v>(p), w = (uint8x16_t)load<u8v>(p + 1);
-    const uint8x8_t ka = vdup_n_u8(a), kb = vdup_n_u8(b);
-    return {(u16v)vmlal_u8(vmull_u8(vget_low_u8(v), ka), vget_low_u8(w), kb),
-            (u16v)vmlal_u8(vmull_u8(vget_high_u8(v), ka), vget_high_u8(w), kb)};
+    const uint8x16_t v = (uint8x16_t)load<u8v>(p);
+    const uint16x8_t a = (uint16x8_t)sum.a, b = (uint16x8_t)sum.b;
+    if constexpr (w == 1) {
+        return {(u16v)vaddw_u8(a, vget_low_u8(v)), (u16v)vaddw_u8(b, vget_high_u8(v))};
+    } else {
+        const uint8x8_t k = vdup_n_u8(w);
+        return {(u16v)vmlal_u8(a, vget_low_u8(v), k), (u16v)vmlal_u8(b, vget_high_u8(v), k)};
+    }
+}
+template <int last>
+ODX_INLINE u16p dotsFrom(const uint8_t* p, const uint8_t* first)
+{
+    static_assert(last == 1);
+    const uint8x16_t v = (uint8x16_t)load<u8v>(first), w = (uint8x16_t)load<u8v>(p);
+    return {(u16v)vaddl_u8(vget_low_u8(v), vget_low_u8(w)), (u16v)vaddl_u8(vget_high_u8(v), vget_high_u8(w))};
+}
+template <int w0, int w1, int... w>
+ODX_INLINE u16p dotsFrom(const uint8_t* p, const uint8_t* first)
+{
+    return addProduct<w0>(dotsFrom<w1, w...>(p + 1, first), p);
+}
+// The first and the last weight are 1.
+template <int first, int... w>
+ODX_INLINE u16p dots(const uint8_t* p)
+{
+    static_assert(first == 1);
+    return dotsFrom<w...>(p + 1, p);
+}
+template <int n, int... w>
+ODX_INLINE u16p dotsFor(const uint8_t* p)
+{
+    return dots<w...>(p);
+}
+template <int n>
+ODX_INLINE u8v joinDots(const u16p& p)
+{
+    return joinShifted<n>(p);
 }
 
 template <int a, int b>

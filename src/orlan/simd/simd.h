@@ -42,8 +42,11 @@
 //   joinCentred<n>(pair)         128 + (pair >> n) of signed values, clamped to 0..255; n from 1 to 8
 //   mulCentred<k>(v)             (v - 128) * k of a u8v as signed values; k up to 255
 //   eachTwice(v)                 each 16-bit lane for two neighbouring bytes, as a pair in the same order
-//   dot2<a, b>(p)                p[i] * a + p[i + 1] * b for each lane i, as a pair in the same order;
-//                                of bytes: a and b up to 127, 255 * (a + b) up to 32767
+//   dot2<a, b>(p)                p[i] * a + p[i + 1] * b of s16 for each lane i, as a pair in the same order
+//   dots<w...>(p)                p[i] * w0 + p[i + 1] * w1 + ... of bytes for each lane i, as a pair in the same
+//                                order; an odd number of weights up to 127, the outer ones 1
+//   dotsFor<n, w...>(p)          the same, with the second of the pair times 2^(8 - n) where that helps
+//                                joinDots<n>(pair), which is joinShifted<n> of the sums; they are below 2^(8 + n)
 //   mulHigh(v, k)                the upper halves of 16-bit products
 //   mulRound(v, k)               (v * k + 16384) >> 15 for v and k up to 32767, of u16v and s16v
 //   dotShift<n>(v, w, k, l, c)   (v * k + w * l + c) >> n of s16v, with 32-bit sums; for results that fit 16 bits

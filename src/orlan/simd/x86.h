@@ -137,13 +137,57 @@ ODX_INLINE s16p mulCentred(u8v v)
             (s16v)ODX_MM(maddubs_epi16)(ODX_MM(set1_epi16)((short)(k << 8)), centred)};
 }
 
-template <int a, int b>
-ODX_INLINE u16p dot2(const uint8_t* p)
+// p[i] * w0 + p[i + 1] * w1 for even lanes i, or odd ones (p points to the first); sums may use all 16 bits.
+template <int w0, int w1>
+ODX_INLINE u16v dotOf(u8v v)
 {
-    static_assert(a >= 0 && a <= 127 && b >= 0 && b <= 127 && 255 * (a + b) <= 32767);
-    const ODX_MI weights = ODX_MM(set1_epi16)(a | b << 8);
-    return {(u16v)ODX_MM(maddubs_epi16)((ODX_MI)load<u8v>(p), weights),
-            (u16v)ODX_MM(maddubs_epi16)((ODX_MI)load<u8v>(p + 1), weights)};
+    static_assert(w0 >= 0 && w0 <= 127 && w1 >= 0 && w1 <= 127 && 255 * (w0 + w1) <= 32767);
+    if constexpr (w0 == 1 && w1 == 0) return (u16v)v & 0xFF;
+    if constexpr (w0 == 0 && w1 == 1) return (u16v)v >> 8;
+    return (u16v)ODX_MM(maddubs_epi16)((ODX_MI)v, ODX_MM(set1_epi16)(w0 | w1 << 8));
+}
+
+// Sums of the even lanes take the weights in twos from the first on, those of the odd lanes from the second on:
+// both from the same vectors. What they have in common is summed once.
+struct Dots {
+    u16v even, odd, both;
+};
+template <int scale, int before, int w0>
+ODX_INLINE Dots dotsFrom(const uint8_t* p, u16v both)
+{
+    const u8v v = load<u8v>(p);
+    return {dotOf<w0, 0>(v), dotOf<before * scale, w0 * scale>(v), both};
+}
+template <int scale, int before, int w0, int w1, int... w>
+ODX_INLINE Dots dotsFrom(const uint8_t* p, u16v both)
+{
+    const u8v v = load<u8v>(p);
+    if constexpr (before == w0 && w0 == w1 && scale == 1) {
+        return dotsFrom<scale, w1, w...>(p + 2, both + dotOf<w0, w1>(v));
+    } else {
+        const Dots rest = dotsFrom<scale, w1, w...>(p + 2, both);
+        return {dotOf<w0, w1>(v) + rest.even, dotOf<before * scale, w0 * scale>(v) + rest.odd, rest.both};
+    }
+}
+template <int n, int... w>
+ODX_INLINE u16p dotsFor(const uint8_t* p)
+{
+    const Dots sums = dotsFrom<1 << (8 - n), 0, w...>(p, u16v{});
+    return {sums.even + sums.both, sums.odd + sums.both};
+}
+template <int... w>
+ODX_INLINE u16p dots(const uint8_t* p)
+{
+    return dotsFor<8, w...>(p);
+}
+template <int n>
+ODX_INLINE u8v joinDots(const u16p& p)
+{
+#if ODX_VECTOR_BYTES == 64
+    return (u8v)(p.a >> n | (p.b & 0xFF00));
+#else
+    return (u8v)_mm256_blendv_epi8((__m256i)(p.a >> n), (__m256i)p.b, _mm256_set1_epi16((short)0xFF00));
+#endif
 }
 
 template <int a, int b>
