@@ -244,32 +244,75 @@ ODX_INLINE u16v meanOf(u16v sum)
     }
 }
 
-// A strip of sums of the last K row sums: each step adds the row that enters and subtracts the one that entered K
-// rows before, from a ring.
+// Every output of a strip is the sum of the last K row sums: each step adds the row that enters and subtracts the
+// one that leaves. What is outside the image counts as 0. For processors whose registers do not hold the row sums.
+template <uint32_t K>
+ODX_INLINE void boxStripInMemory(const Plane<uint8_t>& plane, uint32_t x, uint32_t y0, uint32_t rows)
+{
+    constexpr uint32_t r = K / 2;
+    const bool inside = x >= r && plane.width - x >= kBytes + r;
+    uint8_t padded[kBytes + 2 * r] = {};
+    const uint32_t from = x < r ? 0 : x - r, to = plane.width - x < kBytes + r ? plane.width : x + kBytes + r;
+
+    u16p ring[K] = {};
+    u16p sum = {};
+    uint32_t oldest = 0;
+    for (uint32_t i = 0; i < rows + K - 1; ++i) {
+        const uint32_t y = y0 + i - r; // wraps above the image
+        u16p next = {};
+        if (y < plane.height) {
+            const uint8_t* row = rowOf(plane.src, plane.srcStride, y);
+            if (inside) {
+                row += x - r;
+            } else {
+                memcpy(padded + (from + r - x), row + from, to - from);
+                row = padded;
+            }
+            next = rowSum<K>(row);
+        }
+        sum = sum + next - ring[oldest];
+        ring[oldest] = next;
+        oldest = oldest + 1 == K ? 0 : oldest + 1;
+        if (i >= K - 1) {
+            store(rowOf(plane.dst, plane.dstStride, y0 + i - (K - 1)) + x,
+                  join({meanOf<K>(sum.a), meanOf<K>(sum.b)}));
+        }
+    }
+}
+
+// The same in registers: one that is known to the compiler for each of the K places of the ring. All of the window
+// is inside the image.
 template <uint32_t K>
 struct BoxColumn {
     u16p ring[K] = {};
     u16p sum = {};
 
-    ODX_MEMBER void push(uint32_t place, const uint8_t* row)
+    template <uint32_t place>
+    ODX_MEMBER void push(const uint8_t* row)
     {
         const u16p next = rowSum<K>(row);
         sum = sum + next - ring[place];
         ring[place] = next;
     }
-    ODX_MEMBER void write(uint8_t* out) const { store(out, join({meanOf<K>(sum.a), meanOf<K>(sum.b)})); }
-
-    // Rows from the K-th on, one for each place, as far as there are any; returns how many are left. Places that
-    // the compiler knows can be registers.
-    template <uint32_t count = 0>
+    // Rows 0 to K - 2.
+    template <uint32_t place = 0>
+    ODX_MEMBER void enter(const uint8_t* in, size_t stride)
+    {
+        if constexpr (place < K - 1) {
+            push<place>(in);
+            enter<place + 1>(in + stride, stride);
+        }
+    }
+    // One output row for each place from `place` on, as far as there are rows; returns how many are left.
+    template <uint32_t place = 0>
     ODX_MEMBER uint32_t turn(const uint8_t*& in, size_t stride, uint8_t*& out, size_t dstStride, uint32_t rows)
     {
-        push((count + K - 1) % K, in);
-        write(out);
+        push<(place + K - 1) % K>(in);
+        store(out, join({meanOf<K>(sum.a), meanOf<K>(sum.b)}));
         in += stride;
         out += dstStride;
-        if constexpr (count + 1 < K) {
-            if (rows > 1) return turn<count + 1>(in, stride, out, dstStride, rows - 1);
+        if constexpr (place + 1 < K) {
+            if (rows > 1) return turn<place + 1>(in, stride, out, dstStride, rows - 1);
         }
         return rows - 1;
     }
@@ -286,41 +329,42 @@ ODX_INLINE void boxInterior(const Plane<uint8_t>& plane)
                              const uint8_t* in = rowOf(plane.src, stride, y) + x;
                              uint8_t* out = rowOf(dst, dstStride, y) + x;
                              BoxColumn<K> column;
-                             for (uint32_t i = 0; i < K - 1; ++i, in += stride)
-                                 column.push(i, in);
-                             if constexpr (2 * K <= kRegisters) {
-                                 while (rows != 0)
-                                     rows = column.turn(in, stride, out, dstStride, rows);
-                                 return;
-                             }
-                             for (uint32_t place = K - 1; rows != 0; --rows, in += stride, out += dstStride) {
-                                 column.push(place, in);
-                                 column.write(out);
-                                 place = place + 1 == K ? 0 : place + 1;
-                             }
+                             column.enter(in, stride);
+                             in += (K - 1) * stride;
+                             while (rows != 0)
+                                 rows = column.turn(in, stride, out, dstStride, rows);
                          });
+}
+
+// Whether it did; not for images that are too narrow.
+template <uint32_t K>
+ODX_INLINE bool boxFilter(const Plane<uint8_t>& plane)
+{
+    if constexpr (kRegisters >= 32) {
+        if (plane.interiorWidth(K) < kBytes) return false;
+        boxInterior<K>(plane);
+        blur::boxBorder<K>(plane);
+    } else {
+        if (plane.width < kBytes) return false;
+        forStrips<kBytes, 1>(
+            plane.width, plane.height, columnsToAligned(plane.dst), plane.width <= kNearRow ? 64 : 2 * K,
+            [&](auto, uint32_t x, uint32_t y, uint32_t rows) { boxStripInMemory<K>(plane, x, y, rows); });
+    }
+    return true;
 }
 
 void odxBoxFilter5x5u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride,
                         uint8_t* dst, unsigned int dstStride)
 {
-    const Plane<uint8_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
-    if (plane.interiorWidth(5) < kBytes) {
-        return odxBoxFilter5x5u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride);
-    }
-    boxInterior<5>(plane);
-    blur::boxBorder<5>(plane);
+    if (!boxFilter<5>({src, srcWidth, srcHeight, srcStride, dst, dstStride}))
+        odxBoxFilter5x5u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride);
 }
 
 void odxBoxFilter11x11u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
                           unsigned int srcStride, uint8_t* dst, unsigned int dstStride)
 {
-    const Plane<uint8_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
-    if (plane.interiorWidth(11) < kBytes) {
-        return odxBoxFilter11x11u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride);
-    }
-    boxInterior<11>(plane);
-    blur::boxBorder<11>(plane);
+    if (!boxFilter<11>({src, srcWidth, srcHeight, srcStride, dst, dstStride}))
+        odxBoxFilter11x11u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride);
 }
 
 // One output row: sums += entering - leaving where there are such rows, out = sums * reciprocal.
