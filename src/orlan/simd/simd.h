@@ -19,20 +19,16 @@
 //   widen565<mirrored>(q, p)     kBytes words of 5, 6 and 5 bits, from the low ones up, as pixels of 4 bytes: each
 //                                with copies of its high bits below, and 255; mirrored: first and third change
 //                                places
-//   loadTriples(p), loadQuads(p) kBytes pixels of 3 or 4 bytes, as a u8q, for sums of the first three, which stand
-//   in
-//                                the target's own order
+//   loadTriples(p), loadQuads(p) kBytes pixels of 3 or 4 bytes, as a u8q: for sums of the first three bytes, which
+//                                stand in the target's own order
 //   lumaSums<a, b, c>(q)         (a * first + b * second + c * third + 128) >> 8 for each pixel of a u8q or u8x3;
-//   the
-//                                weights are not negative, a + b is below 256, and all are 256 or less
-//   chromaSums<a, b, c>(q)       128 + ((a * first + b * second + c * third + 128) >> 8), at most 255; negative
-//   and
-//                                positive weights are 128 each, in all, and no weight is -128
+//                                weights are not negative, a + b is below 256, and their sum is at most 256
+//   chromaSums<a, b, c>(q)       128 + ((a * first + b * second + c * third + 128) >> 8), at most 255; positive
+//                                weights are 128 in all, negative ones -128, and none is -128
 //   chromaSumsOfPairs<a, b, c>(q)
 //                                of every second pixel, as 16-bit lanes
 //   fineSums<a, b, c>(p)         (a * first + b * second + c * third + 32768) >> 16 of kBytes pixels of 3 bytes;
-//   the
-//                                weights are positive, a and c below 32768, and 65535 in all
+//                                weights are positive, a and c below 32768, and their sum is 65535
 //   min, max                     of u8v and s16v; max of s32v
 //   split(v), join(pair)         bytes to 16 bits (or signed 16 to 32) and back, as a pair in the target's own
 //                                lane order: even and odd lanes on x86, halves on ARM. join takes values that fit.
@@ -46,7 +42,7 @@
 //   dots<w...>(p)                p[i] * w0 + p[i + 1] * w1 + ... of bytes for each lane i, as a pair in the same
 //                                order; an odd number of weights up to 127, the outer ones 1
 //   dotsFor<n, w...>(p)          the same, with the second of the pair times 2^(8 - n) where that helps
-//                                joinDots<n>(pair), which is joinShifted<n> of the sums; they are below 2^(8 + n)
+//   joinDots<n>(pair)            joinShifted<n> of these sums; they are below 2^(8 + n)
 //   mulHigh(v, k)                the upper halves of 16-bit products
 //   mulRound(v, k)               (v * k + 16384) >> 15 for v and k up to 32767, of u16v and s16v
 //   dotShift<n>(v, w, k, l, c)   (v * k + w * l + c) >> n of s16v, with 32-bit sums; for results that fit 16 bits

@@ -362,11 +362,15 @@ const PrimitiveCase kCases[] = {
          for (size_t i = 0; i < kBytes; ++i)
              expected[i] = in[i / 2 * 2];
      }},
-    {"dot2 of bytes", kBytes + 1,
+    {"dots and joinDots", kBytes + 4,
      [](In in, Out out, Out expected) {
-         store(out, joinShifted<7>(dot2<127, 1>(in)));
-         for (size_t i = 0; i < kBytes; ++i)
-             put<uint8_t>(expected, i, (in[i] * 127 + in[i + 1]) >> 7);
+         store(out, joinShifted<8>(dots<1, 4, 6, 4, 1>(in)));
+         store(out + kBytes, joinDots<4>(dotsFor<4, 1, 2, 1>(in)));
+         for (size_t i = 0; i < kBytes; ++i) {
+             const int sum = in[i] + 4 * in[i + 1] + 6 * in[i + 2] + 4 * in[i + 3] + in[i + 4];
+             put<uint8_t>(expected, i, sum >> 8);
+             put<uint8_t>(expected, kBytes + i, (in[i] + 2 * in[i + 1] + in[i + 2]) >> 4);
+         }
      }},
     {"dot2 of s16", kBytes + 2,
      [](In in, Out out, Out expected) {
@@ -449,7 +453,7 @@ const PrimitiveCase kCases[] = {
          bytes[place] = in[1];
          const u8v v = load<u8v>(bytes);
          put<uint64_t>(out, 0, laneBits((s8v)(v != 0)));
-         put<uint64_t>(expected, 0, in[1] != 0 ? uint64_t{1} << (kLaneBits * place) : 0);
+         put<uint64_t>(expected, 0, in[1] != 0 ? uint64_t{1} << place : 0);
          put<uint64_t>(out, 1, any(v)), put<uint64_t>(expected, 1, in[1] != 0);
          put<uint64_t>(out, 2, highest(v)), put<uint64_t>(expected, 2, in[1]);
      }},
@@ -458,8 +462,30 @@ const PrimitiveCase kCases[] = {
          put<uint64_t>(out, 0, laneBits((s8v)(load<u8v>(in) > 127)));
          uint64_t bits = 0;
          for (size_t i = 0; i < kBytes; ++i)
-             bits |= uint64_t{in[i] > 127} << (kLaneBits * i);
+             bits |= uint64_t{in[i] > 127} << i;
          put<uint64_t>(expected, 0, bits);
+     }},
+    {"anyAbove", 4 * kBytes + 1,
+     [](In in, Out out, Out expected) {
+         const uint8_t limit = in[4 * kBytes] | 1;
+         const auto vector = [in](size_t i) { return load<u8v>(in + kBytes * i); };
+         const uint64_t found = anyAbove(vector(0), vector(1), vector(2), vector(3), u8v{} + limit);
+         for (size_t i = 0; i < 4; ++i) {
+             out[i] = (found >> (16 * i) & 0xFFFF) != 0;
+             expected[i] = 0;
+             for (size_t lane = 0; lane < kBytes; ++lane)
+                 expected[i] |= in[kBytes * i + lane] > limit;
+         }
+     }},
+    {"storePoints", 8,
+     [](In in, Out out, Out expected) {
+         uint32_t points[16];
+         storePoints(points, in, 70000, 5);
+         memcpy(out, points, sizeof points);
+         for (size_t i = 0; i < 8; ++i) {
+             put<uint32_t>(expected, 2 * i, 70000 + in[i]);
+             put<uint32_t>(expected, 2 * i + 1, 5);
+         }
      }},
     {"loadOnce and loadHalves", 3 * kBytes / 2,
      [](In in, Out out, Out expected) {
