@@ -22,7 +22,7 @@
 #include <tuple>
 #include <type_traits>
 
-namespace odx::dsp
+namespace odx::remoting
 {
 
 // A read buffer reaches the remote processor, a written one comes back.
@@ -179,6 +179,6 @@ struct Described<description, R(A...)> {
 template <const auto& description, class Operation>
 using EntryOf = typename Described<description, Operation>::Entry;
 
-} // namespace odx::dsp
+} // namespace odx::remoting
 
 #endif

@@ -4,7 +4,7 @@
 
 #include "dsp/shapes.h"
 
-namespace odx::dsp
+namespace odx::remoting
 {
 
 // The size of the window stands between the images.
@@ -42,6 +42,6 @@ inline constexpr auto median3x3 = [](const uint8_t* src, uint32_t width, uint32_
                  image(src, width, height, srcStride, dst, dstStride, border...));
 };
 
-} // namespace odx::dsp
+} // namespace odx::remoting
 
 #endif

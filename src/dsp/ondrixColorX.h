@@ -5,7 +5,7 @@
 
 #include "dsp/shapes.h"
 
-namespace odx::dsp
+namespace odx::remoting
 {
 
 // ---- luma, and chroma in two planes or in one of pairs ----
@@ -180,6 +180,6 @@ inline constexpr auto pairedToPaired = [](const uint8_t* srcY, const uint8_t* sr
            pairedDestination<to>(dstY, dstC, dstYStride, dstCStride, width, height);
 };
 
-} // namespace odx::dsp
+} // namespace odx::remoting
 
 #endif

@@ -4,7 +4,7 @@
 
 #include "dsp/shapes.h"
 
-namespace odx::dsp
+namespace odx::remoting
 {
 
 inline auto fastSearch(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcStride, int32_t barrier,
@@ -74,6 +74,6 @@ inline constexpr auto fastSuppressedInMask = [](const uint8_t* src, uint32_t wid
            inMask(mask, maskWidth, maskHeight) + suppression(enabled, temporary, capacity, height);
 };
 
-} // namespace odx::dsp
+} // namespace odx::remoting
 
 #endif

@@ -4,7 +4,7 @@
 
 #include "dsp/shapes.h"
 
-namespace odx::dsp
+namespace odx::remoting
 {
 
 inline auto searched(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcStride)
@@ -53,6 +53,6 @@ inline constexpr auto maximaOnLine = [](const uint8_t* src, uint32_t width, uint
                                                                list(maxima, capacity), list(count, 1));
 };
 
-} // namespace odx::dsp
+} // namespace odx::remoting
 
 #endif

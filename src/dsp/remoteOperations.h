@@ -11,7 +11,8 @@
 extern "C" {
 
 #define ODX_ROUTINE(number, name, index, columns, pointer, ...) \
-    ODX_IF_##columns##_X(odx::dsp::EntryOf<odx::dsp::__VA_ARGS__, decltype(name##C)> ondrixadsp_##name##X;)
+    ODX_IF_##columns##_X(                                       \
+        odx::remoting::EntryOf<odx::remoting::__VA_ARGS__, decltype(name##C)> ondrixadsp_##name##X;)
 #include "frame/operations/families.def"
 }
 

@@ -3,7 +3,7 @@
 #include "cpu/ondrixRegisterC.h"
 #include "dsp/stub.h"
 
-using namespace odx::dsp;
+using namespace odx::remoting;
 
 namespace
 {

@@ -2,7 +2,7 @@
 #ifndef ODX_DSP_SERVICES_H
 #define ODX_DSP_SERVICES_H
 
-#include "dsp/dsp.h"
+#include "dsp/remote.h"
 
 #include <stddef.h>
 

@@ -6,7 +6,7 @@
 #include "ondrix/modes.h"
 
 using namespace odx;
-using namespace odx::dsp;
+using namespace odx::remoting;
 
 extern "C" {
 uint32_t Z9_constraint_checks_enable = 1;
@@ -141,7 +141,7 @@ public:
 
 } // namespace
 
-int odx::dsp::callAfterRestart(int (*again)(void* context), void* context)
+int odx::remoting::callAfterRestart(int (*again)(void* context), void* context)
 {
     constexpr int kAttempts = 5;
     const Recovering recovering_;

@@ -2,7 +2,7 @@
 #ifndef ODX_DSP_SESSION_H
 #define ODX_DSP_SESSION_H
 
-#include "dsp/dsp.h"
+#include "dsp/remote.h"
 
 extern "C" {
 int odxZ9Initialize(int mode, char* version); // the same as ODXAZ9_init
@@ -16,13 +16,13 @@ unsigned adspSSRcleanUpSequence();
 extern uint32_t Z9_constraint_checks_enable; // as HW_constraint_checks_enable, for the variants
 }
 
-namespace odx::dsp
+namespace odx::remoting
 {
 
 // The way of a call that found the processor restarted: brings it back and calls again, several times if need be.
 // Meanwhile other threads' calls stay on this processor. Returns what the last attempt did.
 int callAfterRestart(int (*again)(void* context), void* context);
 
-} // namespace odx::dsp
+} // namespace odx::remoting
 
 #endif

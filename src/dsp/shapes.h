@@ -6,7 +6,7 @@
 #include "frame/entry.h"
 #include "ondrix/types.h"
 
-namespace odx::dsp
+namespace odx::remoting
 {
 
 // Samples that cover two pixels each, and the pixels that they cover.
@@ -28,7 +28,7 @@ inline uint64_t bitMask(uint32_t width, uint32_t height)
 template <class T>
 Stride strideOf(const T*, uint32_t stride, uint64_t width, uint32_t channels = 1)
 {
-    return dsp::stride(stride, width * sizeof(T) * channels);
+    return remoting::stride(stride, width * sizeof(T) * channels);
 }
 
 // An image into another one, and numbers.
@@ -52,6 +52,6 @@ inline constexpr auto array = [](const auto* src, uint32_t length) {
     return arguments(list(src, length), length);
 };
 
-} // namespace odx::dsp
+} // namespace odx::remoting
 
 #endif

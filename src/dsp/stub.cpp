@@ -11,7 +11,7 @@ extern "C" {
 #include "frame/operations/families.def"
 }
 
-pthread_rwlock_t dsp::stubLock = PTHREAD_RWLOCK_INITIALIZER;
+pthread_rwlock_t remoting::stubLock = PTHREAD_RWLOCK_INITIALIZER;
 
 namespace
 {

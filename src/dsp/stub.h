@@ -22,7 +22,7 @@ void* dlsym_get(const char* symbol);
 int load_stub_symbols();
 }
 
-namespace odx::dsp
+namespace odx::remoting
 {
 
 constexpr int kRestarted = 104;  // what an entry returns after a restart of the processor
@@ -68,6 +68,6 @@ public:
     StubReplaced& operator=(const StubReplaced&) = delete;
 };
 
-} // namespace odx::dsp
+} // namespace odx::remoting
 
 #endif

@@ -7,7 +7,7 @@
 #include "dsp/stub.h"
 #include "ondrix/types.h"
 
-namespace odx::dsp
+namespace odx::remoting
 {
 
 // What a variant knows of its operation.
@@ -127,6 +127,6 @@ private:
     }
 };
 
-} // namespace odx::dsp
+} // namespace odx::remoting
 
 #endif

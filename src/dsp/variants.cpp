@@ -8,9 +8,9 @@
 #include "frame/shared.h"
 
 using namespace odx;
-using namespace odx::dsp;
+using namespace odx::remoting;
 
-bool dsp::callRemote(int (*send)(void* context), void* context)
+bool remoting::callRemote(int (*send)(void* context), void* context)
 {
     int code = kUnreachable;
     if (const StubInUse stub(StubInUse::kNow); stub) code = send(context);
@@ -18,12 +18,12 @@ bool dsp::callRemote(int (*send)(void* context), void* context)
     return code == 0;
 }
 
-bool dsp::limitsHold()
+bool remoting::limitsHold()
 {
     return current(Z9_constraint_checks_enable) != 0;
 }
 
-odxStatus dsp::beyondLimits(const char* variant)
+odxStatus remoting::beyondLimits(const char* variant)
 {
     if (current(libLogPrintX) != 0) {
         ODX_LOG(Debug, "%s: Warning - Unsatisfied HW limitation, will try CPU", variant);
@@ -31,14 +31,14 @@ odxStatus dsp::beyondLimits(const char* variant)
     return ONDRIX_UNSUPPORTED_HERE;
 }
 
-void* dsp::simdColumn(uint32_t number)
+void* remoting::simdColumn(uint32_t number)
 {
     return current(number < kPublicSlots
                        ? odxFuncTable.entry[number * kImplementations + ODX_IMPL_ORLAN]
                        : odxInternalFuncTable.entry[(number - kPublicSlots) * kImplementations + ODX_IMPL_ORLAN]);
 }
 
-bool dsp::disjoint(const Range* ranges, size_t count)
+bool remoting::disjoint(const Range* ranges, size_t count)
 {
     for (size_t i = 0; i < count; ++i) {
         for (size_t j = i + 1; j < count && ranges[i].size != 0; ++j) {
@@ -77,7 +77,7 @@ unsigned uXTable(ODX_FUNC_MANAGER* manager, unsigned column)
     if (manager->funcTable == nullptr || manager->internalFuncTable == nullptr) return 2;
     if (column >= manager->implementations) return 4;
     for (uint32_t number = 0; number < kOperationNumbers; ++number) {
-        void* const variant = dspVariant(number);
+        void* const variant = remoteVariant(number);
         if (variant == nullptr) continue;
         if (number >= kPublicSlots) {
             const uint32_t entry = number - kPublicSlots;
@@ -91,7 +91,7 @@ unsigned uXTable(ODX_FUNC_MANAGER* manager, unsigned column)
 }
 }
 
-void* odx::dspVariant(uint32_t operation)
+void* odx::remoteVariant(uint32_t operation)
 {
     switch (operation) {
 #define ODX_CASE(name) \

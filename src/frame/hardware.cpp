@@ -1,6 +1,6 @@
 #include "frame/hardware.h"
 
-#include "dsp/dsp.h"
+#include "dsp/remote.h"
 #include "frame/log.h"
 #include "platform/platform.h"
 

@@ -1,4 +1,5 @@
-// Aligned blocks for applications, from memory shared with the DSP where there is such, else from the system.
+// Aligned blocks for applications, from memory shared with the remote processor where there is such, else from the
+// system.
 #include "ondrix/memory.h"
 
 #include "frame/heap.h"

@@ -1,7 +1,7 @@
 // Mode selection: from an operation mode to the indices that every call reads.
 #include "ondrix/modes.h"
 
-#include "dsp/dsp.h"
+#include "dsp/remote.h"
 #include "frame/hardware.h"
 #include "frame/log.h"
 #include "frame/operations.h"

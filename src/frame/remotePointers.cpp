@@ -1,6 +1,6 @@
 #include "frame/remotePointers.h"
 
-#include "dsp/dsp.h"
+#include "dsp/remote.h"
 #include "frame/hardware.h"
 #include "frame/operations.h"
 #include "frame/shared.h"
@@ -34,7 +34,7 @@ bool isIn(const RemotePointer& remote, odx::RemoteList list)
 void pointList(odx::RemoteList list)
 {
     for (const RemotePointer& remote : kRemotePointers) {
-        if (isIn(remote, list)) odx::publish(*remote.pointer, odx::dspVariant(remote.variant));
+        if (isIn(remote, list)) odx::publish(*remote.pointer, odx::remoteVariant(remote.variant));
     }
 }
 
@@ -45,7 +45,7 @@ void pointModeList(odx::RemoteList list)
 
 void useRemote(ODX_FUNC_MANAGER* manager, uint32_t number)
 {
-    if (odx::dspVariant(number) == nullptr) return;
+    if (odx::remoteVariant(number) == nullptr) return;
     // A record with shorter tables is filled as far as it reaches.
     if (number >= kPublicSlots) {
         const uint32_t entry = number - kPublicSlots;

@@ -1,4 +1,4 @@
-// The exported remote pointers: each holds null or the DSP variant of its operation.
+// The exported remote pointers: each holds null or the remote variant of its operation.
 #ifndef ODX_FRAME_REMOTE_POINTERS_H
 #define ODX_FRAME_REMOTE_POINTERS_H
 

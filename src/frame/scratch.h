@@ -17,7 +17,8 @@ void* local_odxGetScratchBufferAligned(uint32_t size, uint32_t alignment);
 void* local_odxGetScratchBufferUnaligned(uint32_t size);
 int local_odxReleaseScratchBuffer(void* block);
 
-// Allocator of memory shared with the DSP; null without a session. A free of 0 means that it owned the block.
+// Allocator of memory shared with the remote processor; null without a session. A free of 0 means that it owned
+// the block.
 extern void* (*odxSharedMemAlloc_)(size_t nBytes, size_t alignment);
 extern int (*odxSharedMemFree_)(void* ptr);
 extern void* (*odxSharedMemAllocR_)(size_t nBytes, size_t alignment);

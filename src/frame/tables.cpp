@@ -1,6 +1,6 @@
 #include "frame/tables.h"
 
-#include "dsp/dsp.h"
+#include "dsp/remote.h"
 #include "frame/helpers.h"
 #include "frame/log.h"
 #include "frame/operations.h"

@@ -13,6 +13,7 @@ foreach(object IN LISTS OBJECTS)
 endforeach()
 
 file(GLOB lists ${SOURCE}/src/frame/operations/*.def)
+list(FILTER lists EXCLUDE REGEX "/frame\\.def$") # services of the remote processor
 set(count 0)
 foreach(list IN LISTS lists)
   file(STRINGS ${list} lines

@@ -1,7 +1,7 @@
 // What the library learns about the processor, the board and the remote processor.
 #include "frame/hardware.h"
 
-#include "frame/fakeDsp.h"
+#include "frame/fakeRemote.h"
 #include "frame/log.h"
 #include "support/childProcess.h"
 #include "support/logCapture.h"
@@ -269,36 +269,36 @@ TEST(RemoteProbe, OpensASessionInThePowerModeOfTheMode)
         int power;
     } rows[] = {{0, 1}, {1, 2}, {2, 1}, {3, 1}, {77, 1}, {0x80000400u, 2}, {0x80000000u, 2}, {0xFFFFFFFFu, 2}};
     for (const auto& row : rows) {
-        dsp = {};
-        dsp.openResult = 0;
+        fakeRemote = {};
+        fakeRemote.openResult = 0;
         EXPECT_EQ(unsigned{ONDRIX_HW_XDSP}, odxAvailableHWComponent(row.mode)) << row.mode;
         const std::string open = "open " + std::to_string(row.power) + " for 1.7.1";
-        EXPECT_EQ((std::vector<std::string>{"close", open}), dsp.takeEvents()) << row.mode;
-        EXPECT_EQ(std::vector<unsigned>{ONDRIX_HW_XDSP}, dsp.sharedMemoryFor);
+        EXPECT_EQ((std::vector<std::string>{"close", open}), fakeRemote.takeEvents()) << row.mode;
+        EXPECT_EQ(std::vector<unsigned>{ONDRIX_HW_XDSP}, fakeRemote.sharedMemoryFor);
 
         // An open session of that power mode is kept, one of another is closed.
         odxAvailableHWComponent(row.mode);
-        EXPECT_EQ(std::vector<std::string>{}, dsp.takeEvents()) << row.mode;
-        dsp.powerMode = 0;
+        EXPECT_EQ(std::vector<std::string>{}, fakeRemote.takeEvents()) << row.mode;
+        fakeRemote.powerMode = 0;
         odxAvailableHWComponent(row.mode);
-        EXPECT_EQ((std::vector<std::string>{"close", open}), dsp.takeEvents()) << row.mode;
+        EXPECT_EQ((std::vector<std::string>{"close", open}), fakeRemote.takeEvents()) << row.mode;
     }
-    dsp = {};
+    fakeRemote = {};
 }
 
-TEST(RemoteProbe, ReportsAnAbsentDsp)
+TEST(RemoteProbe, ReportsAnAbsentProcessor)
 {
-    dsp = {};
+    fakeRemote = {};
     EXPECT_EQ(0u, odxAvailableHWComponent(0));
     EXPECT_EQ(0u, odxAvailableHWComponent(0));
-    EXPECT_EQ(4u, dsp.takeEvents().size()); // each probe tries again
-    EXPECT_EQ((std::vector<unsigned>{0, 0}), dsp.sharedMemoryFor);
-    dsp = {};
+    EXPECT_EQ(4u, fakeRemote.takeEvents().size()); // each probe tries again
+    EXPECT_EQ((std::vector<unsigned>{0, 0}), fakeRemote.sharedMemoryFor);
+    fakeRemote = {};
 }
 
 TEST(RemoteProbe, LogsItsTimeWhenTheTraceIsOn)
 {
-    dsp = {};
+    fakeRemote = {};
     LogCapture log;
     odxAvailableHWComponent(0);
     EXPECT_EQ((std::vector<LogLine>{{3, "ondrix_lib_log", "Ondrix vendor library\n"}}), log.take());
@@ -312,7 +312,7 @@ TEST(RemoteProbe, LogsItsTimeWhenTheTraceIsOn)
     const std::string start = " Z9 Initialization Time : ";
     ASSERT_EQ(start, lines[1].text.substr(0, start.size()));
     EXPECT_GT(60000000, std::stoll(lines[1].text.substr(start.size()))); // microseconds, not since 1970
-    dsp = {};
+    fakeRemote = {};
 }
 
 TEST(RemoteProbe, IsMadeOnlyForMobileTargetsAndModesThatMayUseIt)
@@ -323,51 +323,51 @@ TEST(RemoteProbe, IsMadeOnlyForMobileTargetsAndModesThatMayUseIt)
     };
     const int cpuModes[] = {ONDRIX_OP_CPU_PERFORMANCE, ONDRIX_OP_EXT_CPU, ONDRIX_OP_EXT_REFERENCE,
                             ONDRIX_OP_EXT_ORLAN};
-    const int dspModes[] = {ONDRIX_OP_LOW_POWER,
-                            ONDRIX_OP_PERFORMANCE,
-                            ONDRIX_OP_CPU_OFFLOAD,
-                            ONDRIX_OP_EXT_DSP,
-                            ONDRIX_OP_EXT_XDSP,
-                            ONDRIX_OP_EXT_GPU,
-                            99,
-                            INT32_MIN};
+    const int remoteModes[] = {ONDRIX_OP_LOW_POWER,
+                               ONDRIX_OP_PERFORMANCE,
+                               ONDRIX_OP_CPU_OFFLOAD,
+                               ONDRIX_OP_EXT_DSP,
+                               ONDRIX_OP_EXT_XDSP,
+                               ONDRIX_OP_EXT_GPU,
+                               99,
+                               INT32_MIN};
     onProcessor(kOtherSimdOnVendorBoard, [&] {
-        dsp.openResult = 0;
+        fakeRemote.openResult = 0;
         for (int mode : cpuModes) {
             EXPECT_EQ(0u, bits(mode)) << mode;
             EXPECT_EQ(7u, XDSP_initflag);
-            EXPECT_EQ(0u, dsp.takeEvents().size()) << mode;
+            EXPECT_EQ(0u, fakeRemote.takeEvents().size()) << mode;
         }
-        for (int mode : dspModes) {
+        for (int mode : remoteModes) {
             EXPECT_EQ(unsigned{ONDRIX_HW_XDSP}, bits(mode)) << mode;
             EXPECT_EQ(1u, XDSP_initflag) << mode;
             EXPECT_EQ(0u, GPU_initflag) << mode;
         }
-        dsp = {};
+        fakeRemote = {};
         EXPECT_EQ(0u, bits(ONDRIX_OP_LOW_POWER));
         EXPECT_EQ(0u, XDSP_initflag);
     });
     onProcessor(kOtherSimd, [&] {
-        dsp.openResult = 0;
-        for (int mode : dspModes)
+        fakeRemote.openResult = 0;
+        for (int mode : remoteModes)
             EXPECT_EQ(0u, bits(mode)) << mode;
-        EXPECT_EQ(0u, dsp.events.size());
+        EXPECT_EQ(0u, fakeRemote.events.size());
     });
 }
 
 TEST(RemoteProbe, DirectSelection)
 {
-    dsp = {};
+    fakeRemote = {};
     XDSP_initflag = 0;
     EXPECT_EQ(-1, odxSelectXDSP6Mode(2));
     EXPECT_EQ(0u, XDSP_initflag);
-    dsp.openResult = 0;
+    fakeRemote.openResult = 0;
     EXPECT_EQ(1, odxSelectXDSP6Mode(2));
     EXPECT_EQ(1u, XDSP_initflag);
-    EXPECT_EQ(2, dsp.powerMode);
+    EXPECT_EQ(2, fakeRemote.powerMode);
     EXPECT_EQ(0x123456789ab, odxZ9GetClk());
     XDSP_initflag = 0;
-    dsp = {};
+    fakeRemote = {};
 }
 
 TEST(PlatformServices, ProcessorCount)

@@ -1,8 +1,8 @@
 // Which implementation each mode gives each operation, on every kind of processor.
 #include "ondrix/modes.h"
 
-#include "dsp/dsp.h"
-#include "frame/fakeDsp.h"
+#include "dsp/remote.h"
+#include "frame/fakeRemote.h"
 #include "frame/hardware.h"
 #include "frame/helpers.h"
 #include "frame/log.h"
@@ -102,7 +102,7 @@ std::vector<void*> withSimd(std::vector<void*> entries)
 std::vector<void*> remoteColumn(std::vector<void*> entries)
 {
     for (uint32_t number = 0; number < kOperationNumbers; ++number) {
-        if (isRemote(number)) entries[number] = dspVariant(number);
+        if (isRemote(number)) entries[number] = remoteVariant(number);
     }
     return entries;
 }
@@ -193,9 +193,9 @@ TEST(Modes, SelectColumnsByProcessor)
                     EXPECT_TRUE(Indices() == expected(row.columns));
                     EXPECT_EQ(mode, mode_globalVar);
                     EXPECT_EQ(1, odxImplTablesInitialized);
-                    const bool dspMode = mode == ONDRIX_OP_EXT_DSP || mode == ONDRIX_OP_EXT_XDSP;
-                    EXPECT_EQ(dspMode ? 0u : 1u, HW_constraint_checks_enable);
-                    EXPECT_EQ(HW_constraint_checks_enable, dsp.constraintChecks);
+                    const bool remoteMode = mode == ONDRIX_OP_EXT_DSP || mode == ONDRIX_OP_EXT_XDSP;
+                    EXPECT_EQ(remoteMode ? 0u : 1u, HW_constraint_checks_enable);
+                    EXPECT_EQ(HW_constraint_checks_enable, fakeRemote.constraintChecks);
                     EXPECT_EQ(sysconf(_SC_NPROCESSORS_ONLN), nOdxAvailableProc);
                 });
             }
@@ -228,13 +228,13 @@ TEST(Modes, BecomeCpuPerformanceOnACpuOnlyChip)
     for (const odxOperationMode mode :
          {ONDRIX_OP_LOW_POWER, ONDRIX_OP_CPU_PERFORMANCE, ONDRIX_OP_EXT_XDSP, kUnknownMode}) {
         onProcessor(kCpuOnlyChip, [&] {
-            dsp.openResult = 0;
+            fakeRemote.openResult = 0;
             LogCapture log;
             EXPECT_EQ(0, odxSetOperationMode(mode));
             EXPECT_EQ(warning, log.take());
             EXPECT_EQ(ONDRIX_OP_CPU_PERFORMANCE, mode_globalVar);
             EXPECT_TRUE(Indices() == expected(kSimd));
-            EXPECT_EQ(0u, dsp.events.size());
+            EXPECT_EQ(0u, fakeRemote.events.size());
         });
     }
     onProcessor(kCpuOnlyChip, [&] {
@@ -405,7 +405,7 @@ TEST(Modes, ExtendedSelection)
         EXPECT_EQ(0u, HW_constraint_checks_enable);
         EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_CPU));
         EXPECT_EQ(1u, HW_constraint_checks_enable);
-        EXPECT_EQ(1u, dsp.constraintChecks);
+        EXPECT_EQ(1u, fakeRemote.constraintChecks);
         EXPECT_EQ(std::vector<LogLine>{}, log.take());
     });
 }
@@ -433,16 +433,16 @@ TEST(Version, IsCopiedWholeOrNotAtAll)
 TEST(RemoteModes, LowPower)
 {
     onProcessor(kFloatOnly, [] {
-        dsp.openResult = 0;
+        fakeRemote.openResult = 0;
         LogCapture log;
         EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_LOW_POWER));
         EXPECT_EQ((std::vector<LogLine>{{3, "ondrix_lib_log", "Ondrix vendor library\n"},
                                         {3, "ondrix_lib_log", "XDSP is available"}}),
                   log.take());
-        EXPECT_EQ((Names{"close", "open 1 for 1.7.1"}), dsp.takeEvents());
+        EXPECT_EQ((Names{"close", "open 1 for 1.7.1"}), fakeRemote.takeEvents());
         EXPECT_EQ(listed('L'), setPointers());
-        EXPECT_EQ(dspVariant(op_odxBoxFilter5x5u8), odxBoxFilter5x5u8R_);
-        EXPECT_EQ(dspVariant(op_odxFilterMedian3x3u8), odxFilterMedian3x3u8_v2R_);
+        EXPECT_EQ(remoteVariant(op_odxBoxFilter5x5u8), odxBoxFilter5x5u8R_);
+        EXPECT_EQ(remoteVariant(op_odxFilterMedian3x3u8), odxFilterMedian3x3u8_v2R_);
         EXPECT_EQ(nullptr, odxBoxFilter3x3u8R_);
         EXPECT_EQ(remoteColumn(referenceColumn()), column(ODX_IMPL_XDSP));
 
@@ -455,7 +455,7 @@ TEST(RemoteModes, LowPower)
 
         GPU_initflag = 1;
         EXPECT_EQ(0, odxCleanUp());
-        EXPECT_EQ(Names{"clean up"}, dsp.takeEvents());
+        EXPECT_EQ(Names{"clean up"}, fakeRemote.takeEvents());
         EXPECT_EQ(0u, XDSP_initflag);
         EXPECT_EQ(0u, GPU_initflag);
         EXPECT_EQ(1, odxImplTablesInitialized);
@@ -466,13 +466,13 @@ TEST(RemoteModes, LowPower)
 TEST(RemoteModes, PerformanceProbesTwicePowerModes)
 {
     onProcessor(kArmSimd, [] {
-        dsp.openResult = 0;
+        fakeRemote.openResult = 0;
         EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_PERFORMANCE));
         // The lists of a mode are set by a fresh probe in low power.
-        EXPECT_EQ((Names{"close", "open 2 for 1.7.1", "close", "open 1 for 1.7.1"}), dsp.takeEvents());
+        EXPECT_EQ((Names{"close", "open 2 for 1.7.1", "close", "open 1 for 1.7.1"}), fakeRemote.takeEvents());
         EXPECT_EQ(listed('P'), setPointers());
-        EXPECT_EQ(dspVariant(op_odxSumOfAbsoluteDiffs8x8u8), odxSumOfAbsoluteDiffs8x8u8_v2R_);
-        EXPECT_EQ(dspVariant(op_odxFilterCanny3x3u8), odxFilterCanny3x3u8_v2R_);
+        EXPECT_EQ(remoteVariant(op_odxSumOfAbsoluteDiffs8x8u8), odxSumOfAbsoluteDiffs8x8u8_v2R_);
+        EXPECT_EQ(remoteVariant(op_odxFilterCanny3x3u8), odxFilterCanny3x3u8_v2R_);
         const Indices indices;
         EXPECT_EQ(2u, indices.slots[op_odxRemapRGBA8888BLu8]);
         EXPECT_EQ(1u, indices.slots[op_odxBoxFilter5x5u8]);
@@ -484,11 +484,11 @@ TEST(RemoteModes, PerformanceProbesTwicePowerModes)
 TEST(RemoteModes, CpuOffload)
 {
     onProcessor(kArmSimd, [] {
-        dsp.openResult = 0;
+        fakeRemote.openResult = 0;
         EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_CPU_OFFLOAD));
-        EXPECT_EQ((Names{"close", "open 1 for 1.7.1"}), dsp.takeEvents());
+        EXPECT_EQ((Names{"close", "open 1 for 1.7.1"}), fakeRemote.takeEvents());
         EXPECT_EQ(listed('O'), setPointers());
-        EXPECT_EQ(dspVariant(op_odxFilterCorrSep11x11s16), odxFilterCorrSep11x11s16_v3R_);
+        EXPECT_EQ(remoteVariant(op_odxFilterCorrSep11x11s16), odxFilterCorrSep11x11s16_v3R_);
         const Indices indices;
         EXPECT_EQ(2u, indices.slots[op_odxTransposef32]);
         EXPECT_EQ(1u, indices.slots[op_odxTransposeu8]);
@@ -496,15 +496,15 @@ TEST(RemoteModes, CpuOffload)
     });
 }
 
-TEST(RemoteModes, ExtendedDspTakesAllThatIsRemote)
+TEST(RemoteModes, ExtendedModeTakesAllThatIsRemote)
 {
     for (const odxOperationMode mode : {ONDRIX_OP_EXT_DSP, ONDRIX_OP_EXT_XDSP}) {
         onProcessor(kArmSimd, [&] {
-            dsp.openResult = 0;
+            fakeRemote.openResult = 0;
             EXPECT_EQ(0, odxSetOperationMode(mode));
-            EXPECT_EQ((Names{"close", "open 2 for 1.7.1"}), dsp.takeEvents());
+            EXPECT_EQ((Names{"close", "open 2 for 1.7.1"}), fakeRemote.takeEvents());
             EXPECT_EQ(0u, HW_constraint_checks_enable);
-            EXPECT_EQ(0u, dsp.constraintChecks);
+            EXPECT_EQ(0u, fakeRemote.constraintChecks);
             EXPECT_EQ(reachable(), setPointers());
             EXPECT_EQ(nullptr, odxTransposeu16R_);
             const Indices indices;
@@ -512,14 +512,14 @@ TEST(RemoteModes, ExtendedDspTakesAllThatIsRemote)
             EXPECT_EQ(1u, indices.slots[op_odxTransposeu16]);
             EXPECT_EQ((std::vector<uint32_t>{2, 2, 2, 2, 2, 2, 2, 2, 1, 1, 2, 2, 2, 1, 0, 0}), indices.internal);
             EXPECT_EQ(remoteColumn(withSimd(referenceColumn())), column(ODX_IMPL_XDSP));
-            odxHoughLineu8R_ = odxTransposeu16R_ = &dsp; // in no list, and left out
+            odxHoughLineu8R_ = odxTransposeu16R_ = &fakeRemote; // in no list, and left out
             uRNull();
             EXPECT_EQ(Names{}, setPointers());
         });
     }
 }
 
-TEST(RemoteModes, NeverMindAMissingDsp)
+TEST(RemoteModes, NeverMindAMissingProcessor)
 {
     onProcessor(kArmSimd, [] {
         for (const odxOperationMode mode : {ONDRIX_OP_LOW_POWER, ONDRIX_OP_PERFORMANCE, ONDRIX_OP_CPU_OFFLOAD,
@@ -531,9 +531,9 @@ TEST(RemoteModes, NeverMindAMissingDsp)
     });
     // A session that is lost between two selections leaves no index behind, but for the buffer registration's.
     onProcessor(kArmSimd, [] {
-        dsp.openResult = 0;
+        fakeRemote.openResult = 0;
         EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_XDSP));
-        dsp = {};
+        fakeRemote = {};
         EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_XDSP));
         Indices indices = expected(kSimd);
         indices.internal[11] = 2;
@@ -544,12 +544,12 @@ TEST(RemoteModes, NeverMindAMissingDsp)
 TEST(RemoteModes, ServingTheRemoteSideResetsNoIndex)
 {
     onProcessor(kVendorSimd, [] {
-        dsp.openResult = 0;
+        fakeRemote.openResult = 0;
         EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_CPU));
         const auto startOver = [] {
             for (uint32_t& index : odxImplTable)
                 index = 1;
-            HW_constraint_checks_enable = dsp.constraintChecks = 7;
+            HW_constraint_checks_enable = fakeRemote.constraintChecks = 7;
             poison(ODX_IMPL_XDSP, nullptr);
             uX();
         };
@@ -572,17 +572,17 @@ TEST(RemoteModes, ServingTheRemoteSideResetsNoIndex)
             EXPECT_EQ(0u, odxSetOperationModeRemoteLib(row.mode));
             EXPECT_EQ(row.pointers, setPointers());
             EXPECT_EQ(row.checks, HW_constraint_checks_enable);
-            EXPECT_EQ(row.checks, dsp.constraintChecks);
+            EXPECT_EQ(row.checks, fakeRemote.constraintChecks);
             EXPECT_EQ(row.remoteTranspose ? 2u : 1u, odxImplTable[op_odxTransposef32]);
             EXPECT_EQ(1u, odxImplTable[op_odxTransposeu16]);
             const bool probed = row.mode != ONDRIX_OP_CPU_PERFORMANCE && row.mode != ONDRIX_OP_EXT_REFERENCE;
-            EXPECT_EQ(probed ? dspVariant(op_odxCopy) : nullptr, column(ODX_IMPL_XDSP)[op_odxCopy]);
+            EXPECT_EQ(probed ? remoteVariant(op_odxCopy) : nullptr, column(ODX_IMPL_XDSP)[op_odxCopy]);
             EXPECT_EQ(ONDRIX_OP_EXT_CPU, mode_globalVar);
         }
     });
     // Without a mobile target the standard modes do nothing.
     onProcessor(kOtherSimd, [] {
-        dsp.openResult = 0;
+        fakeRemote.openResult = 0;
         EXPECT_EQ(0u, odxSetOperationModeRemoteLib(ONDRIX_OP_CPU_OFFLOAD));
         EXPECT_EQ(Names{}, setPointers());
         EXPECT_EQ(0u, odxSetOperationModeRemoteLib(ONDRIX_OP_EXT_XDSP));
@@ -624,9 +624,9 @@ TEST(Manager, IndexRoutinesRefuseWhatTheyCannotFill)
         EXPECT_EQ(0u, uGIndex(&whole));
 
         for (auto* table : {uHWLowPowerModeTable, uHWPerformanceModeTable, uXCpuOffloadModeTable}) {
-            dsp = {};
+            fakeRemote = {};
             EXPECT_EQ(1u, table(&whole)); // no DSP
-            dsp.openResult = 0;
+            fakeRemote.openResult = 0;
             EXPECT_EQ(1u, table(nullptr));
             for (ODX_FUNC_MANAGER* part : {&noIndices, &noInternalIndices, &narrow})
                 EXPECT_EQ(1u, table(part));
@@ -643,7 +643,7 @@ TEST(Manager, IndexRoutinesRefuseWhatTheyCannotFill)
 TEST(Manager, ShorterTablesAreFilledAsFarAsTheyReach)
 {
     onProcessor(kArmSimd, [] {
-        dsp.openResult = 0;
+        fakeRemote.openResult = 0;
         for (const auto& [slots, entries] : {std::pair{0u, 0u}, {100u, 11u}, {396u, 12u}, {505u, 13u}}) {
             SCOPED_TRACE(slots);
             for (auto* fill : {uXIndex, uHWLowPowerModeTable, uHWPerformanceModeTable, uXCpuOffloadModeTable}) {
@@ -687,9 +687,9 @@ TEST(TableFill, ReportsTheTargetsThatAreThere)
         EXPECT_EQ(4u, fill(false, true));
         manager.implementations = 4;
         EXPECT_EQ(0u, fill(true, true));
-        dsp.fillResult = 16;
+        fakeRemote.fillResult = 16;
         EXPECT_EQ(16u, fill(true, true));
-        EXPECT_EQ(dspVariant(op_odxCopy), column(ODX_IMPL_XDSP)[op_odxCopy]);
+        EXPECT_EQ(remoteVariant(op_odxCopy), column(ODX_IMPL_XDSP)[op_odxCopy]);
         manager.funcTable = nullptr;
         EXPECT_EQ(2u, fill(false, true));
     });

@@ -11,7 +11,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-using namespace odx::dsp;
+using namespace odx::remoting;
 using namespace odx::stub;
 
 namespace
@@ -107,7 +107,7 @@ int serve(Result (*operation)(A...), Result* result, const Items&... items)
 template <class Item, size_t place, class Sent>
 Argument<Item> itemAt(const Sent& sent)
 {
-    if constexpr (std::tuple_size_v<odx::dsp::Sent<Item>> == 2) {
+    if constexpr (std::tuple_size_v<odx::remoting::Sent<Item>> == 2) {
         return Argument<Item>(std::get<place>(sent), std::get<place + 1>(sent));
     } else {
         return Argument<Item>(std::get<place>(sent));
@@ -118,7 +118,7 @@ Argument<Item> itemAt(const Sent& sent)
 template <size_t item, class... Items>
 constexpr size_t placeOf()
 {
-    constexpr size_t sizes[] = {std::tuple_size_v<odx::dsp::Sent<Items>>...};
+    constexpr size_t sizes[] = {std::tuple_size_v<odx::remoting::Sent<Items>>...};
     size_t place = 0;
     for (size_t i = 0; i < item; ++i)
         place += sizes[i];
@@ -159,7 +159,7 @@ int answer(Operation* operation, Sent... sent)
     template struct name##Entry<decltype(ondrixadsp_##name##X)>;                        \
     [[maybe_unused]] static constexpr auto* name##Defined = &ondrixadsp_##name##X;
 #define ODX_ROUTINE(number, name, index, columns, pointer, ...) \
-    ODX_IF_##columns##_X(ODX_ENTRY(name, (odx::dsp::__VA_ARGS__)))
+    ODX_IF_##columns##_X(ODX_ENTRY(name, (odx::remoting::__VA_ARGS__)))
 #include "frame/operations/families.def"
 
 extern "C" {

@@ -2,8 +2,8 @@
 
 #include "dsp/remoteEntries.h"
 #include "frame/shared.h"
-#include "platform/platform.h"
 #include "ondrix/modes.h"
+#include "platform/platform.h"
 
 #include <stdarg.h>
 #include <stdio.h>

@@ -1,7 +1,7 @@
 // The shared-memory allocator of a device, and the system calls on its buffers, as a test scripts them. Every call
 // is an event; descriptors and mappings are real ones, so that what is not given back can be counted.
-#ifndef ODX_TESTS_DSP_ION_H
-#define ODX_TESTS_DSP_ION_H
+#ifndef ODX_TESTS_REMOTE_ION_H
+#define ODX_TESTS_REMOTE_ION_H
 
 #include <string>
 #include <vector>

@@ -1,7 +1,7 @@
 // The loopback stub itself: what it promises to those who develop with it.
 #include "dsp/stub.h"
-#include "dsp/remoteCase.h"
 #include "dsp/session.h"
+#include "remote/remoteCase.h"
 #include "support/childProcess.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 // The dynamic loader as the library sees it in these tests: the real one, with the accidents that a test asks for.
-#ifndef ODX_TESTS_DSP_LOADER_H
-#define ODX_TESTS_DSP_LOADER_H
+#ifndef ODX_TESTS_REMOTE_LOADER_H
+#define ODX_TESTS_REMOTE_LOADER_H
 
 #include "stub/control.h"
 

@@ -1,7 +1,7 @@
 // A remote processor in place of src/dsp: it records what it is asked, and its variants are addresses without
 // code.
-#ifndef ODX_TESTS_FRAME_FAKE_DSP_H
-#define ODX_TESTS_FRAME_FAKE_DSP_H
+#ifndef ODX_TESTS_FRAME_FAKE_REMOTE_H
+#define ODX_TESTS_FRAME_FAKE_REMOTE_H
 
 #include <stdint.h>
 #include <string>
@@ -10,7 +10,7 @@
 namespace odx::test
 {
 
-struct FakeDsp {
+struct FakeRemote {
     int openResult = -1; // what opening a session reports: there is none unless a test sets 0
     int powerMode = -1;  // of the open session
     std::vector<std::string> events;
@@ -20,7 +20,7 @@ struct FakeDsp {
 
     std::vector<std::string> takeEvents();
 };
-extern FakeDsp dsp;
+extern FakeRemote fakeRemote;
 
 // The routines of the internal table without remote counterpart, and one such public operation.
 bool isRemote(uint32_t operation);

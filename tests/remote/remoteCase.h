@@ -1,11 +1,11 @@
 // A process whose operations all go to the remote processor, and calls in it whose results are known.
-#ifndef ODX_TESTS_DSP_REMOTE_CASE_H
-#define ODX_TESTS_DSP_REMOTE_CASE_H
+#ifndef ODX_TESTS_REMOTE_REMOTE_CASE_H
+#define ODX_TESTS_REMOTE_REMOTE_CASE_H
 
-#include "dsp/lines.h"
 #include "dsp/remoteOperations.h"
 #include "dsp/stub.h"
 #include "ondrix.h"
+#include "remote/lines.h"
 #include "support/processors.h"
 
 #include <gtest/gtest.h>

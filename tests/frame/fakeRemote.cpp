@@ -1,6 +1,6 @@
-#include "frame/fakeDsp.h"
+#include "frame/fakeRemote.h"
 
-#include "dsp/dsp.h"
+#include "dsp/remote.h"
 #include "frame/operations.h"
 
 #include <utility>
@@ -8,9 +8,9 @@
 namespace odx::test
 {
 
-FakeDsp dsp;
+FakeRemote fakeRemote;
 
-std::vector<std::string> FakeDsp::takeEvents()
+std::vector<std::string> FakeRemote::takeEvents()
 {
     return std::exchange(events, {});
 }
@@ -32,43 +32,43 @@ bool isRemote(uint32_t operation)
 
 } // namespace odx::test
 
-using odx::test::dsp;
+using odx::test::fakeRemote;
 
 extern "C" {
 
 int ODXAZ9_init(int mode, const char* version)
 {
-    dsp.events.push_back("open " + std::to_string(mode) + " for " + version);
-    if (dsp.openResult == 0) dsp.powerMode = mode;
-    return dsp.openResult;
+    fakeRemote.events.push_back("open " + std::to_string(mode) + " for " + version);
+    if (fakeRemote.openResult == 0) fakeRemote.powerMode = mode;
+    return fakeRemote.openResult;
 }
 
 void ODXAZ9_deinit()
 {
-    dsp.events.push_back("close");
-    dsp.powerMode = -1;
+    fakeRemote.events.push_back("close");
+    fakeRemote.powerMode = -1;
 }
 
 int ODXAZ9_is_ready()
 {
-    return dsp.powerMode >= 0 ? 1 : 0;
+    return fakeRemote.powerMode >= 0 ? 1 : 0;
 }
 int ODXAZ9_get_current_mode()
 {
-    return dsp.powerMode;
+    return fakeRemote.powerMode;
 }
 void odxUpdateZ9ConstraintCheckFlag(unsigned flag)
 {
-    dsp.constraintChecks = flag;
+    fakeRemote.constraintChecks = flag;
 }
 void odxInitSharedMem(unsigned hwMask)
 {
-    dsp.sharedMemoryFor.push_back(hwMask);
+    fakeRemote.sharedMemoryFor.push_back(hwMask);
 }
 void odxDeInitSharedMem() {}
 void odxCleanUpHW()
 {
-    dsp.events.push_back("clean up");
+    fakeRemote.events.push_back("clean up");
 }
 int64_t odxZ9GetClkX()
 {
@@ -78,16 +78,16 @@ int64_t odxZ9GetClkX()
 unsigned uXTable(ODX_FUNC_MANAGER* manager, unsigned column)
 {
     for (uint32_t number = 0; number < odx::kOperationNumbers; ++number) {
-        void* const variant = odx::dspVariant(number);
+        void* const variant = odx::remoteVariant(number);
         if (variant == nullptr) continue;
         void** const table = number < kPublicSlots ? manager->funcTable->entry : manager->internalFuncTable->entry;
         table[(number < kPublicSlots ? number : number - kPublicSlots) * kImplementations + column] = variant;
     }
-    return dsp.fillResult;
+    return fakeRemote.fillResult;
 }
 }
 
-void* odx::dspVariant(uint32_t operation)
+void* odx::remoteVariant(uint32_t operation)
 {
     static char variants[odx::kOperationNumbers];
     return odx::test::isRemote(operation) ? &variants[operation] : nullptr;

@@ -1,6 +1,6 @@
 // The remote column as the frame sees it.
-#ifndef ODX_DSP_DSP_H
-#define ODX_DSP_DSP_H
+#ifndef ODX_DSP_REMOTE_H
+#define ODX_DSP_REMOTE_H
 
 #include "frame/tables.h"
 #include "ondrix/memory.h"
@@ -16,15 +16,15 @@ void odxUpdateZ9ConstraintCheckFlag(unsigned flag);
 void odxCleanUpHW();
 int64_t odxZ9GetClkX();
 
-// DSP variants into one column of the manager's tables.
+// Remote variants into one column of the manager's tables.
 unsigned uXTable(ODX_FUNC_MANAGER* manager, unsigned column);
 }
 
 namespace odx
 {
 
-// The DSP variant of an operation, named by its number in the operation list, or null when it has none.
-void* dspVariant(uint32_t operation);
+// The remote variant of an operation, named by its number in the operation list, or null when it has none.
+void* remoteVariant(uint32_t operation);
 
 } // namespace odx
 

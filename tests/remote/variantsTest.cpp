@@ -1,9 +1,9 @@
 // The variants themselves: limits, defaults, lengths, what happens where no remote entry can be called.
-#include "dsp/remoteCase.h"
 #include "dsp/services.h"
 #include "dsp/session.h"
 #include "frame/operations.h"
 #include "frame/remotePointers.h"
+#include "remote/remoteCase.h"
 
 #include <string.h>
 #include <tuple>
@@ -18,7 +18,7 @@ namespace
 template <auto* Reference>
 decltype(Reference) variantOf()
 {
-    return reinterpret_cast<decltype(Reference)>(dspVariant(numberOf<Reference>));
+    return reinterpret_cast<decltype(Reference)>(remoteVariant(numberOf<Reference>));
 }
 
 constexpr uint32_t kWidth = 160, kHeight = 159; // just worth sending
@@ -29,13 +29,13 @@ TEST(Variants, AreWhereTheTablesAndPointersSayTheyAre)
 {
     onRemote([](Stub&, LogCapture&) {
         EXPECT_EQ(odxFuncTable.entry[op_odxFilterMedian3x3u8 * kImplementations + ODX_IMPL_XDSP],
-                  dspVariant(op_odxFilterMedian3x3u8));
-        EXPECT_EQ(odxFilterMedian3x3u8_v2R_, dspVariant(op_odxFilterMedian3x3u8));
+                  remoteVariant(op_odxFilterMedian3x3u8));
+        EXPECT_EQ(odxFilterMedian3x3u8_v2R_, remoteVariant(op_odxFilterMedian3x3u8));
         EXPECT_NE(nullptr, odxFilterMedian3x3u8_v2R_);
         EXPECT_EQ(odxInternalFuncTable.entry[(op_probeZ9Time - kPublicSlots) * kImplementations + ODX_IMPL_XDSP],
                   probeZ9TimeR_);
         EXPECT_NE(nullptr, probeZ9TimeR_);
-        EXPECT_EQ(nullptr, dspVariant(kEmptySlots[0]));
+        EXPECT_EQ(nullptr, remoteVariant(kEmptySlots[0]));
         EXPECT_EQ(1u, uXTable(nullptr, 2));
         ODX_FUNC_MANAGER manager = *odxMasterFuncManager;
         EXPECT_EQ(4u, uXTable(&manager, 7));
@@ -216,7 +216,7 @@ TEST(Variants, KeepWhatDoesNotTravelAsWholeBuffers)
 TEST(Variants, RunHereWhileTheStubIsReplaced)
 {
     onRemote([](Stub& stub, LogCapture& log) {
-        const dsp::StubReplaced replaced;
+        const remoting::StubReplaced replaced;
         EXPECT_EQ(kBits, countBits());
         EXPECT_EQ(0u, stub.counts().calls);
         EXPECT_EQ(Lines{}, log.take());

@@ -1,4 +1,4 @@
-#include "dsp/ion.h"
+#include "remote/ion.h"
 
 #include <errno.h>
 #include <filesystem>

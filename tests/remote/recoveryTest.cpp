@@ -1,9 +1,9 @@
 // What a call does when the remote processor restarts under it: what is logged, in which order, and that the
 // caller gets its result whatever happens.
-#include "dsp/remoteCase.h"
 #include "dsp/session.h"
 #include "dsp/stub.h"
 #include "frame/operations.h"
+#include "remote/remoteCase.h"
 
 #include <vector>
 

@@ -1,4 +1,4 @@
-#include "dsp/loader.h"
+#include "remote/loader.h"
 
 #include "dsp/stub.h"
 #include "platform/platform.h"
@@ -31,8 +31,8 @@ void Stub::behaves(const odxStubBehaviour& behaviour) const
 
 bool stubIsHeld()
 {
-    const bool held = pthread_rwlock_trywrlock(&dsp::stubLock) != 0;
-    if (!held) pthread_rwlock_unlock(&dsp::stubLock);
+    const bool held = pthread_rwlock_trywrlock(&remoting::stubLock) != 0;
+    if (!held) pthread_rwlock_unlock(&remoting::stubLock);
     return held;
 }
 
@@ -65,8 +65,8 @@ void* openLibrary(const char* path)
 void closeLibrary(void* handle)
 {
     ++loader.closed;
-    const bool callsMayEnter = pthread_rwlock_tryrdlock(&odx::dsp::stubLock) == 0;
-    if (callsMayEnter) pthread_rwlock_unlock(&odx::dsp::stubLock);
+    const bool callsMayEnter = pthread_rwlock_tryrdlock(&odx::remoting::stubLock) == 0;
+    if (callsMayEnter) pthread_rwlock_unlock(&odx::remoting::stubLock);
     EXPECT_FALSE(callsMayEnter);
     dlclose(handle);
 }

@@ -1,10 +1,10 @@
 // Sessions with the remote processor: what opens, what is logged, in which order.
 #include "dsp/session.h"
 
-#include "dsp/remoteCase.h"
 #include "dsp/stub.h"
 #include "frame/hardware.h"
 #include "frame/log.h"
+#include "remote/remoteCase.h"
 #include "support/processors.h"
 
 #include <gtest/gtest.h>
@@ -94,7 +94,7 @@ TEST(Session, AnotherPowerModeReopensIt)
 TEST(Session, TheStubStaysUntilItsLastUserLeaves)
 {
     withStub([](Stub&, LogCapture&) {
-        const dsp::StubReplaced replaced;
+        const remoting::StubReplaced replaced;
         EXPECT_EQ(0, dlopen_stub());
         EXPECT_EQ(0, dlopen_stub());
         EXPECT_EQ(1, loader.opened);

@@ -1,10 +1,10 @@
 // Buffers shared with the remote processor: what is asked of the system, in which order, and that every failure
 // gives back what was had before it.
-#include "dsp/ion.h"
-#include "dsp/remoteCase.h"
 #include "dsp/services.h"
 #include "frame/scratch.h"
 #include "platform/platform.h"
+#include "remote/ion.h"
+#include "remote/remoteCase.h"
 
 #include <sys/mman.h>
 #include <unistd.h>

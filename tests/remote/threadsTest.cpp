@@ -1,9 +1,9 @@
 // Restarts under the calls of several threads.
-#include "dsp/ion.h"
-#include "dsp/remoteCase.h"
 #include "dsp/session.h"
 #include "dsp/stub.h"
 #include "frame/operations.h"
+#include "remote/ion.h"
+#include "remote/remoteCase.h"
 
 #include <algorithm>
 #include <atomic>
@@ -139,11 +139,11 @@ TEST(RemoteThreads, CallsStayHereUntilTheLastThreadHasRecovered)
     onRemote([](Stub&, LogCapture&) {
         const auto firstThread = [](void*) {
             EXPECT_TRUE(stubIsHeld());
-            std::thread([] { EXPECT_EQ(0, dsp::callAfterRestart([](void*) { return 0; }, nullptr)); }).join();
+            std::thread([] { EXPECT_EQ(0, remoting::callAfterRestart([](void*) { return 0; }, nullptr)); }).join();
             EXPECT_EQ(1u, odxImplTable[op_odxBitCountu32]);
             return 0;
         };
-        EXPECT_EQ(0, dsp::callAfterRestart(firstThread, nullptr));
+        EXPECT_EQ(0, remoting::callAfterRestart(firstThread, nullptr));
         EXPECT_EQ(2u, odxImplTable[op_odxBitCountu32]);
     });
 }

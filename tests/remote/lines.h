@@ -1,8 +1,8 @@
 // Log lines of the remote column, and lists of them.
-#ifndef ODX_TESTS_DSP_LINES_H
-#define ODX_TESTS_DSP_LINES_H
+#ifndef ODX_TESTS_REMOTE_LINES_H
+#define ODX_TESTS_REMOTE_LINES_H
 
-#include "dsp/loader.h"
+#include "remote/loader.h"
 #include "support/logCapture.h"
 
 namespace odx::test
