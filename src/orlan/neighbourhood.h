@@ -118,7 +118,7 @@ ODX_INLINE void fetchAhead(const void* p, uint32_t ahead)
 {
     if constexpr (!nearby && kFetchesAhead) {
         for (uint32_t i = 0; i < bytes; i += 64)
-            __builtin_prefetch((const void*)((uintptr_t)p + ahead + i));
+            __builtin_prefetch((const void*)((uintptr_t)p + ahead + i)); // NOLINT(performance-no-int-to-ptr)
     }
 }
 

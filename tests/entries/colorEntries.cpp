@@ -48,7 +48,8 @@ Entry conversion(const char* name, Operation* operation, const Layout& src, cons
         for (const Plane& plane : layout) {
             const std::string stride = side + plane.name + "Stride";
             given += side + plane.name + " && ";
-            fits += " && ( " + stride + " == 0 || " + stride + " >= (" + plane.rowText + "*sizeof(uint8_t))" + end;
+            fits.append(" && ( ").append(stride).append(" == 0 || ").append(stride).append(" >= (");
+            fits.append(plane.rowText).append("*sizeof(uint8_t))").append(end);
             pointers.push_back(buffer(8, 16));
             strides.push_back(test::stride(plane.row, 8));
         }

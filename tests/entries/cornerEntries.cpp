@@ -40,7 +40,7 @@ Entries fastEntries()
     const auto detection = [](uint32_t gpuStride) {
         return Arguments{buffer(8, 16), width(7),
                          height(7),     stride(kWidth, 8, gpuStride),
-                         value(20),     value(3, {kHeight / 2, 0x80000000}, {0, kHeight / 2 - 1}),
+                         value(20),     value(3, {kHeight / 2.0, 0x80000000}, {0, kHeight / 2.0 - 1}),
                          buffer(1, 16)};
     };
     const Arguments plain = detection(1), suppressing = detection(8);

@@ -236,8 +236,9 @@ TEST_F(EntryPoints, SendWhatIsWorthIt)
                 return taken(entry, column, arguments);
             };
             if (flat) {
-                EXPECT_EQ("ORLAN", at(25344 / entry.pixelSize, 0)) << entry.name;
-                EXPECT_EQ(name, at(25344 / entry.pixelSize + 1, 0)) << entry.name;
+                const uint32_t few = 25344 / entry.pixelSize;
+                EXPECT_EQ("ORLAN", at(few, 0)) << entry.name;
+                EXPECT_EQ(name, at(few + 1, 0)) << entry.name;
                 EXPECT_EQ(name, at(0x40000001, 0)) << entry.name; // 2^32 + 4 bytes of words
                 continue;
             }

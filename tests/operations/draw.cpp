@@ -283,9 +283,9 @@ std::string Draw::difference(const std::vector<uint8_t>& expected, const std::ve
     std::string all;
     size_t begin = 0;
     const auto compare = [&](size_t size, auto place) {
-        const auto [e, o] =
-            std::mismatch(expected.begin() + begin, expected.begin() + begin + size, other.begin() + begin);
-        const size_t at = e - expected.begin() - begin;
+        const uint8_t* const first = expected.data() + begin;
+        const auto [e, o] = std::mismatch(first, first + size, other.data() + begin);
+        const auto at = static_cast<size_t>(e - first);
         if (at < size)
             all +=
                 (all.empty() ? "" : "; ") + place(at) + ": " + std::to_string(*o) + ", not " + std::to_string(*e);
