@@ -2,7 +2,8 @@
 //
 // A failure, also one that ends the process, names the seed of its case and the command that runs this case alone.
 // Every run goes through the sizes that matter (operations/draw.h); ONDRIX_TEST_CASES sets how many cases are
-// drawn besides. With ONDRIX_TEST_SEED that many cases from the seed on are all that runs; by default, one.
+// drawn besides. With ONDRIX_TEST_SEED its case is all that runs; with both, that many cases in a place that
+// the seed and the operation decide.
 // With ONDRIX_TEST_THREADS another thread makes the same call at the same time, for the thread sanitizer to watch.
 // ONDRIX_TEST_DIGEST names a file that receives a line for each operation, with a digest of what its reference
 // wrote: builds for other processors and by other compilers must give the same lines.
@@ -118,8 +119,10 @@ std::vector<uint64_t> seedsOf(const Row& row)
         for (uint64_t seed = 1; seed <= draw.sizes(); ++seed)
             seeds.push_back(seed);
     }
+    // Operations do not share what is drawn; a single case is the one that was asked for.
+    const uint64_t own = cases > 1 ? std::hash<std::string>()(row.operation) >> 8 : 0;
     for (uint64_t i = 0; i < cases; ++i)
-        seeds.push_back((only != 0 ? only : Draw::kFirstDrawn) + i);
+        seeds.push_back(only != 0 ? only + own + i : Draw::kFirstDrawn + i);
     return seeds;
 }
 
