@@ -21,6 +21,22 @@ template <class T>
     return reinterpret_cast<T*>(reinterpret_cast<char*>(image) + stride * y);
 }
 
+// The rows of an image, from a pixel on; the stride in bytes. Rows<const T> are only read.
+template <class T>
+struct Rows {
+    T* pixels;
+    size_t stride;
+
+    [[gnu::always_inline]] inline Rows at(uint32_t x, uint32_t y) const
+    {
+        return {rowOf(pixels, stride, y) + x, stride};
+    }
+    [[gnu::always_inline]] inline Rows next() const { return {rowOf(pixels, stride, 1), stride}; }
+    [[gnu::always_inline]] inline bool packed(uint32_t width) const { return stride == sizeof(T) * width; }
+};
+template <class T>
+Rows(T*, size_t) -> Rows<T>;
+
 // A single-channel image that is filtered into another of its size. Strides in bytes.
 template <class S, class D = S>
 struct Plane {

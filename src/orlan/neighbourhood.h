@@ -64,18 +64,6 @@ struct Window {
     static constexpr uint32_t kRows = rows, kColumns = columns, kLanes = lanes, kStep = step;
 };
 
-// The rows of a destination, from the first output on; the stride in bytes.
-template <class T>
-struct Rows {
-    T* pixels;
-    size_t stride;
-
-    ODX_MEMBER Rows at(uint32_t x, uint32_t y) const { return {rowOf(pixels, stride, y) + x, stride}; }
-    ODX_MEMBER Rows next() const { return {rowOf(pixels, stride, 1), stride}; }
-};
-template <class T>
-Rows(T*, size_t) -> Rows<T>;
-
 // ---- the order that suits the caches ----
 //
 // Rows up to kNearRow bytes: a block of them stays in the nearest caches, so that blocks are high and the run-up
@@ -160,12 +148,14 @@ ODX_INLINE uint32_t columnsToAligned(const T* row)
 }
 
 // Whether a filter has pushBoth(), which takes pointers to T.
+template <class T>
+T& some(); // for types alone
 template <class Filter, class T, class = void>
 struct TakesBoth {
     static constexpr bool value = false;
 };
 template <class Filter, class T>
-struct TakesBoth<Filter, T, decltype((void)((Filter*)nullptr)->pushBoth((const T*)nullptr, (const T*)nullptr))> {
+struct TakesBoth<Filter, T, decltype((void)some<Filter>().pushBoth((const T*)nullptr, (const T*)nullptr))> {
     static constexpr bool value = true;
 };
 
