@@ -91,6 +91,77 @@ ODX_INLINE void storeInOrder(int32_t* p, const s32p& pair)
     store(p, pair.a);
     store(p + 4, pair.b);
 }
+ODX_INLINE void storeInOrder(int16_t* p, const s16p& pair)
+{
+    store(p, pair.a);
+    store(p + 8, pair.b);
+}
+
+ODX_INLINE s16v joinSat(const s32p& p)
+{
+    return (s16v)vcombine_s16(vqmovn_s32((int32x4_t)p.a), vqmovn_s32((int32x4_t)p.b));
+}
+
+struct Weights2 {
+    int16_t a, b;
+};
+ODX_INLINE Weights2 weights2(const int8_t* two)
+{
+    return {two[0], two[1]};
+}
+ODX_INLINE s16p dot2(const uint8_t* p, Weights2 w)
+{
+    const u16p v = split(load<u8v>(p)), next = split(load<u8v>(p + 1));
+    const auto sum = [=](u16v first, u16v second) {
+        return (s16v)vmlaq_n_s16(vmulq_n_s16((int16x8_t)first, w.a), (int16x8_t)second, w.b);
+    };
+    return {sum(v.a, next.a), sum(v.b, next.b)};
+}
+
+ODX_INLINE s16p loadInOrder(const uint8_t* p)
+{
+    const u16p halves = split(load<u8v>(p));
+    return {(s16v)halves.a, (s16v)halves.b};
+}
+ODX_INLINE void storePairs(int16_t* p, s16v v, s16v w)
+{
+    const int16x8x2_t n = {{(int16x8_t)v, (int16x8_t)w}};
+    vst2q_s16(p, n);
+}
+ODX_INLINE void storePairs(float* p, f32v v, f32v w)
+{
+    const float32x4x2_t n = {{(float32x4_t)v, (float32x4_t)w}};
+    vst2q_f32(p, n);
+}
+
+ODX_INLINE s32p widenInOrder(s16v v)
+{
+    return split(v);
+}
+
+ODX_INLINE s16v narrowMask(const s32p& p)
+{
+    return (s16v)vcombine_s16(vmovn_s32((int32x4_t)p.a), vmovn_s32((int32x4_t)p.b));
+}
+
+ODX_INLINE s32p sumOfSquares(s16v v, s16v w)
+{
+    const auto sum = [](int16x4_t a, int16x4_t b) { return (s32v)vmlal_s16(vmull_s16(a, a), b, b); };
+    const int16x8_t a = (int16x8_t)v, b = (int16x8_t)w;
+    return {sum(vget_low_s16(a), vget_low_s16(b)), sum(vget_high_s16(a), vget_high_s16(b))};
+}
+
+ODX_INLINE s16v abs(s16v v)
+{
+    return (s16v)vqabsq_s16((int16x8_t)v);
+}
+
+ODX_INLINE void storeBytes(uint8_t* p, s32v a, s32v b, s32v c, s32v d)
+{
+    const uint16x8_t low = vcombine_u16(vmovn_u32((uint32x4_t)a), vmovn_u32((uint32x4_t)b)),
+                     high = vcombine_u16(vmovn_u32((uint32x4_t)c), vmovn_u32((uint32x4_t)d));
+    vst1q_u8(p, vcombine_u8(vmovn_u16(low), vmovn_u16(high)));
+}
 
 // sum + v * k, and v * k.
 template <int k>
@@ -165,6 +236,28 @@ ODX_INLINE s32p dot2(const int16_t* p)
             (s32v)vmlal_n_s16(vmull_n_s16(vget_high_s16(v), a), vget_high_s16(w), b)};
 }
 
+// The words from p stand in the lower half, those from q in the upper one.
+ODX_INLINE s16v widenPairs(const int8_t* p, const int8_t* q)
+{
+    int32_t first, second;
+    memcpy(&first, p, sizeof first);
+    memcpy(&second, q, sizeof second);
+    return (s16v)vmovl_s8(vreinterpret_s8_s32(vset_lane_s32(second, vdup_n_s32(first), 1)));
+}
+ODX_INLINE s16v repeatPair(const int16_t* p)
+{
+    int32_t both;
+    memcpy(&both, p, sizeof both);
+    return (s16v)vdupq_n_s32(both);
+}
+ODX_INLINE s32v addPairProducts(s32v sum, s16v v, s16v w)
+{
+    const int16x8_t a = (int16x8_t)v;
+    const int16x4_t pair = vget_low_s16((int16x8_t)w);
+    return (s32v)vmlal_lane_s16(vmlal_lane_s16((int32x4_t)sum, vget_low_s16(a), pair, 0), vget_high_s16(a), pair,
+                                1);
+}
+
 ODX_INLINE u16v mulHigh(u16v v, uint16_t k)
 {
     const uint16x8_t n = (uint16x8_t)v;
@@ -216,6 +309,26 @@ ODX_INLINE u8v reverse(u8v v)
 {
     const uint8x16_t halves = vrev64q_u8((uint8x16_t)v);
     return (u8v)vcombine_u8(vget_high_u8(halves), vget_low_u8(halves));
+}
+
+template <int size>
+ODX_INLINE u8x2 zip(u8v v, u8v w)
+{
+    if constexpr (size == 1) {
+        const uint8x16x2_t n = vzipq_u8((uint8x16_t)v, (uint8x16_t)w);
+        return {(u8v)n.val[0], (u8v)n.val[1]};
+    } else if constexpr (size == 2) {
+        const uint16x8x2_t n = vzipq_u16((uint16x8_t)v, (uint16x8_t)w);
+        return {(u8v)n.val[0], (u8v)n.val[1]};
+    } else {
+        const uint32x4x2_t n = vzipq_u32((uint32x4_t)v, (uint32x4_t)w);
+        return {(u8v)n.val[0], (u8v)n.val[1]};
+    }
+}
+
+ODX_INLINE u8v loadSixteens(const uint8_t* p, ptrdiff_t)
+{
+    return load<u8v>(p);
 }
 
 ODX_INLINE u8x2 load2(const uint8_t* p)
@@ -381,6 +494,58 @@ ODX_INLINE uint32_t sumOfBytes(u8v v)
 #endif
 }
 
+ODX_INLINE u8v addSat(u8v v, u8v w)
+{
+    return (u8v)vqaddq_u8((uint8x16_t)v, (uint8x16_t)w);
+}
+ODX_INLINE f32v loadFloats(const uint8_t* p)
+{
+    uint32_t four;
+    memcpy(&four, p, sizeof four);
+    const uint16x4_t words = vget_low_u16(vmovl_u8(vcreate_u8(four)));
+    return (f32v)vcvtq_f32_u32(vmovl_u16(words));
+}
+
+ODX_INLINE float sumOfHalves(f32v v)
+{
+    const float32x4_t n = (float32x4_t)v;
+    const float32x2_t two = vadd_f32(vget_low_f32(n), vget_high_f32(n));
+    return vget_lane_f32(vpadd_f32(two, two), 0);
+}
+
+ODX_INLINE u8v loadRows(const uint8_t* p, size_t)
+{
+    return load<u8v>(p);
+}
+
+ODX_INLINE u16v addDistances(u16v v, u8v a, u8v b)
+{
+    return (u16v)vpadalq_u8((uint16x8_t)v, vabdq_u8((uint8x16_t)a, (uint8x16_t)b));
+}
+
+ODX_INLINE uint32_t sumOfLanes(s32v v)
+{
+#if defined(__aarch64__)
+    return (uint32_t)vaddvq_s32((int32x4_t)v);
+#else
+    const int32x2_t two = vadd_s32(vget_low_s32((int32x4_t)v), vget_high_s32((int32x4_t)v));
+    return (uint32_t)vget_lane_s32(vpadd_s32(two, two), 0);
+#endif
+}
+ODX_INLINE uint64_t sumsOfDistances(u16v a, u16v b, u16v c, u16v d)
+{
+    const auto half = [](u16v v) { return vpadd_u16(vget_low_u16((uint16x8_t)v), vget_high_u16((uint16x8_t)v)); };
+    const uint16x4_t ab = vpadd_u16(half(a), half(b)), cd = vpadd_u16(half(c), half(d));
+    return vget_lane_u64(vreinterpret_u64_u16(vpadd_u16(ab, cd)), 0);
+}
+
+ODX_INLINE s32v addProducts(s32v v, s16v a, s16v b)
+{
+    const int16x8_t m = (int16x8_t)a, n = (int16x8_t)b;
+    const int32x4_t low = vmlal_s16((int32x4_t)v, vget_low_s16(m), vget_low_s16(n));
+    return (s32v)vmlal_s16(low, vget_high_s16(m), vget_high_s16(n));
+}
+
 ODX_INLINE s16v addSat(s16v v, s16v w)
 {
     return (s16v)vqaddq_s16((int16x8_t)v, (int16x8_t)w);
@@ -393,10 +558,86 @@ ODX_INLINE u16v subSat(u16v v, u16v w)
 {
     return (u16v)vqsubq_u16((uint16x8_t)v, (uint16x8_t)w);
 }
+ODX_INLINE s16v subSat(s16v v, s16v w)
+{
+    return (s16v)vqsubq_s16((int16x8_t)v, (int16x8_t)w);
+}
 ODX_INLINE u8v subSat(u8v a, u8v b)
 {
     return (u8v)vqsubq_u8((uint8x16_t)a, (uint8x16_t)b);
 }
+ODX_INLINE s8v subSat(s8v a, s8v b)
+{
+    return (s8v)vqsubq_s8((int8x16_t)a, (int8x16_t)b);
+}
+
+ODX_INLINE s32p mulWide(s16v v, s16v w)
+{
+    const int16x8_t a = (int16x8_t)v, b = (int16x8_t)w;
+    return {(s32v)vmull_s16(vget_low_s16(a), vget_low_s16(b)),
+            (s32v)vmull_s16(vget_high_s16(a), vget_high_s16(b))};
+}
+ODX_INLINE s16v joinSaturated(const s32p& p)
+{
+    return (s16v)vcombine_s16(vqmovn_s32((int32x4_t)p.a), vqmovn_s32((int32x4_t)p.b));
+}
+
+ODX_INLINE f32v rootNear(f32v v)
+{
+#if defined(__aarch64__)
+    return (f32v)vsqrtq_f32((float32x4_t)v);
+#else
+    const float32x4_t n = (float32x4_t)v, one = vmaxq_f32(n, vdupq_n_f32(1));
+    float32x4_t r = vrsqrteq_f32(one);
+    r = vmulq_f32(r, vrsqrtsq_f32(vmulq_f32(one, r), r));
+    r = vmulq_f32(r, vrsqrtsq_f32(vmulq_f32(one, r), r));
+    return (f32v)vmulq_f32(n, r);
+#endif
+}
+ODX_INLINE f32v ratioNear(f32v v, f32v w)
+{
+    const float32x4_t r = vrecpeq_f32((float32x4_t)w);
+    return (f32v)vmulq_f32((float32x4_t)v, vmulq_f32(r, vrecpsq_f32((float32x4_t)w, r)));
+}
+
+// Tables beyond the range of an index leave what earlier ones found.
+template <uint32_t size>
+struct ByteTable {
+#if defined(__aarch64__)
+    uint8x16x4_t part[size / 64];
+
+    ODX_MEMBER explicit ByteTable(const uint8_t* table)
+    {
+        for (uint32_t i = 0; i < size / 64; ++i) {
+            const uint8_t* const p = table + 64 * i;
+            part[i] = {{vld1q_u8(p), vld1q_u8(p + 16), vld1q_u8(p + 32), vld1q_u8(p + 48)}};
+        }
+    }
+    ODX_MEMBER u8v operator()(u8v v) const
+    {
+        uint8x16_t found = vqtbl4q_u8(part[0], (uint8x16_t)v);
+        for (uint32_t i = 1; i < size / 64; ++i)
+            found = vqtbx4q_u8(found, part[i], (uint8x16_t)(v - (uint8_t)(64 * i)));
+        return (u8v)found;
+    }
+#else
+    const uint8_t* table;
+
+    ODX_MEMBER explicit ByteTable(const uint8_t* t) : table(t) {}
+    ODX_MEMBER u8v operator()(u8v v) const
+    {
+        uint8x8_t low = vdup_n_u8(0), high = low;
+        for (uint32_t first = 0; first < size; first += 32) {
+            const uint8_t* const p = table + first;
+            const uint8x8x4_t part = {{vld1_u8(p), vld1_u8(p + 8), vld1_u8(p + 16), vld1_u8(p + 24)}};
+            const uint8x16_t index = (uint8x16_t)(v - (uint8_t)first);
+            low = vtbx4_u8(low, part, vget_low_u8(index));
+            high = vtbx4_u8(high, part, vget_high_u8(index));
+        }
+        return (u8v)vcombine_u8(low, high);
+    }
+#endif
+};
 
 // 32-bit NEON has no reduction of whole vectors, but one of neighbours.
 ODX_INLINE uint8_t highest(u8v v)

@@ -33,7 +33,16 @@
 //   split(v), join(pair)         bytes to 16 bits (or signed 16 to 32) and back, as a pair in the target's own
 //                                lane order: even and odd lanes on x86, halves on ARM. join takes values that fit.
 //   joinShifted<n>(pair)         join(pair >> n)
-//   storeInOrder(p, pair)        the 32-bit lanes of a pair
+//   storeInOrder(p, pair)        the 32-bit lanes of a pair; the signed 16-bit ones
+//   joinSat(pair)                join of 32-bit values, at most and at least what 16 bits hold
+//   weights2(two), dot2(p, w)    p[i] * two[0] + p[i + 1] * two[1] of bytes for each lane i, as signed values that
+//                                fit 16 bits, in split's order; two signed bytes
+//   loadInOrder(p)               kBytes bytes as 16-bit lanes, in order
+//   widenInOrder(v)              the lanes of a s16v as 32 bits, in order
+//   storePairs(p, v, w)          the lanes of two s16v or f32v in turn
+//   narrowMask(pair)             two comparisons of 32-bit lanes, in order, as one of 16-bit lanes
+//   sumOfSquares(v, w)           v * v + w * w of s16v, in order, modulo 2^32
+//   abs(v)                       of s16v; that of -32768 is 32767
 //   joinClamped(pair)            join of signed values, clamped to 0..255
 //   joinCentred<n>(pair)         128 + (pair >> n) of signed values, clamped to 0..255; n from 1 to 8
 //   mulCentred<k>(v)             (v - 128) * k of a u8v as signed values; k up to 255
@@ -43,6 +52,10 @@
 //                                order; an odd number of weights up to 127, the outer ones 1
 //   dotsFor<n, w...>(p)          the same, with the second of the pair times 2^(8 - n) where that helps
 //   joinDots<n>(pair)            joinShifted<n> of these sums; they are below 2^(8 + n)
+//   widenPairs(p, q)             kBytes / 4 signed bytes from p and as many from q as an s16v of pairs, in the
+//                                target's own order
+//   repeatPair(p)                two words in the place of each such pair
+//   addPairProducts(sum, v, w)   sum + both products of each of these pairs, of an s32v
 //   mulHigh(v, k)                the upper halves of 16-bit products
 //   mulRound(v, k)               (v * k + 16384) >> 15 for v and k up to 32767, of u16v and s16v
 //   dotShift<n>(v, w, k, l, c)   (v * k + w * l + c) >> n of s16v, with 32-bit sums; for results that fit 16 bits
@@ -50,10 +63,31 @@
 //                                the same with three products; c is even
 //   reciprocal16(v)              65536 / v, rounded, of s32v from 1 to 255
 //   reverse(v)                   the last byte first
+//   zip<size>(v, w)              elements of `size` bytes of both in turns, in each 16 bytes: their first halves
+//   as
+//                                the first vector, their second halves as the second
+//   loadSixteens(p, distance)    16 bytes from each of p, p + distance ...
+//   storeBytes(p, a, b, c, d)    kBytes bytes from the lanes of s32v, which are below 256, in order
 //   popCount(v)                  set bits of each byte; kCountsBits: by one instruction
 //   sumOfBytes(v)                of all of them
-//   addSat(v, w)                 v + w of u16v and s16v, at most and at least what 16 bits hold
-//   subSat(v, w)                 v - w of u8v and u16v, at least 0
+//   loadFloats(p)                kBytes / 4 bytes as floats, in order
+//   sumOfHalves(v)               of the lanes of a f32v: the upper half is added to the lower one until one is
+//                                left
+//   loadRows(p, stride)          kBytes / 16 rows of 16 bytes
+//   addDistances(v, a, b)        v, a u16v that began as 0, and the distances |a - b| of the bytes of two u8v, in
+//                                lanes of the target's own choice
+//   sumsOfDistances(a, b, c, d)  of all that were added to each of four, up to 65535, as 16-bit words from the low
+//                                ones up
+//   sumOfLanes(v)                of a s32v, modulo 2^32
+//   addProducts(v, a, b)         v, a s32v, and the products of two s16v, two in each lane
+//   addSat(v, w), subSat(v, w)   v + w of u8v, u16v and s16v, v - w of these and s8v, clipped to what lanes hold
+//   mulWide(v, w)                32-bit products of s16v, as a pair in an order of its own
+//   joinSaturated(pair)          a pair of that order, clipped to 16 bits
+//   rootNear(v), ratioNear(v, w) of f32v, the square root to 2^-20 of itself, of 0 or of what is at least 1; and
+//                                v / w to 2^-12
+//   ByteTable<size>(p)           64 or 256 bytes, which stay as they are; table(v) has those at the places v of
+//   u8v,
+//                                below the size
 //   any(v)                       whether any byte is not 0
 //   highest(v)                   the greatest byte
 //   loadOnce(p)                  load<u8v>(p) for values with several uses: it stays one load with every compiler
@@ -64,6 +98,15 @@
 //   anyAbove(a, b, c, d, limit)  16 bits for each vector, not all 0 where any of its bytes is above those of
 //                                `limit`, which are equal; where kGroupsVectors is true, it is well faster than
 //                                one vector after the other
+//   loadPart<n>(p)               n bytes, and 0 behind them; n is a multiple of 4 below kBytes (on ARM 4 or 8)
+//   addProducts(sum, v, w)       adds the products of u8v or of s8v to lanes of a u32v, in the target's own order
+//   addBytes(sum, v), addDifferences(sum, v, w)
+//                                the same with bytes, and with absolute differences of bytes
+//   sumOfLanes(v)                of a u32v
+//   storeSums(p, a, b, c, d)     that of each of four
+//   addDifferencesOf8(sum, p, q) adds to each lane i of a u16v the absolute differences of p[i] to p[i + 7] and
+//   q[0] to
+//                                q[7]; reads up to p[kBytes / 2 + 7]
 //   storePoints(p, bytes, x, y)  the pairs (x + bytes[i], y) of 32 bits, for eight bytes
 #ifndef ODX_ORLAN_SIMD_SIMD_H
 #define ODX_ORLAN_SIMD_SIMD_H
@@ -159,8 +202,10 @@ ODX_INLINE Pair<V> operator<<(const Pair<V>& p, int n)
 
 #if defined(__AVX2__)
 #include "orlan/simd/x86.h"
+#include "orlan/simd/x86Distances.h"
 #elif defined(__ARM_NEON)
 #include "orlan/simd/neon.h"
+#include "orlan/simd/neonDistances.h"
 #endif
 
 #endif

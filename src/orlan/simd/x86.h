@@ -115,16 +115,122 @@ ODX_INLINE s16v joinShifted(const s32p& p)
     return (s16v)(((p.a >> n) & 0xFFFF) | (s32v)((u32v)(p.b >> n) << 16));
 }
 
+// The lower and the upper halves of each 16 bytes, in order.
+struct Ordered {
+    ODX_MI first, second;
+};
+ODX_INLINE Ordered inOrder(ODX_MI low, ODX_MI high)
+{
+#if ODX_VECTOR_BYTES == 64
+    return {_mm512_permutex2var_epi64(low, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), high),
+            _mm512_permutex2var_epi64(low, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), high)};
+#else
+    return {_mm256_permute2x128_si256(low, high, 0x20), _mm256_permute2x128_si256(low, high, 0x31)};
+#endif
+}
+
 ODX_INLINE void storeInOrder(int32_t* p, const s32p& pair)
 {
-    const ODX_MI low = ODX_MM(unpacklo_epi32)((ODX_MI)pair.a, (ODX_MI)pair.b),
-                 high = ODX_MM(unpackhi_epi32)((ODX_MI)pair.a, (ODX_MI)pair.b);
+    const Ordered v = inOrder(ODX_MM(unpacklo_epi32)((ODX_MI)pair.a, (ODX_MI)pair.b),
+                              ODX_MM(unpackhi_epi32)((ODX_MI)pair.a, (ODX_MI)pair.b));
+    store(p, v.first);
+    store(p + kBytes / 4, v.second);
+}
+
+ODX_INLINE s16p loadInOrder(const uint8_t* p)
+{
+    return {(s16v)loadWiden(p), (s16v)loadWiden(p + kBytes / 2)};
+}
+ODX_INLINE void storePairs(int16_t* p, s16v v, s16v w)
+{
+    const Ordered pairs =
+        inOrder(ODX_MM(unpacklo_epi16)((ODX_MI)v, (ODX_MI)w), ODX_MM(unpackhi_epi16)((ODX_MI)v, (ODX_MI)w));
+    store(p, pairs.first);
+    store(p + kBytes / 2, pairs.second);
+}
+ODX_INLINE void storePairs(float* p, f32v v, f32v w)
+{
+    storeInOrder((int32_t*)p, {(s32v)v, (s32v)w}); // the pairs of words are even and odd lanes
+}
+
+ODX_INLINE s32p widenInOrder(s16v v)
+{
+#if ODX_VECTOR_BYTES == 64
+    return {(s32v)_mm512_cvtepi16_epi32(_mm512_castsi512_si256((__m512i)v)),
+            (s32v)_mm512_cvtepi16_epi32(_mm512_extracti64x4_epi64((__m512i)v, 1))};
+#else
+    return {(s32v)_mm256_cvtepi16_epi32(_mm256_castsi256_si128((__m256i)v)),
+            (s32v)_mm256_cvtepi16_epi32(_mm256_extracti128_si256((__m256i)v, 1))};
+#endif
+}
+
+ODX_INLINE void storeInOrder(int16_t* p, const s16p& pair)
+{
+    const ODX_MI low = ODX_MM(unpacklo_epi16)((ODX_MI)pair.a, (ODX_MI)pair.b),
+                 high = ODX_MM(unpackhi_epi16)((ODX_MI)pair.a, (ODX_MI)pair.b);
 #if ODX_VECTOR_BYTES == 64
     store(p, _mm512_permutex2var_epi64(low, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), high));
-    store(p + 16, _mm512_permutex2var_epi64(low, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), high));
+    store(p + 32, _mm512_permutex2var_epi64(low, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), high));
 #else
     store(p, _mm256_permute2x128_si256(low, high, 0x20));
-    store(p + 8, _mm256_permute2x128_si256(low, high, 0x31));
+    store(p + 16, _mm256_permute2x128_si256(low, high, 0x31));
+#endif
+}
+
+ODX_INLINE s16v joinSat(const s32p& p)
+{
+    const ODX_MI halves = ODX_MM(packs_epi32)((ODX_MI)p.a, (ODX_MI)p.b);
+    return (s16v)ODX_MM(shuffle_epi8)(
+        halves, inEachLane(_mm_setr_epi8(0, 1, 8, 9, 2, 3, 10, 11, 4, 5, 12, 13, 6, 7, 14, 15)));
+}
+
+struct Weights2 {
+    ODX_MI pair;
+};
+ODX_INLINE Weights2 weights2(const int8_t* two)
+{
+    short both;
+    memcpy(&both, two, sizeof both);
+    return {ODX_MM(set1_epi16)(both)};
+}
+ODX_INLINE s16p dot2(const uint8_t* p, Weights2 w)
+{
+    return {(s16v)ODX_MM(maddubs_epi16)((ODX_MI)load<u8v>(p), w.pair),
+            (s16v)ODX_MM(maddubs_epi16)((ODX_MI)load<u8v>(p + 1), w.pair)};
+}
+
+ODX_INLINE s16v narrowMask(const s32p& p)
+{
+    const ODX_MI halves = ODX_MM(packs_epi32)((ODX_MI)p.a, (ODX_MI)p.b);
+#if ODX_VECTOR_BYTES == 64
+    return (s16v)_mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), halves);
+#else
+    return (s16v)_mm256_permute4x64_epi64(halves, 0xD8);
+#endif
+}
+
+ODX_INLINE s32p sumOfSquares(s16v v, s16v w)
+{
+    const ODX_MI low = ODX_MM(unpacklo_epi16)((ODX_MI)v, (ODX_MI)w),
+                 high = ODX_MM(unpackhi_epi16)((ODX_MI)v, (ODX_MI)w);
+    const Ordered sums = inOrder(ODX_MM(madd_epi16)(low, low), ODX_MM(madd_epi16)(high, high));
+    return {(s32v)sums.first, (s32v)sums.second};
+}
+
+ODX_INLINE s16v abs(s16v v)
+{
+    return max(v, (s16v)ODX_MM(subs_epi16)(ODX_MI{}, (ODX_MI)v));
+}
+
+ODX_INLINE void storeBytes(uint8_t* p, s32v a, s32v b, s32v c, s32v d)
+{
+    const ODX_MI low = ODX_MM(packus_epi32)((ODX_MI)a, (ODX_MI)b),
+                 high = ODX_MM(packus_epi32)((ODX_MI)c, (ODX_MI)d), bytes = ODX_MM(packus_epi16)(low, high);
+#if ODX_VECTOR_BYTES == 64
+    store(p, _mm512_permutexvar_epi32(_mm512_setr_epi32(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15),
+                                      bytes));
+#else
+    store(p, _mm256_permutevar8x32_epi32(bytes, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7)));
 #endif
 }
 
@@ -198,6 +304,28 @@ ODX_INLINE s32p dot2(const int16_t* p)
             (s32v)ODX_MM(madd_epi16)((ODX_MI)load<s16v>(p + 1), weights)};
 }
 
+ODX_INLINE s16v widenPairs(const int8_t* p, const int8_t* q)
+{
+#if ODX_VECTOR_BYTES == 64
+    const __m128i a = _mm_loadu_si128((const __m128i*)p), b = _mm_loadu_si128((const __m128i*)q);
+    const __m256i low = _mm256_castsi128_si256(_mm_unpacklo_epi8(a, b));
+    return (s16v)_mm512_cvtepi8_epi16(_mm256_inserti128_si256(low, _mm_unpackhi_epi8(a, b), 1));
+#else
+    const __m128i a = _mm_loadl_epi64((const __m128i*)p), b = _mm_loadl_epi64((const __m128i*)q);
+    return (s16v)_mm256_cvtepi8_epi16(_mm_unpacklo_epi8(a, b));
+#endif
+}
+ODX_INLINE s16v repeatPair(const int16_t* p)
+{
+    int both;
+    memcpy(&both, p, sizeof both);
+    return (s16v)ODX_MM(set1_epi32)(both);
+}
+ODX_INLINE s32v addPairProducts(s32v sum, s16v v, s16v w)
+{
+    return sum + (s32v)ODX_MM(madd_epi16)((ODX_MI)v, (ODX_MI)w);
+}
+
 ODX_INLINE u16v mulHigh(u16v v, uint16_t k)
 {
     return (u16v)ODX_MM(mulhi_epu16)((ODX_MI)v, ODX_MM(set1_epi16)((short)k));
@@ -256,6 +384,29 @@ ODX_INLINE u8v reverse(u8v v)
 #endif
 }
 
+template <int size>
+ODX_INLINE u8x2 zip(u8v v, u8v w)
+{
+    const ODX_MI a = (ODX_MI)v, b = (ODX_MI)w;
+    if constexpr (size == 1) return {(u8v)ODX_MM(unpacklo_epi8)(a, b), (u8v)ODX_MM(unpackhi_epi8)(a, b)};
+    if constexpr (size == 2) return {(u8v)ODX_MM(unpacklo_epi16)(a, b), (u8v)ODX_MM(unpackhi_epi16)(a, b)};
+    return {(u8v)ODX_MM(unpacklo_epi32)(a, b), (u8v)ODX_MM(unpackhi_epi32)(a, b)};
+}
+
+ODX_INLINE u8v loadSixteens(const uint8_t* p, ptrdiff_t distance)
+{
+    const auto at = [=](ptrdiff_t i) { return _mm_loadu_si128((const __m128i*)(p + distance * i)); };
+#if ODX_VECTOR_BYTES == 64
+    // By masks, because shuffles are what transpositions wait for.
+    __m512i v = _mm512_castsi128_si512(at(0));
+    v = _mm512_mask_broadcast_i32x4(v, 0x00F0, at(1));
+    v = _mm512_mask_broadcast_i32x4(v, 0x0F00, at(2));
+    return (u8v)_mm512_mask_broadcast_i32x4(v, 0xF000, at(3));
+#else
+    return (u8v)_mm256_inserti128_si256(_mm256_castsi128_si256(at(0)), at(1), 1);
+#endif
+}
+
 // ---- interleaved channels ----
 
 } // namespace odx::ODX_TARGET::simd
@@ -306,6 +457,78 @@ ODX_INLINE uint32_t sumOfBytes(u8v v)
     return (uint32_t)(_mm_cvtsi128_si32(all) + _mm_extract_epi32(all, 2));
 }
 
+ODX_INLINE u8v addSat(u8v v, u8v w)
+{
+    return (u8v)ODX_MM(adds_epu8)((ODX_MI)v, (ODX_MI)w);
+}
+ODX_INLINE f32v loadFloats(const uint8_t* p)
+{
+#if ODX_VECTOR_BYTES == 64
+    return (f32v)_mm512_cvtepi32_ps(_mm512_cvtepu8_epi32(_mm_loadu_si128((const __m128i*)p)));
+#else
+    return (f32v)_mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(_mm_loadl_epi64((const __m128i*)p)));
+#endif
+}
+
+ODX_INLINE float sumOfHalves(f32v v)
+{
+#if ODX_VECTOR_BYTES == 64
+    const __m256 eight = _mm256_add_ps(_mm512_castps512_ps256((__m512)v), _mm512_extractf32x8_ps((__m512)v, 1));
+#else
+    const __m256 eight = (__m256)v;
+#endif
+    const __m128 four = _mm_add_ps(_mm256_castps256_ps128(eight), _mm256_extractf128_ps(eight, 1));
+    const __m128 two = _mm_add_ps(four, _mm_movehl_ps(four, four));
+    return _mm_cvtss_f32(_mm_add_ss(two, _mm_movehdup_ps(two)));
+}
+
+ODX_INLINE u8v loadRows(const uint8_t* p, size_t stride)
+{
+    const auto row = [=](uint32_t i) { return _mm_loadu_si128((const __m128i*)(p + i * stride)); };
+    const __m256i two = _mm256_inserti128_si256(_mm256_castsi128_si256(row(0)), row(1), 1);
+#if ODX_VECTOR_BYTES == 64
+    return (u8v)_mm512_inserti32x4(_mm512_inserti32x4(_mm512_castsi256_si512(two), row(2), 2), row(3), 3);
+#else
+    return (u8v)two;
+#endif
+}
+
+ODX_INLINE u16v addDistances(u16v v, u8v a, u8v b)
+{
+    return v + (u16v)ODX_MM(sad_epu8)((ODX_MI)a, (ODX_MI)b);
+}
+
+ODX_INLINE uint32_t sumOfLanes(s32v v)
+{
+#if ODX_VECTOR_BYTES == 64
+    const __m256i eight =
+        _mm256_add_epi32(_mm512_castsi512_si256((__m512i)v), _mm512_extracti64x4_epi64((__m512i)v, 1));
+#else
+    const __m256i eight = (__m256i)v;
+#endif
+    __m128i four = _mm_add_epi32(_mm256_castsi256_si128(eight), _mm256_extracti128_si256(eight, 1));
+    four = _mm_add_epi32(four, _mm_shuffle_epi32(four, 0x4E));
+    return (uint32_t)_mm_cvtsi128_si32(_mm_add_epi32(four, _mm_shuffle_epi32(four, 0xB1)));
+}
+// They stand in every fourth lane, so that four vectors fit one.
+ODX_INLINE uint64_t sumsOfDistances(u16v a, u16v b, u16v c, u16v d)
+{
+    typedef uint64_t u64v ODX_VECTOR;
+    const ODX_MI all = (ODX_MI)((u64v)a | (u64v)b << 16 | (u64v)c << 32 | (u64v)d << 48);
+#if ODX_VECTOR_BYTES == 64
+    const __m256i half = _mm256_add_epi16(_mm512_castsi512_si256(all), _mm512_extracti64x4_epi64(all, 1));
+#else
+    const __m256i half = all;
+#endif
+    const __m128i two = _mm_add_epi16(_mm256_castsi256_si128(half), _mm256_extracti128_si256(half, 1));
+    return (uint64_t)_mm_cvtsi128_si64(_mm_add_epi16(two, _mm_unpackhi_epi64(two, two)));
+}
+
+ODX_INLINE s32v addProducts(s32v v, s16v a, s16v b)
+{
+    return v + (s32v)ODX_MM(madd_epi16)((ODX_MI)a, (ODX_MI)b);
+}
+
 ODX_INLINE s16v addSat(s16v v, s16v w)
 {
     return (s16v)ODX_MM(adds_epi16)((ODX_MI)v, (ODX_MI)w);
@@ -318,10 +541,75 @@ ODX_INLINE u16v subSat(u16v v, u16v w)
 {
     return (u16v)ODX_MM(subs_epu16)((ODX_MI)v, (ODX_MI)w);
 }
+ODX_INLINE s16v subSat(s16v v, s16v w)
+{
+    return (s16v)ODX_MM(subs_epi16)((ODX_MI)v, (ODX_MI)w);
+}
 ODX_INLINE u8v subSat(u8v a, u8v b)
 {
     return (u8v)ODX_MM(subs_epu8)((ODX_MI)a, (ODX_MI)b);
 }
+ODX_INLINE s8v subSat(s8v a, s8v b)
+{
+    return (s8v)ODX_MM(subs_epi8)((ODX_MI)a, (ODX_MI)b);
+}
+
+ODX_INLINE s32p mulWide(s16v v, s16v w)
+{
+    const ODX_MI low = ODX_MM(mullo_epi16)((ODX_MI)v, (ODX_MI)w), high = ODX_MM(mulhi_epi16)((ODX_MI)v, (ODX_MI)w);
+    return {(s32v)ODX_MM(unpacklo_epi16)(low, high), (s32v)ODX_MM(unpackhi_epi16)(low, high)};
+}
+ODX_INLINE s16v joinSaturated(const s32p& p)
+{
+    return (s16v)ODX_MM(packs_epi32)((ODX_MI)p.a, (ODX_MI)p.b);
+}
+
+ODX_INLINE f32v rootNear(f32v v)
+{
+    return (f32v)ODX_MM(sqrt_ps)(v);
+}
+ODX_INLINE f32v ratioNear(f32v v, f32v w)
+{
+    return v / w;
+}
+
+#if ODX_VECTOR_BYTES == 64
+template <uint32_t size>
+struct ByteTable {
+    __m512i part[size / 64];
+
+    ODX_MEMBER explicit ByteTable(const uint8_t* table) { memcpy(part, table, size); }
+    ODX_MEMBER u8v operator()(u8v v) const
+    {
+        const __m512i index = (__m512i)v;
+        if constexpr (size == 64) {
+            return (u8v)_mm512_permutexvar_epi8(index, part[0]);
+        } else {
+            const __m512i low = _mm512_permutex2var_epi8(part[0], index, part[1]),
+                          high = _mm512_permutex2var_epi8(part[2], index, part[3]);
+            return (u8v)_mm512_mask_blend_epi8(_mm512_movepi8_mask(index), low, high);
+        }
+    }
+};
+#else
+template <uint32_t size>
+struct ByteTable {
+    const uint8_t* table;
+
+    ODX_MEMBER explicit ByteTable(const uint8_t* t) : table(t) {}
+    // Sixteen entries at a time: the high bit, which others have then, makes them 0.
+    ODX_MEMBER u8v operator()(u8v v) const
+    {
+        u8v found = {};
+        for (uint32_t first = 0; first < size; first += 16) {
+            const __m256i part = _mm256_broadcastsi128_si256(_mm_loadu_si128((const __m128i*)(table + first)));
+            const u8v index = addSat(v - (uint8_t)first, u8v{} + 0x70);
+            found |= (u8v)_mm256_shuffle_epi8(part, (__m256i)index);
+        }
+        return found;
+    }
+};
+#endif
 
 ODX_INLINE bool any(u8v v)
 {

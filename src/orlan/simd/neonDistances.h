@@ -1,0 +1,76 @@
+// Products and distances of bytes, summed over vectors.
+#ifndef ODX_ORLAN_SIMD_NEON_DISTANCES_H
+#define ODX_ORLAN_SIMD_NEON_DISTANCES_H
+
+namespace odx::ODX_TARGET::simd
+{
+
+template <uint32_t n>
+ODX_INLINE u8v loadPart(const uint8_t* p)
+{
+    static_assert(n == 4 || n == 8);
+    if constexpr (n == 8) return (u8v)vcombine_u8(vld1_u8(p), vdup_n_u8(0));
+    uint32_t word;
+    memcpy(&word, p, sizeof word);
+    return (u8v)vsetq_lane_u32(word, vdupq_n_u32(0), 0);
+}
+
+ODX_INLINE u32v addProducts(u32v sum, u8v a, u8v b)
+{
+    const uint8x16_t m = (uint8x16_t)a, n = (uint8x16_t)b;
+    return (u32v)vpadalq_u16(vpadalq_u16((uint32x4_t)sum, vmull_u8(vget_low_u8(m), vget_low_u8(n))),
+                             vmull_u8(vget_high_u8(m), vget_high_u8(n)));
+}
+ODX_INLINE u32v addProducts(u32v sum, s8v a, s8v b)
+{
+    const int8x16_t m = (int8x16_t)a, n = (int8x16_t)b;
+    return (u32v)vpadalq_s16(vpadalq_s16((int32x4_t)sum, vmull_s8(vget_low_s8(m), vget_low_s8(n))),
+                             vmull_s8(vget_high_s8(m), vget_high_s8(n)));
+}
+
+ODX_INLINE u32v addBytes(u32v sum, u8v v)
+{
+    return (u32v)vpadalq_u16((uint32x4_t)sum, vpaddlq_u8((uint8x16_t)v));
+}
+ODX_INLINE u32v addDifferences(u32v sum, u8v a, u8v b)
+{
+    return addBytes(sum, (u8v)vabdq_u8((uint8x16_t)a, (uint8x16_t)b));
+}
+
+ODX_INLINE uint32x2_t halfSum(u32v v)
+{
+    return vadd_u32(vget_low_u32((uint32x4_t)v), vget_high_u32((uint32x4_t)v));
+}
+ODX_INLINE void storeSums(uint32_t* p, u32v a, u32v b, u32v c, u32v d)
+{
+#if defined(__aarch64__)
+    vst1q_u32(p, vpaddq_u32(vpaddq_u32((uint32x4_t)a, (uint32x4_t)b), vpaddq_u32((uint32x4_t)c, (uint32x4_t)d)));
+#else
+    vst1q_u32(p, vcombine_u32(vpadd_u32(halfSum(a), halfSum(b)), vpadd_u32(halfSum(c), halfSum(d))));
+#endif
+}
+ODX_INLINE uint32_t sumOfLanes(u32v v)
+{
+#if defined(__aarch64__)
+    return vaddvq_u32((uint32x4_t)v);
+#else
+    const uint32x2_t half = halfSum(v);
+    return vget_lane_u32(vpadd_u32(half, half), 0);
+#endif
+}
+
+template <int k>
+ODX_INLINE uint16x8_t addDifferencesOf(uint16x8_t sum, const uint8_t* p, uint8x8_t q)
+{
+    sum = vabal_u8(sum, vld1_u8(p + k), vdup_lane_u8(q, k));
+    if constexpr (k < 7) return addDifferencesOf<k + 1>(sum, p, q);
+    return sum;
+}
+ODX_INLINE u16v addDifferencesOf8(u16v sum, const uint8_t* p, const uint8_t* q)
+{
+    return (u16v)addDifferencesOf<0>((uint16x8_t)sum, p, vld1_u8(q));
+}
+
+} // namespace odx::ODX_TARGET::simd
+
+#endif

@@ -1,0 +1,238 @@
+// What scaling asks of the vector layer besides the rest of it:
+//
+//   sumPairs(v), sumPairs(v, w)  sums of neighbouring lanes, in order: of a u8v as a u16v; of two u16v, which are
+//                                below 2^15, as one
+//   dotPairs<a, b>(v)            the same with weights up to 127, 255 * (a + b) up to 32767
+//   narrow(v, w)                 the lanes of two u16v as bytes, in order; they are below 256
+//   narrow(a, b, c, d)           the lanes of four s32v as bytes, in order, at most 255; they are 0 to 32767
+//   storePairs2(p, v, w)         pairs of bytes of both in turns
+//   load2(p)                     every second of kBytes / 2 floats, and those between, as an f32x2
+//   toFloats(p)                  kBytes / 4 bytes as floats
+//   lookup(row, bases, places)   kBytes bytes, in order: each at its place, below kLookupWindow, from one of the
+//                                bases, of which there is one for kLookup outputs
+//   storeWeighted(p, v, w, k)    v[i] * k[2i] + w[i] * k[2i + 1] of two u8v as kBytes words of 32 bits, in order
+#ifndef ODX_ORLAN_SIMD_RESAMPLING_H
+#define ODX_ORLAN_SIMD_RESAMPLING_H
+
+#include "orlan/simd/simd.h"
+
+namespace odx::ODX_TARGET::simd
+{
+
+struct f32x2 {
+    f32v a, b;
+};
+
+#if defined(__AVX2__)
+
+#if ODX_VECTOR_BYTES == 64
+constexpr uint32_t kLookup = 64, kLookupWindow = 128;
+#else
+constexpr uint32_t kLookup = 16, kLookupWindow = 32;
+#endif
+
+// Packing works within each 16 bytes; this brings the quarters of its first operand before those of the second.
+ODX_INLINE ODX_MI unpacked(ODX_MI v)
+{
+#if ODX_VECTOR_BYTES == 64
+    return _mm512_permutexvar_epi64(_mm512_setr_epi64(0, 2, 4, 6, 1, 3, 5, 7), v);
+#else
+    return _mm256_permute4x64_epi64(v, 0xD8);
+#endif
+}
+
+template <int a, int b>
+ODX_INLINE u16v dotPairs(u8v v)
+{
+    static_assert(a >= 0 && a <= 127 && b >= 0 && b <= 127 && 255 * (a + b) <= 32767);
+    return (u16v)ODX_MM(maddubs_epi16)((ODX_MI)v, ODX_MM(set1_epi16)(a | b << 8));
+}
+ODX_INLINE u16v sumPairs(u8v v)
+{
+    return dotPairs<1, 1>(v);
+}
+ODX_INLINE u16v sumPairs(u16v v, u16v w)
+{
+    const ODX_MI ones = ODX_MM(set1_epi16)(1);
+    return (u16v)unpacked(
+        ODX_MM(packus_epi32)(ODX_MM(madd_epi16)((ODX_MI)v, ones), ODX_MM(madd_epi16)((ODX_MI)w, ones)));
+}
+
+ODX_INLINE u8v narrow(u16v v, u16v w)
+{
+    return (u8v)unpacked(ODX_MM(packus_epi16)((ODX_MI)v, (ODX_MI)w));
+}
+ODX_INLINE u8v narrow(s32v a, s32v b, s32v c, s32v d)
+{
+    const ODX_MI bytes = ODX_MM(packus_epi16)(ODX_MM(packus_epi32)((ODX_MI)a, (ODX_MI)b),
+                                              ODX_MM(packus_epi32)((ODX_MI)c, (ODX_MI)d));
+#if ODX_VECTOR_BYTES == 64
+    return (u8v)_mm512_permutexvar_epi32(_mm512_setr_epi32(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15),
+                                         bytes);
+#else
+    return (u8v)_mm256_permutevar8x32_epi32(bytes, _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
+#endif
+}
+
+ODX_INLINE void storePairs2(uint8_t* p, u8v v, u8v w)
+{
+    const ODX_MI low = ODX_MM(unpacklo_epi16)((ODX_MI)v, (ODX_MI)w),
+                 high = ODX_MM(unpackhi_epi16)((ODX_MI)v, (ODX_MI)w);
+#if ODX_VECTOR_BYTES == 64
+    store(p, _mm512_permutex2var_epi64(low, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), high));
+    store(p + 64, _mm512_permutex2var_epi64(low, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), high));
+#else
+    store(p, _mm256_permute2x128_si256(low, high, 0x20));
+    store(p + 32, _mm256_permute2x128_si256(low, high, 0x31));
+#endif
+}
+
+ODX_INLINE f32x2 load2(const float* p)
+{
+    const f32v v = load<f32v>(p), w = load<f32v>(p + kBytes / 4);
+    const auto even = ODX_MM(shuffle_ps)(v, w, 0x88), odd = ODX_MM(shuffle_ps)(v, w, 0xDD);
+    return {(f32v)unpacked((ODX_MI)even), (f32v)unpacked((ODX_MI)odd)};
+}
+
+ODX_INLINE f32v toFloats(const uint8_t* p)
+{
+#if ODX_VECTOR_BYTES == 64
+    return (f32v)_mm512_cvtepi32_ps(_mm512_cvtepu8_epi32(load<__m128i>(p)));
+#else
+    return (f32v)_mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(_mm_loadl_epi64((const __m128i*)p)));
+#endif
+}
+
+ODX_INLINE u8v lookup(const uint8_t* row, const uint32_t* bases, u8v places)
+{
+#if ODX_VECTOR_BYTES == 64
+    const uint8_t* const window = row + bases[0];
+    return (u8v)_mm512_permutex2var_epi8(load<__m512i>(window), (__m512i)places, load<__m512i>(window + 64));
+#else
+    const uint8_t *const p = row + bases[0], *const q = row + bases[1];
+    const __m256i place = (__m256i)places, low = (__m256i)loadHalves(p, q),
+                  high = (__m256i)loadHalves(p + 16, q + 16);
+    // The fifth bit of a place becomes the highest of its byte, which chooses.
+    return (u8v)_mm256_blendv_epi8(_mm256_shuffle_epi8(low, place), _mm256_shuffle_epi8(high, place),
+                                   _mm256_slli_epi16(place, 3));
+#endif
+}
+
+// The products of a quarter of the vectors.
+template <int n>
+ODX_INLINE void storeWeightedPart(int32_t* p, ODX_MI low, ODX_MI high, const int16_t* weights)
+{
+#if ODX_VECTOR_BYTES == 64
+    const __m256i bytes = _mm256_inserti128_si256(_mm256_castsi128_si256(_mm512_extracti32x4_epi32(low, n)),
+                                                  _mm512_extracti32x4_epi32(high, n), 1);
+    store(p + 16 * n, _mm512_madd_epi16(_mm512_cvtepu8_epi16(bytes), load<__m512i>(weights + 32 * n)));
+#else
+    const __m128i first = _mm256_extracti128_si256(low, n), second = _mm256_extracti128_si256(high, n);
+    store(p + 16 * n, _mm256_madd_epi16(_mm256_cvtepu8_epi16(first), load<__m256i>(weights + 32 * n)));
+    store(p + 16 * n + 8, _mm256_madd_epi16(_mm256_cvtepu8_epi16(second), load<__m256i>(weights + 32 * n + 16)));
+#endif
+}
+ODX_INLINE void storeWeighted(int32_t* p, u8v v, u8v w, const int16_t* weights)
+{
+    const ODX_MI low = ODX_MM(unpacklo_epi8)((ODX_MI)v, (ODX_MI)w),
+                 high = ODX_MM(unpackhi_epi8)((ODX_MI)v, (ODX_MI)w);
+    storeWeightedPart<0>(p, low, high, weights);
+    storeWeightedPart<1>(p, low, high, weights);
+#if ODX_VECTOR_BYTES == 64
+    storeWeightedPart<2>(p, low, high, weights);
+    storeWeightedPart<3>(p, low, high, weights);
+#endif
+}
+
+#elif defined(__ARM_NEON)
+
+constexpr uint32_t kLookup = 16, kLookupWindow = 32;
+
+ODX_INLINE u16v sumPairs(u8v v)
+{
+    return (u16v)vpaddlq_u8((uint8x16_t)v);
+}
+ODX_INLINE u16v sumPairs(u16v v, u16v w)
+{
+#if defined(__aarch64__)
+    return (u16v)vpaddq_u16((uint16x8_t)v, (uint16x8_t)w);
+#else
+    const auto half = [](uint16x8_t n) { return vpadd_u16(vget_low_u16(n), vget_high_u16(n)); };
+    return (u16v)vcombine_u16(half((uint16x8_t)v), half((uint16x8_t)w));
+#endif
+}
+template <int a, int b>
+ODX_INLINE u16v dotPairs(u8v v)
+{
+    static_assert(a >= 0 && a <= 127 && b >= 0 && b <= 127 && 255 * (a + b) <= 32767);
+    const u16v first = (u16v)v & 0xFF;
+    if constexpr (b == 0) return a == 1 ? first : first * (uint16_t)a;
+    const u16v second = ((u16v)v >> 8) * (uint16_t)b;
+    return (a == 1 ? first : first * (uint16_t)a) + second;
+}
+
+ODX_INLINE u8v narrow(u16v v, u16v w)
+{
+    return join({v, w});
+}
+ODX_INLINE u8v narrow(s32v a, s32v b, s32v c, s32v d)
+{
+    const auto half = [](s32v v, s32v w) {
+        return vqmovn_u16(vcombine_u16(vmovn_u32((uint32x4_t)v), vmovn_u32((uint32x4_t)w)));
+    };
+    return (u8v)vcombine_u8(half(a, b), half(c, d));
+}
+
+ODX_INLINE void storePairs2(uint8_t* p, u8v v, u8v w)
+{
+    const uint16x8x2_t n = vzipq_u16((uint16x8_t)v, (uint16x8_t)w);
+    vst1q_u8(p, (uint8x16_t)n.val[0]);
+    vst1q_u8(p + 16, (uint8x16_t)n.val[1]);
+}
+
+ODX_INLINE f32x2 load2(const float* p)
+{
+    const float32x4x2_t n = vld2q_f32(p);
+    return {(f32v)n.val[0], (f32v)n.val[1]};
+}
+
+ODX_INLINE f32v toFloats(const uint8_t* p)
+{
+    uint32_t four;
+    memcpy(&four, p, sizeof four);
+    return (f32v)vcvtq_f32_u32(vmovl_u16(vget_low_u16(vmovl_u8(vcreate_u8(four)))));
+}
+
+ODX_INLINE u8v lookup(const uint8_t* row, const uint32_t* bases, u8v places)
+{
+    const uint8_t* const p = row + bases[0];
+    const uint8x16_t n = (uint8x16_t)places;
+#if defined(__aarch64__)
+    const uint8x16x2_t window = {{vld1q_u8(p), vld1q_u8(p + 16)}};
+    return (u8v)vqtbl2q_u8(window, n);
+#else
+    const uint8x8x4_t window = {{vld1_u8(p), vld1_u8(p + 8), vld1_u8(p + 16), vld1_u8(p + 24)}};
+    return (u8v)vcombine_u8(vtbl4_u8(window, vget_low_u8(n)), vtbl4_u8(window, vget_high_u8(n)));
+#endif
+}
+
+ODX_INLINE void storeWeighted(int32_t* p, u8v v, u8v w, const int16_t* weights)
+{
+    const s16p first = {(s16v)split(v).a, (s16v)split(v).b}, second = {(s16v)split(w).a, (s16v)split(w).b};
+    const auto half = [](int32_t* to, s16v a, s16v b, const int16_t* k) {
+        const int16x8x2_t weight = vld2q_s16(k);
+        const int16x8_t m = (int16x8_t)a, n = (int16x8_t)b;
+        vst1q_s32(to, vmlal_s16(vmull_s16(vget_low_s16(m), vget_low_s16(weight.val[0])), vget_low_s16(n),
+                                vget_low_s16(weight.val[1])));
+        vst1q_s32(to + 4, vmlal_s16(vmull_s16(vget_high_s16(m), vget_high_s16(weight.val[0])), vget_high_s16(n),
+                                    vget_high_s16(weight.val[1])));
+    };
+    half(p, first.a, second.a, weights);
+    half(p + 8, first.b, second.b, weights + 16);
+}
+
+#endif
+
+} // namespace odx::ODX_TARGET::simd
+
+#endif
