@@ -24,6 +24,7 @@
 #include "ondrix/memory.h"
 #include "ondrix/modes.h"
 #include "ondrix/smoothing.h"
+#include "ondrix/thresholding.h"
 #include "ondrix/types.h"
 #include "ondrix/version.h"
 

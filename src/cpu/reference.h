@@ -9,5 +9,6 @@
 #include "cpu/ondrixFastC.h"
 #include "cpu/ondrixHarrisC.h"
 #include "cpu/ondrixRegisterC.h"
+#include "cpu/ondrixThresholdC.h"
 
 #endif

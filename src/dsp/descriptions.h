@@ -6,5 +6,6 @@
 #include "dsp/ondrixColorX.h"
 #include "dsp/ondrixFastX.h"
 #include "dsp/ondrixHarrisX.h"
+#include "dsp/ondrixThresholdX.h"
 
 #endif

@@ -7,28 +7,16 @@
 namespace odx::remoting
 {
 
-// The size of the window stands between the images.
-template <class T, class... Size>
-auto window(const T* src, uint32_t width, uint32_t height, uint32_t srcStride, T* dst, uint32_t dstStride,
-            Size... size)
-{
-    const Stride from = strideOf(src, srcStride, width), to = strideOf(dst, dstStride, width);
-    return arguments(rows(src, from, height), width, height, from, size..., rows(dst, to, height), to);
-}
 inline constexpr auto boxNxN = [](const float* src, uint32_t width, uint32_t height, uint32_t srcStride,
                                   uint32_t n, float* dst, uint32_t dstStride) {
-    return window(src, width, height, srcStride, dst, dstStride, n);
+    return imageAround(src, width, height, srcStride, dst, dstStride, n);
 };
 inline constexpr auto medianMxN = [](const int16_t* src, uint32_t width, uint32_t height, uint32_t srcStride,
                                      uint32_t m, uint32_t n, int16_t* dst, uint32_t dstStride) {
-    return limit(worthSending(width, height), window(src, width, height, srcStride, dst, dstStride, m, n));
+    return limit(worthSending(width, height), imageAround(src, width, height, srcStride, dst, dstStride, m, n));
 };
 
-// Filters with a border, each with limits of its own.
-inline constexpr auto box3x3 = [](const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcStride,
-                                  uint8_t* dst, uint32_t dstStride, auto... border) {
-    return limit(worthSending(width, height), image(src, width, height, srcStride, dst, dstStride, border...));
-};
+// Filters with a border and with limits of its own.
 inline constexpr auto gaussian3x3 = [](const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcStride,
                                        uint8_t* dst, uint32_t dstStride, auto... border) {
     return limit(worthSending(width, height) && height >= 3 && width >= 4 &&

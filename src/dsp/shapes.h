@@ -38,6 +38,21 @@ inline constexpr auto image = [](const auto* src, uint32_t width, uint32_t heigh
     return arguments(rows(src, from, height), width, height, from, rows(dst, to, height), to, numbers...);
 };
 
+// The same for operations with a status.
+inline constexpr auto largeImage = [](const auto* src, uint32_t width, uint32_t height, uint32_t srcStride,
+                                      auto* dst, uint32_t dstStride, auto... numbers) {
+    return limit(worthSending(width, height), image(src, width, height, srcStride, dst, dstStride, numbers...));
+};
+
+// The same with the numbers between the images.
+template <class S, class D, class... Numbers>
+auto imageAround(const S* src, uint32_t width, uint32_t height, uint32_t srcStride, D* dst, uint32_t dstStride,
+                Numbers... numbers)
+{
+    const Stride from = strideOf(src, srcStride, width), to = strideOf(dst, dstStride, width);
+    return arguments(rows(src, from, height), width, height, from, numbers..., rows(dst, to, height), to);
+}
+
 // The same with interleaved channels of a byte.
 template <uint32_t srcChannels, uint32_t dstChannels>
 inline constexpr auto pixels =

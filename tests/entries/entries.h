@@ -145,6 +145,7 @@ Entries colorEntries();
 Entries cornerEntries();
 Entries descriptorEntries();
 Entries smoothingEntries();
+Entries thresholdingEntries();
 
 } // namespace odx::test
 

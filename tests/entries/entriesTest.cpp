@@ -21,7 +21,8 @@ const Entries& allEntries()
 {
     static const Entries all = [] {
         Entries entries;
-        for (const Entries& family : {colorEntries(), cornerEntries(), descriptorEntries(), smoothingEntries()})
+        for (const Entries& family :
+             {colorEntries(), cornerEntries(), descriptorEntries(), smoothingEntries(), thresholdingEntries()})
             entries.insert(entries.end(), family.begin(), family.end());
         // Every buffer in a place of its own.
         for (Entry& entry : entries) {

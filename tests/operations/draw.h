@@ -312,6 +312,7 @@ std::vector<Row> harrisRows();
 std::vector<Row> memoryRows();
 std::vector<Row> colorFromRgbRows();
 std::vector<Row> colorToRgbRows();
+std::vector<Row> thresholdingRows();
 
 // All rows, in order of families.
 std::vector<Row> allRows();

@@ -1,0 +1,69 @@
+#include "entries/entries.h"
+
+#include "ondrix/thresholding.h"
+
+namespace odx::test
+{
+
+Entries thresholdingEntries()
+{
+    const Argument anyWidth = {Argument::kColumns, kWidth, {}, 1, 1, {0}},
+                   anyHeight = {Argument::kRows, kHeight, {}, 1, 1, {0}},
+                   threshold = value(100, {-1.0, 2147483648.0}, {0, 2147483647.0});
+    const auto fixed = [&](const Argument& dstStride, std::vector<Argument> numbers) {
+        std::vector<Argument> arguments = {buffer(), anyWidth, anyHeight, stride(), buffer(), dstStride};
+        arguments.insert(arguments.end(), numbers.begin(), numbers.end());
+        return arguments;
+    };
+    const auto adaptive = [](uint32_t least, const Argument& dstStride) {
+        return std::vector{buffer(), width(least), height(least), stride(), value(),
+                           value(),  value(),      buffer(),      dstStride};
+    };
+    const std::string sameStride = "srcStride == dstStride";
+    // In place with other strides, and without a width that a stride could be.
+    const std::vector<std::vector<std::pair<size_t, double>>> inPlace = {{{0, 65536}, {4, 65536}, {5, 4092}}},
+                                                              noRow = {{{1, 0}, {3, 0}}, {{1, 0}, {5, 0}}};
+    const std::vector inPlaceArguments = {optional(), anyWidth,      anyHeight, looseStride(),
+                                          optional(), looseStride(), value()};
+    return {
+        {ODX_ENTRY(odxFilterThresholdu8),
+         "src && dst && (signed)threshold >= 0",
+         {buffer(), anyWidth, anyHeight, threshold, buffer()}},
+        {ODX_ENTRY(odxFilterThresholdu8_v2),
+         "src && dst && dstStride && srcStride && (srcStride >=srcWidth) && (signed)threshold >= 0",
+         fixed(looseStride(), {threshold}), 1, 1, noRow},
+        {ODX_ENTRY(odxFilterThresholdu8_v2), sameStride, inPlaceArguments, 1, 1, inPlace},
+        {ODX_ENTRY(odxFilterThresholdu8_v3), "", fixed(looseStride(), {threshold, value(), value()}), 1, 1, noRow},
+        {ODX_ENTRY(odxFilterThresholdRangeu8), "", fixed(looseStride(), {value(-1), value(-2)}), 1, 1, noRow},
+        {ODX_ENTRY(odxFilterThresholdRangeu8_v2), "",
+         fixed(looseStride(), {value(-1), value(-2), value(), value()}), 1, 1, noRow},
+        {ODX_ENTRY(odxFilterThresholdOtsuu8), "src && dst && srcStride >= srcWidth && dstStride >= srcWidth",
+         fixed(stride(), {value()})},
+        {ODX_ENTRY(odxFilterThresholdOtsuu8), sameStride, inPlaceArguments, 1, 1, inPlace},
+        {ODX_ENTRY(odxAdaptiveThresholdGaussian3x3u8),
+         "src && dst && (srcWidth > 1) && (srcHeight > 1) && (srcStride >= srcWidth) && (dstStride >= srcWidth)",
+         adaptive(2, stride())},
+        {ODX_ENTRY(odxAdaptiveThresholdGaussian5x5u8),
+         "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstStride && srcHeight > 4 && "
+         "srcWidth > 4",
+         adaptive(5, looseStride())},
+        {ODX_ENTRY(odxAdaptiveThresholdGaussian11x11u8),
+         "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstStride && srcHeight > 10 && "
+         "srcWidth > 10",
+         adaptive(11, looseStride())},
+        {ODX_ENTRY(odxAdaptiveThresholdMean3x3u8),
+         "src && dst && srcWidth && srcHeight && srcStride && dstStride && ( srcStride >=srcWidth ) && "
+         "srcWidth > 2 && srcHeight > 2",
+         adaptive(3, looseStride())},
+        {ODX_ENTRY(odxAdaptiveThresholdMean5x5u8),
+         "src && dst && srcWidth && srcHeight && srcStride && dstStride && (srcStride >=srcWidth) && "
+         "srcWidth > 4 && srcHeight > 4",
+         adaptive(5, looseStride())},
+        {ODX_ENTRY(odxAdaptiveThresholdMean11x11u8),
+         "src && dst && srcWidth && srcHeight && srcStride && dstStride && ( srcStride >=srcWidth) && "
+         "srcWidth > 10 && srcHeight > 10",
+         adaptive(11, looseStride())},
+    };
+}
+
+} // namespace odx::test
