@@ -36,6 +36,15 @@ std::function<void()> adaptive(const Measurement& measurement)
     };
 }
 
+template <auto* operation, int size>
+std::function<void()> morphology(const Measurement& measurement)
+{
+    return
+        [src = matrix(measurement, CV_8U), dst = cv::Mat(), window = cv::Mat::ones(size, size, CV_8U)]() mutable {
+            operation(src, dst, window, {-1, -1}, 1, cv::BORDER_CONSTANT, cv::morphologyDefaultBorderValue());
+        };
+}
+
 } // namespace
 
 std::vector<Peer> neighbourhoodPeers()
@@ -54,6 +63,14 @@ std::vector<Peer> neighbourhoodPeers()
         {"odxAdaptiveThresholdMean3x3u8", "OpenCV", adaptive<ADAPTIVE_THRESH_MEAN_C, 3>},
         {"odxAdaptiveThresholdMean5x5u8", "OpenCV", adaptive<ADAPTIVE_THRESH_MEAN_C, 5>},
         {"odxAdaptiveThresholdMean11x11u8", "OpenCV", adaptive<ADAPTIVE_THRESH_MEAN_C, 11>},
+        {"odxFilterErode3x3u8", "OpenCV", morphology<erode, 3>},
+        {"odxFilterErode3x3u8_v2", "OpenCV", morphology<erode, 3>},
+        {"odxFilterErode3x3u8_v3", "OpenCV", morphology<erode, 3>},
+        {"odxFilterErodeNxNu8", "OpenCV", morphology<erode, 9>},
+        {"odxFilterDilate3x3u8", "OpenCV", morphology<dilate, 3>},
+        {"odxFilterDilate3x3u8_v2", "OpenCV", morphology<dilate, 3>},
+        {"odxFilterDilate3x3u8_v3", "OpenCV", morphology<dilate, 3>},
+        {"odxFilterDilateNxNu8", "OpenCV", morphology<dilate, 9>},
     };
 }
 

@@ -23,6 +23,7 @@
 #include "ondrix/harrisCorners.h"
 #include "ondrix/memory.h"
 #include "ondrix/modes.h"
+#include "ondrix/morphology.h"
 #include "ondrix/smoothing.h"
 #include "ondrix/thresholding.h"
 #include "ondrix/types.h"

@@ -8,6 +8,7 @@
 #include "cpu/ondrixDotC.h"
 #include "cpu/ondrixFastC.h"
 #include "cpu/ondrixHarrisC.h"
+#include "cpu/ondrixMorphC.h"
 #include "cpu/ondrixRegisterC.h"
 #include "cpu/ondrixThresholdC.h"
 

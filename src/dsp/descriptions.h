@@ -6,6 +6,7 @@
 #include "dsp/ondrixColorX.h"
 #include "dsp/ondrixFastX.h"
 #include "dsp/ondrixHarrisX.h"
+#include "dsp/ondrixMorphX.h"
 #include "dsp/ondrixThresholdX.h"
 
 #endif

@@ -146,6 +146,7 @@ Entries cornerEntries();
 Entries descriptorEntries();
 Entries smoothingEntries();
 Entries thresholdingEntries();
+Entries morphologyEntries();
 
 } // namespace odx::test
 

@@ -89,7 +89,7 @@ std::vector<Row> allRows()
 {
     std::vector<Row> rows;
     for (const auto& family : {colorFromRgbRows(), colorToRgbRows(), descriptorRows(), fastRows(), harrisRows(),
-                               memoryRows(), smoothingRows(), thresholdingRows()})
+                               memoryRows(), smoothingRows(), thresholdingRows(), morphologyRows()})
         rows.insert(rows.end(), family.begin(), family.end());
     return rows;
 }

@@ -313,6 +313,7 @@ std::vector<Row> memoryRows();
 std::vector<Row> colorFromRgbRows();
 std::vector<Row> colorToRgbRows();
 std::vector<Row> thresholdingRows();
+std::vector<Row> morphologyRows();
 
 // All rows, in order of families.
 std::vector<Row> allRows();

@@ -1,0 +1,121 @@
+// SIMD morphology. Borders are the reference's own code, as are images that are narrower than a vector.
+#include "cpu/ondrixMorph.h"
+#include "cpu/ondrixMorphC.h"
+#include "orlan/neighbourhood.h"
+
+#define ODX_FAMILY_LIST "frame/operations/morphology.def"
+#include "orlan/family.h"
+
+namespace odx::ODX_TARGET
+{
+
+struct Erosion : morph::Erosion {
+    ODX_MEMBER static u8v pick(u8v a, u8v b) { return min(a, b); }
+};
+struct Dilation : morph::Dilation {
+    ODX_MEMBER static u8v pick(u8v a, u8v b) { return max(a, b); }
+};
+
+// Picks along the rows, then of three of those; two outputs have two rows in common.
+template <class Operation>
+struct Pick3x3 : Window<3, 3, kBytes> {
+    u8v previous[2] = {};
+    struct Both {
+        u8v first, second;
+    };
+
+    ODX_MEMBER static u8v ofRow(const uint8_t* row)
+    {
+        return Operation::pick(Operation::pick(load<u8v>(row), load<u8v>(row + 1)), load<u8v>(row + 2));
+    }
+    ODX_MEMBER u8v push(const uint8_t* row)
+    {
+        const u8v next = ofRow(row), all = Operation::pick(Operation::pick(previous[0], previous[1]), next);
+        previous[0] = previous[1];
+        previous[1] = next;
+        return all;
+    }
+    ODX_MEMBER Both pushBoth(const uint8_t* row, const uint8_t* next)
+    {
+        const u8v third = ofRow(row), fourth = ofRow(next), middle = Operation::pick(previous[1], third);
+        const Both both = {Operation::pick(previous[0], middle), Operation::pick(middle, fourth)};
+        previous[0] = third;
+        previous[1] = fourth;
+        return both;
+    }
+    ODX_MEMBER static void write(u8v value, uint8_t* out) { store(out, value); }
+};
+
+// The loops over a row of NxN windows.
+template <class Operation>
+struct VectorLoops : Operation {
+    using Operation::pick;
+
+    ODX_MEMBER static u8v ofFour(const uint8_t* in, const morph::Step& step)
+    {
+        return pick(pick(load<u8v>(in), load<u8v>(in + step.offset[0])),
+                    pick(load<u8v>(in + step.offset[1]), load<u8v>(in + step.offset[2])));
+    }
+    ODX_MEMBER static void widen(const uint8_t* in, const morph::Step& step, size_t n, uint8_t* out)
+    {
+        for (size_t i = 0; i < n; i += kBytes)
+            store(out + i, ofFour(in + i, step));
+    }
+    ODX_MEMBER static void enter(const uint8_t* in, const morph::Step& step, bool begins, uint8_t* sum,
+                                 uint8_t* row, size_t n)
+    {
+        if (begins) memset(sum, Operation::kNeutral, n);
+        for (size_t i = 0; i < n; i += kBytes) {
+            const u8v picked = ofFour(in + i, step);
+            store(row + i, picked);
+            store(sum + i, pick(load<u8v>(sum + i), picked));
+        }
+    }
+    ODX_MEMBER static void merge(const uint8_t* from, uint8_t* row, size_t n)
+    {
+        for (size_t i = 0; i < n; i += kBytes)
+            store(row + i, pick(load<u8v>(row + i), load<u8v>(from + i)));
+    }
+    ODX_MEMBER static void combine(const uint8_t* a, const uint8_t* b, uint8_t* out, size_t n)
+    {
+        const auto at = [=](size_t i) { store(out + i, pick(load<u8v>(a + i), load<u8v>(b + i))); };
+        for (size_t i = 0; i < n - kBytes; i += kBytes)
+            at(i);
+        at(n - kBytes);
+    }
+};
+
+#define ODX_MORPHOLOGY(name, Operation)                                                                          \
+    odxStatus odxFilter##name##3x3u8_v3V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,      \
+                                         unsigned int srcStride, uint8_t* dst, unsigned int dstStride,           \
+                                         odxBorderType borderType, uint32_t borderValue)                         \
+    {                                                                                                            \
+        const Plane<uint8_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};                      \
+        if (tooNarrow<Pick3x3<Operation>>(plane)) {                                                              \
+            return odxFilter##name##3x3u8_v3C(src, srcWidth, srcHeight, srcStride, dst, dstStride, borderType,   \
+                                              borderValue);                                                      \
+        }                                                                                                        \
+        filterInterior(Pick3x3<Operation>(), plane);                                                             \
+        morph::border3x3<morph::Operation>(plane, morph::outside<Operation>(borderType, borderValue));           \
+        return ONDRIX_SUCCESS;                                                                                   \
+    }                                                                                                            \
+    void odxFilter##name##3x3u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,              \
+                                 unsigned int srcStride, uint8_t* dst, unsigned int dstStride)                   \
+    {                                                                                                            \
+        odxFilter##name##3x3u8_v3V(src, srcWidth, srcHeight, srcStride, dst, dstStride, ONDRIX_BORDER_UNDEFINED, \
+                                   0);                                                                           \
+    }                                                                                                            \
+    odxStatus odxFilter##name##NxNu8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,         \
+                                      unsigned int srcStride, unsigned int N, uint8_t* dst,                      \
+                                      unsigned int dstStride)                                                    \
+    {                                                                                                            \
+        if (srcWidth < kBytes) {                                                                                 \
+            return odxFilter##name##NxNu8C(src, srcWidth, srcHeight, srcStride, N, dst, dstStride);              \
+        }                                                                                                        \
+        return morph::filterNxN<VectorLoops<Operation>>({src, srcWidth, srcHeight, srcStride, dst, dstStride},   \
+                                                        N);                                                      \
+    }
+ODX_MORPHOLOGY(Erode, Erosion)
+ODX_MORPHOLOGY(Dilate, Dilation)
+
+} // namespace odx::ODX_TARGET
