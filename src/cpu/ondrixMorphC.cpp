@@ -12,9 +12,10 @@ namespace
 constexpr uint32_t kChunk = 256; // columns worked on at a time; their picks live on the stack
 
 // Plain loops that compilers vectorise.
-template <class Operation>
-struct Loops : Operation {
-    using Operation::pick;
+template <class Picks>
+struct Loops {
+    using Operation = Picks;
+    static uint8_t pick(uint8_t a, uint8_t b) { return Picks::pick(a, b); }
 
     static void widen(const uint8_t* __restrict in, const Step& step, size_t n, uint8_t* __restrict out)
     {
@@ -22,16 +23,6 @@ struct Loops : Operation {
                              *const d = in + step.offset[2];
         for (size_t i = 0; i < n; ++i)
             out[i] = pick(pick(in[i], b[i]), pick(c[i], d[i]));
-    }
-    static void enter(const uint8_t* __restrict in, const Step& step, bool begins, uint8_t* __restrict sum,
-                      uint8_t* __restrict row, size_t n)
-    {
-        widen(in, step, n, row);
-        if (begins) {
-            memcpy(sum, row, n);
-        } else {
-            merge(row, sum, n);
-        }
     }
     static void merge(const uint8_t* __restrict from, uint8_t* __restrict row, size_t n)
     {
@@ -43,6 +34,22 @@ struct Loops : Operation {
     {
         for (size_t i = 0; i < n; ++i)
             out[i] = pick(a[i], b[i]);
+    }
+    static void enter(const uint8_t* in, const Step& step, uint8_t* sum, uint8_t* row, size_t n)
+    {
+        widen(in, step, n, row);
+        merge(row, sum, n);
+    }
+    static void enter(const uint8_t* in, const Step& step, uint8_t* sum, uint8_t* row, const uint8_t* with,
+                      uint8_t* out, size_t n)
+    {
+        enter(in, step, sum, row, n);
+        combine(with, sum, out, n);
+    }
+    static void complete(uint8_t* ring, size_t stride, uint32_t rows, size_t n)
+    {
+        for (uint32_t i = rows - 1; i > 1; --i)
+            merge(ring + stride * i, ring + stride * (i - 1), n);
     }
 };
 

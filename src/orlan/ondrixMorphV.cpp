@@ -10,9 +10,11 @@ namespace odx::ODX_TARGET
 {
 
 struct Erosion : morph::Erosion {
+    using Reference = morph::Erosion;
     ODX_MEMBER static u8v pick(u8v a, u8v b) { return min(a, b); }
 };
 struct Dilation : morph::Dilation {
+    using Reference = morph::Dilation;
     ODX_MEMBER static u8v pick(u8v a, u8v b) { return max(a, b); }
 };
 
@@ -47,41 +49,78 @@ struct Pick3x3 : Window<3, 3, kBytes> {
 };
 
 // The loops over a row of NxN windows.
-template <class Operation>
-struct VectorLoops : Operation {
-    using Operation::pick;
+template <class Picks>
+struct VectorLoops {
+    using Operation = typename Picks::Reference;
+    ODX_MEMBER static u8v pick(u8v a, u8v b) { return Picks::pick(a, b); }
 
-    ODX_MEMBER static u8v ofFour(const uint8_t* in, const morph::Step& step)
+    // The four runs that a step picks of. By value: stores of bytes do not change them.
+    struct Runs {
+        size_t b, c, d;
+
+        ODX_MEMBER explicit Runs(const morph::Step& step) : b(step.offset[0]), c(step.offset[1]), d(step.offset[2])
+        {
+        }
+        ODX_MEMBER u8v at(const uint8_t* in) const
+        {
+            return pick(pick(load<u8v>(in), load<u8v>(in + b)), pick(load<u8v>(in + c), load<u8v>(in + d)));
+        }
+    };
+
+    // For n pixels, of a vector at least: the last vectors overlap.
+    template <class At>
+    ODX_MEMBER static void forAll(size_t n, At at)
     {
-        return pick(pick(load<u8v>(in), load<u8v>(in + step.offset[0])),
-                    pick(load<u8v>(in + step.offset[1]), load<u8v>(in + step.offset[2])));
+        size_t i = 0;
+        for (; n - i >= 2 * kBytes; i += 2 * kBytes) {
+            at(i);
+            at(i + kBytes);
+        }
+        if (n - i >= kBytes) at(i);
+        at(n - kBytes);
     }
+
     ODX_MEMBER static void widen(const uint8_t* in, const morph::Step& step, size_t n, uint8_t* out)
     {
-        for (size_t i = 0; i < n; i += kBytes)
-            store(out + i, ofFour(in + i, step));
+        const Runs runs(step);
+        forAll(n, [=](size_t i) { store(out + i, runs.at(in + i)); });
     }
-    ODX_MEMBER static void enter(const uint8_t* in, const morph::Step& step, bool begins, uint8_t* sum,
-                                 uint8_t* row, size_t n)
+    ODX_MEMBER static void enter(const uint8_t* in, const morph::Step& step, uint8_t* sum, uint8_t* row, size_t n)
     {
-        if (begins) memset(sum, Operation::kNeutral, n);
-        for (size_t i = 0; i < n; i += kBytes) {
-            const u8v picked = ofFour(in + i, step);
+        const Runs runs(step);
+        forAll(n, [=](size_t i) {
+            const u8v picked = runs.at(in + i);
             store(row + i, picked);
             store(sum + i, pick(load<u8v>(sum + i), picked));
-        }
+        });
     }
-    ODX_MEMBER static void merge(const uint8_t* from, uint8_t* row, size_t n)
+    ODX_MEMBER static void enter(const uint8_t* in, const morph::Step& step, uint8_t* sum, uint8_t* row,
+                                 const uint8_t* with, uint8_t* out, size_t n)
     {
-        for (size_t i = 0; i < n; i += kBytes)
-            store(row + i, pick(load<u8v>(row + i), load<u8v>(from + i)));
+        const Runs runs(step);
+        forAll(n, [=](size_t i) {
+            const u8v picked = runs.at(in + i), all = pick(load<u8v>(sum + i), picked);
+            store(row + i, picked);
+            store(sum + i, all);
+            store(out + i, pick(load<u8v>(with + i), all));
+        });
     }
     ODX_MEMBER static void combine(const uint8_t* a, const uint8_t* b, uint8_t* out, size_t n)
     {
-        const auto at = [=](size_t i) { store(out + i, pick(load<u8v>(a + i), load<u8v>(b + i))); };
-        for (size_t i = 0; i < n - kBytes; i += kBytes)
-            at(i);
-        at(n - kBytes);
+        forAll(n, [=](size_t i) { store(out + i, pick(load<u8v>(a + i), load<u8v>(b + i))); });
+    }
+    // Down to the vectors' own end, which the rows have room for.
+    ODX_MEMBER static void complete(uint8_t* ring, size_t stride, uint32_t rows, size_t n)
+    {
+        for (size_t i = 0; i < n; i += kBytes) {
+            uint8_t* row = ring + stride * (rows - 1) + i;
+            u8v picked = load<u8v>(row);
+            for (uint32_t k = rows - 1; k > 1; --k) {
+                row -= stride;
+                picked = pick(picked, load<u8v>(row));
+                store(row, picked);
+            }
+        }
     }
 };
 
