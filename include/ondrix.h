@@ -18,6 +18,7 @@
 
 #include "ondrix/colorFromRgb.h"
 #include "ondrix/colorToRgb.h"
+#include "ondrix/correlation.h"
 #include "ondrix/descriptors.h"
 #include "ondrix/fastCorners.h"
 #include "ondrix/harrisCorners.h"

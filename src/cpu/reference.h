@@ -5,6 +5,7 @@
 #include "cpu/ondrixBlurC.h"
 #include "cpu/ondrixColorC.h"
 #include "cpu/ondrixColorFromRgbC.h"
+#include "cpu/ondrixCorrC.h"
 #include "cpu/ondrixDotC.h"
 #include "cpu/ondrixFastC.h"
 #include "cpu/ondrixHarrisC.h"

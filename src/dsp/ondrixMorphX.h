@@ -4,7 +4,7 @@
 
 #include "dsp/shapes.h"
 
-namespace odx::dsp
+namespace odx::remoting
 {
 
 inline constexpr auto windowNxN = [](const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcStride,
@@ -12,6 +12,6 @@ inline constexpr auto windowNxN = [](const uint8_t* src, uint32_t width, uint32_
     return limit(worthSending(width, height), imageAround(src, width, height, srcStride, dst, dstStride, n));
 };
 
-} // namespace odx::dsp
+} // namespace odx::remoting
 
 #endif

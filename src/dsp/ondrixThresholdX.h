@@ -4,7 +4,7 @@
 
 #include "dsp/shapes.h"
 
-namespace odx::dsp
+namespace odx::remoting
 {
 
 inline constexpr auto adaptive = [](const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcStride,
@@ -13,6 +13,6 @@ inline constexpr auto adaptive = [](const uint8_t* src, uint32_t width, uint32_t
     return imageAround(src, width, height, srcStride, dst, dstStride, maxValue, thresholdType, value);
 };
 
-} // namespace odx::dsp
+} // namespace odx::remoting
 
 #endif

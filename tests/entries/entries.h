@@ -145,6 +145,7 @@ Entries colorEntries();
 Entries cornerEntries();
 Entries descriptorEntries();
 Entries smoothingEntries();
+Entries correlationEntries();
 Entries thresholdingEntries();
 Entries morphologyEntries();
 

@@ -22,7 +22,7 @@ const Entries& allEntries()
     static const Entries all = [] {
         Entries entries;
         for (const Entries& family : {colorEntries(), cornerEntries(), descriptorEntries(), smoothingEntries(),
-                                      thresholdingEntries(), morphologyEntries()})
+                                      correlationEntries(), thresholdingEntries(), morphologyEntries()})
             entries.insert(entries.end(), family.begin(), family.end());
         // Every buffer in a place of its own.
         for (Entry& entry : entries) {

@@ -88,8 +88,9 @@ uint32_t remoteCalls()
 std::vector<Row> allRows()
 {
     std::vector<Row> rows;
-    for (const auto& family : {colorFromRgbRows(), colorToRgbRows(), descriptorRows(), fastRows(), harrisRows(),
-                               memoryRows(), smoothingRows(), thresholdingRows(), morphologyRows()})
+    for (const auto& family :
+         {colorFromRgbRows(), colorToRgbRows(), descriptorRows(), fastRows(), harrisRows(), memoryRows(),
+          smoothingRows(), correlationRows(), thresholdingRows(), morphologyRows()})
         rows.insert(rows.end(), family.begin(), family.end());
     return rows;
 }

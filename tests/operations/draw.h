@@ -312,6 +312,7 @@ std::vector<Row> harrisRows();
 std::vector<Row> memoryRows();
 std::vector<Row> colorFromRgbRows();
 std::vector<Row> colorToRgbRows();
+std::vector<Row> correlationRows();
 std::vector<Row> thresholdingRows();
 std::vector<Row> morphologyRows();
 

@@ -1,6 +1,6 @@
-#include "ondrix/morphology.h"
+#include "operations/shapes.h"
 
-#include "operations/draw.h"
+#include "ondrix/morphology.h"
 
 namespace odx::test
 {
@@ -9,32 +9,11 @@ namespace
 {
 
 template <auto* operation>
-void packed3x3(Draw& draw)
-{
-    const Extent extent = draw.extent();
-    const auto src = draw.source<uint8_t>("src", extent, true),
-               dst = draw.destination<uint8_t>("dst", extent, true);
-    draw.run([&] { operation(src.pixels, extent.width, extent.height, dst.pixels); });
-}
-
-template <auto* operation, class... Border>
-void strided3x3(Draw& draw, Border... border)
-{
-    const Extent extent = draw.extent();
-    const auto src = draw.source<uint8_t>("src", extent), dst = draw.destination<uint8_t>("dst", extent);
-    draw.run([&] {
-        return operation(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
-                         dst.strideArgument(), border...);
-    });
-}
-
+constexpr auto packed3x3 = packedToPacked<uint8_t, uint8_t, operation>;
 template <auto* operation>
-void bordered3x3(Draw& draw)
-{
-    const auto type =
-        draw.pick("type", {ONDRIX_BORDER_REPLICATE, ONDRIX_BORDER_CONSTANT, ONDRIX_BORDER_UNDEFINED});
-    strided3x3<operation>(draw, type, draw.number<uint32_t>("value", 0, 300, 0));
-}
+constexpr auto strided3x3 = imageToImage<uint8_t, uint8_t, operation>;
+template <auto* operation>
+constexpr auto bordered3x3 = imageToImage<uint8_t, uint8_t, operation, Size<1>, borderType, borderValue>;
 
 template <auto* operation>
 void sized(Draw& draw)
@@ -57,11 +36,11 @@ std::vector<Row> morphologyRows()
 {
     return {
         {"odxFilterErode3x3u8", packed3x3<odxFilterErode3x3u8>},
-        {"odxFilterErode3x3u8_v2", [](Draw& draw) { strided3x3<odxFilterErode3x3u8_v2>(draw); }},
+        {"odxFilterErode3x3u8_v2", strided3x3<odxFilterErode3x3u8_v2>},
         {"odxFilterErode3x3u8_v3", bordered3x3<odxFilterErode3x3u8_v3>},
         {"odxFilterErodeNxNu8", sized<odxFilterErodeNxNu8>},
         {"odxFilterDilate3x3u8", packed3x3<odxFilterDilate3x3u8>},
-        {"odxFilterDilate3x3u8_v2", [](Draw& draw) { strided3x3<odxFilterDilate3x3u8_v2>(draw); }},
+        {"odxFilterDilate3x3u8_v2", strided3x3<odxFilterDilate3x3u8_v2>},
         {"odxFilterDilate3x3u8_v3", bordered3x3<odxFilterDilate3x3u8_v3>},
         {"odxFilterDilateNxNu8", sized<odxFilterDilateNxNu8>},
     };

@@ -1,0 +1,36 @@
+#include "entries/entries.h"
+
+#include "ondrix/correlation.h"
+
+namespace odx::test
+{
+
+Entries correlationEntries()
+{
+    // N is less than both sides.
+    const auto size = value(7, {0, kHeight, kWidth, 4294967295.0}, {1, kHeight - 1});
+    const Argument columns = {Argument::kColumns, kWidth, {0, 7}, 1, 1, {8}},
+                   lines = {Argument::kRows, kHeight, {0, 7}, 1, 1, {8}};
+    const auto sized = [&](const std::vector<Argument>& kernel, uint32_t pixelSize) {
+        std::vector<Argument> arguments = kernel;
+        for (const Argument& argument : {buffer(), columns, lines, stride(), buffer(), stride(pixelSize * kWidth)})
+            arguments.push_back(argument);
+        return arguments;
+    };
+    // 4 bytes for each of these columns are 4, in 32 bits.
+    const std::vector<std::vector<std::pair<size_t, double>>> wrapping = {
+        {{3, 0x40000001}, {5, 4294967295.0}, {7, 4096}}};
+    return {
+        {ODX_ENTRY(odxFilterCorr3x3s8),
+         "kernel && src && dst && w && h",
+         {buffer(), buffer(), width(), height(), buffer()}},
+        {ODX_ENTRY(odxFilterCorr3x3s8_v2),
+         "kernel && src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= srcWidth)",
+         {buffer(), buffer(), width(), height(), stride(), buffer(), stride()}},
+        {ODX_ENTRY(odxFilterCorrNxNu8), "", sized({buffer(), size, value()}, 1)},
+        {ODX_ENTRY(odxFilterCorrNxNu8f32), "", sized({buffer(), size}, 4), 1, 1, wrapping},
+        {ODX_ENTRY(odxFilterCorrNxNu8s16), "", sized({buffer(), size, value()}, 2)},
+    };
+}
+
+} // namespace odx::test

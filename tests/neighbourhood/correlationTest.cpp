@@ -1,0 +1,147 @@
+// The correlations against their definition.
+#include "ondrix.h"
+#include "smoothing/models.h"
+
+#include <gtest/gtest.h>
+
+using namespace odx::test;
+
+namespace
+{
+
+class Correlation : public testing::Test
+{
+protected:
+    Correlation() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
+};
+
+using Image = Grid<uint8_t>;
+
+// Calls f(x, y, taps), with taps(f) for the weights and pixels of a window, for every output; the others stay.
+template <class T, class Value>
+void expectInterior(const Image& src, int n, const Grid<T>& dst, T untouched, Value value, const std::string& what)
+{
+    for (int y = 0; y < src.height; ++y) {
+        for (int x = 0; x < src.width; ++x) {
+            const int r = n / 2;
+            const bool inside = x >= r && y >= r && x <= src.width - 1 - r && y <= src.height - 1 - r;
+            ASSERT_EQ(inside ? value(x - r, y - r) : untouched, dst.at(x, y)) << what << " at " << x << "," << y;
+        }
+    }
+}
+
+int64_t sum(const Image& src, const Grid<int8_t>& kernel, int left, int top)
+{
+    int64_t s = 0;
+    for (int i = 0; i < kernel.height; ++i) {
+        for (int j = 0; j < kernel.width; ++j)
+            s += int64_t{kernel.at(j, i)} * src.at(left + j, top + i);
+    }
+    return s;
+}
+
+// The low 32 bits of sum * 2^-shift, as a signed number.
+int64_t shifted(int64_t sum, int64_t shift)
+{
+    if (shift > 0) return shift > 40 ? (sum < 0 ? -1 : 0) : sum >> shift;
+    return shift < -31 ? 0 : int64_t{static_cast<int32_t>(static_cast<uint32_t>(sum * (int64_t{1} << -shift)))};
+}
+
+} // namespace
+
+TEST_F(Correlation, SmallKernelsAreInSixteenths)
+{
+    Grid<int8_t> most(3, 3, 127), least(3, 3, -128), mild(3, 3, 1);
+    mild.at(1, 1) = 8;
+    Grid<int8_t> ninths = noise<int8_t>(3, 3, -9, 20);
+    for (const auto& [width, height] : {std::pair{1, 1}, {2, 5}, {5, 2}, {3, 3}, {300, 4}, {17, 6}}) {
+        for (const Grid<int8_t>& kernel : {most, least, mild, ninths, Grid<int8_t>(3, 3, 0)}) {
+            for (const Image& src : {noise<uint8_t>(width, height, 0, 255), Image(width, height, 255)}) {
+                Image dst(width, height, 77), strided(width, height, 77);
+                odxFilterCorr3x3s8(kernel.data(), src.data(), src.w(), src.h(), dst.data());
+                odxFilterCorr3x3s8_v2(kernel.data(), src.data(), src.w(), src.h(), 0, strided.data(), 0);
+                EXPECT_EQ(dst, strided);
+                expectInterior<uint8_t>(
+                    src, 3, dst, 77,
+                    [&](int x, int y) {
+                        return static_cast<uint8_t>(std::clamp<int64_t>(sum(src, kernel, x, y) >> 4, 0, 255));
+                    },
+                    "3x3");
+            }
+        }
+    }
+    const Image flat(9, 9, 143);
+    Image same(9, 9, 143);
+    odxFilterCorr3x3s8(mild.data(), flat.data(), 9, 9, same.data()); // the weights are 16 in all
+    EXPECT_EQ(flat, same);
+}
+
+TEST_F(Correlation, LargeKernelsAreShifted)
+{
+    for (const int n : {1, 2, 3, 4, 7, 8}) {
+        const Image src = noise<uint8_t>(n + 9, n + 3, 0, 255);
+        for (const Grid<int8_t>& kernel :
+             {noise<int8_t>(n, n, -128, 127), noise<int8_t>(n, n, -2, 5), Grid<int8_t>(n, n, 127)}) {
+            for (const int shift : {-2147483647 - 1, -32, -31, -9, -1, 0, 1, 4, 11, 31, 32, 2147483647}) {
+                const std::string what = std::to_string(n) + ", shift " + std::to_string(shift);
+                Image bytes(src.width, src.height, 77);
+                Grid<int16_t> wide(src.width, src.height, 77);
+                const auto size = static_cast<unsigned>(n);
+                EXPECT_EQ(0, odxFilterCorrNxNu8(kernel.data(), size, shift, src.data(), src.w(), src.h(), 0,
+                                                bytes.data(), 0));
+                EXPECT_EQ(0, odxFilterCorrNxNu8s16(kernel.data(), size, shift, src.data(), src.w(), src.h(), 0,
+                                                   wide.data(), 0));
+                const auto value = [&](int x, int y) { return shifted(sum(src, kernel, x, y), shift); };
+                expectInterior<uint8_t>(
+                    src, n, bytes, 77,
+                    [&](int x, int y) { return static_cast<uint8_t>(std::clamp<int64_t>(value(x, y), 0, 255)); },
+                    what);
+                expectInterior<int16_t>(
+                    src, n, wide, 77,
+                    [&](int x, int y) {
+                        return static_cast<int16_t>(std::clamp<int64_t>(value(x, y), -32768, 32767));
+                    },
+                    what);
+            }
+        }
+    }
+}
+
+// 300 * 300 * 127 * 255 is 2^31 and more: it wraps to a negative number.
+TEST_F(Correlation, HugeSumsWrap)
+{
+    const Grid<int8_t> kernel(300, 300, 127);
+    const Image src(302, 302, 255);
+    Image dst(302, 302, 77);
+    for (const odxOperationMode mode : {ONDRIX_OP_EXT_REFERENCE, ONDRIX_OP_EXT_CPU}) {
+        EXPECT_EQ(0, odxSetOperationMode(mode));
+        EXPECT_EQ(0, odxFilterCorrNxNu8(kernel.data(), 300, 24, src.data(), 302, 302, 0, dst.data(), 0));
+        EXPECT_EQ(0, dst.at(150, 150));
+        EXPECT_EQ(77, dst.at(152, 152));
+    }
+}
+
+TEST_F(Correlation, FloatSumsKeepTheOrderOfTheWeights)
+{
+    for (const int n : {1, 2, 3, 6}) {
+        const Image src = noise<uint8_t>(n + 8, n + 2, 0, 255);
+        Grid<float> kernel(n, n);
+        float weight = 3e7F;
+        for (float& k : kernel.pixels)
+            k = weight *= -0.37F;
+        Grid<float> dst(src.width, src.height, 77);
+        EXPECT_EQ(0, odxFilterCorrNxNu8f32(kernel.data(), static_cast<unsigned>(n), src.data(), src.w(), src.h(),
+                                           0, dst.data(), 0));
+        expectInterior<float>(
+            src, n, dst, 77,
+            [&](int x, int y) {
+                volatile float total = 0; // rounded each time
+                for (int i = 0; i < n * n; ++i) {
+                    volatile float product = kernel.at(i % n, i / n) * src.at(x + i % n, y + i / n);
+                    total = total + product;
+                }
+                return total;
+            },
+            std::to_string(n));
+    }
+}

@@ -1,0 +1,91 @@
+#include "ondrix/correlation.h"
+
+#include "operations/draw.h"
+
+namespace odx::test
+{
+
+namespace
+{
+
+// Weights of a smoothing kernel, whose sums fit few bits, and any others.
+const int8_t* integerKernel(Draw& draw, uint32_t n)
+{
+    const uint32_t count = n * n;
+    auto* const kernel = const_cast<int8_t*>(draw.sourceArray<int8_t>("kernel", count));
+    const int range = draw.pick("range", {2, 10, 40, 128, 2});
+    for (uint32_t i = 0; i < count && range != 128; ++i)
+        kernel[i] = static_cast<int8_t>(kernel[i] % (range + 1));
+    return kernel;
+}
+
+template <auto* operation, bool strided>
+void corr3x3(Draw& draw)
+{
+    const Extent extent = draw.extent();
+    const int8_t* const kernel = integerKernel(draw, 3);
+    const auto src = draw.source<uint8_t>("src", extent, !strided);
+    const auto dst = draw.destination<uint8_t>("dst", extent, !strided);
+    draw.run([&] {
+        if constexpr (strided) {
+            operation(kernel, src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
+                      dst.strideArgument());
+        } else {
+            operation(kernel, src.pixels, extent.width, extent.height, dst.pixels);
+        }
+    });
+}
+
+// operation(src, srcStride, dst, dstStride) of an image that is larger than n.
+template <class T, class Operation>
+void sized(Draw& draw, uint32_t n, Operation operation)
+{
+    const Extent extent = draw.extent(n + 1, n + 1, 2 * (n / 2));
+    const auto src = draw.source<uint8_t>("src", extent);
+    const auto dst = draw.destination<T>("dst", extent);
+    draw.run([&] {
+        return operation(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
+                         dst.strideArgument());
+    });
+}
+
+uint32_t size(Draw& draw)
+{
+    return draw.pick("N", {7u, 1u, 2u, 3u, 4u, 5u, 6u, 9u, 31u, 32u});
+}
+
+template <class T, auto* operation>
+void shifted(Draw& draw)
+{
+    const uint32_t n = size(draw);
+    const int8_t* const kernel = integerKernel(draw, n);
+    const int32_t shift = draw.pick("anyhow", {0, 0, 0, 1}) == 0
+                              ? draw.number("shift", -4, 12, 5)
+                              : draw.pick("shift", {-31, -32, 31, 32, INT32_MIN});
+    sized<T>(draw, n, [=](auto... images) { return operation(kernel, n, shift, images...); });
+}
+
+void real(Draw& draw)
+{
+    const uint32_t n = size(draw);
+    auto* const kernel = const_cast<float*>(draw.sourceArray<float>("kernel", n * n));
+    const float scale = draw.pick("scale", {0, 0, 1, 2}) == 1 ? 1e-38F : 0.1F;
+    for (uint32_t i = 0; i < n * n; ++i)
+        kernel[i] = static_cast<float>(draw.measures() ? 1 : static_cast<int>(i * 7 % 11) - 5) * scale;
+    sized<float>(draw, n, [=](auto... images) { return odxFilterCorrNxNu8f32(kernel, n, images...); });
+}
+
+} // namespace
+
+std::vector<Row> correlationRows()
+{
+    return {
+        {"odxFilterCorr3x3s8", corr3x3<odxFilterCorr3x3s8, false>},
+        {"odxFilterCorr3x3s8_v2", corr3x3<odxFilterCorr3x3s8_v2, true>},
+        {"odxFilterCorrNxNu8", shifted<uint8_t, odxFilterCorrNxNu8>},
+        {"odxFilterCorrNxNu8s16", shifted<int16_t, odxFilterCorrNxNu8s16>},
+        {"odxFilterCorrNxNu8f32", real},
+    };
+}
+
+} // namespace odx::test
