@@ -7,6 +7,10 @@
 namespace odx::corr
 {
 
+// Every object that uses these has code of its own.
+namespace
+{
+
 // The interior of an image for a kernel of size N; the first output has its first tap at the first pixel.
 template <class D>
 struct Interior {
@@ -24,6 +28,25 @@ struct Interior {
     {
         return length / 2 >= border ? length - 2 * border : 0;
     }
+};
+
+// Tells whether one more weight, or two, fit the 16-bit sums of those taken before, in any order: those of each
+// sign are at most 128 in all, and 128 * 255 is 32640.
+class Room
+{
+public:
+    bool take(int a, int b = 0)
+    {
+        const int positive = positive_ + (a > 0 ? a : 0) + (b > 0 ? b : 0);
+        const int negative = negative_ + (a < 0 ? a : 0) + (b < 0 ? b : 0);
+        if (positive > 128 || negative < -128) return false;
+        positive_ = positive;
+        negative_ = negative;
+        return true;
+    }
+
+private:
+    int positive_ = 0, negative_ = 0;
 };
 
 // What becomes of a sum: a shift to the right, or to the left modulo 2^32. Shifts of 32 and more leave the sign,
@@ -44,6 +67,8 @@ struct Shift {
         return static_cast<int32_t>(static_cast<uint32_t>(sum) << left & keep) >> right;
     }
 };
+
+} // namespace
 
 } // namespace odx::corr
 

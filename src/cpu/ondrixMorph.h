@@ -34,6 +34,10 @@ void border3x3(const Plane<uint8_t>& plane, uint8_t outside);
 
 // ---- NxN ----
 
+// Every object that walks has code of its own.
+namespace
+{
+
 // How far a window reaches, as far as there is an image.
 struct Reach {
     uint32_t before, after;
@@ -226,6 +230,8 @@ private:
     uint8_t* const sum_;
     uint8_t* const ring_;
 };
+
+} // namespace
 
 template <class Rows>
 static inline odxStatus filterNxN(const Plane<uint8_t>& plane, uint32_t N)

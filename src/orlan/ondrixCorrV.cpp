@@ -11,23 +11,8 @@ namespace odx::ODX_TARGET
 {
 using namespace corr;
 
-// The weights of one sign that 16-bit sums have room for: 128 * 255 = 32640.
-constexpr uint32_t kRoom = 128;
-
-// Tells whether more weights fit 16-bit sums, in any order.
-struct Room {
-    uint32_t positive = 0, negative = 0;
-
-    ODX_MEMBER bool take(int8_t a, int8_t b)
-    {
-        const uint32_t p = positive + part(a) + part(b), n = negative + part(-a) + part(-b);
-        if (p > kRoom || n > kRoom) return false;
-        positive = p;
-        negative = n;
-        return true;
-    }
-    ODX_MEMBER static uint32_t part(int weight) { return weight > 0 ? (uint32_t)weight : 0; }
-};
+namespace
+{
 
 // ---- 3x3, of weights that fit ----
 
@@ -170,6 +155,8 @@ ODX_INLINE bool correlate(const int8_t* kernel, uint32_t N, int32_t shift, const
     }
     return true;
 }
+
+} // namespace
 
 void odxFilterCorr3x3s8V(const int8_t* kernel, const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
                          unsigned int srcStride, uint8_t* dst, unsigned int dstStride)

@@ -9,6 +9,9 @@
 namespace odx::ODX_TARGET
 {
 
+namespace
+{
+
 struct Erosion : morph::Erosion {
     using Reference = morph::Erosion;
     ODX_MEMBER static u8v pick(u8v a, u8v b) { return min(a, b); }
@@ -123,6 +126,8 @@ struct VectorLoops {
         }
     }
 };
+
+} // namespace
 
 #define ODX_MORPHOLOGY(name, Operation)                                                                          \
     odxStatus odxFilter##name##3x3u8_v3V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,      \
