@@ -34,8 +34,8 @@ ODX_API odxStatus odxFilterErode3x3u8_v3(const uint8_t* src, unsigned int srcWid
 /// The window of the pixel at x, y has the columns from x - N/2 to x - N/2 + N - 1, and rows likewise: with an
 /// even N one more before than after. It has only the pixels inside the image; N may be larger than that. An N of
 /// 0 counts as 1. Both strides are at least the width.
-/// \return ONDRIX_NO_MEMORY when no temporary memory could be had, and nothing is written: it takes up to
-///         min(N, height) + 9 rows of the width, or of max(2048, 2 * N) pixels where that is less, and a little more
+/// \return ONDRIX_NO_MEMORY when no temporary memory could be had, and nothing is written. With r pixels, the width
+///         or max(2048, 2 * N) if that is less, it takes about (min(N, height) + 9) * r + 8 * N bytes
 ODX_API odxStatus odxFilterErodeNxNu8(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
                                       unsigned int srcStride, unsigned int N, uint8_t* dst,
                                       unsigned int dstStride);

@@ -53,9 +53,12 @@ TEST_F(Correlation, SmallKernelsAreInSixteenths)
 {
     Grid<int8_t> most(3, 3, 127), least(3, 3, -128), mild(3, 3, 1);
     mild.at(1, 1) = 8;
-    Grid<int8_t> ninths = noise<int8_t>(3, 3, -9, 20);
+    const Grid<int8_t> ninths = noise<int8_t>(3, 3, -9, 20);
+    Grid<int8_t> over(3, 3, 0), under = over; // 129 * 255 does not fit 16 bits
+    over.at(0, 0) = over.at(1, 1) = over.at(2, 2) = 43;
+    under.at(0, 2) = under.at(1, 2) = under.at(2, 2) = -43;
     for (const auto& [width, height] : {std::pair{1, 1}, {2, 5}, {5, 2}, {3, 3}, {300, 4}, {17, 6}}) {
-        for (const Grid<int8_t>& kernel : {most, least, mild, ninths, Grid<int8_t>(3, 3, 0)}) {
+        for (const Grid<int8_t>& kernel : {most, least, mild, ninths, over, under, Grid<int8_t>(3, 3, 0)}) {
             for (const Image& src : {noise<uint8_t>(width, height, 0, 255), Image(width, height, 255)}) {
                 Image dst(width, height, 77), strided(width, height, 77);
                 odxFilterCorr3x3s8(kernel.data(), src.data(), src.w(), src.h(), dst.data());

@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 using namespace odx::test;
 
 namespace
@@ -41,32 +39,6 @@ void expectLevels(const Image& dst, unsigned inside, unsigned outside, Keeps kee
 {
     for (int i = 0; i < 256; ++i)
         ASSERT_EQ(keeps(i) ? inside & 255 : outside & 255, dst.at(i, 0)) << what << ", level " << i;
-}
-
-// The level by its formula.
-int otsuLevel(const Image& src)
-{
-    double h[256] = {}, sum = 0;
-    for (const uint8_t p : src.pixels) {
-        ++h[p];
-        sum += p;
-    }
-    const double s = 1.0 / static_cast<double>(src.pixels.size()), m = s * sum;
-    double m1 = 0, w = 0, best = 0;
-    int level = 0;
-    for (int t = 0; t < 256; ++t) {
-        m1 = m1 * w;
-        const double p = h[t] * s;
-        w = w + p;
-        if (std::min(w, 1 - w) < std::ldexp(1.0, -23) || std::max(w, 1 - w) > 1 - std::ldexp(1.0, -23)) continue;
-        m1 = (t * p + m1) / w;
-        const double d = m1 + (w * m1 - m) / (1 - w), score = ((w * (1 - w)) * d) * d;
-        if (score > best) {
-            best = score;
-            level = t;
-        }
-    }
-    return level;
 }
 
 } // namespace
@@ -106,22 +78,31 @@ TEST_F(Thresholds, KeepARangeOfLevels)
     }
 }
 
+// So many pixels of these levels.
+Image mixture(const std::vector<std::pair<uint8_t, int>>& parts)
+{
+    Image image(0, 1);
+    for (const auto& [level, count] : parts)
+        image.pixels.insert(image.pixels.end(), static_cast<size_t>(count), level);
+    image.width = static_cast<int>(image.pixels.size());
+    return image;
+}
+
 TEST_F(Thresholds, OtsuSeparatesLevelsAtTheFirstBest)
 {
-    std::vector<std::pair<Image, int>> images = {
-        {Image(9, 9, 0), 0}, {Image(9, 9, 130), 0}, {Image(9, 9, 255), 0}};
-    Image two(10, 4, 10);
-    std::fill(two.pixels.begin() + 20, two.pixels.end(), uint8_t{200});
-    images.push_back({two, 10}); // all levels up to 199 are as good
-    images.push_back({levels(), 127});
-    for (const int high : {1, 30, 255}) {
-        Image image = noise<uint8_t>(41, 13, 0, high);
-        for (int i = 0; i < 150; ++i)
-            image.pixels[static_cast<size_t>(i)] /= 3;
-        images.push_back({image, otsuLevel(image)});
-    }
+    const Image two = mixture({{10, 20}, {200, 20}});
+    const std::pair<Image, int> images[] = {
+        {Image(9, 9, 0), 0},
+        {Image(9, 9, 130), 0},
+        {Image(9, 9, 255), 0},
+        {two, 10},
+        {levels(), 127},
+        {mixture({{0, 3}, {100, 1}, {200, 1}}), 0},   // 0.24 * 150^2 beats 0.16 * 175^2
+        {mixture({{0, 1}, {100, 1}, {200, 3}}), 100}, // the other way round
+        {mixture({{0, 1}, {120, 2}, {240, 1}}), 0},   // as good after 120
+        {mixture({{5, 1}, {255, 9999999}}), 0},       // a class of less than 2^-23 is none
+    };
     for (const auto& [src, level] : images) {
-        EXPECT_EQ(level, otsuLevel(src));
         for (const unsigned type : {0u, 1u, 2u}) {
             const Image dst = marked(
                 src, [&](auto s, auto w, auto h, auto d) { odxFilterThresholdOtsuu8(s, w, h, 0, d, 0, type); });
