@@ -8,8 +8,7 @@
 /// - A kernel has N * N weights, row by row. It is not flipped: with i and j from 0 to N - 1, weight i * N + j
 ///   multiplies the pixel at x - N/2 + j, y - N/2 + i.
 /// - Only the interior is written: N/2 <= x < width - N/2, and rows likewise. So with an even N the last column
-/// and
-///   row that all weights would fit are left as they were, as is the border.
+///   and row that all weights would fit are left as they were, as is the border.
 /// - Refused arguments are logged ("Assertion failed @...") and nothing is written. Functions with a status return
 ///   ONDRIX_BAD_PARAMETER in silence instead; they ask for an N of at least 1 that is less than width and height,
 ///   and for strides of at least the row.

@@ -3,11 +3,9 @@
 ///
 /// Conventions of this page
 /// - Images are bytes, row-major, of one channel. Widths and heights are in pixels, strides in bytes; a stride of
-/// 0
-///   means the packed row. Source and destination have the same size.
+///   0 means the packed row. Source and destination have the same size.
 /// - odxFilterThreshold... work in place: src == dst with equal strides. odxAdaptiveThreshold... do not: source
-/// and
-///   destination must not overlap.
+///   and destination must not overlap.
 /// - Output values are passed as 32-bit integers, of which the low 8 bits count.
 /// - Images without pixels are accepted where a function does not say how large they must be; nothing is written.
 /// - Refused arguments are logged ("Assertion failed @...") and nothing is written. Functions with a status return

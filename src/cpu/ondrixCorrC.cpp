@@ -17,16 +17,15 @@ constexpr uint32_t kChunk = 256; // columns worked on at a time; their sums live
 class IntegerSums
 {
 public:
-    void add(int8_t weight, const uint8_t* __restrict pixels, size_t count)
+    void add(int16_t weight, const uint8_t* __restrict pixels, size_t count)
     {
         if (!room_.take(weight)) {
             flush();
             room_ = Room();
             room_.take(weight);
         }
-        const int16_t factor = weight;
         for (size_t x = 0; x < count; ++x)
-            few_[x] = static_cast<int16_t>(few_[x] + factor * pixels[x]);
+            few_[x] = static_cast<int16_t>(few_[x] + weight * pixels[x]);
     }
     void flush()
     {

@@ -34,15 +34,11 @@ void border3x3(const Plane<uint8_t>& plane, uint8_t outside);
 
 // ---- NxN ----
 
-// Every object that walks has code of its own.
-namespace
-{
-
 // How far a window reaches, as far as there is an image.
 struct Reach {
     uint32_t before, after;
 
-    uint32_t size() const { return before + after + 1; }
+    [[gnu::always_inline]] uint32_t size() const { return before + after + 1; }
 };
 
 static inline Reach reachOf(uint32_t N, uint32_t length)
@@ -60,7 +56,7 @@ struct Steps {
     Step step[16]; // runs become up to 4 times as long
     uint32_t count = 0;
 
-    explicit Steps(uint32_t size)
+    [[gnu::always_inline]] explicit Steps(uint32_t size)
     {
         for (uint32_t run = 1; run < size || count == 0; run = step[count++].run) {
             const uint32_t next = size / 4 >= run ? 4 * run : size, farthest = next - run;
@@ -70,26 +66,23 @@ struct Steps {
     }
 };
 
-constexpr uint32_t kTile = 2048,
-                   kVector = 64; // columns that the nearest cache holds; bytes of the longest vectors
+constexpr uint32_t kTile = 2048; // columns: a few rows of so many stay in the nearest cache
+constexpr uint32_t kVector = 64; // bytes of the longest vectors
 constexpr uint32_t kBatch = 4;   // rows that take each step together: what is stored is not read at once
 
 // Down the columns, rows come in blocks as high as a window. A window then is the end of one block and the
 // beginning of the next: the picks from each row to the end of its block are made when the block is complete, in
 // the rows of a ring, and the pick from the beginning of a block follows the rows that enter.
 //
-// `Rows` brings the loops over a row, and as `Operation` what is picked:
-//   widen(in, step, n, out)                   out[i] = pick of in[i], in[i + offset...]; n is at least kVector, or
-//   the
-//                                             width if that is less
-//   enter(in, step, sum, row, n)              the same, stored to row and picked into sum, of rows with room for
-//   whole
-//                                             vectors
-//   enter(in, step, sum, row, with, out, n)   besides, out[i] = pick of with[i] and the new sum[i]
-//   combine(a, b, out, n)                     out[i] = pick of a[i], b[i]
-//   complete(ring, stride, rows, n)           from the last row up to the second, row[i] = pick of row[i] and the
-//   next
-//                                             row's
+// `Rows`, which has no linkage so that every object has a walk of its own, brings the loops over a row, and as
+// `Operation` what is picked:
+//   widen(in, step, n, out)           out[i] = pick of in[i], in[i + offset...]; n is at least the width, or
+//                                     kVector if that is less
+//   enter(in, step, sum, row, n)      the same, stored to row and picked into sum; rows have room for vectors
+//   enter(in, step, sum, row, with, out, n)
+//                                     besides, out[i] = pick of with[i] and the new sum[i]
+//   combine(a, b, out, n)             out[i] = pick of a[i], b[i]
+//   complete(ring, stride, rows, n)   from the last row up to the second: pick of each and the next one
 template <class Rows>
 class Tile
 {
@@ -230,8 +223,6 @@ private:
     uint8_t* const sum_;
     uint8_t* const ring_;
 };
-
-} // namespace
 
 template <class Rows>
 static inline odxStatus filterNxN(const Plane<uint8_t>& plane, uint32_t N)

@@ -47,7 +47,7 @@ inline constexpr auto largeImage = [](const auto* src, uint32_t width, uint32_t 
 // The same with the numbers between the images.
 template <class S, class D, class... Numbers>
 auto imageAround(const S* src, uint32_t width, uint32_t height, uint32_t srcStride, D* dst, uint32_t dstStride,
-                Numbers... numbers)
+                 Numbers... numbers)
 {
     const Stride from = strideOf(src, srcStride, width), to = strideOf(dst, dstStride, width);
     return arguments(rows(src, from, height), width, height, from, numbers..., rows(dst, to, height), to);

@@ -143,11 +143,11 @@ constexpr Outcome failureOf(R (*)(P...))
 using Entries = std::vector<Entry>;
 Entries colorEntries();
 Entries cornerEntries();
-Entries descriptorEntries();
-Entries smoothingEntries();
 Entries correlationEntries();
-Entries thresholdingEntries();
+Entries descriptorEntries();
 Entries morphologyEntries();
+Entries smoothingEntries();
+Entries thresholdingEntries();
 
 } // namespace odx::test
 

@@ -21,8 +21,8 @@ const Entries& allEntries()
 {
     static const Entries all = [] {
         Entries entries;
-        for (const Entries& family : {colorEntries(), cornerEntries(), descriptorEntries(), smoothingEntries(),
-                                      correlationEntries(), thresholdingEntries(), morphologyEntries()})
+        for (const Entries& family : {colorEntries(), cornerEntries(), correlationEntries(), descriptorEntries(),
+                                      morphologyEntries(), smoothingEntries(), thresholdingEntries()})
             entries.insert(entries.end(), family.begin(), family.end());
         // Every buffer in a place of its own.
         for (Entry& entry : entries) {

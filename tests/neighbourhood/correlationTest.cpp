@@ -140,7 +140,8 @@ TEST_F(Correlation, FloatSumsKeepTheOrderOfTheWeights)
             [&](int x, int y) {
                 volatile float total = 0; // rounded each time
                 for (int i = 0; i < n * n; ++i) {
-                    volatile float product = kernel.at(i % n, i / n) * src.at(x + i % n, y + i / n);
+                    volatile float product =
+                        kernel.at(i % n, i / n) * static_cast<float>(src.at(x + i % n, y + i / n));
                     total = total + product;
                 }
                 return total;

@@ -305,16 +305,16 @@ struct Row {
 };
 
 // The rows of each family; a family's file defines its own.
-std::vector<Row> smoothingRows();
+std::vector<Row> colorFromRgbRows();
+std::vector<Row> colorToRgbRows();
+std::vector<Row> correlationRows();
 std::vector<Row> descriptorRows();
 std::vector<Row> fastRows();
 std::vector<Row> harrisRows();
 std::vector<Row> memoryRows();
-std::vector<Row> colorFromRgbRows();
-std::vector<Row> colorToRgbRows();
-std::vector<Row> correlationRows();
-std::vector<Row> thresholdingRows();
 std::vector<Row> morphologyRows();
+std::vector<Row> smoothingRows();
+std::vector<Row> thresholdingRows();
 
 // All rows, in order of families.
 std::vector<Row> allRows();
