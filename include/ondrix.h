@@ -21,6 +21,7 @@
 #include "ondrix/correlation.h"
 #include "ondrix/descriptors.h"
 #include "ondrix/fastCorners.h"
+#include "ondrix/gradients.h"
 #include "ondrix/harrisCorners.h"
 #include "ondrix/memory.h"
 #include "ondrix/modes.h"

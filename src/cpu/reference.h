@@ -7,6 +7,7 @@
 #include "cpu/ondrixColorFromRgbC.h"
 #include "cpu/ondrixCorrC.h"
 #include "cpu/ondrixDotC.h"
+#include "cpu/ondrixEdgeC.h"
 #include "cpu/ondrixFastC.h"
 #include "cpu/ondrixHarrisC.h"
 #include "cpu/ondrixMorphC.h"

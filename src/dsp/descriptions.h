@@ -5,6 +5,7 @@
 #include "dsp/ondrixBlurX.h"
 #include "dsp/ondrixColorX.h"
 #include "dsp/ondrixCorrX.h"
+#include "dsp/ondrixEdgeX.h"
 #include "dsp/ondrixFastX.h"
 #include "dsp/ondrixHarrisX.h"
 #include "dsp/ondrixMorphX.h"

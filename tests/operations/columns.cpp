@@ -89,8 +89,8 @@ std::vector<Row> allRows()
 {
     std::vector<Row> rows;
     for (const auto& family :
-         {colorFromRgbRows(), colorToRgbRows(), correlationRows(), descriptorRows(), fastRows(), harrisRows(),
-          memoryRows(), morphologyRows(), smoothingRows(), thresholdingRows()})
+         {colorFromRgbRows(), colorToRgbRows(), correlationRows(), descriptorRows(), fastRows(), gradientRows(),
+          harrisRows(), memoryRows(), morphologyRows(), smoothingRows(), thresholdingRows()})
         rows.insert(rows.end(), family.begin(), family.end());
     return rows;
 }

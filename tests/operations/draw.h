@@ -310,6 +310,7 @@ std::vector<Row> colorToRgbRows();
 std::vector<Row> correlationRows();
 std::vector<Row> descriptorRows();
 std::vector<Row> fastRows();
+std::vector<Row> gradientRows();
 std::vector<Row> harrisRows();
 std::vector<Row> memoryRows();
 std::vector<Row> morphologyRows();

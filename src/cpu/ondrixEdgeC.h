@@ -1,0 +1,30 @@
+// Reference implementations: gradients and edges.
+#ifndef ODX_CPU_ONDRIX_EDGE_C_H
+#define ODX_CPU_ONDRIX_EDGE_C_H
+
+#include "ondrix/gradients.h"
+
+extern "C" {
+decltype(odxImageGradientInterleaveds16_v2) odxImageGradientInterleaveds16C;
+decltype(odxImageGradientInterleavedf32_v2) odxImageGradientInterleavedf32C;
+decltype(odxImageGradientPlanars16_v2) odxImageGradientPlanars16C;
+decltype(odxImageGradientPlanarf32_v2) odxImageGradientPlanarf32C;
+decltype(odxImageGradientSobelInterleaveds16_v2) odxImageGradientSobelInterleaveds16C;
+decltype(odxImageGradientSobelInterleaveds16_v3) odxImageGradientSobelInterleaveds16_v3C;
+decltype(odxImageGradientSobelInterleavedf32_v2) odxImageGradientSobelInterleavedf32C;
+decltype(odxImageGradientSobelPlanars16_v2) odxImageGradientSobelPlanars16C;
+decltype(odxImageGradientSobelPlanars16_v3) odxImageGradientSobelPlanars16_v3C;
+decltype(odxImageGradientSobelPlanars8_v2) odxImageGradientSobelPlanars8C;
+decltype(odxImageGradientSobelPlanarf32_v2) odxImageGradientSobelPlanarf32C;
+decltype(odxImageGradientSobelPlanarf32f32_v2) odxImageGradientSobelPlanarf32f32C;
+decltype(odxImageGradientScharrInterleaveds16) odxImageGradientScharrInterleaveds16C;
+decltype(odxFilterSobel3x3u8_v2) odxFilterSobel3x3u8C;
+decltype(odxFilterSobel3x3u8s16) odxFilterSobel3x3u8s16C;
+decltype(odxFilterSobel5x5u8s16) odxFilterSobel5x5u8s16C;
+decltype(odxFilterSobel7x7u8s16) odxFilterSobel7x7u8s16C;
+decltype(odxFilterCannyu8) odxFilterCannyu8C;
+decltype(odxFilterCanny3x3u8_v2) odxFilterCanny3x3u8C;
+decltype(odxFilterCanny3x3u8_v3) odxFilterCanny3x3u8_v3C;
+}
+
+#endif

@@ -1,0 +1,104 @@
+// SIMD gradients. Interiors are computed in strips (neighbourhood.h). Images that are narrower than a vector are
+// the reference's, as is the frame of the Sobel filters with a border type.
+#include "cpu/ondrixEdgeC.h"
+#include "orlan/ondrixEdgeFilters.h"
+
+#define ODX_FAMILY_LIST "frame/operations/gradients.def"
+#include "orlan/family.h"
+
+namespace odx::ODX_TARGET
+{
+
+// Whether an image was filtered; else its width belongs to the reference, or it has no interior.
+template <class Filter, class S, class... D>
+ODX_INLINE bool filtered(const S* src, uint32_t width, uint32_t height, uint32_t srcStride, Rows<D>... out)
+{
+    if (width < Filter::kLanes + 2) return false;
+    if (height >= 3) walk(Filter(), src, srcStride, width - 2, height - 2, out...);
+    return true;
+}
+
+// clang-format off
+#define ODX_INTERLEAVED(name, D, Kernel, Stored) \
+    void name##V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride, \
+                 D* gradients, unsigned int gradStride) \
+    { \
+        if (!filtered<Gradient<edge::Kernel, Stored>>(src, srcWidth, srcHeight, srcStride, \
+                                                      Rows<edge::Both<D>>{(edge::Both<D>*)gradients, gradStride})) \
+            name##C(src, srcWidth, srcHeight, srcStride, gradients, gradStride); \
+    }
+#define ODX_PLANAR(name, S, D, ...) \
+    void name##V(const S* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride, D* dx, D* dy, \
+                 unsigned int dxyStride) \
+    { \
+        if (!filtered<__VA_ARGS__>(src, srcWidth, srcHeight, srcStride, Rows<D>{dx, dxyStride}.at(1, 1), \
+                                   Rows<D>{dy, dxyStride}.at(1, 1))) \
+            name##C(src, srcWidth, srcHeight, srcStride, dx, dy, dxyStride); \
+    }
+
+ODX_INTERLEAVED(odxImageGradientInterleaveds16, int16_t, Central, Whole)
+ODX_INTERLEAVED(odxImageGradientInterleavedf32, float, Central, Whole)
+ODX_INTERLEAVED(odxImageGradientSobelInterleaveds16, int16_t, Sobel, Eighth)
+ODX_INTERLEAVED(odxImageGradientSobelInterleaveds16_v3, int16_t, Sobel, Eighth)
+ODX_INTERLEAVED(odxImageGradientSobelInterleavedf32, float, Sobel, Eighth)
+ODX_INTERLEAVED(odxImageGradientScharrInterleaveds16, int16_t, Scharr, Whole)
+ODX_PLANAR(odxImageGradientPlanars16, uint8_t, int16_t, Gradient<edge::Central, Whole>)
+ODX_PLANAR(odxImageGradientPlanarf32, uint8_t, float, Gradient<edge::Central, Whole>)
+ODX_PLANAR(odxImageGradientSobelPlanars16, uint8_t, int16_t, Gradient<edge::Sobel, Eighth>)
+ODX_PLANAR(odxImageGradientSobelPlanars16_v3, uint8_t, int16_t, Gradient<edge::Sobel, Eighth>)
+ODX_PLANAR(odxImageGradientSobelPlanars8, uint8_t, int8_t, Gradient<edge::Sobel, EighthOfByte>)
+ODX_PLANAR(odxImageGradientSobelPlanarf32, uint8_t, float, Gradient<edge::Sobel, Eighth>)
+// clang-format on
+
+void odxImageGradientSobelPlanarf32f32V(const float* src, unsigned int srcWidth, unsigned int srcHeight,
+                                        unsigned int srcStride, float* dx, float* dy, unsigned int dxyStride)
+{
+    // Vectors round denormal sums to zero on some processors, which the reference does not.
+    if (kFlushesDenormals ||
+        !filtered<SobelOfFloat>(src, srcWidth, srcHeight, srcStride, Rows<float>{dx, dxyStride}.at(1, 1),
+                                Rows<float>{dy, dxyStride}.at(1, 1)))
+        odxImageGradientSobelPlanarf32f32C(src, srcWidth, srcHeight, srcStride, dx, dy, dxyStride);
+}
+
+void odxFilterSobel3x3u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
+                          unsigned int srcStride, uint8_t* dst, unsigned int dstStride)
+{
+    if (!filtered<Gradient<edge::Sobel, Magnitude>>(src, srcWidth, srcHeight, srcStride,
+                                                    Rows<uint8_t>{dst, dstStride}.at(1, 1)))
+        odxFilterSobel3x3u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+}
+
+// ---- Sobel filters with a border type ----
+
+template <uint32_t K, class Reference>
+ODX_INLINE odxStatus sobel(Reference* reference, const uint8_t* src, uint32_t width, uint32_t height,
+                           uint32_t srcStride, int16_t* dx, int16_t* dy, uint32_t dxyStride,
+                           odxBorderType borderType, uint32_t borderValue)
+{
+    const Plane<uint8_t, int16_t> planeX = {src, width, height, srcStride, dx, dxyStride},
+                                  planeY = {src, width, height, srcStride, dy, dxyStride};
+    if (planeX.interiorWidth(K) < kBytes)
+        return reference(src, width, height, srcStride, dx, dy, dxyStride, borderType, borderValue);
+    sobelInterior<K>(src, srcStride, rowOf(dx, dxyStride, K / 2) + K / 2, rowOf(dy, dxyStride, K / 2) + K / 2,
+                     dxyStride, width - K + 1, planeX.interiorHeight(K), dx != nullptr, dy != nullptr);
+    edge::sobelFrame<K>(planeX, planeY, borderType, borderValue);
+    return ONDRIX_SUCCESS;
+}
+
+// clang-format off
+#define ODX_SOBEL(K) \
+    odxStatus odxFilterSobel##K##x##K##u8s16V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight, \
+                                              unsigned int srcStride, int16_t* dx, int16_t* dy, \
+                                              unsigned int dxyStride, odxBorderType borderType, \
+                                              uint32_t borderValue) \
+    { \
+        return sobel<K>(odxFilterSobel##K##x##K##u8s16C, src, srcWidth, srcHeight, srcStride, dx, dy, dxyStride, \
+                        borderType, borderValue); \
+    }
+
+ODX_SOBEL(3)
+ODX_SOBEL(5)
+ODX_SOBEL(7)
+// clang-format on
+
+} // namespace odx::ODX_TARGET
