@@ -4,7 +4,7 @@
 
 #include "dsp/shapes.h"
 
-namespace odx::dsp
+namespace odx::remoting
 {
 
 // Interleaved results have no frame.
@@ -52,6 +52,6 @@ inline constexpr auto canny = [](const uint8_t* src, uint32_t width, uint32_t he
                            gradients));
 };
 
-} // namespace odx::dsp
+} // namespace odx::remoting
 
 #endif

@@ -145,6 +145,7 @@ Entries colorEntries();
 Entries cornerEntries();
 Entries correlationEntries();
 Entries descriptorEntries();
+Entries gradientEntries();
 Entries morphologyEntries();
 Entries smoothingEntries();
 Entries thresholdingEntries();

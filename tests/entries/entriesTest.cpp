@@ -21,8 +21,9 @@ const Entries& allEntries()
 {
     static const Entries all = [] {
         Entries entries;
-        for (const Entries& family : {colorEntries(), cornerEntries(), correlationEntries(), descriptorEntries(),
-                                      morphologyEntries(), smoothingEntries(), thresholdingEntries()})
+        for (const Entries& family :
+             {colorEntries(), cornerEntries(), correlationEntries(), descriptorEntries(), gradientEntries(),
+              morphologyEntries(), smoothingEntries(), thresholdingEntries()})
             entries.insert(entries.end(), family.begin(), family.end());
         // Every buffer in a place of its own.
         for (Entry& entry : entries) {

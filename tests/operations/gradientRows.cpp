@@ -1,4 +1,4 @@
-#include "operations/draw.h"
+#include "operations/shapes.h"
 
 #include "ondrix/gradients.h"
 
@@ -8,54 +8,53 @@ namespace odx::test
 namespace
 {
 
-// The first versions have no stride of their results.
-template <class T, auto* operation>
-void interleaved(Draw& draw)
-{
-    const Extent extent = draw.extent(3, 3);
-    const auto src = draw.source<uint8_t>("src", extent);
-    constexpr bool hasStride =
-        std::is_invocable_v<decltype(operation), uint8_t*, uint32_t, uint32_t, uint32_t, T*, uint32_t>;
-    const auto out = draw.destination<T>("gradients", {2 * extent.width - 4, extent.height - 2}, !hasStride);
-    draw.run([&] {
-        if constexpr (hasStride) {
-            operation(src.pixels, extent.width, extent.height, src.strideArgument(), out.pixels,
-                      out.strideArgument());
-        } else {
-            operation(src.pixels, extent.width, extent.height, src.strideArgument(), out.pixels);
-        }
-    });
-}
-
-// Both results have the stride of the first.
-template <class T>
-struct Planes {
-    Image<T> both;
-    T* second;
-};
-template <class T>
-Planes<T> planes(Draw& draw, Extent extent, bool packed = false)
-{
-    const auto both = draw.destination<T>("dx, dy", {extent.width, 2 * extent.height}, packed);
-    return {both, &both.at(0, extent.height)};
-}
-
-template <class S, class T, auto* operation>
-void planar(Draw& draw)
+// One or two images of results; the first versions have no stride for them, both have that of the first.
+template <class S, class T, bool pairs, auto* operation>
+void gradients(Draw& draw)
 {
     const Extent extent = draw.extent(3, 3);
     const auto src = draw.source<S>("src", extent);
-    constexpr bool hasStride =
-        std::is_invocable_v<decltype(operation), S*, uint32_t, uint32_t, uint32_t, T*, T*, uint32_t>;
-    const auto out = planes<T>(draw, extent, !hasStride);
-    draw.run([&] {
-        if constexpr (hasStride) {
-            operation(src.pixels, extent.width, extent.height, src.strideArgument(), out.both.pixels, out.second,
-                      out.both.strideArgument());
-        } else {
-            operation(src.pixels, extent.width, extent.height, src.strideArgument(), out.both.pixels, out.second);
-        }
-    });
+    const auto run = [&](auto... results) {
+        constexpr bool packed = !std::is_invocable_v<decltype(operation), S*, uint32_t, uint32_t, uint32_t,
+                                                     decltype(results)..., uint32_t>;
+        const Extent size =
+            pairs ? Extent{2 * extent.width - 4, extent.height - 2} : Extent{extent.width, 2 * extent.height};
+        const auto out = draw.destination<T>("gradients", size, packed);
+        uint32_t rows = 0;
+        ((results = &out.at(0, rows), rows += extent.height), ...);
+        draw.run([&] {
+            if constexpr (packed) {
+                operation(src.pixels, extent.width, extent.height, src.strideArgument(), results...);
+            } else {
+                operation(src.pixels, extent.width, extent.height, src.strideArgument(), results...,
+                          out.strideArgument());
+            }
+        });
+    };
+    T* const none = nullptr;
+    if constexpr (pairs) {
+        run(none);
+    } else {
+        run(none, none);
+    }
+}
+template <class T, auto* operation>
+constexpr auto pairs = gradients<uint8_t, T, true, operation>;
+template <class S, class T, auto* operation>
+constexpr auto planes = gradients<S, T, false, operation>;
+
+// Gradients that need not be wanted, below each other in one image; a measurement of edges wants none.
+struct Optional {
+    int16_t *x, *y;
+    uint32_t stride;
+};
+Optional optional(Draw& draw, Extent extent, int typical)
+{
+    const int wanted = draw.pick("wanted", {typical, 3 - typical, 1, 2});
+    if (wanted == 0) return {nullptr, nullptr, 0};
+    const auto both = draw.destination<int16_t>("dx, dy", {extent.width, 2 * extent.height});
+    return {wanted & 1 ? both.pixels : nullptr, wanted & 2 ? &both.at(0, extent.height) : nullptr,
+            both.strideArgument()};
 }
 
 template <uint32_t K, auto* operation>
@@ -63,33 +62,10 @@ void sobel(Draw& draw)
 {
     const Extent extent = draw.extent(1, 1, K - 1);
     const auto src = draw.source<uint8_t>("src", extent);
-    const auto out = planes<int16_t>(draw, extent);
-    const auto type =
-        draw.pick("type", {ONDRIX_BORDER_REPLICATE, ONDRIX_BORDER_CONSTANT, ONDRIX_BORDER_UNDEFINED});
-    const uint32_t value = draw.number<uint32_t>("value", 0, 300, 0);
-    const int wanted = draw.pick("wanted", {3, 1, 2});
-    draw.run([&] {
-        return operation(src.pixels, extent.width, extent.height, src.strideArgument(),
-                         wanted & 1 ? out.both.pixels : nullptr, wanted & 2 ? out.second : nullptr,
-                         out.both.strideArgument(), type, value);
-    });
-}
-
-void magnitude(Draw& draw)
-{
-    const Extent extent = draw.extent();
-    const auto src = draw.source<uint8_t>("src", extent, true),
-               dst = draw.destination<uint8_t>("dst", extent, true);
-    draw.run([&] { odxFilterSobel3x3u8(src.pixels, extent.width, extent.height, dst.pixels); });
-}
-
-void magnitude_v2(Draw& draw)
-{
-    const Extent extent = draw.extent();
-    const auto src = draw.source<uint8_t>("src", extent), dst = draw.destination<uint8_t>("dst", extent);
-    draw.run([&] {
-        odxFilterSobel3x3u8_v2(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
-                               dst.strideArgument());
+    const Optional out = optional(draw, extent, 3);
+    runWith<borderType, borderValue>(draw, [&](auto... border) {
+        return operation(src.pixels, extent.width, extent.height, src.strideArgument(), out.x, out.y, out.stride,
+                         border...);
     });
 }
 
@@ -97,61 +73,26 @@ void canny(Draw& draw)
 {
     const Extent extent = draw.extent();
     const auto src = draw.source<uint8_t>("src", extent), dst = draw.destination<uint8_t>("dst", extent);
+    const Optional out = optional(draw, extent, 0);
     const uint32_t kernel = draw.pick("kernel", {3u, 5u, 7u});
-    const auto norm = draw.pick("norm", {ONDRIX_NORM_L1, ONDRIX_NORM_L2});
     const int32_t scale = kernel == 3 ? 1 : kernel == 5 ? 10 : 80;
-    const int32_t low = scale * draw.number("low", -300, 900, 80),
-                  high = scale * draw.number("high", -600, 1500, 200);
-    const int wanted = draw.measures() ? 0 : draw.pick("wanted", {0, 1, 2, 3});
-    const auto out = planes<int16_t>(draw, draw.measures() ? Extent{1, 1} : extent);
-    draw.run([&] {
-        return odxFilterCannyu8(src.pixels, extent.width, extent.height, src.strideArgument(), kernel, low, high,
-                                norm, dst.pixels, dst.strideArgument(), wanted & 1 ? out.both.pixels : nullptr,
-                                wanted & 2 ? out.second : nullptr,
-                                draw.measures() ? 0 : out.both.strideArgument());
-    });
+    runWith<between<-300, 900, 80>, between<-600, 1500, 200>, oneOf<ONDRIX_NORM_L1, ONDRIX_NORM_L2>>(
+        draw, [&](int low, int high, odxNormType norm) {
+            return odxFilterCannyu8(src.pixels, extent.width, extent.height, src.strideArgument(), kernel,
+                                    scale * low, scale * high, norm, dst.pixels, dst.strideArgument(), out.x,
+                                    out.y, out.stride);
+        });
 }
 
-struct Thresholds {
-    int low, high;
-};
-Thresholds thresholds(Draw& draw)
-{
-    const int low = draw.number("low", -10, 300, 20);
-    return {low, low + draw.number("more", 0, 200, 30)};
-}
-
+constexpr auto low = between<-10, 60, 20>, high = between<60, 300, 60>;
 void differenceEdges(Draw& draw)
 {
     const Extent extent = draw.extent(3, 3);
-    const auto src = draw.source<uint8_t>("src", extent, true),
-               dst = draw.destination<uint8_t>("dst", extent, true);
-    const Thresholds t = thresholds(draw);
-    draw.run([&] { odxFilterCanny3x3u8(src.pixels, extent.width, extent.height, dst.pixels, t.low, t.high); });
-}
-
-void differenceEdges_v2(Draw& draw)
-{
-    const Extent extent = draw.extent(3, 3);
     const auto src = draw.source<uint8_t>("src", extent), dst = draw.destination<uint8_t>("dst", extent);
-    const Thresholds t = thresholds(draw);
-    draw.run([&] {
-        odxFilterCanny3x3u8_v2(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
-                               dst.strideArgument(), t.low, t.high);
-    });
-}
-
-void differenceEdges_v3(Draw& draw)
-{
-    const Extent extent = draw.extent(3, 3);
-    const auto src = draw.source<uint8_t>("src", extent), dst = draw.destination<uint8_t>("dst", extent);
-    const Thresholds t = thresholds(draw);
-    const int wanted = draw.pick("wanted", {3, 1, 2, 0});
-    const auto out = planes<int16_t>(draw, extent);
-    draw.run([&] {
+    const Optional out = optional(draw, extent, 3);
+    runWith<low, high>(draw, [&](int from, int to) {
         odxFilterCanny3x3u8_v3(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
-                               dst.strideArgument(), t.low, t.high, wanted & 1 ? out.both.pixels : nullptr,
-                               wanted & 2 ? out.second : nullptr, out.both.strideArgument());
+                               dst.strideArgument(), from, to, out.x, out.y, out.stride);
     });
 }
 
@@ -159,50 +100,44 @@ void differenceEdges_v3(Draw& draw)
 
 std::vector<Row> gradientRows()
 {
-#define ODX_PAIRS(name, T)            \
-    {                                 \
-#name, interleaved < T, name> \
-    }
-#define ODX_PLANES(name, S, T)      \
-    {                               \
-#name, planar < S, T, name> \
-    }
+    using u8 = uint8_t;
+    using s8 = int8_t;
+    using s16 = int16_t;
+    using f32 = float;
     return {
-        ODX_PAIRS(odxImageGradientInterleaveds16, int16_t),
-        ODX_PAIRS(odxImageGradientInterleaveds16_v2, int16_t),
-        ODX_PAIRS(odxImageGradientInterleavedf32, float),
-        ODX_PAIRS(odxImageGradientInterleavedf32_v2, float),
-        ODX_PLANES(odxImageGradientPlanars16, uint8_t, int16_t),
-        ODX_PLANES(odxImageGradientPlanars16_v2, uint8_t, int16_t),
-        ODX_PLANES(odxImageGradientPlanarf32, uint8_t, float),
-        ODX_PLANES(odxImageGradientPlanarf32_v2, uint8_t, float),
-        ODX_PAIRS(odxImageGradientSobelInterleaveds16, int16_t),
-        ODX_PAIRS(odxImageGradientSobelInterleaveds16_v2, int16_t),
-        ODX_PAIRS(odxImageGradientSobelInterleaveds16_v3, int16_t),
-        ODX_PAIRS(odxImageGradientSobelInterleavedf32, float),
-        ODX_PAIRS(odxImageGradientSobelInterleavedf32_v2, float),
-        ODX_PLANES(odxImageGradientSobelPlanars16, uint8_t, int16_t),
-        ODX_PLANES(odxImageGradientSobelPlanars16_v2, uint8_t, int16_t),
-        ODX_PLANES(odxImageGradientSobelPlanars16_v3, uint8_t, int16_t),
-        ODX_PLANES(odxImageGradientSobelPlanars8, uint8_t, int8_t),
-        ODX_PLANES(odxImageGradientSobelPlanars8_v2, uint8_t, int8_t),
-        ODX_PLANES(odxImageGradientSobelPlanarf32, uint8_t, float),
-        ODX_PLANES(odxImageGradientSobelPlanarf32_v2, uint8_t, float),
-        ODX_PLANES(odxImageGradientSobelPlanarf32f32, float, float),
-        ODX_PLANES(odxImageGradientSobelPlanarf32f32_v2, float, float),
-        ODX_PAIRS(odxImageGradientScharrInterleaveds16, int16_t),
-        {"odxFilterSobel3x3u8", magnitude},
-        {"odxFilterSobel3x3u8_v2", magnitude_v2},
+        {"odxImageGradientInterleaveds16", pairs<s16, odxImageGradientInterleaveds16>},
+        {"odxImageGradientInterleaveds16_v2", pairs<s16, odxImageGradientInterleaveds16_v2>},
+        {"odxImageGradientInterleavedf32", pairs<f32, odxImageGradientInterleavedf32>},
+        {"odxImageGradientInterleavedf32_v2", pairs<f32, odxImageGradientInterleavedf32_v2>},
+        {"odxImageGradientPlanars16", planes<u8, s16, odxImageGradientPlanars16>},
+        {"odxImageGradientPlanars16_v2", planes<u8, s16, odxImageGradientPlanars16_v2>},
+        {"odxImageGradientPlanarf32", planes<u8, f32, odxImageGradientPlanarf32>},
+        {"odxImageGradientPlanarf32_v2", planes<u8, f32, odxImageGradientPlanarf32_v2>},
+        {"odxImageGradientSobelInterleaveds16", pairs<s16, odxImageGradientSobelInterleaveds16>},
+        {"odxImageGradientSobelInterleaveds16_v2", pairs<s16, odxImageGradientSobelInterleaveds16_v2>},
+        {"odxImageGradientSobelInterleaveds16_v3", pairs<s16, odxImageGradientSobelInterleaveds16_v3>},
+        {"odxImageGradientSobelInterleavedf32", pairs<f32, odxImageGradientSobelInterleavedf32>},
+        {"odxImageGradientSobelInterleavedf32_v2", pairs<f32, odxImageGradientSobelInterleavedf32_v2>},
+        {"odxImageGradientSobelPlanars16", planes<u8, s16, odxImageGradientSobelPlanars16>},
+        {"odxImageGradientSobelPlanars16_v2", planes<u8, s16, odxImageGradientSobelPlanars16_v2>},
+        {"odxImageGradientSobelPlanars16_v3", planes<u8, s16, odxImageGradientSobelPlanars16_v3>},
+        {"odxImageGradientSobelPlanars8", planes<u8, s8, odxImageGradientSobelPlanars8>},
+        {"odxImageGradientSobelPlanars8_v2", planes<u8, s8, odxImageGradientSobelPlanars8_v2>},
+        {"odxImageGradientSobelPlanarf32", planes<u8, f32, odxImageGradientSobelPlanarf32>},
+        {"odxImageGradientSobelPlanarf32_v2", planes<u8, f32, odxImageGradientSobelPlanarf32_v2>},
+        {"odxImageGradientSobelPlanarf32f32", planes<f32, f32, odxImageGradientSobelPlanarf32f32>},
+        {"odxImageGradientSobelPlanarf32f32_v2", planes<f32, f32, odxImageGradientSobelPlanarf32f32_v2>},
+        {"odxImageGradientScharrInterleaveds16", pairs<s16, odxImageGradientScharrInterleaveds16>},
+        {"odxFilterSobel3x3u8", packedToPacked<u8, u8, odxFilterSobel3x3u8>},
+        {"odxFilterSobel3x3u8_v2", imageToImage<u8, u8, odxFilterSobel3x3u8_v2>},
         {"odxFilterSobel3x3u8s16", sobel<3, odxFilterSobel3x3u8s16>},
         {"odxFilterSobel5x5u8s16", sobel<5, odxFilterSobel5x5u8s16>},
         {"odxFilterSobel7x7u8s16", sobel<7, odxFilterSobel7x7u8s16>},
         {"odxFilterCannyu8", canny, true},
-        {"odxFilterCanny3x3u8", differenceEdges, true},
-        {"odxFilterCanny3x3u8_v2", differenceEdges_v2, true},
-        {"odxFilterCanny3x3u8_v3", differenceEdges_v3, true},
+        {"odxFilterCanny3x3u8", packedToPacked<u8, u8, odxFilterCanny3x3u8, Size<3>, low, high>, true},
+        {"odxFilterCanny3x3u8_v2", imageToImage<u8, u8, odxFilterCanny3x3u8_v2, Size<3>, low, high>, true},
+        {"odxFilterCanny3x3u8_v3", differenceEdges, true},
     };
-#undef ODX_PAIRS
-#undef ODX_PLANES
 }
 
 } // namespace odx::test
