@@ -3,6 +3,8 @@
 #include "cpu/border.h"
 #include "cpu/ondrixEdgeRows.h"
 
+#include <type_traits>
+
 using odx::Plane;
 using odx::rowOf;
 using namespace odx::edge;
@@ -36,17 +38,17 @@ namespace
 
 // What is stored of a sum.
 template <class D>
-D whole(int sum)
+D whole(int16_t sum)
 {
     return static_cast<D>(sum);
 }
 template <class D>
-D eighth(int sum)
+D eighth(int16_t sum)
 {
     return static_cast<D>(sum >> 3);
 }
 template <>
-float eighth<float>(int sum)
+float eighth<float>(int16_t sum)
 {
     return static_cast<float>(sum) * 0.125f;
 }
@@ -67,14 +69,14 @@ void forInterior(const T* src, uint32_t width, uint32_t height, uint32_t srcStri
 template <class Kernel, auto* stored, class T, class D>
 void planar(const T* src, uint32_t width, uint32_t height, uint32_t srcStride, D* dx, D* dy, uint32_t dxyStride)
 {
-    using Sum = decltype(src[0] - src[0]);
+    using Sum = std::conditional_t<std::is_integral_v<T>, int16_t, T>;
     forInterior(src, width, height, srcStride, [=](const T* above, uint32_t y) {
         D *const outX = rowOf(dx, dxyStride, y) + 1, *const outY = rowOf(dy, dxyStride, y) + 1;
-        gradientRow<Kernel, Sum>(above, rowOf(above, srcStride, 1), rowOf(above, srcStride, 2), width - 2,
-                                 [=](size_t x, Sum sumX, Sum sumY) {
-                                     outX[x] = stored(sumX);
-                                     outY[x] = stored(sumY);
-                                 });
+        gradientRow<Kernel>(above, rowOf(above, srcStride, 1), rowOf(above, srcStride, 2), width - 2,
+                            [=](size_t x, Sum sumX, Sum sumY) {
+                                outX[x] = stored(sumX);
+                                outY[x] = stored(sumY);
+                            });
     });
 }
 
@@ -84,11 +86,11 @@ void interleaved(const uint8_t* src, uint32_t width, uint32_t height, uint32_t s
 {
     forInterior(src, width, height, srcStride, [=](const uint8_t* above, uint32_t y) {
         D* const out = rowOf(gradients, gradStride, y - 1);
-        gradientRow<Kernel, int>(above, rowOf(above, srcStride, 1), rowOf(above, srcStride, 2), width - 2,
-                                 [=](size_t x, int sumX, int sumY) {
-                                     out[2 * x] = stored(sumX);
-                                     out[2 * x + 1] = stored(sumY);
-                                 });
+        gradientRow<Kernel>(above, rowOf(above, srcStride, 1), rowOf(above, srcStride, 2), width - 2,
+                            [=](size_t x, int16_t sumX, int16_t sumY) {
+                                out[2 * x] = stored(sumX);
+                                out[2 * x + 1] = stored(sumY);
+                            });
     });
 }
 
@@ -161,11 +163,11 @@ void odxFilterSobel3x3u8C(const uint8_t* src, unsigned int srcWidth, unsigned in
 {
     forInterior(src, srcWidth, srcHeight, srcStride, [=](const uint8_t* above, uint32_t y) {
         uint8_t* const out = rowOf(dst, dstStride, y) + 1;
-        gradientRow<Sobel, int>(above, rowOf(above, srcStride, 1), rowOf(above, srcStride, 2), srcWidth - 2,
-                                [=](size_t x, int dx, int dy) {
-                                    const int sum = abs(dx) + abs(dy);
-                                    out[x] = static_cast<uint8_t>(sum < 255 ? sum : 255);
-                                });
+        gradientRow<Sobel>(above, rowOf(above, srcStride, 1), rowOf(above, srcStride, 2), srcWidth - 2,
+                           [=](size_t x, int16_t dx, int16_t dy) {
+                               const auto sum = static_cast<int16_t>(abs(dx) + abs(dy));
+                               out[x] = static_cast<uint8_t>(sum < 255 ? sum : 255);
+                           });
     });
 }
 }

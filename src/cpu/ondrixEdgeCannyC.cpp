@@ -21,11 +21,11 @@ struct Kernels {
         if constexpr (K == 3) {
             using Kernel = std::conditional_t<Detector::kCentral, Central, Sobel>;
             for (; rows != 0; --rows, src += stride, gx += pitch, gy += pitch) {
-                gradientRow<Kernel, int>(src, src + stride, src + 2 * stride, width,
-                                         [=](size_t x, int dx, int dy) {
-                                             gx[x] = static_cast<int16_t>(dx);
-                                             gy[x] = static_cast<int16_t>(dy);
-                                         });
+                gradientRow<Kernel>(src, src + stride, src + 2 * stride, width,
+                                    [=](size_t x, int16_t dx, int16_t dy) {
+                                        gx[x] = dx;
+                                        gy[x] = dy;
+                                    });
             }
         } else {
             sobelRows<SobelAxis<K, false>>(src, stride, gx, sizeof *gx * pitch, width, rows);

@@ -6,22 +6,46 @@
 #include "cpu/ondrixEdge.h"
 
 #include <stdlib.h>
+#include <type_traits>
 
 namespace odx::edge
 {
 
-// Calls store(x, dx, dy) for each output. Sums of bytes are whole numbers, those of floats are added in this
-// order.
-template <class Kernel, class Sum, class T, class Store>
-static inline void gradientRow(const T* above, const T* here, const T* below, uint32_t count, Store store)
+constexpr uint32_t kChunk = 256; // columns worked on at a time; their sums live on the stack
+
+// Calls store(x, dx, dy) for each output.
+template <class Kernel, class Store>
+static inline void gradientRow(const uint8_t* above, const uint8_t* here, const uint8_t* below, uint32_t count,
+                               Store store)
 {
-    constexpr Sum corner = Kernel::kCorner, middle = Kernel::kMiddle;
+    constexpr int corner = Kernel::kCorner, middle = Kernel::kMiddle;
+    for (uint32_t x0 = 0, n; x0 < count; x0 += n) {
+        n = count - x0 < kChunk ? count - x0 : kChunk;
+        int16_t sums[kChunk + 2], differences[kChunk + 2]; // of columns, up to 16 x 255
+        for (size_t x = 0; x < n + 2; ++x) {
+            sums[x] = static_cast<int16_t>(corner * (above[x0 + x] + below[x0 + x]) + middle * here[x0 + x]);
+            differences[x] = static_cast<int16_t>(below[x0 + x] - above[x0 + x]);
+        }
+        for (size_t x = 0; x < n; ++x) {
+            store(x0 + x, static_cast<int16_t>(sums[x + 2] - sums[x]),
+                  static_cast<int16_t>(corner * (differences[x] + differences[x + 2]) +
+                                       middle * differences[x + 1]));
+        }
+    }
+}
+
+// Sums of floats are added in this order.
+template <class Kernel, class Store>
+static inline void gradientRow(const float* above, const float* here, const float* below, uint32_t count,
+                               Store store)
+{
+    constexpr float corner = Kernel::kCorner, middle = Kernel::kMiddle;
     for (size_t x = 0; x < count; ++x) {
-        const Sum dx = corner * (above[x + 2] - above[x]) + middle * (here[x + 2] - here[x]) +
-                       corner * (below[x + 2] - below[x]);
-        const Sum dy = corner * (below[x] - above[x]) + middle * (below[x + 1] - above[x + 1]) +
-                       corner * (below[x + 2] - above[x + 2]);
-        store(x, dx, dy);
+        store(x,
+              corner * (above[x + 2] - above[x]) + middle * (here[x + 2] - here[x]) +
+                  corner * (below[x + 2] - below[x]),
+              corner * (below[x] - above[x]) + middle * (below[x + 1] - above[x + 1]) +
+                  corner * (below[x + 2] - above[x + 2]));
     }
 }
 
@@ -34,13 +58,14 @@ struct SobelAxis {
     static constexpr auto& kAlong = downward ? kSmoothing[K / 2 - 1] : kDerivative[K / 2 - 1];
     static constexpr auto& kDown = downward ? kDerivative[K / 2 - 1] : kSmoothing[K / 2 - 1];
 
-    // Sums of columns fit 16 bits: 64 x 255.
+    // Sums of columns fit 16 bits: 64 x 255. So do all but those of 7x7.
+    using Sum = std::conditional_t<K == 7, int, int16_t>;
+
     static void row(const uint8_t* const* lines, int16_t* out, uint32_t count)
     {
-        constexpr uint32_t chunk = 256;
         for (uint32_t x0 = 0, n; x0 < count; x0 += n) {
-            n = count - x0 < chunk ? count - x0 : chunk;
-            int16_t columns[chunk + K - 1];
+            n = count - x0 < kChunk ? count - x0 : kChunk;
+            int16_t columns[kChunk + K - 1];
             for (size_t x = 0; x < n + K - 1; ++x) {
                 int sum = 0;
                 for (size_t k = 0; k < K; ++k)
@@ -48,9 +73,9 @@ struct SobelAxis {
                 columns[x] = static_cast<int16_t>(sum);
             }
             for (size_t x = 0; x < n; ++x) {
-                int sum = 0;
+                Sum sum = 0;
                 for (size_t k = 0; k < K; ++k)
-                    sum += kAlong[k] * columns[x + k];
+                    sum = static_cast<Sum>(sum + kAlong[k] * columns[x + k]);
                 out[x0 + x] = static_cast<int16_t>(sum < INT16_MIN   ? INT16_MIN
                                                    : sum > INT16_MAX ? INT16_MAX
                                                                      : sum);
