@@ -221,19 +221,18 @@ struct SobelY : Window<K, K, kBytes / 2> {
     ODX_MEMBER static void write(s16v sum, int16_t* out) { store(out, sum); }
 };
 
-// Outputs of the Sobel sums, the first of which has its uppermost leftmost tap at `src`; the strides in bytes, the
-// width at least kBytes. Outputs that are not wanted need no memory.
+// Outputs of the Sobel sums, the first of which has its uppermost leftmost tap at `src`; strides in bytes, the
+// width at least kBytes. Either output may be null.
 template <uint32_t K>
 ODX_INLINE void sobelInterior(const uint8_t* src, size_t srcStride, int16_t* dx, int16_t* dy, size_t stride,
-                              uint32_t width, uint32_t height, bool wantsX, bool wantsY)
+                              uint32_t width, uint32_t height)
 {
     const Rows<int16_t> outX = {dx, stride}, outY = {dy, stride};
     if constexpr (K == 3) {
-        if (wantsX && wantsY)
-            return walk(Gradient<edge::Sobel, Whole>(), src, srcStride, width, height, outX, outY);
+        if (dx && dy) return walk(Gradient<edge::Sobel, Whole>(), src, srcStride, width, height, outX, outY);
     }
-    if (wantsX) walk(SobelX<K>(), src, srcStride, width, height, outX);
-    if (wantsY) walk(SobelY<K>(), src, srcStride, width, height, outY);
+    if (dx) walk(SobelX<K>(), src, srcStride, width, height, outX);
+    if (dy) walk(SobelY<K>(), src, srcStride, width, height, outY);
 }
 
 } // namespace odx::ODX_TARGET

@@ -79,8 +79,8 @@ ODX_INLINE odxStatus sobel(Reference* reference, const uint8_t* src, uint32_t wi
                                   planeY = {src, width, height, srcStride, dy, dxyStride};
     if (planeX.interiorWidth(K) < kBytes)
         return reference(src, width, height, srcStride, dx, dy, dxyStride, borderType, borderValue);
-    sobelInterior<K>(src, srcStride, rowOf(dx, dxyStride, K / 2) + K / 2, rowOf(dy, dxyStride, K / 2) + K / 2,
-                     dxyStride, width - K + 1, planeX.interiorHeight(K), dx != nullptr, dy != nullptr);
+    const auto first = [=](int16_t* image) { return image ? rowOf(image, dxyStride, K / 2) + K / 2 : nullptr; };
+    sobelInterior<K>(src, srcStride, first(dx), first(dy), dxyStride, width - K + 1, planeX.interiorHeight(K));
     edge::sobelFrame<K>(planeX, planeY, borderType, borderValue);
     return ONDRIX_SUCCESS;
 }
