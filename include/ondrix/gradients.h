@@ -2,8 +2,8 @@
 /// First derivatives (central differences, Sobel, Scharr), edge magnitudes, and Canny edges.
 ///
 /// Conventions of this page
-/// - Images are row-major with one channel, widths and heights in pixels, strides in bytes; a stride of 0 is the
-///   packed row of that image. In formulas the neighbours of a pixel C are
+/// - Images are row-major with one channel, widths and heights in pixels, strides in bytes; a stride of 0 is
+///   the packed row of that image. In formulas the neighbours of a pixel C are
 ///
 ///       TL T TR
 ///       L  C R
@@ -12,18 +12,19 @@
 /// - dx is right minus left, dy is below minus above: both grow toward brighter pixels.
 /// - The central difference is dx = R - L and dy = B - T. The Sobel sums are
 ///   Gx = (TR - TL) + 2 * (R - L) + (BR - BL) and Gy = (BL - TL) + 2 * (B - T) + (BR - TR), exact for bytes.
-/// - **Planar** functions write two images dx and dy with a common stride, the result of pixel (x, y) at (x, y). The
-///   outermost rows and columns of both are not written. Packed rows have `width` elements.
-/// - **Interleaved** functions write pairs (dx, dy), and only the (width - 2) x (height - 2) results that have all
-///   their neighbours, from the first element of each row on: that of pixel (x, y) is pair x - 1 of row y - 1.
-///   Packed rows have width - 2 pairs, 4 * width - 8 bytes for `s16` and 8 * width - 16 for `f32`.
-/// - Images narrower or lower than 3 have no result: nothing is written. (Functions that compare the stride of
-///   interleaved results refuse a width of 1, for which width - 2 wraps.)
+/// - **Planar** functions write two images dx and dy with a common stride, the result of pixel (x, y) at (x,
+///   y). The outermost rows and columns of both are not written. Packed rows have `width` elements.
+/// - **Interleaved** functions write pairs (dx, dy), and only the (width - 2) x (height - 2) results that
+///   have all their neighbours, from the first element of each row on: that of pixel (x, y) is pair x - 1 of
+///   row y - 1. Packed rows have width - 2 pairs, 4 * width - 8 bytes for `s16` and 8 * width - 16 for
+///   `f32`.
+/// - Images narrower or lower than 3 have no result: nothing is written. (Functions that compare the stride
+///   of interleaved results refuse a width of 1, for which width - 2 wraps.)
 /// - Outputs do not overlap the source, nor each other.
-/// - Strides that are compared: that of the source, which is at least `width` (in bytes, for float pixels, too),
-///   and output strides where a function has them, at least their packed row.
-/// - Refused arguments (null pointers, empty images, such strides) are logged ("Assertion failed @...") and nothing
-///   is written. Functions with a status return ONDRIX_BAD_PARAMETER in silence instead.
+/// - Strides that are compared: that of the source, which is at least `width` (in bytes, for float pixels,
+///   too), and output strides where a function has them, at least their packed row.
+/// - Refused arguments (null pointers, empty images, such strides) are logged ("Assertion failed @...") and
+///   nothing is written. Functions with a status return ONDRIX_BAD_PARAMETER in silence instead.
 #ifndef ONDRIX_GRADIENTS_H
 #define ONDRIX_GRADIENTS_H
 
@@ -128,10 +129,10 @@ ODX_API void odxImageGradientSobelPlanarf32_v2(const uint8_t* src, unsigned int 
                                                unsigned int dxyStride);
 
 /// Sobel gradients of float pixels, an eighth of the sums.
-/// Planar, packed rows of dx and dy. Gx and Gy are single-precision sums, each operation rounded, in this order:
-/// ((TR - TL) + 2 * (R - L)) + (BR - BL) and ((BL - TL) + 2 * (B - T)) + (BR - TR); then times 0.125. The payload of
-/// NaN results is not defined. The source's stride is in bytes, a multiple of 4 (not checked), 0 for 4 * width; less
-/// than `width` is refused.
+/// Planar, packed rows of dx and dy. Gx and Gy are single-precision sums, each operation rounded, in this
+/// order: ((TR - TL) + 2 * (R - L)) + (BR - BL) and ((BL - TL) + 2 * (B - T)) + (BR - TR); then times 0.125.
+/// The payload of NaN results is not defined. The source's stride is in bytes, a multiple of 4 (not
+/// checked), 0 for 4 * width; less than `width` is refused.
 ODX_API void odxImageGradientSobelPlanarf32f32(const float* src, unsigned int srcWidth, unsigned int srcHeight,
                                                unsigned int srcStride, float* dx, float* dy);
 
@@ -142,7 +143,8 @@ ODX_API void odxImageGradientSobelPlanarf32f32_v2(const float* src, unsigned int
                                                   unsigned int dxyStride);
 
 /// Scharr gradients as pairs of 16-bit numbers.
-/// Interleaved: dx = 3 * ((TR - TL) + (BR - BL)) + 10 * (R - L) and dy = 3 * ((BL - TL) + (BR - TR)) + 10 * (B - T).
+/// Interleaved: dx = 3 * ((TR - TL) + (BR - BL)) + 10 * (R - L) and dy = 3 * ((BL - TL) + (BR - TR)) + 10 *
+/// (B - T).
 ODX_API void odxImageGradientScharrInterleaveds16(const uint8_t* src, unsigned int srcWidth,
                                                   unsigned int srcHeight, unsigned int srcStride,
                                                   int16_t* gradients, unsigned int gradStride);
@@ -156,10 +158,10 @@ ODX_API void odxFilterSobel3x3u8_v2(const uint8_t* src, unsigned int srcWidth, u
                                     unsigned int srcStride, uint8_t* dst, unsigned int dstStride);
 
 /// 3x3 Sobel sums of images of any size, with a border type.
-/// dx = Gx and dy = Gy, not scaled. Both are of the image's size; a null dx or dy is left out. UNDEFINED leaves the
-/// pixels unwritten whose window is not inside the image, CONSTANT and REPLICATE write every pixel. An image
-/// smaller than the window is all border. Refused are a null source, empty images, strides below the packed
-/// row (that of dx and dy even where both are null), and unknown border types.
+/// dx = Gx and dy = Gy, not scaled. Both are of the image's size; a null dx or dy is left out. UNDEFINED
+/// leaves the pixels unwritten whose window is not inside the image, CONSTANT and REPLICATE write every
+/// pixel. An image smaller than the window is all border. Refused are a null source, empty images, strides
+/// below the packed row (that of dx and dy even where both are null), and unknown border types.
 /// \param borderValue  pixel value outside the image for ONDRIX_BORDER_CONSTANT; its low 8 bits count
 ODX_API odxStatus odxFilterSobel3x3u8s16(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
                                          unsigned int srcStride, int16_t* dx, int16_t* dy, unsigned int dxyStride,
@@ -173,8 +175,8 @@ ODX_API odxStatus odxFilterSobel5x5u8s16(const uint8_t* src, unsigned int srcWid
                                          odxBorderType borderType, uint32_t borderValue);
 
 /// 7x7 Sobel sums of images of any size, with a border type.
-/// As odxFilterSobel5x5u8s16 with the weights (-1 -4 -5 0 5 4 1) and (1 6 15 20 15 6 1); sums beyond 16 bits are
-/// -32768 or 32767.
+/// As odxFilterSobel5x5u8s16 with the weights (-1 -4 -5 0 5 4 1) and (1 6 15 20 15 6 1), and sums are held
+/// between -32768 and 32767.
 ODX_API odxStatus odxFilterSobel7x7u8s16(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
                                          unsigned int srcStride, int16_t* dx, int16_t* dy, unsigned int dxyStride,
                                          odxBorderType borderType, uint32_t borderValue);
@@ -188,21 +190,21 @@ ODX_ENUM(uint32_t, odxNormType){
 /// Canny edges from Sobel gradients: 255 on edges, 0 elsewhere.
 /// Every pixel of dst is written; its outermost rows and columns are 0.
 ///
-/// 1. gx and gy are what the Sobel filter of the kernel's size (odxFilterSobel3x3u8s16, 5x5 or 7x7) gives with
-///    ONDRIX_BORDER_REPLICATE. They are written where their pointers are not null.
-/// 2. low = min(|lowThresh|, 32767) and high = min(|highThresh|, 32767). The magnitude m is gx * gx + gy * gy for
-///    ONDRIX_NORM_L2, and both thresholds are squared; else it is |gx| + |gy|.
+/// 1. gx and gy are what the Sobel filter of the kernel's size (odxFilterSobel3x3u8s16, 5x5 or 7x7) gives
+///    with ONDRIX_BORDER_REPLICATE. They are written where their pointers are not null.
+/// 2. low = min(|lowThresh|, 32767) and high = min(|highThresh|, 32767). The magnitude m is gx * gx + gy *
+///    gy for ONDRIX_NORM_L2, and both thresholds are squared; else it is |gx| + |gy|.
 /// 3. Thinning, for pixels with m > low that are not in the outermost rows and columns:
 ///    - if |gx| * 13573 > |gy| * 32768 (near horizontal), a pixel stays if m > m(L) and m >= m(R);
-///    - else if |gx| * 79109 >= |gy| * 32768 (diagonal), if m > m(TR) and m > m(BL) where gx * gy < 0, and if
-///      m > m(TL) and m > m(BR) elsewhere;
+///    - else if |gx| * 79109 >= |gy| * 32768 (diagonal), if m > m(TR) and m > m(BL) where gx * gy < 0, and
+///      if m > m(TL) and m > m(BR) elsewhere;
 ///    - else if m > m(T) and m >= m(B).
-/// 4. A pixel that stays is strong if m > high, else weak. Edges are the strong pixels, and the weak ones that
-///    touch an edge pixel at a side or corner. (If low is above high, all are strong.)
+/// 4. A pixel that stays is strong if m > high, else weak. Edges are the strong pixels, and the weak ones
+///    that touch an edge pixel at a side or corner. (If low is above high, all are strong.)
 ///
-/// The time is proportional to the number of pixels, whatever they show. Temporary memory: about 5 bytes a pixel.
-/// Refused, with nothing written: null src or dst, empty images, strides below the packed row, and kernel sizes other
-/// than 3, 5 and 7.
+/// The time is proportional to the number of pixels, whatever they show. Temporary memory: about 5 bytes a
+/// pixel. Refused, with nothing written: null src or dst, empty images, strides below the packed row, and
+/// kernel sizes other than 3, 5 and 7.
 /// \param gradStride  that of gx and gy; 0 = 2 * width
 /// \return ONDRIX_NO_MEMORY, with nothing written, when temporary memory could not be had
 ODX_API odxStatus odxFilterCannyu8(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
@@ -211,19 +213,20 @@ ODX_API odxStatus odxFilterCannyu8(const uint8_t* src, unsigned int srcWidth, un
                                    int16_t* gy, unsigned int gradStride);
 
 /// Canny edges from differences of neighbouring pixels: 255 on edges, 0 elsewhere.
-/// Packed rows, width and height of at least 3, low <= high. Every pixel of dst is written. Only pixels at least two
-/// rows and columns away from the border can be edges.
+/// Packed rows, width and height of at least 3, low <= high. Every pixel of dst is written; its two
+/// outermost rows and columns are 0.
 ///
 /// 1. b = R - L, a = B - T, and the magnitude is m = a * a + b * b.
-/// 2. The direction is: left and right if |b| > 2 * |a|; else, if |a| <= 2 * |b|, the diagonal TL and BR where a and
-///    b have the same sign, TR and BL elsewhere; else above and below.
-/// 3. A pixel stays if m is above that of the first of these two neighbours, and not below that of the second:
-///    L and R, TL and BR, TR and BL, T and B.
-/// 4. low and high are in the units of a and b: negative ones count as 0, and both are squared. A pixel that stays
-///    is strong if m >= high, and weak if m >= low. Edges are the strong pixels, and the weak ones that touch an edge
-///    pixel at a side or corner.
+/// 2. The direction is: left and right if |b| > 2 * |a|; else, if |a| <= 2 * |b|, the diagonal TL and BR
+///    where a and b have the same sign, TR and BL elsewhere; else above and below.
+/// 3. A pixel stays if m is above that of the first of these two neighbours, and not below that of the
+///    second: L and R, TL and BR, TR and BL, T and B.
+/// 4. low and high are in the units of a and b: negative ones count as 0, and both are squared. A pixel that
+///    stays is strong if m >= high, and weak if m >= low. Edges are the strong pixels, and the weak ones
+///    that touch an edge pixel at a side or corner.
 ///
-/// Time and temporary memory as for odxFilterCannyu8. Without memory an error line is logged and nothing is written.
+/// Time and temporary memory as for odxFilterCannyu8. Without memory an error line is logged and nothing is
+/// written.
 ODX_API void odxFilterCanny3x3u8(const uint8_t* src, unsigned int width, unsigned int height, uint8_t* dst,
                                  int low, int high);
 
