@@ -26,6 +26,8 @@
 #include "ondrix/memory.h"
 #include "ondrix/modes.h"
 #include "ondrix/morphology.h"
+#include "ondrix/pyramids.h"
+#include "ondrix/scaling.h"
 #include "ondrix/smoothing.h"
 #include "ondrix/thresholding.h"
 #include "ondrix/types.h"

@@ -45,4 +45,11 @@ ODX_ENUM(uint32_t, odxBorderType){
     ONDRIX_BORDER_REPLICATE = 2  ///< pixels outside equal the nearest pixel of the edge
 };
 
+/// How an image of another size or shape gets its pixels.
+ODX_ENUM(uint32_t, odxInterpolationType){
+    ONDRIX_INTERPOLATION_NEAREST = 0,  ///< from the nearest pixel
+    ONDRIX_INTERPOLATION_BILINEAR = 1, ///< from the four pixels around, weighted
+    ONDRIX_INTERPOLATION_AREA = 2      ///< from the pixels that are covered
+};
+
 #endif

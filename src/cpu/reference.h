@@ -11,7 +11,9 @@
 #include "cpu/ondrixFastC.h"
 #include "cpu/ondrixHarrisC.h"
 #include "cpu/ondrixMorphC.h"
+#include "cpu/ondrixPyramidC.h"
 #include "cpu/ondrixRegisterC.h"
+#include "cpu/ondrixScaleC.h"
 #include "cpu/ondrixThresholdC.h"
 
 #endif

@@ -9,6 +9,7 @@
 #include "dsp/ondrixFastX.h"
 #include "dsp/ondrixHarrisX.h"
 #include "dsp/ondrixMorphX.h"
+#include "dsp/ondrixScaleX.h"
 #include "dsp/ondrixThresholdX.h"
 
 #endif

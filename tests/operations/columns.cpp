@@ -90,7 +90,7 @@ std::vector<Row> allRows()
     std::vector<Row> rows;
     for (const auto& family :
          {colorFromRgbRows(), colorToRgbRows(), correlationRows(), descriptorRows(), fastRows(), gradientRows(),
-          harrisRows(), memoryRows(), morphologyRows(), smoothingRows(), thresholdingRows()})
+          harrisRows(), memoryRows(), morphologyRows(), scalingRows(), smoothingRows(), thresholdingRows()})
         rows.insert(rows.end(), family.begin(), family.end());
     return rows;
 }

@@ -1,0 +1,293 @@
+#include "operations/draw.h"
+
+#include "ondrix/pyramids.h"
+#include "ondrix/scaling.h"
+
+namespace odx::test
+{
+
+namespace
+{
+
+// The size of an output, of a source of `size`: typically two thirds.
+uint32_t outputSize(Draw& draw, const char* name, uint32_t size, uint32_t least = 1)
+{
+    const uint32_t third = size / 3, typical = std::max(2 * third, least);
+    const uint32_t drawn = draw.number<uint32_t>(name, least, std::max(2 * size, least) + 1, typical);
+    return draw.pick("size", {drawn, std::max(size, least), std::max(size / 2, least), 2 * size, 3 * size, drawn});
+}
+
+// An even number of pixels, or another multiple of k.
+Extent multiples(Draw& draw, uint32_t k)
+{
+    const Extent extent = draw.extent(k, k);
+    return {extent.width / k * k, extent.height / k * k};
+}
+
+// Operations that write `up` pixels for each `down` pixels of the source.
+
+template <class T, uint32_t up, uint32_t down, auto* operation>
+void packed(Draw& draw)
+{
+    const Extent extent = multiples(draw, down);
+    const auto src = draw.source<T>("src", extent, true);
+    const auto dst = draw.destination<T>("dst", {extent.width / down * up, extent.height / down * up}, true);
+    draw.run([&] { return operation(src.pixels, extent.width, extent.height, dst.pixels); });
+}
+
+template <class T, uint32_t channels, auto* operation>
+void withStrides(Draw& draw, Extent extent, Extent outputs)
+{
+    const auto src = draw.source<T>("src", {extent.width * channels, extent.height});
+    const auto dst = draw.destination<T>("dst", {outputs.width * channels, outputs.height});
+    draw.run([&] {
+        return operation(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
+                         dst.strideArgument());
+    });
+}
+
+template <class T, uint32_t down, auto* operation>
+void reduction(Draw& draw)
+{
+    const Extent extent = multiples(draw, down);
+    withStrides<T, 1, operation>(draw, extent, {extent.width / down, extent.height / down});
+}
+
+template <uint32_t upX, uint32_t upY, uint32_t channels, auto* operation>
+void enlargement(Draw& draw)
+{
+    const Extent extent = draw.extent();
+    withStrides<uint8_t, channels, operation>(draw, extent, {upX * extent.width, upY * extent.height});
+}
+
+// Sizes that need not be even.
+template <uint32_t least, uint32_t roundsUp, auto* operation>
+void halving(Draw& draw)
+{
+    const Extent extent = draw.extent(least, least);
+    withStrides<uint8_t, 1, operation>(draw, extent,
+                                       {(extent.width + roundsUp) / 2, (extent.height + roundsUp) / 2});
+}
+
+void threeToTwo(Draw& draw)
+{
+    const Extent extent = draw.extent(3, 3);
+    withStrides<uint8_t, 1, odxScaleDown3To2u8>(draw, extent, {extent.width / 3 * 2, extent.height / 3 * 2});
+}
+
+// Operations whose sizes are given.
+
+template <uint32_t channels, auto* operation, class... Numbers>
+void resize(Draw& draw, Extent from, Extent to, Numbers... numbers)
+{
+    const auto src = draw.source<uint8_t>("src", {from.width * channels, from.height}),
+               dst = draw.destination<uint8_t>("dst", {to.width * channels, to.height});
+    draw.run([&] {
+        return operation(src.pixels, from.width, from.height, src.strideArgument(), dst.pixels, to.width,
+                         to.height, dst.strideArgument(), numbers...);
+    });
+}
+
+template <uint32_t channels, uint32_t share, auto* operation>
+void toAnySize(Draw& draw)
+{
+    const Extent from = draw.extent();
+    const Extent to = {outputSize(draw, "width", from.width, from.width / share + 1),
+                       outputSize(draw, "height", from.height, from.height / share + 1)};
+    resize<channels, operation>(draw, from, to);
+}
+
+Extent drawnSize(Draw& draw, Extent from)
+{
+    return {outputSize(draw, "width", from.width), outputSize(draw, "height", from.height)};
+}
+
+void scale(Draw& draw)
+{
+    const Extent from = draw.extent(), to = drawnSize(draw, from);
+    const auto type = draw.pick(
+        "type", {ONDRIX_INTERPOLATION_BILINEAR, ONDRIX_INTERPOLATION_AREA, ONDRIX_INTERPOLATION_NEAREST});
+    resize<1, odxScaleu8>(draw, from, to, type);
+}
+
+void scale_v2(Draw& draw)
+{
+    const Extent from = draw.extent(), to = drawnSize(draw, from);
+    const auto type = draw.pick(
+        "type", {ONDRIX_INTERPOLATION_AREA, ONDRIX_INTERPOLATION_BILINEAR, ONDRIX_INTERPOLATION_NEAREST});
+    const auto border =
+        draw.pick("border", {ONDRIX_BORDER_REPLICATE, ONDRIX_BORDER_CONSTANT, ONDRIX_BORDER_UNDEFINED});
+    resize<1, odxScaleu8_v2>(draw, from, to, type, border, draw.number<uint8_t>("value", 0, 255, 100));
+}
+
+struct Factors {
+    uint32_t x, y;
+};
+Factors factors(Draw& draw)
+{
+    const uint32_t x = draw.pick("kx", {3u, 1u, 2u, 4u, 5u, 17u});
+    return {x, draw.pick("ky", {3u, 2u, 1u, 4u, 7u})};
+}
+
+void blocks(Draw& draw)
+{
+    const Factors k = factors(draw);
+    const Extent extent = draw.extent(k.x, k.y), to = {extent.width / k.x, extent.height / k.y};
+    const auto src = draw.source<uint8_t>("src", {to.width * k.x, to.height * k.y}, true),
+               dst = draw.destination<uint8_t>("dst", to, true);
+    draw.run([&] { odxScaleDownu8(src.pixels, src.width, src.height, dst.pixels, to.width, to.height); });
+}
+
+void blocks_v2(Draw& draw)
+{
+    const Factors k = factors(draw);
+    const Extent extent = draw.extent(k.x, k.y), to = {extent.width / k.x, extent.height / k.y};
+    resize<1, odxScaleDownu8_v2>(draw, {to.width * k.x, to.height * k.y}, to);
+}
+
+// ---- pyramids: the levels' buffers are images; what becomes of the records counts as result ----
+
+template <class Level>
+void report(Draw& draw, const std::vector<Level>& levels, const void* base)
+{
+    for (const Level& level : levels) {
+        draw.result(level.width);
+        draw.result(level.height);
+        draw.result(level.ptr == base);
+    }
+}
+
+constexpr uint32_t kLevels = 4;
+
+template <class T, class Level, auto* operation>
+void halves(Draw& draw)
+{
+    const Extent extent = multiples(draw, 1u << (kLevels - 1));
+    constexpr bool strided = std::is_same_v<Level, odxPyrLevelStrided>;
+    const auto base = draw.source<T>("base", extent, !strided);
+    std::vector<Level> levels(kLevels);
+    for (uint32_t i = 1; i < kLevels; ++i)
+        levels[i].ptr = draw.destination<T>("level", {extent.width >> i, extent.height >> i}, true).pixels;
+    draw.run([&] {
+        if constexpr (strided) {
+            return operation(base.pixels, extent.width, extent.height, base.strideArgument(), kLevels,
+                             levels.data());
+        } else {
+            return operation(base.pixels, extent.width, extent.height, kLevels, levels.data());
+        }
+    });
+    report(draw, levels, base.pixels);
+}
+
+void anyPyramid(Draw& draw)
+{
+    const Extent extent = draw.extent();
+    const uint32_t octaves = draw.pick("scaleFlag", {0u, 1u});
+    const bool owned = draw.pick("owned", {0, 1}) == 1;
+    const auto base = draw.source<uint8_t>("base", extent);
+    std::vector<odxPyrLevelStrided> levels(kLevels + 2), sizes(levels.size());
+    const auto count = static_cast<uint32_t>(levels.size());
+    odxPyramidAllocate_v3(sizes.data(), extent.width, extent.height, 0, 1, 8, count, octaves, 0);
+    odxPyramidDelete_v2(sizes.data(), count, 1);
+    for (uint32_t i = owned ? 0 : 1; i < count; ++i) {
+        levels[i] = sizes[i];
+        levels[i].stride = i == 0 ? base.stride : sizes[i].width + 3;
+        const Extent whole = {levels[i].stride, sizes[i].height};
+        levels[i].ptr = draw.destination<uint8_t>("level", whole, true).pixels;
+    }
+    draw.run([&] {
+        return odxPyramidCreateu8_v3(base.pixels, extent.width, extent.height, base.strideArgument(), count,
+                                     octaves, levels.data());
+    });
+    report(draw, levels, base.pixels);
+}
+
+// Allocation and deletion: what the records hold between them.
+template <class Level, auto* remove, class Allocate>
+void allocation(Draw& draw, Allocate allocate)
+{
+    const Extent extent = draw.extent();
+    const uint32_t owned = draw.pick("owned", {1u, 0u});
+    std::vector<Level> levels(5);
+    draw.run([&] {
+        const auto result = allocate(levels.data(), extent, owned);
+        for (const Level& level : levels) {
+            draw.result(level.width);
+            draw.result(level.height);
+            draw.result(level.ptr != nullptr);
+        }
+        remove(levels.data(), 5, 0);
+        remove(levels.data(), 5, 0);
+        return result;
+    });
+}
+
+void allocate(Draw& draw)
+{
+    allocation<odxPyrLevel, odxPyramidDelete>(draw, [](odxPyrLevel* levels, Extent e, uint32_t owned) {
+        return odxPyramidAllocate(levels, e.width, e.height, 4, 5, owned);
+    });
+}
+void allocate_v2(Draw& draw)
+{
+    allocation<odxPyrLevelStrided, odxPyramidDelete_v2>(
+        draw, [](odxPyrLevelStrided* levels, Extent e, uint32_t owned) {
+            return odxPyramidAllocate_v2(levels, e.width, e.height, e.width * 4 + 8, 4, 5, owned);
+        });
+}
+void allocate_v3(Draw& draw)
+{
+    const uint32_t octaves = draw.pick("scaleFlag", {0u, 1u});
+    allocation<odxPyrLevelStrided, odxPyramidDelete_v2>(
+        draw, [=](odxPyrLevelStrided* levels, Extent e, uint32_t owned) {
+            return odxPyramidAllocate_v3(levels, e.width, e.height, 0, 1, 24, 5, octaves, owned);
+        });
+}
+
+} // namespace
+
+std::vector<Row> scalingRows()
+{
+    return {
+        {"odxScaleDownBy2u8", packed<uint8_t, 1, 2, odxScaleDownBy2u8>},
+        {"odxScaleDownBy2u8_v2", reduction<uint8_t, 2, odxScaleDownBy2u8_v2>},
+        {"odxScaleDownBy4u8", packed<uint8_t, 1, 4, odxScaleDownBy4u8>},
+        {"odxScaleDownBy4u8_v2", reduction<uint8_t, 4, odxScaleDownBy4u8_v2>},
+        {"odxScaleDown3To2u8", threeToTwo},
+        {"odxScaleDownu8", blocks},
+        {"odxScaleDownu8_v2", blocks_v2},
+        {"odxScaleDownMNu8", toAnySize<1, 20, odxScaleDownMNu8>},
+        {"odxScaleDownMNInterleaveu8", toAnySize<2, 40, odxScaleDownMNInterleaveu8>},
+        {"odxScaleDownBy2Gaussian5x5u8", packed<uint8_t, 1, 2, odxScaleDownBy2Gaussian5x5u8>},
+        {"odxScaleDownBy2Gaussian5x5u8_v2", halving<2, 0, odxScaleDownBy2Gaussian5x5u8_v2>},
+        {"odxScaleDownBy2Gaussian5x5f32", packed<float, 1, 2, odxScaleDownBy2Gaussian5x5f32>},
+        {"odxScaleDownBy2Gaussian5x5f32_v2", reduction<float, 2, odxScaleDownBy2Gaussian5x5f32_v2>},
+        {"odxScaleDownBy2Gaussian3x3u8", halving<3, 1, odxScaleDownBy2Gaussian3x3u8>},
+        {"odxScaleUpBy2Gaussian5x5u8", packed<uint8_t, 2, 1, odxScaleUpBy2Gaussian5x5u8>},
+        {"odxScaleUpBy2Gaussian5x5u8_v2", enlargement<2, 2, 1, odxScaleUpBy2Gaussian5x5u8_v2>},
+        {"odxUpsampleVerticalu8", enlargement<1, 2, 1, odxUpsampleVerticalu8>},
+        {"odxUpsampleHorizontalu8", enlargement<2, 1, 1, odxUpsampleHorizontalu8>},
+        {"odxUpsample2Du8", enlargement<2, 2, 1, odxUpsample2Du8>},
+        {"odxUpsampleVerticalInterleavedu8", enlargement<1, 2, 2, odxUpsampleVerticalInterleavedu8>},
+        {"odxUpsampleHorizontalInterleavedu8", enlargement<2, 1, 2, odxUpsampleHorizontalInterleavedu8>},
+        {"odxUpsample2DInterleavedu8", enlargement<2, 2, 2, odxUpsample2DInterleavedu8>},
+        {"odxScaleDownNNu8", toAnySize<1, 100, odxScaleDownNNu8>},
+        {"odxScaleDownBLu8", toAnySize<1, 100, odxScaleDownBLu8>},
+        {"odxScaleUpPolyu8", toAnySize<1, 100, odxScaleUpPolyu8>},
+        {"odxScaleUpPolyInterleaveu8", toAnySize<2, 100, odxScaleUpPolyInterleaveu8>},
+        {"odxScaleu8", scale},
+        {"odxScaleu8_v2", scale_v2},
+        {"odxPyramidAllocate", allocate},
+        {"odxPyramidAllocate_v2", allocate_v2},
+        {"odxPyramidAllocate_v3", allocate_v3},
+        {"odxPyramidDelete", allocate},
+        {"odxPyramidDelete_v2", allocate_v2},
+        {"odxPyramidCreateu8", halves<uint8_t, odxPyrLevel, odxPyramidCreateu8>},
+        {"odxPyramidCreatef32", halves<float, odxPyrLevel, odxPyramidCreatef32>},
+        {"odxPyramidCreateu8_v2", halves<uint8_t, odxPyrLevelStrided, odxPyramidCreateu8_v2>},
+        {"odxPyramidCreatef32_v2", halves<float, odxPyrLevelStrided, odxPyramidCreatef32_v2>},
+        {"odxPyramidCreateu8_v3", anyPyramid},
+    };
+}
+
+} // namespace odx::test
