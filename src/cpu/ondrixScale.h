@@ -234,7 +234,7 @@ inline void resample(const Resize& image, Sampler& sampler)
     constexpr uint32_t n = Sampler::kTaps, channels = Sampler::kBytesPerPixel;
     static_assert(kColumns % channels == 0);
     using Value = typename Sampler::Value;
-    alignas(64) Value lines[n][kColumns];
+    alignas(64) Value lines[n][kColumns] = {}; // vectors reach beyond the outputs
     auto columnAxis = sampler.columnAxis();
     for (uint32_t x = 0, count; x < image.dstWidth; x += count) {
         count = image.dstWidth - x < kColumns / channels ? image.dstWidth - x : kColumns / channels;
