@@ -92,6 +92,7 @@ struct Entry {
     uint32_t pixelSize = 1;   // what the least amount of work counts a pixel as; 0: there is none
     // Refused combinations: argument and value, and so on.
     std::vector<std::vector<std::pair<size_t, double>>> alsoRefused = {};
+    bool forGpu = true; // else it is for the GPU only where it is refused
 };
 
 template <class T>
@@ -147,6 +148,8 @@ Entries correlationEntries();
 Entries descriptorEntries();
 Entries gradientEntries();
 Entries morphologyEntries();
+Entries pyramidEntries();
+Entries scalingEntries();
 Entries smoothingEntries();
 Entries thresholdingEntries();
 

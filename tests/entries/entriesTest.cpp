@@ -23,7 +23,7 @@ const Entries& allEntries()
         Entries entries;
         for (const Entries& family :
              {colorEntries(), cornerEntries(), correlationEntries(), descriptorEntries(), gradientEntries(),
-              morphologyEntries(), smoothingEntries(), thresholdingEntries()})
+              morphologyEntries(), pyramidEntries(), scalingEntries(), smoothingEntries(), thresholdingEntries()})
             entries.insert(entries.end(), family.begin(), family.end());
         // Every buffer in a place of its own.
         for (Entry& entry : entries) {
@@ -200,6 +200,13 @@ TEST_F(EntryPoints, TraceTheCallBeforeTheyRefuseIt)
 TEST_F(EntryPoints, SendWhatIsAligned)
 {
     const auto check = [](const Entry& entry, uint32_t column, const char* name, uint32_t Argument::*multiple) {
+        if (column == ODX_IMPL_GPU && !entry.forGpu) {
+            std::vector<double> refused = goodArguments(entry);
+            refused[find(entry, Argument::kRows)] += 1;
+            EXPECT_EQ("ORLAN", taken(entry, column, goodArguments(entry))) << entry.name;
+            EXPECT_EQ(name, taken(entry, column, refused)) << entry.name;
+            return;
+        }
         EXPECT_EQ(name, taken(entry, column, goodArguments(entry))) << entry.name;
         for (size_t i = 0; i < entry.arguments.size(); ++i) {
             const Argument& argument = entry.arguments[i];
@@ -207,6 +214,7 @@ TEST_F(EntryPoints, SendWhatIsAligned)
             for (const uint32_t step : {1u, 2u, 4u, 8u, 16u}) {
                 std::vector<double> arguments = goodArguments(entry);
                 arguments[i] += step;
+                if (std::count(argument.failing.begin(), argument.failing.end(), arguments[i]) != 0) continue;
                 EXPECT_EQ(step % argument.*multiple == 0 ? name : "ORLAN", taken(entry, column, arguments))
                     << entry.name << ", argument " << i << " + " << step;
             }
@@ -261,7 +269,7 @@ TEST_F(EntryPoints, SendEverythingWhereConstraintsAreOff)
         for (const auto& [column, name] : kRemoteColumns) {
             std::vector<double> arguments = goodArguments(entry);
             for (size_t i = 0; i < arguments.size(); ++i) {
-                if (entry.arguments[i].kind <= Argument::kStride) arguments[i] = 9 + double(i);
+                if (entry.arguments[i].kind <= Argument::kStride) arguments[i] = 2 * (9 + double(i));
             }
             EXPECT_EQ(name, taken(entry, column, arguments)) << entry.name;
         }

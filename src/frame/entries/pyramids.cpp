@@ -7,11 +7,17 @@ using namespace odx;
 namespace
 {
 
-bool pyramidFits(const void* base, uint32_t width, uint32_t height, uint32_t levels, const void* pyr)
+// Whether all levels but the last have even sizes.
+bool halves(uint32_t width, uint32_t height, uint32_t levels)
 {
-    if (!base || !width || !height || !levels || levels > 32 || !pyr) return false;
+    if (levels == 0 || levels > 32) return false;
     const uint32_t mask = (uint32_t{1} << (levels - 1)) - 1;
     return ((width | height) & mask) == 0;
+}
+
+bool pyramidFits(const void* base, uint32_t width, uint32_t height, uint32_t levels, const void* pyr)
+{
+    return base && width && height && pyr && halves(width, height, levels);
 }
 
 Limit creation(const void* base, uint32_t width, uint32_t height)
@@ -71,10 +77,9 @@ void odxPyramidDelete_v2(odxPyrLevelStrided* pyr, unsigned int numLevels, unsign
 int odxPyramidCreateu8(const uint8_t* base, unsigned int baseWidth, unsigned int baseHeight,
                        unsigned int numLevels, odxPyrLevel* pyr)
 {
-    // The GPU is for what is refused.
-    const Call<odxPyramidCreateu8C> call(
-        __func__, ODX_LIMITS(creation(base, baseWidth, baseHeight) &
-                             gpuIf(!pyramidFits(base, baseWidth, baseHeight, numLevels, pyr))));
+    // The GPU is kept for sizes that are refused.
+    const Call<odxPyramidCreateu8C> call(__func__, ODX_LIMITS(creation(base, baseWidth, baseHeight) &
+                                                              gpuIf(!halves(baseWidth, baseHeight, numLevels))));
     if (!pyramidFits(base, baseWidth, baseHeight, numLevels, pyr)) return call.failure();
     return call(base, baseWidth, baseHeight, numLevels, pyr);
 }
@@ -82,8 +87,7 @@ int odxPyramidCreateu8(const uint8_t* base, unsigned int baseWidth, unsigned int
 int odxPyramidCreatef32(const float* base, unsigned int baseWidth, unsigned int baseHeight, unsigned int numLevels,
                         odxPyrLevel* pyr)
 {
-    const Call<odxPyramidCreatef32C> call(__func__,
-                                          ODX_LIMITS(creation(base, baseWidth, baseHeight) & gpuIf(false)));
+    const Call<odxPyramidCreatef32C> call(__func__, ODX_LIMITS(creation(base, baseWidth, baseHeight)));
     if (!pyramidFits(base, baseWidth, baseHeight, numLevels, pyr)) return call.failure();
     return call(base, baseWidth, baseHeight, numLevels, pyr);
 }
@@ -92,8 +96,7 @@ int odxPyramidCreateu8_v2(const uint8_t* base, unsigned int baseWidth, unsigned 
                           unsigned int baseStride, unsigned int numLevels, odxPyrLevelStrided* pyr)
 {
     baseStride = packedIfZero(baseStride, baseWidth);
-    const Call<odxPyramidCreateu8_v2C> call(__func__,
-                                            ODX_LIMITS(creation(base, baseWidth, baseHeight) & gpuIf(false)));
+    const Call<odxPyramidCreateu8_v2C> call(__func__, ODX_LIMITS(creation(base, baseWidth, baseHeight)));
     if (!pyramidFits(base, baseWidth, baseHeight, numLevels, pyr) || baseStride < baseWidth) return call.failure();
     return call(base, baseWidth, baseHeight, baseStride, numLevels, pyr);
 }
@@ -103,8 +106,7 @@ int odxPyramidCreatef32_v2(const float* base, unsigned int baseWidth, unsigned i
 {
     const uint64_t row = sizeof *base * uint64_t{baseWidth};
     baseStride = packedIfZero(baseStride, row);
-    const Call<odxPyramidCreatef32_v2C> call(__func__,
-                                             ODX_LIMITS(creation(base, baseWidth, baseHeight) & gpuIf(false)));
+    const Call<odxPyramidCreatef32_v2C> call(__func__, ODX_LIMITS(creation(base, baseWidth, baseHeight)));
     if (!pyramidFits(base, baseWidth, baseHeight, numLevels, pyr) || baseStride < row) return call.failure();
     return call(base, baseWidth, baseHeight, baseStride, numLevels, pyr);
 }
@@ -114,8 +116,7 @@ odxStatus odxPyramidCreateu8_v3(const uint8_t* base, unsigned int baseWidth, uns
                                 odxPyrLevelStrided* pyr)
 {
     baseStride = packedIfZero(baseStride, baseWidth);
-    const Call<odxPyramidCreateu8_v3C> call(__func__,
-                                            ODX_LIMITS(creation(base, baseWidth, baseHeight) & gpuIf(false)));
+    const Call<odxPyramidCreateu8_v3C> call(__func__, ODX_LIMITS(creation(base, baseWidth, baseHeight)));
     if (!base || !baseWidth || !baseHeight || !numLevels || !pyr || baseStride < baseWidth) return call.failure();
     return call(base, baseWidth, baseHeight, baseStride, numLevels, scaleFlag, pyr);
 }

@@ -1,0 +1,212 @@
+#include "entries/entries.h"
+
+#include "ondrix/pyramids.h"
+#include "ondrix/scaling.h"
+
+namespace odx::test
+{
+
+namespace
+{
+
+// Sizes that must be multiples of k.
+Argument multiple(Argument size, uint32_t k)
+{
+    size.refused = {0, size.good + 1, size.good + k - 1};
+    size.accepted = {double(k)};
+    return size;
+}
+
+Argument gpuMultiple(Argument argument, uint32_t n)
+{
+    argument.gpu = n;
+    return argument;
+}
+
+// An output's size: any number but 0.
+Argument output(double good, std::vector<double> refused = {0})
+{
+    return value(good, std::move(refused), {1});
+}
+
+// A number of levels that sizes of 192 and 144 allow, and 0 or more than 32.
+Argument levels()
+{
+    return value(3, {0, 6, 33, 0xFFFFFFFF}, {1, 5});
+}
+
+} // namespace
+
+Entries scalingEntries()
+{
+    const Argument in4 = buffer(4, 16), in16 = buffer(16, 16);
+    const auto packedReduction = [&](uint32_t k) {
+        return std::vector{in4, multiple(width(1, 8), k), multiple(height(), k), in4};
+    };
+    const auto upsampling = [&](uint32_t channels, uint32_t factor) {
+        return std::vector{in16, width(), height(), stride(channels * kWidth), in16, stride(factor * kWidth)};
+    };
+    const auto resizing = [&](uint32_t channels) {
+        return std::vector{buffer(), width(),     height(),   stride(channels * kWidth),
+                           buffer(), output(100), output(90), stride(channels * 100)};
+    };
+    const std::vector<std::vector<std::pair<size_t, double>>> wraps = {{{1, 0x80000001}}};
+    std::vector<Argument> status = resizing(1), status_v2;
+    status.push_back(value(1, {3, 0xFFFFFFFF}, {0, 2}));
+    status_v2 = status;
+    status_v2.push_back(value(2, {3, 0xFFFFFFFF}, {0, 1}));
+    status_v2.push_back(value());
+    std::vector<Argument> groups = resizing(1);
+    groups[5].refused = {0, 9};
+    groups[5].accepted = {10};
+    groups[6].refused = {0, 7};
+    groups[6].accepted = {8};
+    std::vector<Argument> nearest = resizing(1);
+    nearest[0] = nearest[4] = buffer(1, 16);
+    Argument evenWidth = multiple(width(), 2).errors({kWidth + 1.0}),
+             evenRows = multiple(height(), 2).errors({kHeight + 1.0});
+    evenWidth.refused = evenRows.refused = {0};
+    return {
+        {ODX_ENTRY(odxScaleDownBy2u8), "", packedReduction(2)},
+        {ODX_ENTRY(odxScaleDownBy4u8), "", packedReduction(4)},
+        {ODX_ENTRY(odxScaleDownBy2u8_v2),
+         "",
+         {in4, multiple(gpuMultiple(width(), 8), 2), multiple(height(), 2), stride(kWidth, 8, 8), in4,
+          stride(kWidth / 2, 4, 8)}},
+        {ODX_ENTRY(odxScaleDownBy4u8_v2),
+         "",
+         {in4, multiple(width(1, 8), 4), multiple(height(), 4), stride(), in4, stride(kWidth / 4)}},
+        {ODX_ENTRY(odxScaleDown3To2u8),
+         "",
+         {buffer(8, 16), width(), height(), stride(kWidth, 8), buffer(8, 16), stride(kWidth / 3 * 2, 2)},
+         1,
+         0},
+        {ODX_ENTRY(odxScaleDownu8),
+         "src && dst && width && height && dstWidth && dstHeight && width >= dstWidth && height >= dstHeight",
+         {buffer(8, 16), gpuMultiple(width(), 8), height(), buffer(8, 16), value(1, {0}), value(1, {0})}},
+        {ODX_ENTRY(odxScaleDownu8_v2),
+         "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstWidth && dstHeight && (dstStride "
+         ">= "
+         "dstWidth) && srcWidth >= dstWidth && srcHeight >= dstHeight",
+         {buffer(8, 16), gpuMultiple(width(), 8), height(), stride(), buffer(8, 16), value(1, {0}).errors({95}),
+          value(1, {0}).errors({47}), value(200, {}, {0, 1})},
+         1,
+         1,
+         {{{5, 96}, {7, 95}}}},
+        {ODX_ENTRY(odxScaleDownMNu8),
+         "src && dst && srcWidth && srcHeight && dstWidth && dstHeight && (srcStride==0 || srcStride >=srcWidth) "
+         "&& "
+         "(dstStride == 0 || dstStride >= dstWidth) && dstWidth * 20 > srcWidth && dstHeight * 20 > srcHeight",
+         groups, 1, 1},
+        {ODX_ENTRY(odxScaleDownMNInterleaveu8),
+         "src && dst && srcWidth && srcHeight && dstWidth && dstHeight && (srcStride==0 || srcStride "
+         ">=srcWidth*2) && "
+         "(dstStride == 0 || dstStride >= dstWidth*2)",
+         resizing(2), 1, 1, wraps},
+        {ODX_ENTRY(odxScaleDownBLu8),
+         "src && srcWidth && srcHeight && (srcStride >= srcWidth) && dst && dstWidth && dstHeight && (dstStride "
+         ">= "
+         "dstWidth)",
+         resizing(1)},
+        {ODX_ENTRY(odxScaleUpPolyu8),
+         "src && dst && srcWidth && srcHeight && (srcStride == 0 || srcStride >= srcWidth) && dstWidth && "
+         "dstHeight "
+         "&& (dstStride == 0 || dstStride >= dstWidth)",
+         resizing(1)},
+        {ODX_ENTRY(odxScaleUpPolyInterleaveu8),
+         "src && dst && srcWidth && srcHeight && dstWidth && dstHeight && (srcStride==0 || srcStride "
+         ">=srcWidth*2) && "
+         "(dstStride == 0 || dstStride >= dstWidth*2)",
+         resizing(2), 1, 1, wraps},
+        {ODX_ENTRY(odxScaleDownNNu8), "", nearest, 1, 0},
+        {ODX_ENTRY(odxScaleu8), "", status},
+        {ODX_ENTRY(odxScaleu8_v2), "", status_v2},
+        {ODX_ENTRY(odxScaleDownBy2Gaussian5x5u8),
+         "src && dst && width && height && ((width & 1) == 0 ) && ((height & 1) == 0)",
+         {buffer(), evenWidth, evenRows, buffer()},
+         1,
+         0}, // its other version is looked at more closely
+        {ODX_ENTRY(odxScaleDownBy2Gaussian5x5u8_v2),
+         "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= srcWidth/2)",
+         {buffer(), width(), height(), stride(), buffer(), stride(kWidth / 2)}},
+        {ODX_ENTRY(odxScaleDownBy2Gaussian5x5f32),
+         "srcImg && width && height && ((width & 1) == 0 ) && ((height & 1) == 0)",
+         {buffer(), multiple(width(), 2), multiple(height(), 2), buffer()}},
+        {ODX_ENTRY(odxScaleDownBy2Gaussian5x5f32_v2),
+         "src && dst && srcWidth && srcHeight && ((srcWidth & 1) == 0 ) && ((srcHeight & 1) == 0) && (srcStride "
+         ">= "
+         "srcWidth*4) && (dstStride >= srcWidth*2)",
+         {buffer(), multiple(width(), 2), multiple(height(), 2), stride(4 * kWidth), buffer(), stride(2 * kWidth)},
+         1,
+         1,
+         {{{1, 0x40000002}}, {{1, 0x80000002}}}},
+        {ODX_ENTRY(odxScaleDownBy2Gaussian3x3u8),
+         "",
+         {buffer(), width(3), height(3), stride(), buffer(), stride(kWidth / 2)},
+         1,
+         1,
+         {{{1, 193}, {5, 96}}}},
+        {ODX_ENTRY(odxScaleUpBy2Gaussian5x5u8),
+         "src && dst && width && height",
+         {buffer(), width(), height(), buffer()}},
+        {ODX_ENTRY(odxScaleUpBy2Gaussian5x5u8_v2),
+         "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= srcWidth*2)",
+         {buffer(), width(), height(), stride(), buffer(), stride(2 * kWidth)},
+         1,
+         1,
+         {{{1, 0x80000001}, {3, 0x80000001}, {5, 2}}}},
+        {ODX_ENTRY(odxUpsampleVerticalu8),
+         "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth) && (dstStride >=srcWidth)",
+         upsampling(1, 1), 1, 0},
+        {ODX_ENTRY(odxUpsampleHorizontalu8),
+         "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth) && (dstStride >= (2 * srcWidth))",
+         upsampling(1, 2), 1, 0},
+        {ODX_ENTRY(odxUpsample2Du8),
+         "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth) && (dstStride >=(2 * srcWidth))",
+         upsampling(1, 2), 1, 0},
+        {ODX_ENTRY(odxUpsampleVerticalInterleavedu8),
+         "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth * 2) && (dstStride >=srcWidth * 2)",
+         upsampling(2, 2), 1, 0, wraps},
+        {ODX_ENTRY(odxUpsampleHorizontalInterleavedu8),
+         "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth * 2) && (dstStride >= srcWidth * 4)",
+         upsampling(2, 4), 1, 0, wraps},
+        {ODX_ENTRY(odxUpsample2DInterleavedu8),
+         "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth * 2) && (dstStride >= srcWidth * 4)",
+         upsampling(2, 4), 1, 0, wraps},
+    };
+}
+
+Entries pyramidEntries()
+{
+    const auto creation = [](std::vector<Argument> stride) {
+        std::vector<Argument> all = {buffer(4), multiple(width(1, 4), 4), multiple(height(), 4)};
+        all.insert(all.end(), stride.begin(), stride.end());
+        all.insert(all.end(), {levels(), buffer()});
+        return all;
+    };
+    const std::string deletion = "pyr && ((signed)startLevel >= 0) && (startLevel <= numLevels)";
+    const std::vector<Argument> levelsAndStart = {buffer(), value(3, {1}, {2}), value(2, {4, 0x80000000}, {0, 3})};
+    const Argument any = value(1, {}, {0});
+    return {
+        {ODX_ENTRY(odxPyramidAllocate), "", {buffer(), any, any, any, value(3, {0}), any}, 1, 0},
+        {ODX_ENTRY(odxPyramidAllocate_v2), "", {buffer(), any, any, any, any, value(3, {0}), any}, 1, 0},
+        {ODX_ENTRY(odxPyramidAllocate_v3),
+         "",
+         {buffer(), value(50, {0}), value(40, {0}), value(100, {99}, {0}), value(2), value(8, {0, 4, 12}, {24}),
+          value(3, {0}), any, any},
+         1,
+         0},
+        {ODX_ENTRY(odxPyramidDelete), deletion, levelsAndStart, 1, 0},
+        {ODX_ENTRY(odxPyramidDelete_v2), deletion, levelsAndStart, 1, 0},
+        {ODX_ENTRY(odxPyramidCreateu8), "", creation({}), 5, 1, {}, false},
+        {ODX_ENTRY(odxPyramidCreatef32), "", creation({}), 5},
+        {ODX_ENTRY(odxPyramidCreateu8_v2), "", creation({stride()}), 5},
+        {ODX_ENTRY(odxPyramidCreatef32_v2), "", creation({stride(4 * kWidth)}), 5},
+        {ODX_ENTRY(odxPyramidCreateu8_v3),
+         "",
+         {buffer(4), width(1, 4), height(), stride(), value(3, {0}), any, buffer()},
+         5},
+    };
+}
+
+} // namespace odx::test
