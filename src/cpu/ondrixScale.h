@@ -162,14 +162,50 @@ inline void halve(const Plane<typename Filter::Pixel>& plane, uint32_t x0, uint3
     }
 }
 
+// One column of them, in rows whose taps are all inside.
+template <class Filter>
+inline void halveColumn(const Plane<typename Filter::Pixel>& plane, uint32_t x, uint32_t y0, uint32_t y1)
+{
+    using Sum = typename Filter::Sum;
+    constexpr uint32_t R = Filter::R, K = 2 * R + 1;
+    uint32_t column[K];
+    bool inside[K]; // other taps count as 0
+    for (uint32_t k = 0; k < K; ++k) {
+        const uint64_t at = 2 * uint64_t{x} + k - R;
+        column[k] = at < plane.width ? static_cast<uint32_t>(at) : 2 * x;
+        inside[k] = at < plane.width;
+    }
+    const typename Filter::Pixel* row = rowOf(plane.src, plane.srcStride, 2 * size_t{y0} - R);
+    Sum sums[K] = {};
+    const auto enter = [&](uint32_t place) {
+        sums[place] = Filter::template at<Sum>(
+            [&](uint32_t k) { return inside[k] ? static_cast<Sum>(row[column[k]]) : Sum(); });
+        row = rowOf(row, plane.srcStride, 1);
+    };
+    for (uint32_t k = 2; k < K; ++k)
+        enter(k);
+    const uint32_t weight = Filter::kWeight * weightAt<Filter>(2 * x, plane.width);
+    const float reciprocal = Filter::reciprocal(weight);
+    for (uint32_t y = y0; y < y1; ++y) {
+        for (uint32_t k = 2; k < K; ++k)
+            sums[k - 2] = sums[k];
+        enter(K - 2);
+        enter(K - 1);
+        const Sum sum = Filter::template at<Sum>([&](uint32_t k) { return sums[k]; });
+        rowOf(plane.dst, plane.dstStride, y)[x] =
+            weight == Filter::kWeight * Filter::kWeight ? Filter::inside(sum) : Filter::atBorder(sum, reciprocal);
+    }
+}
+
 // Everything but the outputs [1, right) of the rows [1, bottom).
 template <class Filter>
 inline void halveBorder(const Plane<typename Filter::Pixel>& plane, uint32_t width, uint32_t height,
                         uint32_t right, uint32_t bottom)
 {
     halve<Filter>(plane, 0, width, 0, 1);
-    halve<Filter>(plane, 0, 1, 1, bottom);
-    halve<Filter>(plane, right, width, 1, bottom);
+    halveColumn<Filter>(plane, 0, 1, bottom);
+    for (uint32_t x = right; x < width; ++x)
+        halveColumn<Filter>(plane, x, 1, bottom);
     halve<Filter>(plane, 0, width, bottom, height);
 }
 

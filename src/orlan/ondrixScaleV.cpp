@@ -128,17 +128,38 @@ struct Halves3x3 : Window<3, 3, kBytes, 2> {
     ODX_MEMBER static void write(u8v value, uint8_t* out) { store(out, value); }
 };
 
+struct FloatHalves5x5 : Window<5, 5, kBytes / 4, 2> {
+    f32v rows[4] = {};
+
+    ODX_MEMBER static f32v sum(f32v a, f32v b, f32v c, f32v d, f32v e)
+    {
+        return ((a + e) + 4.0f * (b + d)) + 6.0f * c;
+    }
+    ODX_MEMBER f32v push(const float* row)
+    {
+        const f32x2 first = load2(row), second = load2(row + 2), third = load2(row + 4);
+        const f32v next = sum(first.a, first.b, second.a, second.b, third.a);
+        const f32v value = sum(rows[0], rows[1], rows[2], rows[3], next);
+        rows[0] = rows[1];
+        rows[1] = rows[2];
+        rows[2] = rows[3];
+        rows[3] = next;
+        return value;
+    }
+    ODX_MEMBER static void write(f32v value, float* out) { store(out, value * 0.00390625f); }
+};
+
 // The vectors of a filter read one column more than their last output needs; it is inside for the outputs before
 // `right`. Whether there was room for a vector.
-template <class Filter, class Reference>
-ODX_INLINE bool halveInside(const Plane<uint8_t>& plane, uint32_t width, uint32_t height)
+template <class Filter, class Reference, class T>
+ODX_INLINE bool halveInside(const Plane<T>& plane, uint32_t width, uint32_t height)
 {
     constexpr uint32_t R = Reference::R;
-    if (plane.width < 2 * kBytes + 8 || plane.height < 2 * R + 1) return false;
+    if (plane.width < 2 * Filter::kLanes + 8 || plane.height < 2 * R + 1) return false;
     const uint32_t right = (plane.width - R) / 2, bottom = (plane.height - R + 1) / 2;
-    const uint8_t* const in = rowOf(plane.src, plane.srcStride, 2 - R) + (2 - R);
-    uint8_t* const out = rowOf(plane.dst, plane.dstStride, 1) + 1;
-    walk(Filter(), in, plane.srcStride, right - 1, bottom - 1, Rows<uint8_t>{out, plane.dstStride});
+    const T* const in = rowOf(plane.src, plane.srcStride, 2 - R) + (2 - R);
+    T* const out = rowOf(plane.dst, plane.dstStride, 1) + 1;
+    walk(Filter(), in, plane.srcStride, right - 1, bottom - 1, Rows<T>{out, plane.dstStride});
     halveBorder<Reference>(plane, width, height, right, bottom);
     return true;
 }
@@ -160,6 +181,21 @@ odxStatus odxScaleDownBy2Gaussian3x3u8V(const uint8_t* src, unsigned int srcWidt
         odxScaleDownBy2Gaussian3x3u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride);
     }
     return ONDRIX_SUCCESS;
+}
+
+void odxScaleDownBy2Gaussian5x5f32_v2V(const float* src, unsigned int srcWidth, unsigned int srcHeight,
+                                       unsigned int srcStride, float* dst, unsigned int dstStride)
+{
+    const Plane<float> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
+    // Vectors round denormal sums to zero on some processors, which the reference does not.
+    if (kFlushesDenormals || !halveInside<FloatHalves5x5, Floats5x5>(plane, srcWidth / 2, srcHeight / 2)) {
+        odxScaleDownBy2Gaussian5x5f32_v2C(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    }
+}
+
+void odxScaleDownBy2Gaussian5x5f32V(const float* src, unsigned int width, unsigned int height, float* dst)
+{
+    odxScaleDownBy2Gaussian5x5f32_v2V(src, width, height, width * 4, dst, width * 2);
 }
 
 // ---- the Gaussian that doubles ----
