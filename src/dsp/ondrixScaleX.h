@@ -4,7 +4,7 @@
 
 #include "dsp/shapes.h"
 
-namespace odx::dsp
+namespace odx::remoting
 {
 
 // An image, and outputs of another size.
@@ -49,6 +49,6 @@ inline constexpr auto resizedWithStatus = [](const uint8_t* src, uint32_t srcWid
     return limit(worthSending(srcWidth, srcHeight), resized<1>(src, srcWidth, srcHeight, others...));
 };
 
-} // namespace odx::dsp
+} // namespace odx::remoting
 
 #endif
