@@ -127,7 +127,7 @@ TEST_F(Scaling, GaussiansThatHalveDropWhatIsOutside)
         odxScaleDownBy2Gaussian5x5u8_v2(src.data(), src.w(), src.h(), 0, five.data(), 0);
         expectPixels(five, [&](int x, int y) {
             const Taps taps = binomial(src, 2 * x, 2 * y, kGaussian5);
-            const double share = 1.0f / static_cast<float>(taps.weight);
+            const double share = static_cast<double>(1.0f / static_cast<float>(taps.weight));
             return std::floor(0.5 + static_cast<double>(taps.sum) * share);
         });
         if (width > 2 && height > 2) {
