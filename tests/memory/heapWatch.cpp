@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <atomic>
 #include <iterator>
+#include <limits.h>
 #include <mutex>
 #include <stdio.h>
 
@@ -12,7 +13,7 @@ namespace
 {
 
 std::atomic<unsigned> allocations{0};
-std::atomic<bool> noMemory{false};
+std::atomic<unsigned> served{UINT_MAX}; // calls of malloc to come that do not fail
 
 std::mutex reportMutex;
 odx::test::HeapReport report;
@@ -38,13 +39,13 @@ unsigned allocationCount()
     return allocations;
 }
 
-NoMemory::NoMemory()
+NoMemory::NoMemory(unsigned first)
 {
-    noMemory = true;
+    served = first;
 }
 NoMemory::~NoMemory()
 {
-    noMemory = false;
+    served = UINT_MAX;
 }
 
 HeapReport heapReport()
@@ -94,7 +95,9 @@ int __real_posix_memalign(void** block, size_t alignment, size_t size);
 void* __wrap_malloc(size_t size)
 {
     ++allocations;
-    return noMemory ? nullptr : __real_malloc(size);
+    if (served == 0) return nullptr;
+    if (served != UINT_MAX) --served;
+    return __real_malloc(size);
 }
 void* __wrap_calloc(size_t count, size_t size)
 {

@@ -11,11 +11,11 @@ namespace odx::test
 // Allocations so far by the malloc family; those by new go unseen.
 unsigned allocationCount();
 
-// While it lives, malloc fails.
+// While it lives, malloc fails, after it has served so many calls.
 class NoMemory
 {
 public:
-    NoMemory();
+    explicit NoMemory(unsigned served = 0);
     ~NoMemory();
     NoMemory(const NoMemory&) = delete;
     NoMemory& operator=(const NoMemory&) = delete;

@@ -302,6 +302,7 @@ struct Row {
     const char* operation;
     void (*run)(Draw&);
     bool contentMatters = false; // to its speed: it is measured on a scene too
+    bool allocates = false;      // that is its work
 };
 
 // The rows of each family; a family's file defines its own.
