@@ -125,10 +125,12 @@ inline void halve(const Plane<typename Filter::Pixel>& plane, uint32_t x0, uint3
                     });
                 };
                 if (first != 0) partly(0);
-                const typename Filter::Pixel* const in = row + 2 * size_t{x};
+                // Where the row begins here, its first output has taps outside.
+                const size_t before = x == 0 ? R : 0;
+                const typename Filter::Pixel* const in = row + (2 * size_t{x} + before - R);
                 for (size_t i = first; i < last; ++i)
-                    line[i] =
-                        Filter::template at<Sum>([&](size_t k) { return static_cast<Sum>(in[2 * i + k - R]); });
+                    line[i] = Filter::template at<Sum>(
+                        [&](size_t k) { return static_cast<Sum>(in[2 * i + k - before]); });
                 for (uint32_t i = last > first ? last : first; i < count; ++i)
                     partly(i);
             }

@@ -74,8 +74,7 @@ TEST_F(Pyramids, KeepNothingWhereMemoryIsShort)
     std::vector<odxPyrLevelStrided> levels(3);
     levels[2].ptr = &levels;
     EXPECT_EQ(-1, odxPyramidAllocate_v2(levels.data(), 0x80000000, 0xFFFFFFFF, 1, 0xFFFFFFFF, 3, 0));
-    EXPECT_EQ(ONDRIX_NO_MEMORY,
-              odxPyramidAllocate_v3(levels.data(), 0x80000000, 0xFFFFFFFF, 0x80000000, 1, 8, 3, 0, 1));
+    EXPECT_EQ(ONDRIX_NO_MEMORY, odxPyramidAllocate_v3(levels.data(), 0xFFFFFFFF, 0xFFFFFFFF, 0, 1, 8, 3, 0, 1));
     EXPECT_EQ(nullptr, levels[1].ptr);
     EXPECT_EQ(&levels, levels[2].ptr);
     odxPyrLevel packed[2] = {};
