@@ -165,6 +165,13 @@ void halves(Draw& draw)
     const Extent extent = multiples(draw, 1u << (kLevels - 1));
     constexpr bool strided = std::is_same_v<Level, odxPyrLevelStrided>;
     const auto base = draw.source<T>("base", extent, !strided);
+    if constexpr (std::is_same_v<T, float>) {
+        // Infinite sums of a level would become no numbers in the next, whose bits depend on the processor.
+        for (uint32_t y = 0; y < extent.height; ++y) {
+            for (uint32_t x = 0; x < extent.width; ++x)
+                base.at(x, y) *= 0x1p-20F;
+        }
+    }
     std::vector<Level> levels(kLevels);
     for (uint32_t i = 1; i < kLevels; ++i)
         levels[i].ptr = draw.destination<T>("level", {extent.width >> i, extent.height >> i}, true).pixels;
