@@ -16,6 +16,7 @@
 #ifndef ONDRIX_H
 #define ONDRIX_H
 
+#include "ondrix/arithmetic.h"
 #include "ondrix/colorFromRgb.h"
 #include "ondrix/colorToRgb.h"
 #include "ondrix/correlation.h"

@@ -52,4 +52,16 @@ ODX_ENUM(uint32_t, odxInterpolationType){
     ONDRIX_INTERPOLATION_AREA = 2      ///< from the pixels that are covered
 };
 
+/// What happens to results that the destination's type cannot hold.
+ODX_ENUM(uint32_t, odxOverflow){
+    ONDRIX_OVERFLOW_WRAP = 0,    ///< the low bits are kept
+    ONDRIX_OVERFLOW_SATURATE = 1 ///< the nearest number that the type holds
+};
+
+/// A channel of an image: by position in an interleaved pixel, by colour, or of luma and chroma.
+ODX_ENUM(uint32_t, odxChannelType){ONDRIX_CHANNEL_0 = 0, ONDRIX_CHANNEL_1 = 1, ONDRIX_CHANNEL_2 = 2,
+                                   ONDRIX_CHANNEL_3 = 3, ONDRIX_CHANNEL_R = 4, ONDRIX_CHANNEL_G = 5,
+                                   ONDRIX_CHANNEL_B = 6, ONDRIX_CHANNEL_A = 7, ONDRIX_CHANNEL_Y = 8,
+                                   ONDRIX_CHANNEL_U = 9, ONDRIX_CHANNEL_V = 10};
+
 #endif

@@ -2,7 +2,9 @@
 #ifndef ODX_CPU_REFERENCE_H
 #define ODX_CPU_REFERENCE_H
 
+#include "cpu/ondrixArithmC.h"
 #include "cpu/ondrixBlurC.h"
+#include "cpu/ondrixChannelC.h"
 #include "cpu/ondrixColorC.h"
 #include "cpu/ondrixColorFromRgbC.h"
 #include "cpu/ondrixCorrC.h"

@@ -2,6 +2,7 @@
 #ifndef ODX_DSP_DESCRIPTIONS_H
 #define ODX_DSP_DESCRIPTIONS_H
 
+#include "dsp/ondrixArithmX.h"
 #include "dsp/ondrixBlurX.h"
 #include "dsp/ondrixColorX.h"
 #include "dsp/ondrixCorrX.h"

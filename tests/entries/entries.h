@@ -93,6 +93,7 @@ struct Entry {
     // Refused combinations: argument and value, and so on.
     std::vector<std::vector<std::pair<size_t, double>>> alsoRefused = {};
     bool forGpu = true; // else it is for the GPU only where it is refused
+    bool isSent = true; // false: its work is never large enough for a remote target
 };
 
 template <class T>
@@ -142,6 +143,7 @@ constexpr Outcome failureOf(R (*)(P...))
 #define ODX_ENTRY(operation) #operation, odx::test::callWith(operation), odx::test::failureOf(operation)
 
 using Entries = std::vector<Entry>;
+Entries arithmeticEntries();
 Entries colorEntries();
 Entries cornerEntries();
 Entries correlationEntries();

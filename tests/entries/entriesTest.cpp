@@ -22,8 +22,9 @@ const Entries& allEntries()
     static const Entries all = [] {
         Entries entries;
         for (const Entries& family :
-             {colorEntries(), cornerEntries(), correlationEntries(), descriptorEntries(), gradientEntries(),
-              morphologyEntries(), pyramidEntries(), scalingEntries(), smoothingEntries(), thresholdingEntries()})
+             {arithmeticEntries(), colorEntries(), cornerEntries(), correlationEntries(), descriptorEntries(),
+              gradientEntries(), morphologyEntries(), pyramidEntries(), scalingEntries(), smoothingEntries(),
+              thresholdingEntries()})
             entries.insert(entries.end(), family.begin(), family.end());
         // Every buffer in a place of its own.
         for (Entry& entry : entries) {
@@ -222,7 +223,7 @@ TEST_F(EntryPoints, SendWhatIsAligned)
     };
     for (const Entry& entry : allEntries()) {
         for (const auto& [column, name] : kRemoteColumns)
-            check(entry, column, name, &Argument::remote);
+            check(entry, column, entry.isSent ? name : "ORLAN", &Argument::remote);
         for (const unsigned checks : {0u, 1u}) {
             HW_constraint_checks_enable = checks;
             check(entry, ODX_IMPL_GPU, "GPU", &Argument::gpu);

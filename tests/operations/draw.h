@@ -306,6 +306,7 @@ struct Row {
 };
 
 // The rows of each family; a family's file defines its own.
+std::vector<Row> arithmeticRows();
 std::vector<Row> colorFromRgbRows();
 std::vector<Row> colorToRgbRows();
 std::vector<Row> correlationRows();

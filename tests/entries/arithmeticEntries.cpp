@@ -1,0 +1,167 @@
+#include "entries/entries.h"
+
+#include "ondrix/arithmetic.h"
+
+namespace odx::test
+{
+
+namespace
+{
+
+// A packed row, as texts have it.
+template <class T>
+std::string row(const std::string& width, uint32_t channels)
+{
+    std::string type = "float";
+    if (std::is_integral_v<T>) {
+        if (sizeof(T) == 1 && channels == 1) return width;
+        type = (std::is_signed_v<T> ? "int" : "uint") + std::to_string(8 * sizeof(T)) + "_t";
+    }
+    return width + "*sizeof(" + type + ")" + (channels == 1 ? "" : "*" + std::to_string(channels));
+}
+
+// The stride of an image.
+template <class T>
+Argument strideFor(uint32_t channels = 1)
+{
+    return stride(kWidth * channels * sizeof(T), 8);
+}
+
+const Argument image = buffer(8, 16), columns = width(1, 1, 8);
+const Argument policy = value(1, {2, 0xFFFFFFFF}, {0}), shift = value(3, {16, 0xFFFFFFFF}, {0, 15}),
+               depth = value(3, {8, 0xFFFFFFFF}, {0, 7});
+const std::string kPolicy = " && policy <= ONDRIX_OVERFLOW_SATURATE", kShift = " && shift <= 15",
+                  kDepth = " && shift <= 7";
+
+std::vector<Argument> joined(std::vector<Argument> before, const std::vector<Argument>& middle,
+                             const std::vector<Argument>& after)
+{
+    before.insert(before.end(), middle.begin(), middle.end());
+    before.insert(before.end(), after.begin(), after.end());
+    return before;
+}
+
+using Operation = std::function<Outcome(const std::vector<double>&)>;
+
+template <class S1, class S2, class D>
+Entry two(const char* name, Operation call, Outcome failure, const std::vector<Argument>& takes = {},
+          const std::string& more = "")
+{
+    return {name, std::move(call), failure,
+            "src1 && src2 && dst && srcWidth && srcHeight && (src1Stride >= " + row<S1>("srcWidth", 1) +
+                ") && (src2Stride >= " + row<S2>("srcWidth", 1) + ") && (dstStride >= " + row<D>("srcWidth", 1) +
+                ")" + more,
+            joined({image, columns, height(), strideFor<S1>(), image, strideFor<S2>()}, takes,
+                   {image, strideFor<D>()})};
+}
+
+// A pointer among what an operation takes stands in the text.
+template <class S, class D, uint32_t channels = 1>
+Entry one(const char* name, Operation call, Outcome failure, const std::vector<Argument>& takes = {},
+          const std::string& more = "", const std::string& pointer = "")
+{
+    return {name, std::move(call), failure,
+            "src" + pointer + " && dst && srcWidth && srcHeight && (srcStride >= " + row<S>("srcWidth", channels) +
+                ") && (dstStride >= " + row<D>("srcWidth", channels) + ")" + more,
+            joined({image, columns, height(), strideFor<S>(channels)}, takes, {image, strideFor<D>(channels)})};
+}
+
+template <class T, uint32_t channels>
+Entry set(const char* name, Operation call, Outcome failure)
+{
+    return {name,
+            std::move(call),
+            failure,
+            std::string("dst") + (channels == 1 ? "" : " && value") +
+                " && dstWidth && dstHeight && (dstStride >= " + row<T>("dstWidth", channels) +
+                ") && (!mask || maskStride >= dstWidth)",
+            {image, columns, height(), strideFor<T>(channels), channels == 1 ? value() : buffer(), optional(8, 16),
+             strideFor<uint8_t>()}};
+}
+
+Entry combined(const char* name, Operation call, Outcome failure, uint32_t planes)
+{
+    std::string text, strides;
+    std::vector<Argument> arguments = {image, columns, height(), strideFor<uint8_t>()};
+    for (uint32_t i = 1; i <= planes; ++i) {
+        text += "src" + std::to_string(i) + " && ";
+        strides += "(src" + std::to_string(i) + "Stride >= srcWidth) && ";
+        if (i > 1) arguments = joined(arguments, {image, strideFor<uint8_t>()}, {});
+    }
+    return {name, std::move(call), failure,
+            text + "dst && srcWidth && srcHeight && " + strides + "(dstStride >= srcWidth*sizeof(uint8_t)*" +
+                std::to_string(planes) + ")",
+            joined(arguments, {image, strideFor<uint8_t>(planes)}, {})};
+}
+
+} // namespace
+
+// Arguments and text for what an operation takes beyond its images.
+#define TAKEN_nothing
+#define TAKEN_policy , {policy}, kPolicy
+#define TAKEN_shift , {shift}, kShift
+#define TAKEN_depth , {depth}, kDepth
+#define TAKEN_depthPolicy , {depth, policy}, kDepth + kPolicy
+#define TAKEN_weights             \
+    ,                             \
+    {                             \
+        value(), value(), value() \
+    }
+#define TAKEN_value \
+    ,               \
+    {               \
+        value()     \
+    }
+#define TAKEN_scalar \
+    ,                \
+    {                \
+        value()      \
+    }
+#define TAKEN_scalarShift , {value(), shift}, kShift
+#define TAKEN_table , {buffer()}, "", " && table"
+
+Entries arithmeticEntries()
+{
+    const Argument channels = value(3, {0, 1, 17}, {2, 16});
+    const std::string pixels = "(srcStride >= srcWidth*sizeof(uint8_t)*channels) && (dstStride >= srcWidth)",
+                      layout = "src && dst && srcWidth && srcHeight && channels >= 2 && channels <= ";
+    Entry crossProduct = {
+        ODX_ENTRY(odxCrossProduct3x1f32), "src1 && src2 && dst", {buffer(8, 16), buffer(8, 16), buffer(8, 16)}};
+    crossProduct.pixelSize = 0;
+    crossProduct.isSent = false;
+    return {
+#define TWO(name, S1, S2, D, takes, ...) two<S1, S2, D>(ODX_ENTRY(name) TAKEN_##takes),
+#define ONE(name, S, D, takes, ...) one<S, D>(ODX_ENTRY(name) TAKEN_##takes),
+#define TO_VALUES(name, T, channels) one<T, T, channels>(ODX_ENTRY(name), {buffer()}, "", " && value"),
+#define SET(name, T, channels) set<T, channels>(ODX_ENTRY(name)),
+#include "operations/arithmetic.def"
+        combined(ODX_ENTRY(odxChannelCombine2Planesu8), 2),
+        combined(ODX_ENTRY(odxChannelCombine3Planesu8), 3),
+        combined(ODX_ENTRY(odxChannelCombine4Planesu8), 4),
+        {ODX_ENTRY(odxImageDiffu8),
+         "src1 && src2 && dst && srcWidth && srcHeight",
+         {image, columns, height(), image, image}},
+        {ODX_ENTRY(odxChannelExtractu8),
+         layout + "4 && position < channels && " + pixels,
+         {image, columns, height(), strideFor<uint8_t>(3), value(3, {0, 1, 5}, {4}),
+          value(1, {3, 7, 11, 0xFFFFFFFF}, {0, 2, 4, 6, 8, 9, 10}), image, strideFor<uint8_t>()},
+         1,
+         1,
+         {{{4, 4}, {5, 8}}, {{4, 2}, {5, 8}}, {{4, 2}, {5, 2}}, {{4, 2}, {5, 6}}}},
+        {ODX_ENTRY(odxDeinterleaveu8),
+         layout + "16 && " + pixels,
+         {image, columns, height(), strideFor<uint8_t>(3), channels, image, strideFor<uint8_t>()}},
+        {ODX_ENTRY(odxInterleaveu8),
+         layout + "16 && (srcStride >= srcWidth) && (dstStride >= srcWidth*sizeof(uint8_t)*channels)",
+         {image, columns, height(), strideFor<uint8_t>(), channels, image, strideFor<uint8_t>(3)}},
+        {ODX_ENTRY(odxAverageu8),
+         "src && average && srcWidth && srcHeight && (srcStride >= srcWidth)",
+         {image, columns, height(), strideFor<uint8_t>(), buffer()}},
+        {ODX_ENTRY(odxAverages32),
+         "src && average && srcWidth && srcHeight && (srcStride >= srcWidth*sizeof(int32_t))",
+         {image, columns, height(), strideFor<int32_t>(), buffer()}},
+        crossProduct,
+    };
+}
+
+} // namespace odx::test
