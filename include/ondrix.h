@@ -28,6 +28,7 @@
 #include "ondrix/modes.h"
 #include "ondrix/morphology.h"
 #include "ondrix/pyramids.h"
+#include "ondrix/reordering.h"
 #include "ondrix/scaling.h"
 #include "ondrix/smoothing.h"
 #include "ondrix/thresholding.h"

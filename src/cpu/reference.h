@@ -15,6 +15,7 @@
 #include "cpu/ondrixMorphC.h"
 #include "cpu/ondrixPyramidC.h"
 #include "cpu/ondrixRegisterC.h"
+#include "cpu/ondrixReorderC.h"
 #include "cpu/ondrixScaleC.h"
 #include "cpu/ondrixThresholdC.h"
 

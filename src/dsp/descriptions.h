@@ -10,6 +10,7 @@
 #include "dsp/ondrixFastX.h"
 #include "dsp/ondrixHarrisX.h"
 #include "dsp/ondrixMorphX.h"
+#include "dsp/ondrixReorderX.h"
 #include "dsp/ondrixScaleX.h"
 #include "dsp/ondrixThresholdX.h"
 

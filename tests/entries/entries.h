@@ -151,6 +151,7 @@ Entries descriptorEntries();
 Entries gradientEntries();
 Entries morphologyEntries();
 Entries pyramidEntries();
+Entries reorderingEntries();
 Entries scalingEntries();
 Entries smoothingEntries();
 Entries thresholdingEntries();

@@ -88,9 +88,10 @@ uint32_t remoteCalls()
 std::vector<Row> allRows()
 {
     std::vector<Row> rows;
-    for (const auto& family : {arithmeticRows(), colorFromRgbRows(), colorToRgbRows(), correlationRows(),
-                               descriptorRows(), fastRows(), gradientRows(), harrisRows(), memoryRows(),
-                               morphologyRows(), scalingRows(), smoothingRows(), thresholdingRows()})
+    for (const auto& family :
+         {arithmeticRows(), colorFromRgbRows(), colorToRgbRows(), correlationRows(), descriptorRows(), fastRows(),
+          gradientRows(), harrisRows(), memoryRows(), morphologyRows(), reorderingRows(), scalingRows(),
+          smoothingRows(), thresholdingRows()})
         rows.insert(rows.end(), family.begin(), family.end());
     return rows;
 }

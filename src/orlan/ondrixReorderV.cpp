@@ -1,0 +1,200 @@
+#include "cpu/ondrixReorder.h"
+#include "cpu/ondrixReorderC.h"
+#include "orlan/simd/simd.h"
+
+#define ODX_FAMILY_LIST "frame/operations/reordering.def"
+#include "orlan/family.h"
+
+namespace odx::ODX_TARGET
+{
+using namespace simd;
+
+// ---- mirrors ----
+
+// kBytes pixels, or as many as a vector holds, in reverse order.
+template <size_t size>
+struct Reversed;
+template <>
+struct Reversed<1> {
+    static constexpr size_t kPixels = kBytes;
+    u8v v;
+    ODX_MEMBER static Reversed load(const uint8_t* p) { return {reverse(simd::load<u8v>(p))}; }
+    ODX_MEMBER void store(uint8_t* p) const { simd::store(p, v); }
+};
+template <>
+struct Reversed<2> {
+    static constexpr size_t kPixels = kBytes / 2;
+    u16v v;
+    ODX_MEMBER static Reversed load(const uint8_t* p)
+    {
+        const u16v swapped = (u16v)reverse(simd::load<u8v>(p));
+        return {swapped << 8 | swapped >> 8};
+    }
+    ODX_MEMBER void store(uint8_t* p) const { simd::store(p, v); }
+};
+template <>
+struct Reversed<3> {
+    static constexpr size_t kPixels = kBytes;
+    u8x3 v;
+    ODX_MEMBER static Reversed load(const uint8_t* p)
+    {
+        const u8x3 pixels = load3(p);
+        return {{reverse(pixels.a), reverse(pixels.b), reverse(pixels.c)}};
+    }
+    ODX_MEMBER void store(uint8_t* p) const { store3(p, v.a, v.b, v.c); }
+};
+
+template <size_t size>
+struct Mirror {
+    using Vector = Reversed<size>;
+    static constexpr size_t kSize = size, kPixels = Vector::kPixels;
+
+    ODX_MEMBER static void copy(const uint8_t* src, uint8_t* dst, size_t width)
+    {
+        if (width < kPixels) {
+            for (size_t x = 0; x < width; ++x)
+                reorder::setPixel(dst, x, reorder::pixelAt<size>(src, width - 1 - x));
+            return;
+        }
+        for (size_t x = 0; x < width - kPixels; x += kPixels)
+            Vector::load(src + size * (width - kPixels - x)).store(dst + size * x);
+        Vector::load(src).store(dst + size * (width - kPixels));
+    }
+    ODX_MEMBER static void exchange(uint8_t* a, uint8_t* b, size_t width) { exchangeUpTo(a, b, width, width); }
+    ODX_MEMBER static void inPlace(uint8_t* row, size_t width) { exchangeUpTo(row, row, width, width / 2); }
+
+private:
+    ODX_MEMBER static void exchangeUpTo(uint8_t* a, uint8_t* b, size_t width, size_t end)
+    {
+        size_t x = 0;
+        for (; end - x >= kPixels; x += kPixels) {
+            const size_t mirrored = width - kPixels - x;
+            const Vector left = Vector::load(a + size * x), right = Vector::load(b + size * mirrored);
+            right.store(a + size * x);
+            left.store(b + size * mirrored);
+        }
+        reorder::exchangeMirrored<size>(a, b, width, x, end);
+    }
+};
+
+void odxFlipu8V(const uint8_t* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride, uint8_t* dst,
+                unsigned dstStride, int dir)
+{
+    reorder::flip<Mirror<1>>(src, srcWidth, srcHeight, srcStride, dst, dstStride, dir);
+}
+
+void odxFlipu16V(const uint16_t* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride, uint16_t* dst,
+                 unsigned dstStride, int dir)
+{
+    reorder::flip<Mirror<2>>(reinterpret_cast<const uint8_t*>(src), srcWidth, srcHeight, srcStride,
+                             reinterpret_cast<uint8_t*>(dst), dstStride, dir);
+}
+
+odxStatus odxFlipRGB888u8V(const uint8_t* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride,
+                           uint8_t* dst, unsigned dstStride, int dir)
+{
+    reorder::flip<Mirror<3>>(src, srcWidth, srcHeight, srcStride, dst, dstStride, dir);
+    return ONDRIX_SUCCESS;
+}
+
+// ---- transposition ----
+
+// Zips the first half of n vectors with the second until element i of row r is element r of row i, in each 16
+// bytes.
+template <size_t size, size_t n>
+ODX_INLINE void transposeSquares(u8v (&v)[n])
+{
+    static_assert(n * size == 16);
+    for (size_t done = 1; done < n; done *= 2) {
+        u8v next[n];
+        for (size_t i = 0; i < n / 2; ++i) {
+            const u8x2 zipped = zip<size>(v[i], v[i + n / 2]);
+            next[2 * i] = zipped.a;
+            next[2 * i + 1] = zipped.b;
+        }
+        for (size_t i = 0; i < n; ++i)
+            v[i] = next[i];
+    }
+}
+
+// 16 bytes of columns, and as many rows as a vector of the destination has elements: each 16 bytes of a vector
+// take a square of their own.
+template <size_t size>
+struct Block {
+    static constexpr size_t kColumns = 16 / size, kRows = kBytes / size;
+
+    ODX_MEMBER static void move(const uint8_t* src, ptrdiff_t srcStride, uint8_t* dst, ptrdiff_t dstStride)
+    {
+        u8v v[kColumns];
+        for (size_t i = 0; i < kColumns; ++i)
+            v[i] = loadSixteens(src + srcStride * (ptrdiff_t)i, srcStride * (ptrdiff_t)kColumns);
+        transposeSquares<size>(v);
+        for (size_t i = 0; i < kColumns; ++i)
+            store(dst + dstStride * (ptrdiff_t)i, v[i]);
+    }
+};
+
+// Strips of rows that become whole lines of the cache in the destination.
+template <size_t size>
+static void transposeVectors(const reorder::Transposition& t)
+{
+    using Block = ODX_TARGET::Block<size>;
+    constexpr size_t kColumns = Block::kColumns, kRows = Block::kRows, kStrip = kBytes < 64 ? 64 / size : kRows;
+    if (t.width < kColumns || t.height < kRows) return reorder::transposeBlocks<size>(t);
+    for (size_t y = 0; y < t.height; y += kStrip) {
+        const size_t end = t.height - y < kStrip ? t.height : y + kStrip;
+        for (size_t x = 0; x < t.width; x += kColumns) {
+            const size_t column = t.width - x < kColumns ? t.width - kColumns : x;
+            for (size_t r = y; r < end; r += kRows) {
+                const size_t row = t.height - r < kRows ? t.height - kRows : r;
+                Block::move(t.src + t.srcStride * (ptrdiff_t)row + size * column, t.srcStride,
+                            t.dst + t.dstStride * (ptrdiff_t)column + size * row, t.dstStride);
+            }
+        }
+    }
+}
+
+template <class T>
+ODX_INLINE void transpose(const T* src, uint32_t width, uint32_t height, uint32_t srcStride, T* dst,
+                          uint32_t dstStride)
+{
+    transposeVectors<sizeof(T)>({reinterpret_cast<const uint8_t*>(src), width, height, (ptrdiff_t)srcStride,
+                                reinterpret_cast<uint8_t*>(dst), (ptrdiff_t)dstStride});
+}
+
+void odxTransposeu8V(const uint8_t* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride, uint8_t* dst,
+                     unsigned dstStride)
+{
+    transpose(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+}
+
+void odxTransposeu16V(const uint16_t* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride,
+                      uint16_t* dst, unsigned dstStride)
+{
+    transpose(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+}
+
+void odxTransposef32V(const float* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride, float* dst,
+                      unsigned dstStride)
+{
+    transpose(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+}
+
+odxStatus odxRotateImageu8V(const uint8_t* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride,
+                            uint8_t* dst, unsigned dstStride, int degree)
+{
+    if (degree == 2) return odxRotateImageu8C(src, srcWidth, srcHeight, srcStride, dst, dstStride, degree);
+    transposeVectors<1>(reorder::quarterTurn(src, srcWidth, srcHeight, srcStride, dst, dstStride, degree == 1));
+    return ONDRIX_SUCCESS;
+}
+
+odxStatus odxRotateImageInterleavedu8V(const uint8_t* src, unsigned srcWidth, unsigned srcHeight,
+                                       unsigned srcStride, uint8_t* dst, unsigned dstStride, int degree)
+{
+    if (degree == 2)
+        return odxRotateImageInterleavedu8C(src, srcWidth, srcHeight, srcStride, dst, dstStride, degree);
+    transposeVectors<2>(reorder::quarterTurn(src, srcWidth, srcHeight, srcStride, dst, dstStride, degree == 1));
+    return ONDRIX_SUCCESS;
+}
+
+} // namespace odx::ODX_TARGET

@@ -1,0 +1,64 @@
+#include "entries/entries.h"
+
+#include "ondrix/reordering.h"
+
+namespace odx::test
+{
+
+Entries reorderingEntries()
+{
+    const auto image = [](uint32_t size, bool turned, std::vector<Argument> rest = {}) {
+        std::vector arguments = {buffer(), width(),
+                                 height(), stride(size * kWidth),
+                                 buffer(), stride(size * (turned ? kHeight : kWidth))};
+        arguments.insert(arguments.end(), rest.begin(), rest.end());
+        return arguments;
+    };
+    const auto code = [](double good) { return std::vector{value(good, {0, 4, -1}, {1, 2, 3})}; };
+    const auto unchecked = [](Argument size) {
+        size.refused.clear();
+        return size;
+    };
+    // Products of the checks that wrap, and two strides for one image.
+    const std::vector<std::pair<size_t, double>> wide = {{1, 0x80000001}}, high = {{2, 0x80000001}},
+                                                 twoStrides = {{0, 65536}, {4, 65536}, {5, 4000}};
+    const std::string transposed = "src && dst && srcWidth && srcHeight && ", dir = " && dir >= 1 && dir <= 3";
+    return {
+        {ODX_ENTRY(odxTransposeu8), transposed + "(srcStride >= srcWidth) && (dstStride >= srcHeight)",
+         image(1, true)},
+        {ODX_ENTRY(odxTransposeu16),
+         transposed + "(srcStride >= srcWidth*2) && (dstStride >= srcHeight*2)",
+         image(2, true),
+         1,
+         1,
+         {wide, high}},
+        {ODX_ENTRY(odxTransposef32),
+         transposed + "(srcStride >= srcWidth*4) && (dstStride >= srcHeight*4)",
+         image(4, true),
+         1,
+         1,
+         {wide, high}},
+        {ODX_ENTRY(odxTransposeRGB888u8),
+         "",
+         {optional(), unchecked(width()), unchecked(height()), looseStride(), optional(), looseStride()}},
+        {ODX_ENTRY(odxFlipu8), transposed + "(srcStride >= srcWidth) && (dstStride >= srcWidth)" + dir,
+         image(1, false, code(1))},
+        {ODX_ENTRY(odxFlipu16),
+         transposed + "(srcStride >= srcWidth*2) && (dstStride >= srcWidth*2)" + dir,
+         image(2, false, code(1)),
+         1,
+         1,
+         {wide}},
+        {ODX_ENTRY(odxFlipRGB888u8), "", image(3, false, code(1)), 1, 1, {wide}},
+        {ODX_ENTRY(odxRotateImageu8), "", image(1, true, code(1))},
+        {ODX_ENTRY(odxRotateImageInterleavedu8),
+         "",
+         image(2, true, code(1)),
+         1,
+         1,
+         {wide, {{3, 2 * kWidth - 1}}, {{5, 2 * kHeight - 1}}, {{6, 2}, {5, 2 * kWidth - 1}}}},
+        {ODX_ENTRY(odxCopy), "", {buffer(), buffer(), value(1, {}, {0})}, 1, 0},
+    };
+}
+
+} // namespace odx::test

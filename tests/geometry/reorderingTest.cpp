@@ -1,0 +1,158 @@
+// Transpositions, flips and rotations against where each pixel goes.
+#include "cpu/ondrixReorderC.h"
+#include "ondrix.h"
+#include "support/childProcess.h"
+#include "support/logCapture.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <numeric>
+
+using namespace odx::test;
+
+namespace
+{
+
+struct Place {
+    uint32_t x, y;
+};
+
+// An operation by name, bytes of a pixel, and where the pixel at x, y of a width x height image goes.
+struct Case {
+    const char* name;
+    uint32_t size;
+    bool turned;
+    std::function<Place(uint32_t x, uint32_t y, uint32_t width, uint32_t height)> goes;
+    std::function<void(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcStride, uint8_t* dst,
+                       uint32_t dstStride)>
+        call;
+};
+
+constexpr auto transposed = [](uint32_t x, uint32_t y, uint32_t, uint32_t) { return Place{y, x}; };
+constexpr auto clockwise = [](uint32_t x, uint32_t y, uint32_t, uint32_t h) { return Place{h - 1 - y, x}; };
+constexpr auto counterClockwise = [](uint32_t x, uint32_t y, uint32_t w, uint32_t) { return Place{y, w - 1 - x}; };
+constexpr auto halfTurned = [](uint32_t x, uint32_t y, uint32_t w, uint32_t h) {
+    return Place{w - 1 - x, h - 1 - y};
+};
+constexpr auto upsideDown = [](uint32_t x, uint32_t y, uint32_t, uint32_t h) { return Place{x, h - 1 - y}; };
+constexpr auto mirrored = [](uint32_t x, uint32_t y, uint32_t w, uint32_t) { return Place{w - 1 - x, y}; };
+
+template <class T, class Operation, class... Code>
+auto calling(Operation* operation, Code... code)
+{
+    return [=](const uint8_t* src, uint32_t w, uint32_t h, uint32_t from, uint8_t* dst, uint32_t to) {
+        operation(reinterpret_cast<const T*>(src), w, h, from, reinterpret_cast<T*>(dst), to, code...);
+    };
+}
+
+std::vector<Case> cases()
+{
+    std::vector<Case> all = {
+        {"transpose 8", 1, true, transposed, calling<uint8_t>(odxTransposeu8)},
+        {"transpose 16", 2, true, transposed, calling<uint16_t>(odxTransposeu16)},
+        {"transpose float", 4, true, transposed, calling<float>(odxTransposef32)},
+        {"transpose RGB", 3, true, transposed, calling<uint8_t>(odxTransposeRGB888u8)},
+        {"clockwise", 1, true, clockwise, calling<uint8_t>(odxRotateImageu8, 1)},
+        {"half turn", 1, false, halfTurned, calling<uint8_t>(odxRotateImageu8, 2)},
+        {"counter-clockwise", 1, true, counterClockwise, calling<uint8_t>(odxRotateImageu8, 3)},
+        {"pairs clockwise", 2, true, clockwise, calling<uint8_t>(odxRotateImageInterleavedu8, 1)},
+        {"pairs half turn", 2, false, halfTurned, calling<uint8_t>(odxRotateImageInterleavedu8, 2)},
+        {"pairs counter-clockwise", 2, true, counterClockwise, calling<uint8_t>(odxRotateImageInterleavedu8, 3)},
+    };
+    const auto add = [&](const char* name, int dir, auto goes) {
+        all.push_back({name, 1, false, goes, calling<uint8_t>(odxFlipu8, dir)});
+        all.push_back({name, 2, false, goes, calling<uint16_t>(odxFlipu16, dir)});
+        all.push_back({name, 3, false, goes, calling<uint8_t>(odxFlipRGB888u8, dir)});
+    };
+    add("mirrored", 1, mirrored);
+    add("upside down", 2, upsideDown);
+    add("both", 3, halfTurned);
+    return all;
+}
+
+class Reordering : public testing::Test
+{
+protected:
+    Reordering() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
+};
+
+} // namespace
+
+TEST_F(Reordering, EveryPixelGoesToItsPlace)
+{
+    for (const Case& which : cases()) {
+        for (const auto& [w, h] : {std::pair{1u, 1u}, {2u, 3u}, {3u, 3u}, {70u, 67u}}) {
+            SCOPED_TRACE(std::string(which.name) + " " + std::to_string(which.size));
+            const uint32_t dstWidth = which.turned ? h : w, dstHeight = which.turned ? w : h, size = which.size;
+            std::vector<uint8_t> src(size * w * h), dst(src.size()), expected(src.size());
+            for (size_t i = 0; i < src.size(); ++i)
+                src[i] = static_cast<uint8_t>(i * 7 + i / 251);
+            for (uint32_t i = 0; i < w * h; ++i) {
+                const Place to = which.goes(i % w, i / w, w, h);
+                for (uint32_t k = 0; k < size; ++k)
+                    expected[size * (to.y * dstWidth + to.x) + k] = src[size * i + k];
+            }
+            which.call(src.data(), w, h, 0, dst.data(), 0);
+            EXPECT_EQ(expected, dst);
+            EXPECT_EQ(w * h, dstWidth * dstHeight);
+            if (which.turned) continue;
+            which.call(src.data(), w, h, size * w, src.data(), size * w);
+            EXPECT_EQ(expected, src) << "in place";
+        }
+    }
+}
+
+TEST_F(Reordering, InPlaceTakesOneStride)
+{
+    std::vector<uint16_t> image(64 * 3);
+    std::iota(image.begin(), image.end(), uint16_t{0});
+    const std::vector<uint16_t> before = image;
+    auto* const bytes = reinterpret_cast<uint8_t*>(image.data());
+    const auto expectLine = [&](const std::string& name, const std::function<odxStatus()>& call,
+                                odxStatus status) {
+        LogCapture log;
+        EXPECT_EQ(status, call());
+        const std::vector<LogLine> expected = {
+            {6, "ondrix_lib_log", "Error: " + name + " - Try to do in place but srcStride != dstStride\n"}};
+        EXPECT_EQ(expected, log.take());
+        EXPECT_EQ(before, image);
+    };
+    expectLine(
+        "odxFlipu8", [&] { return odxFlipu8(bytes, 20, 3, 64, bytes, 32, 1), ONDRIX_SUCCESS; }, ONDRIX_SUCCESS);
+    expectLine(
+        "odxFlipu16", [&] { return odxFlipu16(image.data(), 10, 3, 64, image.data(), 32, 2), ONDRIX_SUCCESS; },
+        ONDRIX_SUCCESS);
+    expectLine(
+        "odxFlipRGB888u8", [&] { return odxFlipRGB888u8(bytes, 7, 3, 64, bytes, 32, 3); }, ONDRIX_BAD_PARAMETER);
+    expectLine(
+        "odxFlipu8", [&] { return odxRotateImageu8(bytes, 20, 3, 64, bytes, 32, 2); }, ONDRIX_SUCCESS);
+}
+
+TEST_F(Reordering, TriplesThatCannotBeTransposedEndTheProcess)
+{
+    uint8_t image[12] = {};
+    for (const int wrong : {0, 1, 2, 3, 4, 5}) {
+        const ChildResult child = runInChild([&] {
+            EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_CPU));
+            odxTransposeRGB888u8(wrong == 0 ? nullptr : image, wrong == 1 ? 0 : 2, wrong == 2 ? 0 : 2,
+                                 wrong == 3 ? 5 : 0, wrong == 4 ? nullptr : image, wrong == 5 ? 5 : 0);
+        });
+        EXPECT_EQ(1, child.exitStatus) << wrong;
+        EXPECT_NE(
+            std::string::npos,
+            child.output.find("src/cpu/ondrixArithmC@1213: src && dst && srcWidth && srcHeight && (srcStride >= "
+                              "srcWidth*3) && (dstStride >= srcHeight*3) Assertion failed"))
+            << child.output;
+    }
+}
+
+TEST_F(Reordering, CopyCopies)
+{
+    uint8_t src[] = {1, 2, 3}, dst[] = {9, 9, 9};
+    EXPECT_EQ(0, odxCopy(dst, src, 0));
+    EXPECT_EQ(9, dst[0]);
+    EXPECT_EQ(0, odxCopy(dst, src, 2));
+    EXPECT_EQ(2, dst[1]);
+    EXPECT_EQ(9, dst[2]);
+}
