@@ -34,5 +34,6 @@
 #include "ondrix/thresholding.h"
 #include "ondrix/types.h"
 #include "ondrix/version.h"
+#include "ondrix/warps.h"
 
 #endif

@@ -18,5 +18,6 @@
 #include "cpu/ondrixReorderC.h"
 #include "cpu/ondrixScaleC.h"
 #include "cpu/ondrixThresholdC.h"
+#include "cpu/ondrixWarpC.h"
 
 #endif

@@ -13,5 +13,6 @@
 #include "dsp/ondrixReorderX.h"
 #include "dsp/ondrixScaleX.h"
 #include "dsp/ondrixThresholdX.h"
+#include "dsp/ondrixWarpX.h"
 
 #endif

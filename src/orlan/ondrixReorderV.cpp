@@ -1,13 +1,12 @@
 #include "cpu/ondrixReorder.h"
 #include "cpu/ondrixReorderC.h"
-#include "orlan/simd/simd.h"
+#include "orlan/squares.h"
 
 #define ODX_FAMILY_LIST "frame/operations/reordering.def"
 #include "orlan/family.h"
 
 namespace odx::ODX_TARGET
 {
-using namespace simd;
 
 // ---- mirrors ----
 
@@ -99,24 +98,6 @@ odxStatus odxFlipRGB888u8V(const uint8_t* src, unsigned srcWidth, unsigned srcHe
 
 // ---- transposition ----
 
-// Zips the first half of n vectors with the second until element i of row r is element r of row i, in each 16
-// bytes.
-template <size_t size, size_t n>
-ODX_INLINE void transposeSquares(u8v (&v)[n])
-{
-    static_assert(n * size == 16);
-    for (size_t done = 1; done < n; done *= 2) {
-        u8v next[n];
-        for (size_t i = 0; i < n / 2; ++i) {
-            const u8x2 zipped = zip<size>(v[i], v[i + n / 2]);
-            next[2 * i] = zipped.a;
-            next[2 * i + 1] = zipped.b;
-        }
-        for (size_t i = 0; i < n; ++i)
-            v[i] = next[i];
-    }
-}
-
 // 16 bytes of columns, and as many rows as a vector of the destination has elements: each 16 bytes of a vector
 // take a square of their own.
 template <size_t size>
@@ -159,7 +140,7 @@ ODX_INLINE void transpose(const T* src, uint32_t width, uint32_t height, uint32_
                           uint32_t dstStride)
 {
     transposeVectors<sizeof(T)>({reinterpret_cast<const uint8_t*>(src), width, height, (ptrdiff_t)srcStride,
-                                reinterpret_cast<uint8_t*>(dst), (ptrdiff_t)dstStride});
+                                 reinterpret_cast<uint8_t*>(dst), (ptrdiff_t)dstStride});
 }
 
 void odxTransposeu8V(const uint8_t* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride, uint8_t* dst,

@@ -155,6 +155,7 @@ Entries reorderingEntries();
 Entries scalingEntries();
 Entries smoothingEntries();
 Entries thresholdingEntries();
+Entries warpsEntries();
 
 } // namespace odx::test
 

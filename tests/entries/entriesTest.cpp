@@ -24,7 +24,7 @@ const Entries& allEntries()
         for (const Entries& family :
              {arithmeticEntries(), colorEntries(), cornerEntries(), correlationEntries(), descriptorEntries(),
               gradientEntries(), morphologyEntries(), pyramidEntries(), reorderingEntries(), scalingEntries(),
-              smoothingEntries(), thresholdingEntries()})
+              smoothingEntries(), thresholdingEntries(), warpsEntries()})
             entries.insert(entries.end(), family.begin(), family.end());
         // Every buffer in a place of its own.
         for (Entry& entry : entries) {

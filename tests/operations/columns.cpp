@@ -91,7 +91,7 @@ std::vector<Row> allRows()
     for (const auto& family :
          {arithmeticRows(), colorFromRgbRows(), colorToRgbRows(), correlationRows(), descriptorRows(), fastRows(),
           gradientRows(), harrisRows(), memoryRows(), morphologyRows(), reorderingRows(), scalingRows(),
-          smoothingRows(), thresholdingRows()})
+          smoothingRows(), thresholdingRows(), warpsRows()})
         rows.insert(rows.end(), family.begin(), family.end());
     return rows;
 }

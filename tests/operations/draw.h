@@ -320,6 +320,7 @@ std::vector<Row> reorderingRows();
 std::vector<Row> scalingRows();
 std::vector<Row> smoothingRows();
 std::vector<Row> thresholdingRows();
+std::vector<Row> warpsRows();
 
 // All rows, in order of families.
 std::vector<Row> allRows();

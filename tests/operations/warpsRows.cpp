@@ -1,0 +1,231 @@
+#include "operations/shapes.h"
+
+#include "ondrix/warps.h"
+
+#include <limits>
+#include <math.h>
+
+namespace odx::test
+{
+
+namespace
+{
+
+// A matrix that shows the source turned, scaled, moved and, with nine coefficients, tilted; sometimes exactly, and
+// sometimes one without sense.
+const float* matrix(Draw& draw, uint32_t coefficients, Extent from, Extent to)
+{
+    float* const m = draw.sourceArray<float>("matrix", coefficients);
+    const int kind = draw.pick("kind", {0, 0, 1, 2, 3, 4});
+    const float angle = kind == 0 ? draw.real("angle", -3.2f, 3.2f, 0.1f) : 0;
+    const float scale = kind == 0 ? draw.real("scale", 0.3f, 2.0f, 0.9f) : 1;
+    const float c = cosf(angle) * scale, s = sinf(angle) * scale;
+    const float shiftX = kind == 0   ? draw.real("x", -20, 20, 0.3f)
+                         : kind == 1 ? 0
+                                     : -0.5f,
+                shiftY = kind == 0   ? draw.real("y", -20, 20, 0.7f)
+                         : kind == 1 ? 0
+                                     : 0.25f;
+    const float middleX = static_cast<float>(to.width) / 2, middleY = static_cast<float>(to.height) / 2;
+    const float first[] = {c, -s, static_cast<float>(from.width) / 2 - c * middleX + s * middleY + shiftX};
+    const float second[] = {s, c, static_cast<float>(from.height) / 2 - s * middleX - c * middleY + shiftY};
+    const float tilt = kind == 0 ? draw.real("tilt", -0.01f, 0.02f, 0.0001f) : 0;
+    const float third[] = {tilt, -tilt / 2, 1};
+    std::copy(first, first + 3, m);
+    std::copy(second, second + 3, m + 3);
+    if (coefficients == 9) std::copy(third, third + 3, m + 6);
+    if (kind >= 3) {
+        const float senseless[] = {0, -0.0f, 1e-40f, 3e38f, -1, 1e10f, INFINITY, NAN, -1e-30f};
+        m[draw.number<uint32_t>("place", 0, coefficients - 1, 0)] = senseless[draw.number("value", 0, 8, 0)];
+    }
+    return m;
+}
+
+// Half of the warps go into another size.
+Extent sourceExtent(Draw& draw, Extent to)
+{
+    if (draw.measures() || draw.pick("same size", {1, 0}) == 1) return to;
+    return {draw.number<uint32_t>("source width", 1, 90, 90), draw.number<uint32_t>("source height", 1, 90, 90)};
+}
+
+template <uint32_t channels, auto* operation, auto... rest>
+void warp(Draw& draw)
+{
+    const Extent to = draw.extent(), from = sourceExtent(draw, to);
+    const auto src = draw.source<uint8_t>("src", {channels * from.width, from.height});
+    const auto dst = draw.destination<uint8_t>("dst", {channels * to.width, to.height});
+    const float* const m = matrix(draw, 9, from, to);
+    runWith<rest...>(draw, [&](auto... value) {
+        return operation(src.pixels, from.width, from.height, src.strideArgument(), dst.pixels, to.width,
+                         to.height, dst.strideArgument(), m, value...);
+    });
+}
+
+template <uint32_t channels, auto* operation>
+void packedWarp(Draw& draw)
+{
+    const Extent to = draw.extent(), from = sourceExtent(draw, to);
+    const auto src = draw.source<uint8_t>("src", {channels * from.width, from.height}, true);
+    const auto dst = draw.destination<uint8_t>("dst", {channels * to.width, to.height}, true);
+    const float* const m = matrix(draw, 9, from, to);
+    draw.run([&] { operation(src.pixels, from.width, from.height, dst.pixels, to.width, to.height, m); });
+}
+
+void twoPlanes(Draw& draw)
+{
+    const Extent to = draw.extent(), from = sourceExtent(draw, to);
+    const auto src1 = draw.source<uint8_t>("src1", from), src2 = draw.source<uint8_t>("src2", from);
+    const auto dst1 = draw.destination<uint8_t>("dst1", to), dst2 = draw.destination<uint8_t>("dst2", to);
+    const float* const m = matrix(draw, 9, from, to);
+    draw.run([&] {
+        return odx2PlaneWarpPerspectiveu8(src1.pixels, src2.pixels, from.width, from.height, src1.strideArgument(),
+                                          src2.strideArgument(), dst1.pixels, dst2.pixels, to.width, to.height,
+                                          dst1.strideArgument(), dst2.strideArgument(), m);
+    });
+}
+
+template <uint32_t channels, auto* operation, auto... rest>
+void clipped(Draw& draw)
+{
+    const Extent to = draw.extent(), from = sourceExtent(draw, to);
+    const auto src = draw.source<uint8_t>("src", {channels * from.width, from.height});
+    const auto dst = draw.destination<uint8_t>("dst", {channels * to.width, to.height});
+    auto* const dstBorder = channels == 3 || draw.pick("with border", {1, 1, 0}) == 1
+                                ? draw.destinationArray<uint32_t>("dstBorder", 2 * to.height)
+                                : nullptr;
+    const float* const m = matrix(draw, 6, from, to);
+    runWith<rest...>(draw, [&](auto... value) {
+        return operation(src.pixels, from.width, from.height, src.strideArgument(), m, dst.pixels, to.width,
+                         to.height, dst.strideArgument(), dstBorder, value...);
+    });
+}
+
+// Positions near a matrix' ones, some of which are nowhere.
+template <uint32_t channels, auto* operation, auto... rest>
+void remap(Draw& draw)
+{
+    const Extent to = draw.extent(), from = sourceExtent(draw, to);
+    const auto src = draw.source<uint8_t>("src", {channels * from.width, from.height});
+    const auto dst = draw.destination<uint8_t>("dst", {channels * to.width, to.height});
+    const auto mapX = draw.source<float>("mapX", to, true), mapY = draw.source<float>("mapY", to, true);
+    const float shift = draw.real("shift", -3, 3, 0.3f), bend = draw.real("bend", -0.05f, 0.05f, 0.001f);
+    const float senseless[] = {
+        -0.0f, -1e-40f, 1e-40f, INFINITY, -INFINITY, NAN, 3e9f, -3e9f, static_cast<float>(from.width - 1)};
+    const uint32_t every = draw.pick("senseless", {0u, 0u, 29u, 2u});
+    for (uint32_t y = 0, i = 0; y < to.height; ++y) {
+        for (uint32_t x = 0; x < to.width; ++x, ++i) {
+            mapX.at(x, y) = static_cast<float>(x) + shift + bend * static_cast<float>(y);
+            mapY.at(x, y) = static_cast<float>(y) - shift / 2 + bend * static_cast<float>(x);
+            if (every != 0 && i % every == 0) (i / every % 2 == 0 ? mapX : mapY).at(x, y) = senseless[i / 7 % 9];
+        }
+    }
+    runWith<rest...>(draw, [&](auto... value) {
+        return operation(src.pixels, from.width, from.height, src.strideArgument(), dst.pixels, to.width,
+                         to.height, dst.strideArgument(), mapX.pixels, mapY.pixels, mapX.strideArgument(),
+                         value...);
+    });
+}
+
+template <auto* operation>
+void patch(Draw& draw)
+{
+    const Extent extent = draw.extent(12, 12);
+    const auto src = draw.source<uint8_t>("src", extent);
+    const auto dst = draw.destination<uint8_t>(
+        "patch", {draw.number<uint32_t>("width", 1, 12, 8), draw.number<uint32_t>("height", 1, 12, 8)});
+    const float position[] = {static_cast<float>(extent.width) / 2 + draw.real("x", -3, 3, 0.3f),
+                              static_cast<float>(extent.height) / 2 + draw.real("y", -3, 3, 0.6f)};
+    const float affine[] = {draw.real("a", -1.2f, 1.2f, 0.9f), draw.real("b", -0.5f, 0.5f, 0.1f),
+                            draw.real("c", -0.5f, 0.5f, -0.1f), draw.real("d", -1.2f, 1.2f, 0.9f)};
+    draw.run([&] {
+        return operation(src.pixels, extent.width, extent.height, src.strideArgument(), position, affine,
+                         dst.pixels, dst.width, dst.height, dst.strideArgument());
+    });
+}
+
+template <auto* operation>
+void patches(Draw& draw)
+{
+    const Extent extent = draw.extent(12, 12);
+    const auto src = draw.source<uint8_t>("src", extent);
+    const uint32_t count = draw.length(1, 64);
+    auto* const positions = draw.sourceArray<float>("positions", 2 * count);
+    auto* const affines = draw.sourceArray<float>("affines", 4 * count);
+    auto* const dst = draw.destinationArray<uint8_t>("patches", 64 * count);
+    for (uint32_t i = 0; i < count; ++i) {
+        const float turn = static_cast<float>(i % 13) * 0.02f, at[] = {turn, 0.9f};
+        positions[2 * i] = static_cast<float>(extent.width) / 2 + at[0] * static_cast<float>(i % 5);
+        positions[2 * i + 1] = static_cast<float>(extent.height) / 2 - at[0];
+        const float affine[] = {at[1], turn, -turn, at[1]};
+        std::copy(affine, affine + 4, affines + 4 * size_t{i});
+    }
+    draw.run([&] {
+        return operation(src.pixels, extent.width, extent.height, src.strideArgument(), count, positions, affines,
+                         dst);
+    });
+}
+
+void copyRotated(Draw& draw)
+{
+    const auto* const region = draw.sourceArray<uint8_t>("region", 25 * 25);
+    auto* const dst = draw.destinationArray<uint8_t>("patch", 17 * 17);
+    const float angle = draw.real("orientation", -7, 7, 0.5f);
+    draw.run([&] { odxCopyRotated17x17u8(region, dst, angle); });
+}
+
+void invert(Draw& draw)
+{
+    const auto* const affine = draw.sourceArray<float>("affine", 6);
+    auto* const inverse = draw.destinationArray<float>("inverse", 9);
+    draw.run([&] { return odxInvertAffineTransformf32(affine, inverse); });
+}
+
+void fourPoints(Draw& draw)
+{
+    float points[2][8];
+    for (float(&p)[8] : points) {
+        const float square[] = {0, 0, 100, 0, 100, 100, 0, 100};
+        for (int i = 0; i < 8; ++i)
+            p[i] = square[i] + draw.real("point", -20, 20, 5);
+    }
+    auto* const m = draw.destinationArray<float>("matrix", 9);
+    draw.run([&] { odxGetPerspectiveTransformf32(points[0], points[1], m); });
+}
+
+constexpr auto interpolation =
+    oneOf<ONDRIX_INTERPOLATION_BILINEAR, ONDRIX_INTERPOLATION_NEAREST, ONDRIX_INTERPOLATION_AREA>;
+constexpr auto exactInterpolation = oneOf<ONDRIX_INTERPOLATION_BILINEAR, ONDRIX_INTERPOLATION_NEAREST>;
+constexpr auto undefinedFirst = oneOf<ONDRIX_BORDER_UNDEFINED, ONDRIX_BORDER_CONSTANT, ONDRIX_BORDER_REPLICATE>;
+
+} // namespace
+
+std::vector<Row> warpsRows()
+{
+    return {
+        {"odxWarpPerspectiveu8", packedWarp<1, odxWarpPerspectiveu8>},
+        {"odxWarpPerspectiveu8_v2", warp<1, odxWarpPerspectiveu8_v2>},
+        {"odxWarpPerspectiveu8_v3", warp<1, odxWarpPerspectiveu8_v3, interpolation>},
+        {"odxWarpPerspectiveu8_v4", warp<1, odxWarpPerspectiveu8_v4, interpolation, undefinedFirst, borderValue>},
+        {"odx3ChannelWarpPerspectiveu8", packedWarp<3, odx3ChannelWarpPerspectiveu8>},
+        {"odx3ChannelWarpPerspectiveu8_v2", warp<3, odx3ChannelWarpPerspectiveu8_v2>},
+        {"odx2PlaneWarpPerspectiveu8", twoPlanes},
+        {"odxTransformAffineu8", patch<odxTransformAffineu8>},
+        {"odxTransformAffineu8_v2", patch<odxTransformAffineu8_v2>},
+        {"odxTransformAffine8x8u8", patches<odxTransformAffine8x8u8>},
+        {"odxTransformAffine8x8u8_v2", patches<odxTransformAffine8x8u8_v2>},
+        {"odxTransformAffineClippedu8", clipped<1, odxTransformAffineClippedu8>},
+        {"odxTransformAffineClippedu8_v2", clipped<1, odxTransformAffineClippedu8_v2, interpolation>},
+        {"odxTransformAffineClippedu8_v3",
+         clipped<1, odxTransformAffineClippedu8_v3, interpolation, undefinedFirst, borderValue>},
+        {"odx3ChannelTransformAffineClippedBCu8", clipped<3, odx3ChannelTransformAffineClippedBCu8>},
+        {"odxRemapRGBA8888NNu8", remap<4, odxRemapRGBA8888NNu8>},
+        {"odxRemapRGBA8888BLu8", remap<4, odxRemapRGBA8888BLu8>},
+        {"odxRemapu8", remap<1, odxRemapu8, interpolation>},
+        {"odxRemapu8_v2", remap<1, odxRemapu8_v2, exactInterpolation, undefinedFirst, borderValue>},
+        {"odxCopyRotated17x17u8", copyRotated},
+        {"odxInvertAffineTransformf32", invert},
+        {"odxGetPerspectiveTransformf32", fourPoints},
+    };
+}
+
+} // namespace odx::test
