@@ -219,6 +219,7 @@ struct FixedBilinear {
 };
 
 // Cubic convolution with the slope of the neighbours (a = -1/2). The last weight is what the others leave of 1.
+// Pixels beyond the source are those of its edge, whatever the border.
 struct Bicubic {
     static constexpr bool kRounds = false;
     [[gnu::always_inline]] static inline float endOf(uint32_t size)
@@ -242,19 +243,24 @@ struct Bicubic {
     };
 
     template <uint32_t C>
-    ODX_WARP_INLINE void at(const Source& s, const Beyond<C>* beyond, float x, float y, uint8_t* out)
+    ODX_WARP_INLINE void at(const Source& s, const Beyond<C>*, float x, float y, uint8_t* out)
     {
         const int32_t ix = floorOf(x), iy = floorOf(y);
         const Weights across(x - static_cast<float>(ix)), down(y - static_cast<float>(iy));
+        const uint8_t *taps[4], *rows[4];
+        for (int k = 0; k < 4; ++k) {
+            taps[k] = pixelAt<C>(s, nullptr, int64_t{ix} + k - 1, 0);
+            rows[k] = pixelAt<C>(s, nullptr, 0, int64_t{iy} + k - 1);
+        }
         for (uint32_t c = 0; c < C; ++c) {
-            float rows[4];
+            float sums[4];
             for (int j = 0; j < 4; ++j) {
-                float taps[4];
+                float row[4];
                 for (int i = 0; i < 4; ++i)
-                    taps[i] = static_cast<float>(pixelAt(s, beyond, int64_t{ix} + i - 1, int64_t{iy} + j - 1)[c]);
-                rows[j] = across.sum(taps);
+                    row[i] = static_cast<float>(rows[j][(taps[i] - s.pixels) + c]);
+                sums[j] = across.sum(row);
             }
-            const float value = down.sum(rows) + 0.5f;
+            const float value = down.sum(sums) + 0.5f;
             out[c] = static_cast<uint8_t>(value > 0 ? value < 255 ? value : 255 : 0);
         }
     }

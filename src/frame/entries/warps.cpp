@@ -205,7 +205,7 @@ odxStatus odxRemapu8_v2(ODX_SOURCE_V2, ODX_DESTINATION_V2, ODX_MAPS, odxInterpol
 
 void odxCopyRotated17x17u8(const uint8_t* region, uint8_t* patch, float orientation)
 {
-    const Call<odxCopyRotated17x17u8C> call(__func__, ODX_LIMITS(bytes(0)));
+    const Call<odxCopyRotated17x17u8C> call(__func__);
     ODX_CHECK(region && patch);
     call(region, patch, orientation);
 }
