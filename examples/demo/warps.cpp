@@ -27,6 +27,12 @@ Picture pictureOfTriples(const Plane<uint8_t>& plane)
     return picture;
 }
 
+// As large as fits a tile.
+Picture wholeOf(const Picture& picture)
+{
+    return fitted(picture, Sheet::kTileWidth, Sheet::kTileHeight);
+}
+
 Outcome warp(const Stage& stage, const Plane<uint8_t>& from, Plane<uint8_t>& to, const float* matrix)
 {
     return stage.run("odx3ChannelWarpPerspectiveu8_v2", to, [&] {
@@ -81,12 +87,14 @@ void showPage(Stage& stage)
     Plane<uint8_t> photograph(original.width(), original.height()), result(original.width(), original.height());
     stage.beginSection("A page, straightened", "the matrix comes from the page's four corners");
     const Outcome laid = warp(stage, original, photograph, askew);
+    const Picture photographShown = wholeOf(pictureOfTriples(photograph));
+    const float scale = static_cast<float>(photographShown.width() - 1) / width;
     std::vector<Point> marks;
     for (int i = 0; i < 4; ++i)
-        marks.push_back({static_cast<int>(corners[2 * i]), static_cast<int>(corners[2 * i + 1])});
-    stage.show("The page as a camera sees it", laid, pictureOfTriples(photograph), marks);
+        marks.push_back({static_cast<int>(scale * corners[2 * i]), static_cast<int>(scale * corners[2 * i + 1])});
+    stage.show("As a camera sees it", laid, photographShown, marks);
     const Outcome straightened = warp(stage, photograph, result, straight);
-    stage.show("Straightened", straightened, pictureOfTriples(result));
+    stage.show("Straightened", straightened, wholeOf(pictureOfTriples(result)));
 }
 
 void showLens(Stage& stage)
@@ -112,17 +120,16 @@ void showLens(Stage& stage)
     Plane<uint8_t> distorted(grey.width(), grey.height()), result(grey.width(), grey.height());
     stage.beginSection("A lens, corrected", "maps of coordinates remove what the lens bends");
     const Outcome bending = remap(stage, grey, distorted, bent);
-    stage.show("What the lens shows", bending, pictureOf(distorted));
+    stage.show("What the lens shows", bending, wholeOf(pictureOf(distorted)));
     const Outcome correcting = remap(stage, distorted, result, straight);
-    stage.show("Corrected", correcting, pictureOf(result));
+    stage.show("Corrected", correcting, wholeOf(pictureOf(result)));
 }
 
 void showOrientations(Stage& stage)
 {
     const Plane<uint8_t>& grey = stage.grey();
     stage.beginSection("The eight orientations", "flips, quarter turns and transpositions lose nothing");
-    stage.showSource("As it is", "the picture in grey",
-                     fitted(pictureOf(grey), Sheet::kTileWidth, Sheet::kTileHeight));
+    stage.showSource("As it is", "the picture in grey", wholeOf(pictureOf(grey)));
     const auto show = [&](const std::string& title, const char* name, bool turned, auto operation, auto... code) {
         Plane<uint8_t> result(turned ? grey.height() : grey.width(), turned ? grey.width() : grey.height());
         const Outcome outcome = stage.run(name, result, [&] {
@@ -130,7 +137,7 @@ void showOrientations(Stage& stage)
                       code...);
             return ONDRIX_SUCCESS;
         });
-        stage.show(title, outcome, fitted(pictureOf(result), Sheet::kTileWidth, Sheet::kTileHeight));
+        stage.show(title, outcome, wholeOf(pictureOf(result)));
         return result;
     };
     show("Mirrored", "odxFlipu8", false, odxFlipu8, 1);
@@ -144,8 +151,7 @@ void showOrientations(Stage& stage)
         return done(odxFlipu8, transposed.data(), transposed.width(), transposed.height(), transposed.stride(),
                     other.data(), other.stride(), 3);
     });
-    stage.show("Along the other diagonal", outcome,
-               fitted(pictureOf(other), Sheet::kTileWidth, Sheet::kTileHeight));
+    stage.show("Along the other diagonal", outcome, wholeOf(pictureOf(other)));
 }
 
 } // namespace demo

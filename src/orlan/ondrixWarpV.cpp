@@ -434,12 +434,12 @@ ODX_INLINE void warpTiles(const Path& path, const warp::Source* sources, const w
                         sampler, place, sx, sy, mask, anyInside, Transposed<C>{planes + p * C, t, {}},
                         [&](uint32_t i) { return isUsed(i) && (!leaves || inclusive.holds(sx[i], sy[i])); });
                 }
+                // What rounds into the source may be outside.
+                const bool whole = place == Place::inside && !Rule::kRounds;
                 for (uint32_t r = 0; clipped && r < rows && place != Place::outside; ++r) {
-                    for (uint32_t i = 0; i < used; ++i) {
-                        if (place == Place::inside) i = used - 1;
-                        const bool holds = inclusive.holds(sx[i * kLanes + r], sy[i * kLanes + r]);
-                        if (!holds) continue;
-                        if (end[r] == 0) first[r] = x + t + (place == Place::inside ? 0 : i);
+                    for (uint32_t i = whole ? used - 1 : 0; i < used; ++i) {
+                        if (!whole && !inclusive.holds(sx[i * kLanes + r], sy[i * kLanes + r])) continue;
+                        if (end[r] == 0) first[r] = x + t + (whole ? 0 : i);
                         end[r] = x + t + i + 1;
                     }
                 }
