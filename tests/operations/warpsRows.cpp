@@ -16,16 +16,17 @@ namespace
 const float* matrix(Draw& draw, uint32_t coefficients, Extent from, Extent to)
 {
     float* const m = draw.sourceArray<float>("matrix", coefficients);
-    const int kind = draw.pick("kind", {0, 0, 1, 2, 3, 4});
+    const int kind = draw.pick("kind", {0, 0, 1, 2, 3, 4, 5});
     const float angle = kind == 0 ? draw.real("angle", -3.2f, 3.2f, 0.1f) : 0;
     const float scale = kind == 0 ? draw.real("scale", 0.3f, 2.0f, 0.9f) : 1;
     const float c = cosf(angle) * scale, s = sinf(angle) * scale;
-    const float shiftX = kind == 0   ? draw.real("x", -20, 20, 0.3f)
-                         : kind == 1 ? 0
-                                     : -0.5f,
-                shiftY = kind == 0   ? draw.real("y", -20, 20, 0.7f)
-                         : kind == 1 ? 0
-                                     : 0.25f;
+    const bool freeX = kind == 0 || kind == 1, freeY = kind == 0 || kind == 2; // else whole or simple fractions
+    const float shiftX = freeX       ? draw.real("x", -20, 20, 0.3f)
+                         : kind == 3 ? -0.5f
+                                     : 0,
+                shiftY = freeY       ? draw.real("y", -20, 20, 0.7f)
+                         : kind == 3 ? 0.25f
+                                     : 0;
     const float middleX = static_cast<float>(to.width) / 2, middleY = static_cast<float>(to.height) / 2;
     const float first[] = {c, -s, static_cast<float>(from.width) / 2 - c * middleX + s * middleY + shiftX};
     const float second[] = {s, c, static_cast<float>(from.height) / 2 - s * middleX - c * middleY + shiftY};
@@ -34,7 +35,7 @@ const float* matrix(Draw& draw, uint32_t coefficients, Extent from, Extent to)
     std::copy(first, first + 3, m);
     std::copy(second, second + 3, m + 3);
     if (coefficients == 9) std::copy(third, third + 3, m + 6);
-    if (kind >= 3) {
+    if (kind >= 4) {
         const float senseless[] = {0, -0.0f, 1e-40f, 3e38f, -1, 1e10f, INFINITY, NAN, -1e-30f};
         m[draw.number<uint32_t>("place", 0, coefficients - 1, 0)] = senseless[draw.number("value", 0, 8, 0)];
     }
