@@ -36,6 +36,16 @@ ODX_INLINE uint32_t readWord(const uint8_t* p)
     return word;
 }
 
+// What holds a pixel of C bytes.
+template <uint32_t C>
+struct WordOf {
+    typedef uint8_t Type;
+};
+template <>
+struct WordOf<4> {
+    typedef uint32_t Type;
+};
+
 template <uint32_t C>
 struct Taps;
 template <>
@@ -203,6 +213,28 @@ ODX_INLINE void blendInside(const warp::Source& s, const float (&x)[n], const fl
     }
 }
 
+// The same of positions that are rounded.
+template <uint32_t C, uint32_t n, class Emit>
+ODX_INLINE void copyInside(const warp::Source& s, const float (&x)[n], const float (&y)[n], Emit emit)
+{
+    using Word = typename WordOf<C>::Type;
+    uint32_t offsets[n], words[n];
+    for (uint32_t i = 0; i < n; i += kLanes) {
+        const u32v ix = (u32v)truncated(load<f32v>(x + i) + 0.5f), iy = (u32v)truncated(load<f32v>(y + i) + 0.5f);
+        store(offsets + i, iy * (uint32_t)s.stride + ix * C);
+    }
+    for (uint32_t i = 0; i < n; ++i)
+        words[i] = readWord<Word>(s.pixels + offsets[i]);
+    for (uint32_t i = 0; i < n; i += 4 * kLanes) {
+        s32v out[C][4];
+        for (uint32_t k = 0; k < 4; ++k) {
+            for (uint32_t c = 0; c < C; ++c)
+                out[c][k] = (s32v)(load<u32v>(words + i + k * kLanes) >> (8 * c) & 255);
+        }
+        emit(i, out);
+    }
+}
+
 // Where the pixels of a tile go, as planes of one channel each: those of maps in order,
 template <uint32_t C, uint32_t n>
 struct InOrder {
@@ -256,17 +288,13 @@ ODX_INLINE void sampleTile(const warp::Sampler<Rule>& sampler, Place place, cons
 {
     const warp::Source& s = sampler.source;
     const auto blend = [&](const float(&sx)[n], const float(&sy)[n]) {
+        const auto emit = [&](uint32_t i, const s32v(&v)[C][4]) { out.take(i, v); };
         if constexpr (Rule::kRounds) {
-            for (uint32_t i = 0; i < n; ++i) {
-                const uint8_t* const p =
-                    s.pixels + (uint32_t)(sy[i] + 0.5f) * s.stride + C * (uint32_t)(sx[i] + 0.5f);
-                for (uint32_t c = 0; c < C; ++c)
-                    *out.at(c, i) = p[c];
-            }
+            copyInside<C>(s, sx, sy, emit);
         } else {
-            blendInside<Rule, C>(s, sx, sy, [&](uint32_t i, const s32v(&v)[C][4]) { out.take(i, v); });
-            out.end();
+            blendInside<Rule, C>(s, sx, sy, emit);
         }
+        out.end();
     };
     if (place == Place::inside) return blend(x, y);
     const bool nothingThere = place == Place::outside && sampler.border.outside != warp::Outside::clamp;
