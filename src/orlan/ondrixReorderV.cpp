@@ -115,22 +115,30 @@ struct Block {
     }
 };
 
-// Strips of rows that become whole lines of the cache in the destination.
+// Strips of rows that become whole lines of the cache in the destination, in blocks of so many rows and columns
+// that the pages of both images are found again: each row of a large image lies on pages of its own.
 template <size_t size>
 static void transposeVectors(const reorder::Transposition& t)
 {
     using Block = ODX_TARGET::Block<size>;
     constexpr size_t kColumns = Block::kColumns, kRows = Block::kRows, kStrip = kBytes < 64 ? 64 / size : kRows;
+    constexpr size_t kFarColumns = 8 * kColumns, kFarRows = 8 * kStrip;
     if (t.width < kColumns || t.height < kRows) return reorder::transposeBlocks<size>(t);
-    for (size_t y = 0; y < t.height; y += kStrip) {
-        const size_t end = t.height - y < kStrip ? t.height : y + kStrip;
-        for (size_t x = 0; x < t.width; x += kColumns) {
+    const auto strip = [&t](size_t left, size_t right, size_t y, size_t end) {
+        for (size_t x = left; x < right; x += kColumns) {
             const size_t column = t.width - x < kColumns ? t.width - kColumns : x;
             for (size_t r = y; r < end; r += kRows) {
                 const size_t row = t.height - r < kRows ? t.height - kRows : r;
                 Block::move(t.src + t.srcStride * (ptrdiff_t)row + size * column, t.srcStride,
                             t.dst + t.dstStride * (ptrdiff_t)column + size * row, t.dstStride);
             }
+        }
+    };
+    const auto least = [](size_t a, size_t b) { return a < b ? a : b; };
+    for (size_t top = 0; top < t.height; top += kFarRows) {
+        for (size_t x = 0; x < t.width; x += kFarColumns) {
+            for (size_t y = top; y < least(t.height, top + kFarRows); y += kStrip)
+                strip(x, least(t.width, x + kFarColumns), y, least(t.height, y + kStrip));
         }
     }
 }
