@@ -20,6 +20,7 @@ namespace odx::test
 {
 
 constexpr uint32_t kWidth = 192, kHeight = 144;
+constexpr uint32_t kNever = ~0u; // in place of a size of pixels: never worth the way to a remote target
 
 struct Argument {
     enum Kind { kPointer, kColumns, kRows, kStride, kOther };
