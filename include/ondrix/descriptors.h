@@ -194,4 +194,146 @@ ODX_API void odxSumOfSquaredDiffsu8(const uint8_t* a, float invLenA, unsigned in
 ODX_API void odxSumOfSquaredDiffsf32(const float* a, float invLenA, unsigned int length, const float* const* bList,
                                      const float* invLenB, unsigned int numB, float* distances);
 
+// ---- two patches ----
+
+/// Sum of the absolute differences of two patches of 8x8 pixels: at most 16320.
+///
+/// Strides in bytes, 0 for 8; the patches may overlap or be the same.
+/// Condition: "a && b && (aStride >= 8) && (bStride >= 8)".
+ODX_API uint32_t odxSumOfAbsoluteDiff8x8u8(const uint8_t* a, unsigned int aStride, const uint8_t* b,
+                                           unsigned int bStride);
+/// Sum of the absolute differences of two patches of 16x16 pixels, at most 65280; as for 8x8, with 16 for 8.
+ODX_API uint32_t odxSumOfAbsoluteDiff16x16u8(const uint8_t* a, unsigned int aStride, const uint8_t* b,
+                                             unsigned int bStride);
+/// Dot product of two patches of 8x8 pixels; arguments as for the sum of their differences.
+ODX_API uint32_t odxDotProduct8x8u8(const uint8_t* a, unsigned int aStride, const uint8_t* b,
+                                    unsigned int bStride);
+/// Dot product of two patches of 11 columns and 12 rows; arguments as for 8x8, with 11 for 8.
+ODX_API uint32_t odxDotProduct11x12u8(const uint8_t* a, unsigned int aStride, const uint8_t* b,
+                                      unsigned int bStride);
+
+// ---- one patch at every place of an image ----
+
+/// Sums of absolute differences of a patch of 8x8 pixels at every place of an image, all rows packed.
+///
+/// dst(x, y) is the sum for the patch and the pixels of `src` from (x, y) to (x + 7, y + 7); `dst` is srcWidth - 7
+/// wide and srcHeight - 7 high. `odxMinMaxLocu16` finds the best place.
+/// Condition: "patch && src && dst && (srcWidth >= 8) && (srcHeight >= 8)".
+ODX_API void odxSumOfAbsoluteDiffs8x8u8(const uint8_t* patch, const uint8_t* src, unsigned int srcWidth,
+                                        unsigned int srcHeight, uint16_t* dst);
+/// Sums of absolute differences of a patch of 8x8 pixels at every place of an image, with strides.
+///
+/// As the first version; strides in bytes, 0 for packed rows; dstStride is even. The patch may lie inside `src`.
+/// Condition: "patch && src && dst && (srcWidth >= 8) && (srcHeight >= 8) && (patchStride >= 8) && (srcStride >=
+/// srcWidth) && (dstStride >= (srcWidth - 7)*sizeof(uint16_t))", on one line.
+ODX_API void odxSumOfAbsoluteDiffs8x8u8_v2(const uint8_t* patch, unsigned int patchStride, const uint8_t* src,
+                                           unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride,
+                                           uint16_t* dst, unsigned int dstStride);
+/// Sums of absolute differences of a patch of 16x16 pixels at every place of an image.
+///
+/// As for 8x8 with strides, with 16 for 8 and 15 for 7, also in the condition.
+ODX_API void odxSumOfAbsoluteDiffs16x16u8(const uint8_t* patch, unsigned int patchStride, const uint8_t* src,
+                                          unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride,
+                                          uint16_t* dst, unsigned int dstStride);
+
+// ---- descriptors ----
+
+/// Describes a patch of 17x17 pixels by its gradients: 36 signed bytes and their inverse length.
+///
+/// At the 15x15 inner pixels, dx = p(x+1, y) - p(x-1, y) and dy = p(x, y+1) - p(x, y-1). They form 3x3 cells of
+/// 5x5 pixels; cell c, in raster order, gives the sums s[4c] of dx, s[4c+1] of dy, s[4c+2] of abs(dx) and s[4c+3]
+/// of abs(dy). With m the greatest of the 36 magnitudes, dst[i] is (127 * abs(s[i]) + m/2) / m, quotients rounded
+/// down, with the sign of s[i]; all 0 when m is 0. So brightness and contrast do not matter. The layout is that of
+/// SURF-36 (Bay, Tuytelaars and Van Gool, 2006).
+/// Condition: "src && dst && (srcStride >= 17)"; a stride of 0 means 17.
+/// \param invLength may be null; (float)(1 / sqrt(L)) in double precision, L the sum of the squares of the 36
+///                  bytes; 0 when L is 0. At most 1/127.
+ODX_API void odxDescriptor17x17u8To36s8(const uint8_t* src, unsigned int srcStride, int8_t* dst, float* invLength);
+
+/// Gives 36s8 descriptors a norm: dst[36 * i + j] = (invLen[i] * reqNorm) * src[j of vector i].
+///
+/// Stops before a vector when *stopBuild, a word that another thread may write, is not 0; what was written stays.
+/// \param srcStride in bytes; 0 means 36
+/// \param dst       36 floats a vector, packed
+/// \param stopBuild may be null
+/// \return 0; -1 when src, invLen or dst is null, in silence
+ODX_API int odxVecNormalize36s8f32(const int8_t* src, unsigned int srcStride, const float* invLen,
+                                   unsigned int numVecs, float reqNorm, float* dst, const uint32_t* stopBuild);
+
+/// Mean and variance of each of the 36 elements over a sample of vectors.
+///
+/// In single precision: mean = sum / n, the sum running from 0.0 in the order of the sample, n =
+/// (float)numIndices; variance = sum of (v - mean) * (v - mean) in the same order, / n. A subnormal value may
+/// count as 0. Condition: "vectors && numIndices && mean && variance && (vectorsStride >= 36*sizeof(float)) &&
+/// inRange", where inRange means that every vector of the sample is one of the numVectors.
+/// \param vectorsStride in bytes; 0 means packed
+/// \param indices       of the sample, repetitions count; null means vectors 0 to numIndices - 1
+ODX_API odxStatus odxDescriptorSampledMeanAndVar36f32(const float* vectors, unsigned int numVectors,
+                                                      unsigned int vectorsStride, const uint32_t* indices,
+                                                      unsigned int numIndices, float* mean, float* variance);
+
+/// Sorts 8 floats into ascending order.
+///
+/// The first and the last four values of `inScores` are left sorted, too, each ascending. The place of NaNs is
+/// open. Condition: "inScores && outScores"; they may be the same, which then has all eight sorted.
+ODX_API void odxSort8Scoresf32(float* inScores, float* outScores);
+
+// ---- clusters ----
+//
+// One step of k-means (Lloyd, 1982): every vector goes to its nearest center, then the centers move.
+//
+//     labels[i]     the number of the center nearest to vector i, the lowest of equal ones
+//     distances[i]  the squared distance to it
+//     counts[k]     vectors with label k
+//     sums          numCenters x length, packed: the sums of the vectors with each label, added in their order
+//     newCenters    the new centers, at the stride of `centers`, which it may be. A center without vectors
+//     (normed:
+//                   with a sum of length 0) stays as it is.
+//
+// `distances`, `counts`, `sums` and `newCenters` may be null and are then not computed, but newCenters needs
+// counts and sums. For several batches or threads, make one call for each without newCenters and add up counts and
+// sums. Strides in bytes; 0 means packed rows.
+//
+// Of floats, the squared distance is D of (v - c) * (v - c), and the greatest dot product, D of v * c, is the
+// nearest in the normed operations. D, in single precision: 16 partial sums from 0.0, element j added to partial
+// sum j mod 16 in ascending order; then t[j] += t[j+8] for j < 8, t[j] += t[j+4] for j < 4, t[j] += t[j+2] for j <
+// 2, and D = t[0] + t[1]. A subnormal value may count as 0. Vectors and centers are finite; else the labels are
+// below numCenters and nothing more can be said.
+
+/// One step of k-means on vectors of bytes, exact.
+///
+/// A new center is (sum + count/2) / count, quotients rounded down.
+/// Condition: "vectors && centers && labels && length && numVectors && numCenters && (length <= 65536) &&
+/// (numVectors <= 16777216) && (vectorsStride >= length) && (centersStride >= length) && ((counts && sums) ||
+/// !newCenters)", on one line.
+ODX_API odxStatus odxClusterEuclideanu8(const uint8_t* vectors, unsigned int length, unsigned int numVectors,
+                                        unsigned int vectorsStride, const uint8_t* centers,
+                                        unsigned int numCenters, unsigned int centersStride, uint32_t* labels,
+                                        uint32_t* distances, uint32_t* counts, uint32_t* sums,
+                                        uint8_t* newCenters);
+/// One step of k-means on vectors of floats.
+///
+/// A new center is (float)(sum / (double)count). Condition: "vectors && centers && labels && length && numVectors
+/// && numCenters && (vectorsStride >= length*sizeof(float)) && (centersStride >= length*sizeof(float)) && ((counts
+/// && sums) || !newCenters)", on one line.
+ODX_API odxStatus odxClusterEuclideanf32(const float* vectors, unsigned int length, unsigned int numVectors,
+                                         unsigned int vectorsStride, const float* centers, unsigned int numCenters,
+                                         unsigned int centersStride, uint32_t* labels, float* distances,
+                                         uint32_t* counts, double* sums, float* newCenters);
+/// One step of spherical k-means (Dhillon and Modha, 2001): vectors and centers of norm 1, which is not checked.
+///
+/// The squared distance is fabsf(2 - 2 * dot). A new center is (float)(sum / r), r the square root of the sum of
+/// the squares of the cluster's sums, in double precision from element 0 upwards. Condition as before.
+ODX_API odxStatus odxClusterEuclideanNormedf32(const float* vectors, unsigned int length, unsigned int numVectors,
+                                               unsigned int vectorsStride, const float* centers,
+                                               unsigned int numCenters, unsigned int centersStride,
+                                               uint32_t* labels, float* distances, uint32_t* counts, double* sums,
+                                               float* newCenters);
+/// The same with vectors of 36 elements; the condition is without " && length", and has 36*sizeof(float).
+ODX_API odxStatus odxClusterEuclideanNormed36f32(const float* vectors, unsigned int numVectors,
+                                                 unsigned int vectorsStride, const float* centers,
+                                                 unsigned int numCenters, unsigned int centersStride,
+                                                 uint32_t* labels, float* distances, uint32_t* counts,
+                                                 double* sums, float* newCenters);
+
 #endif

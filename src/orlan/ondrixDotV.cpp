@@ -9,7 +9,7 @@ namespace odx::ODX_TARGET
 using namespace simd;
 
 // Adds three bits in each place: the sum goes to the first, the carry is returned.
-ODX_INLINE u8v carry(u8v& sum, u8v a, u8v b)
+[[maybe_unused]] ODX_INLINE u8v carry(u8v& sum, u8v a, u8v b)
 {
     const u8v difference = sum ^ a, both = sum & a;
     sum = difference ^ b;

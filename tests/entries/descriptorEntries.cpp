@@ -21,12 +21,12 @@ Arguments operator+(Arguments a, const Arguments& b)
 }
 
 // A number of elements, of which there may be none.
-Argument length()
+Argument length(uint32_t least = 0)
 {
     Argument length = width(1);
     length.good = 30000;
-    length.refused = {};
-    length.accepted = {0};
+    length.refused = least == 0 ? std::vector<double>{} : std::vector<double>{least - 1.0};
+    length.accepted = {double(least)};
     return length;
 }
 
@@ -48,11 +48,34 @@ Entries descriptorEntries()
         columns.accepted = rows.accepted = {0};
         return Arguments{vector, columns, rows, looseStride(), vector, looseStride()};
     };
-    const char *const dots = "A && B && C && D && E && dotProducts",
-                      *const cosines = "A && vB0 && vB1 && vB2 && vB3 && invLengthsB && dotProducts",
-                      *const counts = "A && B && C && D && count",
-                      *const hamming = "A && B && C && D && E && distances",
-                      *const distances = "a && bList && invLenB && distances";
+    const auto patches = [=](uint32_t n) { return Arguments{buffer(1, 16), stride(n), buffer(1, 16), stride(n)}; };
+    const auto clusters = [=](uint32_t size) {
+        return Arguments{buffer(8, 16),
+                         width(),
+                         height(),
+                         stride(size * kWidth, 8),
+                         buffer(8, 16),
+                         value(1, {0}),
+                         stride(size * kWidth, 8),
+                         buffer(),
+                         optional(),
+                         optional(),
+                         optional(),
+                         optional()};
+    };
+    // New centers without counts, and without sums.
+    const auto withoutSums = [](size_t counts) {
+        return std::vector<std::vector<std::pair<size_t, double>>>{{{counts, 0}}, {{counts + 1, 0}}};
+    };
+    const char
+        *const clustersOfFloats =
+                   "vectors && centers && labels && length && numVectors && numCenters && (vectorsStride >= "
+                   "length*sizeof(float)) && (centersStride >= length*sizeof(float)) && ((counts && sums) || "
+                   "!newCenters)",
+               *const dots = "A && B && C && D && E && dotProducts",
+               *const cosines = "A && vB0 && vB1 && vB2 && vB3 && invLengthsB && dotProducts",
+               *const counts = "A && B && C && D && count", *const hamming = "A && B && C && D && E && distances",
+               *const distances = "a && bList && invLenB && distances";
     return {
         {ODX_ENTRY(odxBitCountu8), "", source},
         {ODX_ENTRY(odxBitCountu32), "", source, 1, 4},
@@ -97,6 +120,59 @@ Entries descriptorEntries()
         {ODX_ENTRY(odxSumOfSquaredDiffss8), distances, listOf, 1, kNever},
         {ODX_ENTRY(odxSumOfSquaredDiffsu8), distances, listOf, 1, kNever},
         {ODX_ENTRY(odxSumOfSquaredDiffsf32), distances, listOf, 1, kNever},
+        {ODX_ENTRY(odxSumOfAbsoluteDiff8x8u8), "a && b && (aStride >= 8) && (bStride >= 8)", patches(8), 1,
+         kNever},
+        {ODX_ENTRY(odxSumOfAbsoluteDiff16x16u8), "a && b && (aStride >= 16) && (bStride >= 16)", patches(16), 1,
+         kNever},
+        {ODX_ENTRY(odxDotProduct8x8u8), "a && b && (aStride >= 8) && (bStride >= 8)", patches(8), 1, kNever},
+        {ODX_ENTRY(odxDotProduct11x12u8), "a && b && (aStride >= 11) && (bStride >= 11)", patches(11), 1, kNever},
+        {ODX_ENTRY(odxSumOfAbsoluteDiffs8x8u8),
+         "patch && src && dst && (srcWidth >= 8) && (srcHeight >= 8)",
+         {buffer(), buffer(8, 16), width(8), height(8), buffer(8, 16)}},
+        {ODX_ENTRY(odxSumOfAbsoluteDiffs8x8u8_v2),
+         "patch && src && dst && (srcWidth >= 8) && (srcHeight >= 8) && (patchStride >= 8) && (srcStride >= "
+         "srcWidth) && (dstStride >= (srcWidth - 7)*sizeof(uint16_t))",
+         {buffer(), stride(8), buffer(8, 16), width(8), height(8), stride(kWidth, 8), buffer(8, 16),
+          stride(2 * (kWidth - 7))}},
+        {ODX_ENTRY(odxSumOfAbsoluteDiffs16x16u8),
+         "patch && src && dst && (srcWidth >= 16) && (srcHeight >= 16) && (patchStride >= 16) && (srcStride >= "
+         "srcWidth) && (dstStride >= (srcWidth - 15)*sizeof(uint16_t))",
+         {buffer(), stride(16), buffer(1, 16), width(16), height(16), stride(), buffer(1, 16),
+          stride(2 * (kWidth - 15))},
+         1,
+         kNever},
+        {ODX_ENTRY(odxDescriptor17x17u8To36s8),
+         "src && dst && (srcStride >= 17)",
+         {buffer(1, 16), stride(17), buffer(1, 16), optional(1, 16)},
+         1,
+         kNever},
+        {ODX_ENTRY(odxVecNormalize36s8f32),
+         "",
+         {vector, looseStride(), buffer(), length(), value(), buffer(), optional()},
+         1,
+         36},
+        {ODX_ENTRY(odxDescriptorSampledMeanAndVar36f32),
+         "vectors && numIndices && mean && variance && (vectorsStride >= 36*sizeof(float)) && inRange",
+         {buffer(8, 16), length(1), stride(144, 8), value(0), value(1, {0, 30001}), buffer(), buffer()},
+         1,
+         144},
+        {ODX_ENTRY(odxSort8Scoresf32), "inScores && outScores", pair, 1, kNever},
+        {ODX_ENTRY(odxClusterEuclideanu8),
+         "vectors && centers && labels && length && numVectors && numCenters && (length <= 65536) && (numVectors "
+         "<= "
+         "16777216) && (vectorsStride >= length) && (centersStride >= length) && ((counts && sums) || "
+         "!newCenters)",
+         clusters(1), 1, 1, withoutSums(9)},
+        {ODX_ENTRY(odxClusterEuclideanf32), clustersOfFloats, clusters(4), 1, 4, withoutSums(9)},
+        {ODX_ENTRY(odxClusterEuclideanNormedf32), clustersOfFloats, clusters(4), 1, 4, withoutSums(9)},
+        {ODX_ENTRY(odxClusterEuclideanNormed36f32),
+         "vectors && centers && labels && numVectors && numCenters && (vectorsStride >= 36*sizeof(float)) && "
+         "(centersStride >= 36*sizeof(float)) && ((counts && sums) || !newCenters)",
+         {buffer(8, 16), length(1), stride(144, 8), buffer(8, 16), value(1, {0}), stride(144, 8), buffer(),
+          optional(), optional(), optional(), optional()},
+         1,
+         144,
+         withoutSums(8)},
     };
 }
 

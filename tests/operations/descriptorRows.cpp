@@ -134,6 +134,152 @@ void distances(Draw& draw)
         [&] { operation(list.a, list.length, n, list.vectors.data(), list.lengths, list.count, list.results); });
 }
 
+// operation(a, aStride, b, bStride), of patches.
+template <uint32_t width, uint32_t height, auto* operation>
+void patches(Draw& draw)
+{
+    const auto a = draw.source<uint8_t>("a", {width, height}), b = draw.source<uint8_t>("b", {width, height});
+    draw.run([&] { return operation(a.pixels, a.strideArgument(), b.pixels, b.strideArgument()); });
+}
+
+template <uint32_t n, auto* operation>
+void everywhere(Draw& draw)
+{
+    const Extent extent = draw.extent(n, n, n - 1);
+    const auto patch = draw.source<uint8_t>("patch", {n, n}), src = draw.source<uint8_t>("src", extent);
+    const auto dst = draw.destination<uint16_t>("dst", {extent.width - n + 1, extent.height - n + 1});
+    draw.run([&] {
+        operation(patch.pixels, patch.strideArgument(), src.pixels, extent.width, extent.height,
+                  src.strideArgument(), dst.pixels, dst.strideArgument());
+    });
+}
+
+void everywherePacked(Draw& draw)
+{
+    const Extent extent = draw.extent(8, 8, 7);
+    const auto patch = draw.source<uint8_t>("patch", {8, 8}, true),
+               src = draw.source<uint8_t>("src", extent, true);
+    const auto dst = draw.destination<uint16_t>("dst", {extent.width - 7, extent.height - 7}, true);
+    draw.run(
+        [&] { odxSumOfAbsoluteDiffs8x8u8(patch.pixels, src.pixels, extent.width, extent.height, dst.pixels); });
+}
+
+void describe(Draw& draw)
+{
+    const auto src = draw.source<uint8_t>("src", {17, 17});
+    int8_t* const dst = draw.destinationArray<int8_t>("dst", 36);
+    float* const length = draw.destinationArray<float>("length", 1);
+    const bool wanted = draw.pick("length wanted", {1, 0}) != 0;
+    draw.run(
+        [&] { odxDescriptor17x17u8To36s8(src.pixels, src.strideArgument(), dst, wanted ? length : nullptr); });
+}
+
+void normalise(Draw& draw)
+{
+    const uint32_t count = draw.length(1, 36 * 8);
+    const auto src = draw.source<int8_t>("src", {36, count});
+    const float* const lengths = inverseLengths(draw, count);
+    const float norm = draw.real("norm", -3, 300, 1);
+    float* const dst = draw.destinationArray<float>("dst", 36 * count);
+    const uint32_t stop = draw.pick("stop", {0u, 0u, 0u, 0u, 256u});
+    draw.run([&] {
+        return odxVecNormalize36s8f32(src.pixels, src.strideArgument(), lengths, count, norm, dst, &stop);
+    });
+}
+
+Random seeded(Draw& draw)
+{
+    return {draw.number<uint64_t>("seed", 0, 1u << 30, 7)};
+}
+
+// Floats as descriptors have them: neither close to the greatest nor to the least.
+Image<float> vectors(Draw& draw, const char* name, uint32_t length, uint32_t count)
+{
+    const auto image = draw.source<float>(name, {length, count});
+    Random random = seeded(draw);
+    for (uint32_t y = 0; y < count; ++y) {
+        for (uint32_t x = 0; x < length; ++x)
+            image.at(x, y) = static_cast<float>(static_cast<int>(random() % 2001) - 1000) / 977;
+    }
+    return image;
+}
+
+void meanAndVariance(Draw& draw)
+{
+    const uint32_t count = draw.length(1, 36 * 8);
+    const auto v = vectors(draw, "vectors", 36, count);
+    const uint32_t sample = draw.number<uint32_t>("sample", 1, count, count);
+    uint32_t* const indices = draw.destinationArray<uint32_t>("indices", sample);
+    Random random = seeded(draw);
+    for (uint32_t i = 0; i < sample; ++i)
+        indices[i] = static_cast<uint32_t>(random() % count);
+    const bool all = draw.pick("indices", {1, 0}) == 0;
+    float *const mean = draw.destinationArray<float>("mean", 36), *const variance =
+                                                                      draw.destinationArray<float>("variance", 36);
+    draw.run([&] {
+        return odxDescriptorSampledMeanAndVar36f32(v.pixels, count, v.strideArgument(), all ? nullptr : indices,
+                                                   sample, mean, variance);
+    });
+}
+
+void sort8(Draw& draw)
+{
+    float *const in = draw.destinationArray<float>("in", 8), *const out = draw.destinationArray<float>("out", 8);
+    std::vector<float> scores(8);
+    Random random = seeded(draw);
+    for (float& score : scores)
+        score = static_cast<float>(random() % 9) - 4;
+    draw.run([&] {
+        std::copy(scores.begin(), scores.end(), in);
+        odxSort8Scoresf32(in, out);
+    });
+}
+
+// operation(vectors, length..., and so on), which writes all, or what may be left out.
+template <class T, class Distance, class Sum, class Call>
+void cluster(Draw& draw, uint32_t length, Call call)
+{
+    const uint32_t count = draw.number<uint32_t>("vectors", 1, 40, 2000),
+                   numCenters = draw.number<uint32_t>("centers", 1, 9, 64);
+    const auto make = [&](const char* name, uint32_t n) {
+        if constexpr (std::is_same_v<T, float>) {
+            return vectors(draw, name, length, n);
+        } else {
+            return draw.source<T>(name, {length, n});
+        }
+    };
+    const auto v = make("vectors", count), centers = make("centers", numCenters);
+    draw.writesInPlace(centers);
+    uint32_t* const labels = draw.destinationArray<uint32_t>("labels", count);
+    Distance* const distances = draw.destinationArray<Distance>("distances", count);
+    uint32_t* const counts = draw.destinationArray<uint32_t>("counts", numCenters);
+    Sum* const sums = draw.destinationArray<Sum>("sums", numCenters * length);
+    T* const moved = draw.destinationArray<T>("new centers", centers.stride / sizeof(T) * numCenters);
+    const int results = draw.pick("results", {0, 1, 2, 3});
+    draw.run([&] {
+        return call(v.pixels, count, v.strideArgument(), centers.pixels, numCenters, centers.strideArgument(),
+                    labels, results == 1 ? nullptr : distances, results == 2 ? nullptr : counts,
+                    results >= 2 ? nullptr : sums,
+                    results >= 2   ? nullptr
+                    : results == 1 ? centers.pixels
+                                   : moved);
+    });
+}
+
+template <class T, class Distance, class Sum, auto* operation>
+void clusters(Draw& draw)
+{
+    const uint32_t length = draw.measures() ? 64 : draw.length(1);
+    cluster<T, Distance, Sum>(draw, length, [=](const T* v, uint32_t count, uint32_t stride, auto... rest) {
+        return operation(v, length, count, stride, rest...);
+    });
+}
+
+void clusters36(Draw& draw)
+{
+    cluster<float, float, double>(draw, 36, odxClusterEuclideanNormed36f32);
+}
+
 } // namespace
 
 std::vector<Row> descriptorRows()
@@ -181,6 +327,21 @@ std::vector<Row> descriptorRows()
         {"odxSumOfSquaredDiffss8", distances<int8_t, odxSumOfSquaredDiffss8>},
         {"odxSumOfSquaredDiffsu8", distances<uint8_t, odxSumOfSquaredDiffsu8>},
         {"odxSumOfSquaredDiffsf32", distances<float, odxSumOfSquaredDiffsf32>},
+        {"odxSumOfAbsoluteDiff8x8u8", patches<8, 8, odxSumOfAbsoluteDiff8x8u8>},
+        {"odxSumOfAbsoluteDiff16x16u8", patches<16, 16, odxSumOfAbsoluteDiff16x16u8>},
+        {"odxDotProduct8x8u8", patches<8, 8, odxDotProduct8x8u8>},
+        {"odxDotProduct11x12u8", patches<11, 12, odxDotProduct11x12u8>},
+        {"odxSumOfAbsoluteDiffs8x8u8", everywherePacked},
+        {"odxSumOfAbsoluteDiffs8x8u8_v2", everywhere<8, odxSumOfAbsoluteDiffs8x8u8_v2>},
+        {"odxSumOfAbsoluteDiffs16x16u8", everywhere<16, odxSumOfAbsoluteDiffs16x16u8>},
+        {"odxDescriptor17x17u8To36s8", describe},
+        {"odxVecNormalize36s8f32", normalise},
+        {"odxDescriptorSampledMeanAndVar36f32", meanAndVariance},
+        {"odxSort8Scoresf32", sort8},
+        {"odxClusterEuclideanu8", clusters<uint8_t, uint32_t, uint32_t, odxClusterEuclideanu8>},
+        {"odxClusterEuclideanf32", clusters<float, float, double, odxClusterEuclideanf32>},
+        {"odxClusterEuclideanNormedf32", clusters<float, float, double, odxClusterEuclideanNormedf32>},
+        {"odxClusterEuclideanNormed36f32", clusters36},
     };
 }
 

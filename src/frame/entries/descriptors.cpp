@@ -166,4 +166,141 @@ void odxSumOfSquaredDiffs36xNs8(const int8_t* A, float invLenA, const int8_t* co
 ODX_DISTANCES(odxSumOfSquaredDiffss8, int8_t)
 ODX_DISTANCES(odxSumOfSquaredDiffsu8, uint8_t)
 ODX_DISTANCES(odxSumOfSquaredDiffsf32, float)
+
+// ---- patches ----
+
+#define ODX_PATCHES(name, n)                                                                      \
+    uint32_t name(const uint8_t* a, unsigned int aStride, const uint8_t* b, unsigned int bStride) \
+    {                                                                                             \
+        aStride = packedIfZero(aStride, n);                                                       \
+        bStride = packedIfZero(bStride, n);                                                       \
+        const Call<name##C> call(__func__, ODX_LIMITS(bytes(0) & gpu(16, a, b)));                 \
+        if (!(a != nullptr && b != nullptr && aStride >= n && bStride >= n))                      \
+            return call.refused("a && b && (aStride >= " #n ") && (bStride >= " #n ")");          \
+        return call(a, aStride, b, bStride);                                                      \
+    }
+ODX_PATCHES(odxSumOfAbsoluteDiff8x8u8, 8)
+ODX_PATCHES(odxSumOfAbsoluteDiff16x16u8, 16)
+ODX_PATCHES(odxDotProduct8x8u8, 8)
+ODX_PATCHES(odxDotProduct11x12u8, 11)
+
+void odxSumOfAbsoluteDiffs8x8u8(const uint8_t* patch, const uint8_t* src, unsigned int srcWidth,
+                                unsigned int srcHeight, uint16_t* dst)
+{
+    const Call<odxSumOfAbsoluteDiffs8x8u8C> call(__func__,
+                                                 ODX_LIMITS(pixels(srcWidth, srcHeight) & aligned(src, dst)));
+    ODX_CHECK(patch && src && dst && (srcWidth >= 8) && (srcHeight >= 8));
+    call(patch, 8u, src, srcWidth, srcHeight, srcWidth, dst,
+         static_cast<unsigned int>((srcWidth - 7) * sizeof(uint16_t)));
+}
+
+void odxSumOfAbsoluteDiffs8x8u8_v2(const uint8_t* patch, unsigned int patchStride, const uint8_t* src,
+                                   unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride,
+                                   uint16_t* dst, unsigned int dstStride)
+{
+    patchStride = packedIfZero(patchStride, 8);
+    srcStride = packedIfZero(srcStride, srcWidth);
+    dstStride = packedIfZero(dstStride, (srcWidth - 7) * sizeof(uint16_t));
+    const Call<odxSumOfAbsoluteDiffs8x8u8C> call(
+        __func__, ODX_LIMITS(pixels(srcWidth, srcHeight) & aligned(src, srcStride, dst)));
+    ODX_CHECK(patch && src && dst && (srcWidth >= 8) && (srcHeight >= 8) && (patchStride >= 8) && (srcStride >= srcWidth) && (dstStride >= (srcWidth - 7)*sizeof(uint16_t)));
+    call(patch, patchStride, src, srcWidth, srcHeight, srcStride, dst, dstStride);
+}
+
+void odxSumOfAbsoluteDiffs16x16u8(const uint8_t* patch, unsigned int patchStride, const uint8_t* src,
+                                  unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride,
+                                  uint16_t* dst, unsigned int dstStride)
+{
+    patchStride = packedIfZero(patchStride, 16);
+    srcStride = packedIfZero(srcStride, srcWidth);
+    dstStride = packedIfZero(dstStride, (srcWidth - 15) * sizeof(uint16_t));
+    const Call<odxSumOfAbsoluteDiffs16x16u8C> call(__func__, ODX_LIMITS(bytes(0) & gpu(16, src, dst)));
+    ODX_CHECK(patch && src && dst && (srcWidth >= 16) && (srcHeight >= 16) && (patchStride >= 16) && (srcStride >= srcWidth) && (dstStride >= (srcWidth - 15)*sizeof(uint16_t)));
+    call(patch, patchStride, src, srcWidth, srcHeight, srcStride, dst, dstStride);
+}
+
+// ---- descriptors and clusters ----
+
+void odxDescriptor17x17u8To36s8(const uint8_t* src, unsigned int srcStride, int8_t* dst, float* invLength)
+{
+    srcStride = packedIfZero(srcStride, 17);
+    const Call<odxDescriptor17x17u8To36s8C> call(__func__, ODX_LIMITS(bytes(0) & gpu(16, src, dst, invLength)));
+    ODX_CHECK(src && dst && (srcStride >= 17));
+    call(src, srcStride, dst, invLength);
+}
+
+int odxVecNormalize36s8f32(const int8_t* src, unsigned int srcStride, const float* invLen, unsigned int numVecs,
+                           float reqNorm, float* dst, const uint32_t* stopBuild)
+{
+    srcStride = packedIfZero(srcStride, 36);
+    const Call<odxVecNormalize36s8f32C> call(__func__, ODX_LIMITS(bytes(numVecs, 36) & gpu(4, src)));
+    if (!(src && invLen && dst)) return call.failure();
+    return call(src, srcStride, invLen, numVecs, reqNorm, dst, stopBuild);
+}
+
+odxStatus odxDescriptorSampledMeanAndVar36f32(const float* vectors, unsigned int numVectors,
+                                              unsigned int vectorsStride, const uint32_t* indices,
+                                              unsigned int numIndices, float* mean, float* variance)
+{
+    vectorsStride = packedIfZero(vectorsStride, 36 * sizeof(float));
+    const Call<odxDescriptorSampledMeanAndVar36f32C> call(
+        __func__, ODX_LIMITS(bytes(numVectors, 144) & aligned(vectors, vectorsStride)));
+    bool inRange = indices != nullptr || numIndices <= numVectors;
+    for (size_t i = 0; indices != nullptr && inRange && i < numIndices; ++i)
+        inRange = indices[i] < numVectors;
+    ODX_CHECK(vectors && numIndices && mean && variance && (vectorsStride >= 36*sizeof(float)) && inRange);
+    return call(vectors, numVectors, vectorsStride, indices, numIndices, mean, variance);
+}
+
+void odxSort8Scoresf32(float* inScores, float* outScores)
+{
+    const Call<odxSort8Scoresf32C> call(__func__, ODX_SMALL(inScores, outScores));
+    ODX_CHECK(inScores && outScores);
+    call(inScores, outScores);
+}
+
+odxStatus odxClusterEuclideanu8(const uint8_t* vectors, unsigned int length, unsigned int numVectors,
+                                unsigned int vectorsStride, const uint8_t* centers, unsigned int numCenters,
+                                unsigned int centersStride, uint32_t* labels, uint32_t* distances,
+                                uint32_t* counts, uint32_t* sums, uint8_t* newCenters)
+{
+    vectorsStride = packedIfZero(vectorsStride, length);
+    centersStride = packedIfZero(centersStride, length);
+    const Call<odxClusterEuclideanu8C> call(
+        __func__, ODX_LIMITS(bytes(length, numVectors) & aligned(vectors, vectorsStride, centers, centersStride)));
+    ODX_CHECK(vectors && centers && labels && length && numVectors && numCenters && (length <= 65536) && (numVectors <= 16777216) && (vectorsStride >= length) && (centersStride >= length) && ((counts && sums) || !newCenters));
+    return call(vectors, length, numVectors, vectorsStride, centers, numCenters, centersStride, labels, distances,
+                counts, sums, newCenters);
+}
+
+#define ODX_CLUSTERS(name)                                                                                       \
+    odxStatus name(const float* vectors, unsigned int length, unsigned int numVectors,                           \
+                   unsigned int vectorsStride, const float* centers, unsigned int numCenters,                    \
+                   unsigned int centersStride, uint32_t* labels, float* distances, uint32_t* counts,             \
+                   double* sums, float* newCenters)                                                              \
+    {                                                                                                            \
+        vectorsStride = packedIfZero(vectorsStride, length * sizeof(float));                                     \
+        centersStride = packedIfZero(centersStride, length * sizeof(float));                                     \
+        const Call<name##C> call(__func__, ODX_LIMITS(bytes(length, uint64_t{numVectors} * sizeof(float)) &      \
+                                                      aligned(vectors, vectorsStride, centers, centersStride))); \
+        ODX_CHECK(vectors && centers && labels && length && numVectors && numCenters && (vectorsStride >= length*sizeof(float)) && (centersStride >= length*sizeof(float)) && ((counts && sums) || !newCenters));              \
+        return call(vectors, length, numVectors, vectorsStride, centers, numCenters, centersStride, labels,      \
+                    distances, counts, sums, newCenters);                                                        \
+    }
+ODX_CLUSTERS(odxClusterEuclideanf32)
+ODX_CLUSTERS(odxClusterEuclideanNormedf32)
+
+odxStatus odxClusterEuclideanNormed36f32(const float* vectors, unsigned int numVectors, unsigned int vectorsStride,
+                                         const float* centers, unsigned int numCenters, unsigned int centersStride,
+                                         uint32_t* labels, float* distances, uint32_t* counts, double* sums,
+                                         float* newCenters)
+{
+    vectorsStride = packedIfZero(vectorsStride, 36 * sizeof(float));
+    centersStride = packedIfZero(centersStride, 36 * sizeof(float));
+    const Call<odxClusterEuclideanNormed36f32C> call(
+        __func__, ODX_LIMITS(bytes(numVectors, 144) & aligned(vectors, vectorsStride, centers, centersStride)));
+    ODX_CHECK(vectors && centers && labels && numVectors && numCenters && (vectorsStride >= 36*sizeof(float)) && (centersStride >= 36*sizeof(float)) && ((counts && sums) || !newCenters));
+    return call(vectors, numVectors, vectorsStride, centers, numCenters, centersStride, labels, distances, counts,
+                sums, newCenters);
+}
 }
