@@ -336,4 +336,117 @@ ODX_API odxStatus odxClusterEuclideanNormed36f32(const float* vectors, unsigned 
                                                  uint32_t* labels, float* distances, uint32_t* counts,
                                                  double* sums, float* newCenters);
 
+// ---- k-d tree ----
+
+/// A k-d tree over 36s8 descriptors.
+typedef struct odxKDTree36s8f32 odxKDTree36s8f32;
+
+/// Builds a k-d tree over descriptors.
+///
+/// The tree is a binary one of single vectors. Its dimensions are compared as invLength * value, in single
+/// precision. The order of the vectors is 1, 2, ..., n - 1, 0 at first. A range of it [lo, hi] is split at the
+/// mean, over its entries lo to min(lo + 100, hi), of the dimension whose variance over them is the greatest, the
+/// lowest of equal ones (sums in order from 0.0, divided by the number). While a <= b, with a from lo up and b
+/// from hi down, an entry below the mean advances a, else entries a and b are exchanged and b goes down. The right
+/// range begins at the first entry that is not below, or at (lo + hi + 1) / 2 where one side would be empty. The
+/// vectors are not copied and must outlive the tree; the inverse lengths are. Without vectors the tree is empty.
+/// When memory is short: 1, or -1 with the log line "NULL storage pointer", or 0 and an empty tree, or (for the
+/// few bytes that hold the pool) the line "ondrixKDTree36s8f32C@<line>: KDTrees36s8f32_tree->pool Assertion
+/// failed" and the end of the process with status 1.
+/// \param vectors    numVectors x 36 bytes
+/// \param invLengths numVectors
+/// \param kdtrees    receives the tree where the result is 0, and is untouched otherwise
+/// \return 0; -1 in silence for null pointers or a negative number; else see above
+ODX_API int odxKDTreeCreate36s8f32(const int8_t* vectors, const float* invLengths, int numVectors,
+                                   odxKDTree36s8f32** kdtrees);
+
+/// Searches a k-d tree for the nearest neighbours of a descriptor by their normalised distances, best bin first.
+///
+/// A descent begins at a node with a bound, the root with 0. At a split, diff = query[dimension] * queryInvLen -
+/// mean; it goes left where diff < 0, and the other side is kept with the bound + diff * diff, unless there are
+/// maxNNs results and the bound is not below the worst of them, or n + 1 sides are kept already. It ends where
+/// there are maxNNs results and the worst is below the bound. At a leaf the distance is computed and the vector
+/// becomes a result if there are fewer than maxNNs or if it is better than the worst: nearer, or as near with a
+/// lower index. Then the side with the least bound is next, until none is left, or until there are maxNNs results
+/// and maxChecks leaves were looked at; so maxChecks 0 still finds maxNNs. The order of sides with equal bounds is
+/// open.
+///
+/// The search marks the tree: a tree serves one query at a time. Several trees are independent.
+/// \param kdtree      from `odxKDTreeCreate36s8f32`
+/// \param queryInvLen inverse length of the query, at least 0
+/// \param maxNNs      room for results; may exceed the number of vectors
+/// \param maxDist     at least 0, may be infinite; only nearer results are written
+/// \param maxChecks   leaves to look at
+/// \param unused      anything
+/// \param numNNsFound receives the number of results
+/// \param NNInds      their vectors, the nearest first, equal ones by index; the rest stays untouched
+/// \param NNDists     their distances
+/// \return 0; -1 in silence where an argument is null, NaN or negative, and when there is no memory for more than 64
+///         results
+ODX_API int odxKDTreeQuery36s8f32(odxKDTree36s8f32* kdtree, const int8_t* query, float queryInvLen, int maxNNs,
+                                  float maxDist, int maxChecks, int unused, uint32_t* numNNsFound, int32_t* NNInds,
+                                  float* NNDists);
+
+/// Releases a k-d tree.
+/// \return 0; -1 for null, in silence
+ODX_API int odxKDTreeDestroy36s8f32(odxKDTree36s8f32* kdtree);
+
+// ---- linear search ----
+//
+// The database: dbLUT has two words for each of numDBLUT targets, its first descriptor and the number of its
+// descriptors. The descriptors (36 signed bytes each), their inverse lengths (with 38 fraction bits) and their
+// target ids are arrays that run in step.
+
+/// Sorts the descriptors of each target of a database by their target ids, in place.
+///
+/// Descriptors, inverse lengths, ids and descDBOldIdx move together; the order of equal ids is open.
+/// \return 0; -1 in silence for null pointers, and at the first target whose first + count exceeds numDBDesc (it
+///         and the targets behind it are not sorted)
+ODX_API int odxLinearSearchPrepare8x36s8(uint32_t* dbLUT, unsigned int numDBLUT, int8_t* descDB,
+                                         uint32_t* descDBInvLenQ38, uint16_t* descDBTargetId,
+                                         uint32_t* descDBOldIdx, unsigned int numDBDesc);
+
+/// Finds, for each source descriptor, the 8 nearest descriptors of its target in a database.
+///
+/// Source descriptor i looks at the range of target srcDescIdx[i], as far as it is below numDescDB; at none where
+/// the target is not below numDBLUT. A database descriptor is left out when its id is one of targetsToIgnore, when
+/// the dot product is below 1, and when the distance max(0, 2^44 - ((dbInvLen * srcInvLen) >> 32) * dot) >> 12, in
+/// 64 bits, exceeds maxDistanceQ31. The 8 nearest are written in ascending order, the earlier of equal ones first,
+/// one source descriptor after the other. The search ends when maxNumCorrespondences are written, at the earliest
+/// after one: also a capacity of 0 needs room for one.
+///
+/// Condition: "dbLUT && descDB && descDBInvLenQ38 && descDBTargetId && srcDesc && srcDescInvLenQ38 && srcDescIdx
+/// && (numTargetsToIgnore==0 || targetsToIgnore) && correspondenceDBIdx && correspondencSrcDescIdx &&
+/// correspondenceDistanceQ31 && numCorrespondences", on one line.
+/// \param correspondenceDBIdx       index in the database
+/// \param correspondencSrcDescIdx   i, the place among the source descriptors
+/// \param correspondenceDistanceQ31 distance
+/// \param numCorrespondences        number written; entries beyond it stay untouched
+ODX_API void odxLinearSearch8x36s8(const uint32_t* dbLUT, unsigned int numDBLUT, const int8_t* descDB,
+                                   const uint32_t* descDBInvLenQ38, const uint16_t* descDBTargetId,
+                                   unsigned int numDescDB, const int8_t* srcDesc, const uint32_t* srcDescInvLenQ38,
+                                   const uint32_t* srcDescIdx, unsigned int numSrcDesc,
+                                   const uint16_t* targetsToIgnore, unsigned int numTargetsToIgnore,
+                                   uint32_t maxDistanceQ31, uint32_t* correspondenceDBIdx,
+                                   uint32_t* correspondencSrcDescIdx, uint32_t* correspondenceDistanceQ31,
+                                   unsigned int maxNumCorrespondences, uint32_t* numCorrespondences);
+
+// ---- k-means tree ----
+
+/// Finds the leaf of a vocabulary tree for a 36s8 descriptor.
+///
+/// Every node has room for 10 children. From node 0 on, the child with the greatest score is next, the first of
+/// equal ones: dot(key, center) * nodeChildrenInvLenQ32, as a signed 64-bit number. The search ends at a negative
+/// index.
+/// \param nodeChildrenCenter    10 x 36 signed bytes a node
+/// \param nodeChildrenInvLenQ32 10 a node, unsigned with 32 fraction bits
+/// \param nodeChildrenIndex     10 a node: the child's node, or a negative number, a leaf
+/// \param nodeNumChildren       one a node; more than 10 count as 10
+/// \return the leaf with its sign bit cleared; 0 in silence for null pointers, for a node that is not below numNodes
+///         or has no children, and after numNodes steps without a leaf
+ODX_API uint32_t odxKMeansTreeSearch36x10s8(const int8_t* nodeChildrenCenter,
+                                            const uint32_t* nodeChildrenInvLenQ32,
+                                            const int32_t* nodeChildrenIndex, const uint8_t* nodeNumChildren,
+                                            unsigned int numNodes, const int8_t* key);
+
 #endif

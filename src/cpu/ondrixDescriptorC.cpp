@@ -312,3 +312,181 @@ odxStatus odxClusterEuclideanNormed36f32C(const float* vectors, unsigned int num
     return clusterNormed({vectors, 36, numVectors, vectorsStride, centers, numCenters, centersStride, labels,
                           distances, counts, sums, newCenters});
 }
+
+// ---- linear search ----
+
+namespace
+{
+
+// A database whose arrays move together.
+struct Database {
+    int8_t* descriptors;
+    uint32_t* inverseLengths;
+    uint16_t* targets;
+    uint32_t* oldIndices;
+
+    void exchange(size_t i, size_t j) const
+    {
+        int8_t descriptor[36];
+        memcpy(descriptor, descriptors + 36 * i, sizeof descriptor);
+        memmove(descriptors + 36 * i, descriptors + 36 * j, sizeof descriptor);
+        memcpy(descriptors + 36 * j, descriptor, sizeof descriptor);
+        const auto both = [=](auto* array) {
+            const auto value = array[i];
+            array[i] = array[j];
+            array[j] = value;
+        };
+        both(inverseLengths);
+        both(targets);
+        both(oldIndices);
+    }
+};
+
+// A heap, so that no order of the ids costs more than another.
+void sortByTarget(const Database& all, size_t first, size_t count)
+{
+    const uint16_t* const target = all.targets + first;
+    const auto sink = [&](size_t i, size_t end) {
+        for (size_t child = 2 * i + 1; child < end; child = 2 * i + 1) {
+            if (child + 1 < end && target[child] < target[child + 1]) ++child;
+            if (target[i] >= target[child]) return;
+            all.exchange(first + i, first + child);
+            i = child;
+        }
+    };
+    for (size_t i = count / 2; i > 0; --i)
+        sink(i - 1, count);
+    for (size_t end = count; end > 1; --end) {
+        all.exchange(first, first + end - 1);
+        sink(0, end - 1);
+    }
+}
+
+// The best of one source descriptor, ascending.
+struct Matches {
+    static constexpr uint32_t kMost = 8;
+    struct Match {
+        uint32_t index, distance;
+    } best[kMost];
+    uint32_t count;
+
+    void add(Match match)
+    {
+        if (count == kMost && match.distance >= best[kMost - 1].distance) return;
+        uint32_t place = count < kMost ? count++ : kMost - 1;
+        for (; place > 0 && match.distance < best[place - 1].distance; --place)
+            best[place] = best[place - 1];
+        best[place] = match;
+    }
+};
+
+} // namespace
+
+int odxLinearSearchPrepare8x36s8C(uint32_t* dbLUT, unsigned int numDBLUT, int8_t* descDB,
+                                  uint32_t* descDBInvLenQ38, uint16_t* descDBTargetId, uint32_t* descDBOldIdx,
+                                  unsigned int numDBDesc)
+{
+    const Database all = {descDB, descDBInvLenQ38, descDBTargetId, descDBOldIdx};
+    for (size_t t = 0; t < numDBLUT; ++t) {
+        const uint32_t first = dbLUT[2 * t], count = dbLUT[2 * t + 1];
+        if (uint64_t{first} + count > numDBDesc) return -1;
+        sortByTarget(all, first, count);
+    }
+    return 0;
+}
+
+void odxLinearSearch8x36s8C(const uint32_t* dbLUT, unsigned int numDBLUT, const int8_t* descDB,
+                            const uint32_t* descDBInvLenQ38, const uint16_t* descDBTargetId,
+                            unsigned int numDescDB, const int8_t* srcDesc, const uint32_t* srcDescInvLenQ38,
+                            const uint32_t* srcDescIdx, unsigned int numSrcDesc, const uint16_t* targetsToIgnore,
+                            unsigned int numTargetsToIgnore, uint32_t maxDistanceQ31,
+                            uint32_t* correspondenceDBIdx, uint32_t* correspondencSrcDescIdx,
+                            uint32_t* correspondenceDistanceQ31, unsigned int maxNumCorrespondences,
+                            uint32_t* numCorrespondences)
+{
+    constexpr uint64_t kAtOnce = 64;
+    int32_t products36[kAtOnce];
+    uint32_t written = 0;
+    // Neighbours in the database often have the same target.
+    uint32_t lastTarget = UINT32_MAX;
+    bool lastIgnored = false;
+    const auto isIgnored = [&](uint16_t target) {
+        if (target == lastTarget) return lastIgnored;
+        lastTarget = target;
+        lastIgnored = false;
+        for (size_t i = 0; i < numTargetsToIgnore && !lastIgnored; ++i)
+            lastIgnored = targetsToIgnore[i] == target;
+        return lastIgnored;
+    };
+    for (uint32_t i = 0; i < numSrcDesc; ++i) {
+        const size_t t = srcDescIdx[i];
+        if (t >= numDBLUT) continue;
+        const uint64_t first = dbLUT[2 * t], wanted = first + dbLUT[2 * t + 1],
+                       end = wanted < numDescDB ? wanted : numDescDB;
+        Matches matches = {};
+        for (uint64_t begin = first; begin < end; begin += kAtOnce) {
+            const uint64_t count = end - begin < kAtOnce ? end - begin : kAtOnce;
+            dotProducts36s8_(srcDesc + size_t{36} * i, descDB + 36 * static_cast<size_t>(begin),
+                             static_cast<uint32_t>(count), products36);
+            for (uint64_t k = 0; k < count; ++k) {
+                const size_t j = static_cast<size_t>(begin + k);
+                const int32_t dot = products36[k];
+                if (dot < 1 || isIgnored(descDBTargetId[j])) continue;
+                // Below 2^52: the inverse lengths have 32 bits each, the dot product 20.
+                const int64_t cosine =
+                    static_cast<int64_t>((uint64_t{descDBInvLenQ38[j]} * srcDescInvLenQ38[i]) >> 32) * dot;
+                const int64_t whole = int64_t{1} << 44;
+                const int64_t distance = cosine < whole ? (whole - cosine) >> 12 : 0;
+                if (distance > int64_t{maxDistanceQ31}) continue;
+                matches.add({static_cast<uint32_t>(j), static_cast<uint32_t>(distance)});
+            }
+        }
+        for (uint32_t k = 0; k < matches.count; ++k) {
+            correspondenceDBIdx[written] = matches.best[k].index;
+            correspondencSrcDescIdx[written] = i;
+            correspondenceDistanceQ31[written] = matches.best[k].distance;
+            if (++written >= maxNumCorrespondences) {
+                *numCorrespondences = written;
+                return;
+            }
+        }
+    }
+    *numCorrespondences = written;
+}
+
+// ---- k-means tree ----
+
+uint32_t odxKMeansTreeSearch36x10s8C(const int8_t* nodeChildrenCenter, const uint32_t* nodeChildrenInvLenQ32,
+                                     const int32_t* nodeChildrenIndex, const uint8_t* nodeNumChildren,
+                                     unsigned int numNodes, const int8_t* key)
+{
+    constexpr uint32_t kMostChildren = 10;
+    int64_t node = 0;
+    // A tree is left after as many steps as it has nodes.
+    for (uint32_t steps = 0; node < int64_t{numNodes} && steps < numNodes; ++steps) {
+        const size_t first = kMostChildren * static_cast<size_t>(node);
+        const int8_t* const centers = nodeChildrenCenter + 36 * first;
+        const uint32_t listed = nodeNumChildren[node], count = listed < kMostChildren ? listed : kMostChildren;
+        if (count == 0) return 0;
+        int32_t dots[kMostChildren];
+        uint32_t k = 0;
+        for (; count - k >= 4; k += 4) {
+            const int8_t* const four = centers + 36 * k;
+            odxDotProduct36x4s8(key, four, four + 36, four + 72, four + 108, dots + k);
+        }
+        for (; k < count; ++k)
+            dots[k] = odxDotProduct36x1s8(key, centers + 36 * k);
+        uint32_t best = 0;
+        int64_t bestScore = INT64_MIN;
+        for (k = 0; k < count; ++k) {
+            const int64_t score = int64_t{dots[k]} * int64_t{nodeChildrenInvLenQ32[first + k]};
+            if (score > bestScore) {
+                bestScore = score;
+                best = k;
+            }
+        }
+        node = nodeChildrenIndex[first + best];
+        if (node < 0) return static_cast<uint32_t>(node) & 0x7FFFFFFF;
+    }
+    return 0;
+}

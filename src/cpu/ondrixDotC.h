@@ -52,6 +52,12 @@ decltype(odxHammingDistance64x4u8) odxHammingDistance64x4u8C;
 decltype(odxHammingDistance64x4u8a4) odxHammingDistance64x4u8a4C;
 decltype(odxHammingDistanceu8) odxHammingDistanceu8C;
 
+decltype(odxKDTreeCreate36s8f32) odxKDTreeCreate36s8f32C;
+decltype(odxKDTreeDestroy36s8f32) odxKDTreeDestroy36s8f32C;
+decltype(odxKDTreeQuery36s8f32) odxKDTreeQuery36s8f32C;
+decltype(odxKMeansTreeSearch36x10s8) odxKMeansTreeSearch36x10s8C;
+decltype(odxLinearSearch8x36s8) odxLinearSearch8x36s8C;
+decltype(odxLinearSearchPrepare8x36s8) odxLinearSearchPrepare8x36s8C;
 decltype(odxSort8Scoresf32) odxSort8Scoresf32C;
 decltype(odxSumOfAbsoluteDiffs8x8u8_v2) odxSumOfAbsoluteDiffs8x8u8C;
 decltype(odxSumOfSquaredDiffs36x4s8) odxSumOfSquaredDiffs36x4s8C;

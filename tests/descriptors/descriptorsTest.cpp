@@ -169,3 +169,172 @@ TEST_F(Descriptors, NormalisedDistances)
     EXPECT_NEAR(0, d[0], 1e-6);
     EXPECT_NEAR(4, d[1], 1e-6);
 }
+
+TEST_F(Descriptors, SumsOverPatches)
+{
+    constexpr unsigned kStride = 40;
+    const auto image = draw<uint8_t>(kStride * 30);
+    const auto sums = [&](const uint8_t* a, const uint8_t* b, size_t width, size_t height) {
+        std::pair<uint32_t, uint32_t> sum; // of differences and of products
+        for (size_t i = 0; i < width * height; ++i) {
+            const int p = a[i / width * kStride + i % width], q = b[i / width * kStride + i % width];
+            sum.first += static_cast<uint32_t>(std::abs(p - q));
+            sum.second += static_cast<uint32_t>(p * q);
+        }
+        return sum;
+    };
+    const uint8_t *const a = image.data(), *const b = a + 11 * kStride + 19;
+    EXPECT_EQ(sums(a, b, 8, 8).first, odxSumOfAbsoluteDiff8x8u8(a, kStride, b, kStride));
+    EXPECT_EQ(sums(a, b, 16, 16).first, odxSumOfAbsoluteDiff16x16u8(a, kStride, b, kStride));
+    EXPECT_EQ(sums(a, b, 8, 8).second, odxDotProduct8x8u8(a, kStride, b, kStride));
+    EXPECT_EQ(sums(a, b, 11, 12).second, odxDotProduct11x12u8(a, kStride, b, kStride));
+    std::vector<uint16_t> at8(33 * 23), at16(25 * 15), packed(33 * 23);
+    odxSumOfAbsoluteDiffs8x8u8_v2(b, kStride, a, kStride, 30, kStride, at8.data(), 0);
+    odxSumOfAbsoluteDiffs16x16u8(b, kStride, a, kStride, 30, kStride, at16.data(), 0);
+    std::vector<uint8_t> patch;
+    for (size_t i = 0; i < 64; ++i)
+        patch.push_back(b[i / 8 * kStride + i % 8]);
+    odxSumOfAbsoluteDiffs8x8u8(patch.data(), a, kStride, 30, packed.data());
+    EXPECT_EQ(at8, packed);
+    EXPECT_EQ(0, at8[11 * 33 + 19]); // where the patch comes from
+    for (size_t i = 0; i < at8.size(); ++i)
+        ASSERT_EQ(sums(a + i / 33 * kStride + i % 33, b, 8, 8).first, at8[i]) << i;
+    for (size_t i = 0; i < at16.size(); ++i)
+        ASSERT_EQ(sums(a + i / 25 * kStride + i % 25, b, 16, 16).first, at16[i]) << i;
+}
+
+TEST_F(Descriptors, DescriptorOfAPatch)
+{
+    // A ramp to the right, whose gradient is 4; and one that goes down in the last cell only.
+    std::vector<uint8_t> patch(17 * 17), flat(17 * 17, 9);
+    for (size_t i = 0; i < patch.size(); ++i)
+        patch[i] = static_cast<uint8_t>(2 * (i % 17));
+    for (size_t y = 13; y < 17; ++y)
+        patch[17 * y + 13] = static_cast<uint8_t>(patch[17 * y + 13] - 2 * (y - 12));
+    int8_t dst[36];
+    float inverse;
+    odxDescriptor17x17u8To36s8(patch.data(), 0, dst, &inverse);
+    // In the last cell, 2, 4, 6 and 8 are taken from rows 13 to 16 of its center's column. To the left of it dx is
+    // less by as much, so that its magnitude is 2 instead of -2 once; to the right it is more. dy is -2, -4, -4,
+    // -4.
+    const auto scaled = [](int sum) { return (127 * sum + 104 / 2) / 104; };
+    EXPECT_EQ(scaled(100), dst[0]);
+    EXPECT_EQ(0, dst[1]);
+    EXPECT_EQ(scaled(100), dst[2]);
+    EXPECT_EQ(0, dst[3]);
+    EXPECT_EQ(scaled(100), dst[32]);
+    EXPECT_EQ(-scaled(14), dst[33]);
+    EXPECT_EQ(127, dst[34]); // 104 is the greatest
+    EXPECT_EQ(scaled(14), dst[35]);
+    float square = 0;
+    for (const int8_t d : dst)
+        square += static_cast<float>(d * d);
+    EXPECT_FLOAT_EQ(1 / std::sqrt(square), inverse);
+    odxDescriptor17x17u8To36s8(flat.data(), 17, dst, &inverse);
+    EXPECT_EQ(std::vector<int8_t>(36, 0), std::vector<int8_t>(dst, dst + 36));
+    EXPECT_EQ(0, inverse);
+    odxDescriptor17x17u8To36s8(patch.data(), 17, dst, nullptr);
+}
+
+TEST_F(Descriptors, NormsMeansAndOrder)
+{
+    const auto s = draw<int8_t>(3 * 40);
+    const float lengths[3] = {0.1f, 0.01f, 0.003f};
+    std::vector<float> f(3 * 36, -7), mean(36), variance(36);
+    uint32_t stop = 0x10000;
+    EXPECT_EQ(0, odxVecNormalize36s8f32(s.data(), 40, lengths, 3, 300, f.data(), &stop));
+    EXPECT_EQ(std::vector<float>(3 * 36, -7), f);
+    EXPECT_EQ(0, odxVecNormalize36s8f32(s.data(), 40, lengths, 3, 300, f.data(), nullptr));
+    const uint32_t sample[5] = {2, 0, 1, 2, 2};
+    EXPECT_EQ(0, odxDescriptorSampledMeanAndVar36f32(f.data(), 3, 0, sample, 5, mean.data(), variance.data()));
+    for (size_t j = 0; j < 36; ++j) {
+        volatile float sum = 0, squares = 0;
+        for (size_t i = 0; i < 3; ++i) {
+            volatile float scale = lengths[i] * 300;
+            ASSERT_EQ(scale * static_cast<float>(s[40 * i + j]), f[36 * i + j]);
+        }
+        for (const uint32_t i : sample)
+            sum = sum + f[36 * i + j];
+        ASSERT_EQ(sum / 5, mean[j]);
+        for (const uint32_t i : sample) {
+            volatile float d = f[36 * i + j] - mean[j];
+            volatile float square = d * d;
+            squares = squares + square;
+        }
+        ASSERT_EQ(squares / 5, variance[j]);
+    }
+    // A network that sorts all sequences of zeros and ones sorts everything.
+    for (int bits = 0; bits < 256; ++bits) {
+        float in[8], out[8], sorted[8];
+        for (int i = 0; i < 8; ++i)
+            sorted[i] = in[i] = static_cast<float>(bits >> i & 1);
+        std::sort(sorted, sorted + 4);
+        std::sort(sorted + 4, sorted + 8);
+        odxSort8Scoresf32(in, out);
+        ASSERT_TRUE(std::equal(in, in + 8, sorted)) << bits;
+        std::sort(sorted, sorted + 8);
+        ASSERT_TRUE(std::equal(out, out + 8, sorted)) << bits;
+    }
+}
+
+TEST_F(Descriptors, ClustersMoveToTheirMeans)
+{
+    // Bytes: 10 is as near to 0 as to 20, and goes to the lower number; the third center stays without vectors.
+    const uint8_t v[] = {1, 1, 10, 0, 19, 2, 20, 1}, centers[] = {0, 0, 20, 0, 200, 200};
+    uint32_t labels[4], distances[4], counts[3], sums[6];
+    uint8_t moved[6];
+    EXPECT_EQ(0, odxClusterEuclideanu8(v, 2, 4, 0, centers, 3, 0, labels, distances, counts, sums, moved));
+    EXPECT_EQ((std::vector<uint32_t>{0, 0, 1, 1}), std::vector<uint32_t>(labels, labels + 4));
+    EXPECT_EQ((std::vector<uint32_t>{2, 100, 5, 1}), std::vector<uint32_t>(distances, distances + 4));
+    EXPECT_EQ((std::vector<uint32_t>{2, 2, 0}), std::vector<uint32_t>(counts, counts + 3));
+    EXPECT_EQ((std::vector<uint32_t>{11, 1, 39, 3, 0, 0}), std::vector<uint32_t>(sums, sums + 6));
+    EXPECT_EQ((std::vector<uint8_t>{6, 1, 20, 2, 200, 200}), std::vector<uint8_t>(moved, moved + 6));
+
+    // Floats, in place; and directions, of which the second vector has none near.
+    std::vector<float> f(2 * 36), c(2 * 36), d(2);
+    std::vector<double> fsums(2 * 36);
+    f[0] = 1;
+    f[36] = -1;
+    c[0] = 0.5f;
+    c[36 + 35] = 1;
+    EXPECT_EQ(0, odxClusterEuclideanf32(f.data(), 36, 2, 0, c.data(), 2, 0, labels, d.data(), counts, fsums.data(),
+                                        c.data()));
+    EXPECT_EQ(0.25f, d[0]);
+    EXPECT_EQ(2, d[1]);
+    EXPECT_EQ(1, c[0]);
+    EXPECT_EQ(-1, c[36]);
+    f[1] = 1;
+    for (const bool fixed : {false, true}) {
+        std::vector<float> directions = c;
+        EXPECT_EQ(0, fixed ? odxClusterEuclideanNormed36f32(f.data(), 2, 0, directions.data(), 2, 0, labels,
+                                                            d.data(), counts, fsums.data(), directions.data())
+                           : odxClusterEuclideanNormedf32(f.data(), 36, 2, 0, directions.data(), 2, 0, labels,
+                                                          d.data(), counts, fsums.data(), directions.data()));
+        EXPECT_EQ(0, d[0]);
+        EXPECT_EQ(static_cast<float>(1 / std::sqrt(2.0)), directions[1]);
+        EXPECT_EQ(1u, labels[1]);
+    }
+}
+
+TEST_F(Descriptors, SumsOfFloatsAreInSixteenLanes)
+{
+    const size_t n = 53;
+    std::vector<float> v(n), c(n);
+    for (size_t i = 0; i < n; ++i) {
+        v[i] = static_cast<float>(random_() % 1000) / 7;
+        c[i] = static_cast<float>(random_() % 1000) / 9;
+    }
+    float t[16] = {}, d;
+    for (size_t i = 0; i < n; ++i) {
+        volatile float difference = v[i] - c[i];
+        volatile float square = difference * difference;
+        t[i % 16] += square;
+    }
+    for (const int half : {8, 4, 2, 1}) {
+        for (int j = 0; j < half; ++j)
+            t[j] += t[j + half];
+    }
+    uint32_t label;
+    odxClusterEuclideanf32(v.data(), n, 1, 0, c.data(), 1, 0, &label, &d, nullptr, nullptr, nullptr);
+    EXPECT_EQ(t[0], d);
+}

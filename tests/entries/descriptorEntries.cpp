@@ -2,6 +2,8 @@
 
 #include "ondrix/descriptors.h"
 
+#include <math.h>
+
 namespace odx::test
 {
 
@@ -173,6 +175,34 @@ Entries descriptorEntries()
          1,
          144,
          withoutSums(8)},
+        {ODX_ENTRY(odxKDTreeCreate36s8f32), "", {vector, vector, value(9, {-1}, {0}), buffer()}, 1, kNever},
+        {ODX_ENTRY(odxKDTreeDestroy36s8f32), "", {buffer()}, 1, kNever},
+        {ODX_ENTRY(odxKDTreeQuery36s8f32),
+         "",
+         {buffer(), vector, value(1, {-1, double(NAN)}, {0}), value(2, {-1}, {0}),
+          value(1, {-1, double(NAN)}, {0, double(INFINITY)}), value(8, {-1}, {0}), value(), buffer(), buffer(),
+          buffer()},
+         1,
+         kNever},
+        {ODX_ENTRY(odxLinearSearchPrepare8x36s8),
+         "",
+         {buffer(), value(1, {}, {0}), vector, buffer(), buffer(), buffer(), value(1, {}, {0})},
+         1,
+         kNever},
+        {ODX_ENTRY(odxLinearSearch8x36s8),
+         "dbLUT && descDB && descDBInvLenQ38 && descDBTargetId && srcDesc && srcDescInvLenQ38 && srcDescIdx && "
+         "(numTargetsToIgnore==0 || targetsToIgnore) && correspondenceDBIdx && correspondencSrcDescIdx && "
+         "correspondenceDistanceQ31 && numCorrespondences",
+         {buffer(), value(), vector, buffer(), buffer(), length(), vector, buffer(), buffer(), value(1, {}, {0}),
+          optional(), value(0), value(), buffer(), buffer(), buffer(), value(1, {}, {0}), buffer()},
+         1,
+         36,
+         {{{10, 0}, {11, 1}}}},
+        {ODX_ENTRY(odxKMeansTreeSearch36x10s8),
+         "",
+         {vector, buffer(), buffer(), buffer(), value(1, {}, {0}), vector},
+         1,
+         kNever},
     };
 }
 

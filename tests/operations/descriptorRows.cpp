@@ -280,6 +280,137 @@ void clusters36(Draw& draw)
     cluster<float, float, double>(draw, 36, odxClusterEuclideanNormed36f32);
 }
 
+// Vectors around a few centers, and a tree over them.
+struct TreeCase {
+    uint32_t count;
+    const int8_t *vectors, *query;
+    const float* lengths;
+    float length;
+
+    explicit TreeCase(Draw& draw)
+        : count(draw.number<uint32_t>("vectors", 0, 400, 2000)),
+          vectors(draw.sourceArray<int8_t>("v", 36 * count)), query(draw.sourceArray<int8_t>("query", 36)),
+          lengths(inverseLengths(draw, count)), length(inverseLength(draw))
+    {
+    }
+    odxKDTree36s8f32* create() const
+    {
+        odxKDTree36s8f32* tree = nullptr;
+        odxKDTreeCreate36s8f32(vectors, lengths, static_cast<int>(count), &tree);
+        return tree;
+    }
+};
+
+void createTree(Draw& draw)
+{
+    const TreeCase tree(draw);
+    draw.run([&] { return odxKDTreeDestroy36s8f32(tree.create()); });
+}
+
+void queryTree(Draw& draw)
+{
+    const TreeCase made(draw);
+    odxKDTree36s8f32* const tree = made.create();
+    const int room = draw.number<int>("room", 0, 90, 2), checks = draw.number<int>("checks", 0, 300, 128);
+    const float most = draw.real("most", 0, 5, 5);
+    uint32_t* const found = draw.destinationArray<uint32_t>("found", 1);
+    int32_t* const indices = draw.destinationArray<int32_t>("indices", static_cast<uint32_t>(room));
+    float* const distances = draw.destinationArray<float>("distances", static_cast<uint32_t>(room));
+    draw.run([&] {
+        return odxKDTreeQuery36s8f32(tree, made.query, made.length, room, most, checks, 0, found, indices,
+                                     distances);
+    });
+    odxKDTreeDestroy36s8f32(tree);
+}
+
+// A database of a few targets, which may reach beyond its end.
+struct DatabaseCase {
+    uint32_t count, targets;
+    int8_t* descriptors;
+    uint32_t *lut, *lengths, *old;
+    uint16_t* ids;
+
+    explicit DatabaseCase(Draw& draw)
+        : count(draw.number<uint32_t>("descriptors", 0, 300, 4000)),
+          targets(draw.number<uint32_t>("targets", 1, 4, 1))
+    {
+        const auto random = draw.source<int8_t>("descriptors", {36 * count, 1}, true);
+        draw.writesInPlace(random);
+        descriptors = random.pixels;
+        lut = draw.destinationArray<uint32_t>("lut", 2 * targets);
+        lengths = draw.destinationArray<uint32_t>("lengths", count);
+        old = draw.destinationArray<uint32_t>("old", count);
+        ids = draw.destinationArray<uint16_t>("ids", count);
+        Random r = seeded(draw);
+        for (uint32_t t = 0; t < targets; ++t) {
+            lut[2 * t] = static_cast<uint32_t>(count / targets * t);
+            lut[2 * t + 1] = count / targets + (t + 1 == targets ? static_cast<uint32_t>(r() % 2) : 0);
+        }
+        for (uint32_t i = 0; i < count; ++i) {
+            lengths[i] = static_cast<uint32_t>((uint64_t{1} << 38) / (200 + r() % 500));
+            ids[i] = static_cast<uint16_t>(r() % 7);
+            old[i] = i;
+        }
+    }
+};
+
+void prepareSearch(Draw& draw)
+{
+    DatabaseCase all(draw);
+    // An order of equal ids is not promised, so that there are none.
+    for (uint32_t i = 0; i < all.count; ++i)
+        all.ids[i] = static_cast<uint16_t>(i * 40503u);
+    draw.run([&] {
+        return odxLinearSearchPrepare8x36s8(all.lut, all.targets, all.descriptors, all.lengths, all.ids, all.old,
+                                            all.count);
+    });
+}
+
+void searchLinearly(Draw& draw)
+{
+    const DatabaseCase all(draw);
+    const uint32_t sources = draw.number<uint32_t>("sources", 0, 9, 10),
+                   ignored = draw.number<uint32_t>("ignored", 0, 2, 1),
+                   room = draw.number<uint32_t>("room", 0, 60, 1000);
+    const int8_t* const src = draw.sourceArray<int8_t>("src", 36 * sources);
+    uint32_t *const lengths = draw.destinationArray<uint32_t>("src lengths", sources),
+                    *const targets = draw.destinationArray<uint32_t>("src targets", sources);
+    for (uint32_t i = 0; i < sources; ++i) {
+        lengths[i] = 0x20000000 + i;
+        targets[i] = draw.measures() ? 0 : i % (all.targets + 1);
+    }
+    const uint16_t ignore[2] = {3, 5};
+    const uint32_t most = draw.pick("most", {0xFFFFFFFFu, 0x7FFFFFFFu});
+    uint32_t* results[3];
+    for (uint32_t*& result : results)
+        result = draw.destinationArray<uint32_t>("result", std::max(room, 1u));
+    uint32_t* const found = draw.destinationArray<uint32_t>("found", 1);
+    draw.run([&] {
+        odxLinearSearch8x36s8(all.lut, all.targets, all.descriptors, all.lengths, all.ids, all.count, src, lengths,
+                              targets, sources, ignore, ignored, most, results[0], results[1], results[2], room,
+                              found);
+    });
+}
+
+void searchVocabulary(Draw& draw)
+{
+    const uint32_t nodes = draw.number<uint32_t>("nodes", 1, 60, 111);
+    const int8_t *const centers = draw.sourceArray<int8_t>("centers", 360 * nodes), *const key =
+                                                                                        draw.sourceArray<int8_t>(
+                                                                                            "key", 36);
+    uint32_t* const lengths = draw.destinationArray<uint32_t>("lengths", 10 * nodes);
+    int32_t* const children = draw.destinationArray<int32_t>("children", 10 * nodes);
+    uint8_t* const counts = draw.destinationArray<uint8_t>("counts", nodes);
+    Random random = seeded(draw);
+    for (uint32_t i = 0; i < 10 * nodes; ++i) {
+        const uint32_t child = i + 1;
+        children[i] = static_cast<int32_t>(child < nodes ? child : 0x80000000 | child);
+        lengths[i] = static_cast<uint32_t>(random());
+        counts[i / 10] = static_cast<uint8_t>(draw.measures() ? 10 : random() % 12);
+    }
+    draw.run([&] { return odxKMeansTreeSearch36x10s8(centers, lengths, children, counts, nodes, key); });
+}
+
 } // namespace
 
 std::vector<Row> descriptorRows()
@@ -342,6 +473,12 @@ std::vector<Row> descriptorRows()
         {"odxClusterEuclideanf32", clusters<float, float, double, odxClusterEuclideanf32>},
         {"odxClusterEuclideanNormedf32", clusters<float, float, double, odxClusterEuclideanNormedf32>},
         {"odxClusterEuclideanNormed36f32", clusters36},
+        {"odxKDTreeCreate36s8f32", createTree},
+        {"odxKDTreeDestroy36s8f32", createTree},
+        {"odxKDTreeQuery36s8f32", queryTree},
+        {"odxLinearSearchPrepare8x36s8", prepareSearch},
+        {"odxLinearSearch8x36s8", searchLinearly},
+        {"odxKMeansTreeSearch36x10s8", searchVocabulary},
     };
 }
 

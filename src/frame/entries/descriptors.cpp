@@ -303,4 +303,66 @@ odxStatus odxClusterEuclideanNormed36f32(const float* vectors, unsigned int numV
     return call(vectors, numVectors, vectorsStride, centers, numCenters, centersStride, labels, distances, counts,
                 sums, newCenters);
 }
+
+// ---- searches ----
+
+int odxKDTreeCreate36s8f32(const int8_t* vectors, const float* invLengths, int numVectors,
+                           odxKDTree36s8f32** kdtrees)
+{
+    const Call<odxKDTreeCreate36s8f32C> call(__func__, ODX_SMALL(vectors, invLengths));
+    if (!(vectors && invLengths && kdtrees && numVectors >= 0)) return call.failure();
+    return call(vectors, invLengths, numVectors, kdtrees);
+}
+
+int odxKDTreeQuery36s8f32(odxKDTree36s8f32* kdtree, const int8_t* query, float queryInvLen, int maxNNs,
+                          float maxDist, int maxChecks, int unused, uint32_t* numNNsFound, int32_t* NNInds,
+                          float* NNDists)
+{
+    const Call<odxKDTreeQuery36s8f32C> call(__func__, ODX_SMALL(query));
+    // A NaN is not at least 0.
+    const bool usable = kdtree && query && queryInvLen >= 0 && maxDist >= 0 && maxNNs >= 0 && maxChecks >= 0 &&
+                        numNNsFound && NNInds && NNDists;
+    if (!usable) return call.failure();
+    return call(kdtree, query, queryInvLen, maxNNs, maxDist, maxChecks, unused, numNNsFound, NNInds, NNDists);
+}
+
+int odxKDTreeDestroy36s8f32(odxKDTree36s8f32* kdtree)
+{
+    const Call<odxKDTreeDestroy36s8f32C> call(__func__, ODX_LIMITS(bytes(0)));
+    if (kdtree == nullptr) return call.failure();
+    return call(kdtree);
+}
+
+int odxLinearSearchPrepare8x36s8(uint32_t* dbLUT, unsigned int numDBLUT, int8_t* descDB, uint32_t* descDBInvLenQ38,
+                                 uint16_t* descDBTargetId, uint32_t* descDBOldIdx, unsigned int numDBDesc)
+{
+    const Call<odxLinearSearchPrepare8x36s8C> call(__func__, ODX_SMALL(descDB));
+    if (!(dbLUT && descDB && descDBInvLenQ38 && descDBTargetId && descDBOldIdx)) return call.failure();
+    return call(dbLUT, numDBLUT, descDB, descDBInvLenQ38, descDBTargetId, descDBOldIdx, numDBDesc);
+}
+
+void odxLinearSearch8x36s8(const uint32_t* dbLUT, unsigned int numDBLUT, const int8_t* descDB,
+                           const uint32_t* descDBInvLenQ38, const uint16_t* descDBTargetId, unsigned int numDescDB,
+                           const int8_t* srcDesc, const uint32_t* srcDescInvLenQ38, const uint32_t* srcDescIdx,
+                           unsigned int numSrcDesc, const uint16_t* targetsToIgnore,
+                           unsigned int numTargetsToIgnore, uint32_t maxDistanceQ31, uint32_t* correspondenceDBIdx,
+                           uint32_t* correspondencSrcDescIdx, uint32_t* correspondenceDistanceQ31,
+                           unsigned int maxNumCorrespondences, uint32_t* numCorrespondences)
+{
+    const Call<odxLinearSearch8x36s8C> call(__func__, ODX_LIMITS(bytes(numDescDB, 36) & gpu(4, descDB, srcDesc)));
+    ODX_CHECK(dbLUT && descDB && descDBInvLenQ38 && descDBTargetId && srcDesc && srcDescInvLenQ38 && srcDescIdx && (numTargetsToIgnore==0 || targetsToIgnore) && correspondenceDBIdx && correspondencSrcDescIdx && correspondenceDistanceQ31 && numCorrespondences);
+    call(dbLUT, numDBLUT, descDB, descDBInvLenQ38, descDBTargetId, numDescDB, srcDesc, srcDescInvLenQ38,
+         srcDescIdx, numSrcDesc, targetsToIgnore, numTargetsToIgnore, maxDistanceQ31, correspondenceDBIdx,
+         correspondencSrcDescIdx, correspondenceDistanceQ31, maxNumCorrespondences, numCorrespondences);
+}
+
+uint32_t odxKMeansTreeSearch36x10s8(const int8_t* nodeChildrenCenter, const uint32_t* nodeChildrenInvLenQ32,
+                                    const int32_t* nodeChildrenIndex, const uint8_t* nodeNumChildren,
+                                    unsigned int numNodes, const int8_t* key)
+{
+    const Call<odxKMeansTreeSearch36x10s8C> call(__func__, ODX_SMALL(nodeChildrenCenter, key));
+    if (!(nodeChildrenCenter && nodeChildrenInvLenQ32 && nodeChildrenIndex && nodeNumChildren && key))
+        return call.failure();
+    return call(nodeChildrenCenter, nodeChildrenInvLenQ32, nodeChildrenIndex, nodeNumChildren, numNodes, key);
+}
 }
