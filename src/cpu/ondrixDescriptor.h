@@ -91,7 +91,7 @@ struct Lanes36 {
 };
 ODX_DESCRIPTOR_INLINE void load(Lanes36& v, const float* p)
 {
-    v = {lanesAt<Lanes16>(p), lanesAt<Lanes16>(p + 16), lanesAt<Lanes4>(p + 32)};
+    v = Lanes36{lanesAt<Lanes16>(p), lanesAt<Lanes16>(p + 16), lanesAt<Lanes4>(p + 32)};
 }
 ODX_DESCRIPTOR_INLINE void storeQuotient(float* p, const Lanes36& v, float n)
 {
@@ -109,15 +109,15 @@ ODX_DESCRIPTOR_INLINE void meanAndVariance(const float* vectors, uint32_t stride
     Lanes36 sum = {}, middle, v;
     for (uint32_t i = 0; i < count; ++i) {
         load(v, at(i));
-        sum = {sum.a + v.a, sum.b + v.b, sum.c + v.c};
+        sum = Lanes36{sum.a + v.a, sum.b + v.b, sum.c + v.c};
     }
     storeQuotient(mean, sum, n);
     load(middle, mean);
-    sum = {};
+    sum = Lanes36{};
     for (uint32_t i = 0; i < count; ++i) {
         load(v, at(i));
-        v = {v.a - middle.a, v.b - middle.b, v.c - middle.c};
-        sum = {sum.a + v.a * v.a, sum.b + v.b * v.b, sum.c + v.c * v.c};
+        v = Lanes36{v.a - middle.a, v.b - middle.b, v.c - middle.c};
+        sum = Lanes36{sum.a + v.a * v.a, sum.b + v.b * v.b, sum.c + v.c * v.c};
     }
     storeQuotient(variance, sum, n);
 }

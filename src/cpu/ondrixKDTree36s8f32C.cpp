@@ -49,9 +49,9 @@ struct Record {
 struct Node {
     int32_t dimension; // of a leaf: its vector
     float split;
-    int32_t left, right;
+    int32_t children[2];
 
-    bool isLeaf() const { return left == kNoChild && right == kNoChild; }
+    bool isLeaf() const { return children[0] == kNoChild; } // then it has no other
 };
 
 // Nodes that were passed by, as a heap by their bounds.
@@ -229,14 +229,14 @@ int buildIndex(Tree& tree)
         Node& node = tree.pool->nodes[number];
         *frame.slot = number;
         if (frame.lo == frame.hi) {
-            node = {tree.indices[frame.lo], 0, kNoChild, kNoChild};
+            node = {tree.indices[frame.lo], 0, {kNoChild, kNoChild}};
             continue;
         }
-        node = {0, 0, kNoChild, kNoChild};
+        node = {0, 0, {kNoChild, kNoChild}};
         chooseSplit(tree, frame.lo, frame.hi, node);
         const int split = partition(tree, frame.lo, frame.hi, node);
-        push({split, frame.hi, &node.right});
-        push({frame.lo, split - 1, &node.left});
+        push({split, frame.hi, &node.children[1]});
+        push({frame.lo, split - 1, &node.children[0]});
     }
     heapFree(callStack.frames);
     return 0;
@@ -252,17 +252,23 @@ void push(Tree& tree, Branch branch)
     tree.heap[i] = branch;
 }
 
+// The hole goes down to the end by choices that need no branch, and the last one, which is rarely far from there, up
+// to its place.
 Branch pop(Tree& tree)
 {
-    const Branch least = tree.heap[0], moved = tree.heap[--tree.heapSize];
-    int i = 0;
-    for (int child = 1; child < tree.heapSize; child = 2 * i + 1) {
-        if (child + 1 < tree.heapSize && tree.heap[child + 1].bound < tree.heap[child].bound) ++child;
-        if (!(tree.heap[child].bound < moved.bound)) break;
-        tree.heap[i] = tree.heap[child];
-        i = child;
+    Branch* const heap = tree.heap;
+    const Branch least = heap[0];
+    const int size = --tree.heapSize;
+    int hole = 0;
+    for (int child = 1; child < size; child = 2 * hole + 1) {
+        child += heap[child + 1].bound < heap[child].bound ? 1 : 0; // the last one stands behind them
+        heap[hole] = heap[child];
+        hole = child;
     }
-    tree.heap[i] = moved;
+    const Branch moved = heap[size];
+    for (; hole > 0 && moved.bound < heap[(hole - 1) / 2].bound; hole = (hole - 1) / 2)
+        heap[hole] = heap[(hole - 1) / 2];
+    heap[hole] = moved;
     return least;
 }
 
@@ -276,6 +282,7 @@ struct Query {
 
     bool full() const { return found == capacity; }
     float worst() const { return results[found - 1].distance; }
+    bool isBeyond(float bound) const { return full() && worst() < bound; }
     bool isDone() const { return checks >= maxChecks && full(); }
 
     void insert(Found candidate)
@@ -302,17 +309,17 @@ struct Query {
 
     void descend(Branch branch)
     {
-        while (!(full() && worst() < branch.bound)) {
+        while (!isBeyond(branch.bound)) {
             const Node& node = tree.pool->nodes[branch.node];
             if (node.isLeaf()) {
                 visit(node.dimension);
                 return;
             }
             const float difference = static_cast<float>(vector[node.dimension]) * invLength - node.split;
-            const bool left = difference < 0;
-            const Branch far = {branch.bound + difference * difference, left ? node.right : node.left};
+            const int side = difference < 0 ? 0 : 1;
+            const Branch far = {branch.bound + difference * difference, node.children[1 - side]};
             if ((!full() || far.bound < worst()) && tree.heapSize <= tree.count) push(tree, far);
-            branch.node = left ? node.left : node.right;
+            branch.node = node.children[side];
         }
     }
 };
@@ -367,7 +374,8 @@ int odxKDTreeQuery36s8f32C(odxKDTree36s8f32* kdtree, const int8_t* query, float 
     tree.heapSize = 0;
     Query search = {tree, query, queryInvLen, maxChecks, results, capacity, 0, 0};
     search.descend({0, tree.root});
-    while (tree.heapSize > 0 && !search.isDone())
+    // Where the least bound is beyond the worst result, so are all.
+    while (tree.heapSize > 0 && !search.isDone() && !search.isBeyond(tree.heap[0].bound))
         search.descend(pop(tree));
 
     uint32_t written = 0;
