@@ -64,9 +64,7 @@ void drawLine(Picture& picture, Point from, Point to, Rgb colour)
 
 void showMatches(Stage& stage)
 {
-    stage.beginSection(
-        "Matching descriptors",
-        "two views of a scene, the second one moved, darker and with noise: lines join what matches");
+    stage.beginSection("Matching descriptors", "corners of two views, the second moved, darker and with noise");
     const Plane<uint8_t>& grey = stage.grey();
     const Rectangle part =
         windowAbout(stage.detail().x + stage.detail().width / 2, stage.detail().y + stage.detail().height / 2,
@@ -122,7 +120,7 @@ void showMatches(Stage& stage)
         if (matches % (first.corners.size() / kMost + 1) == 0)
             drawLine(both, a, {b.x + kWidth + kGap, b.y}, truly ? colours::kGood : colours::kBad);
     }
-    stage.show("Corners that match: " + std::to_string(right) + " of " + std::to_string(matches), outcome, both);
+    stage.show("Matches: " + std::to_string(right) + " of " + std::to_string(matches), outcome, both);
 }
 
 } // namespace demo
