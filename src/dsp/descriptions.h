@@ -7,6 +7,7 @@
 #include "dsp/ondrixColorX.h"
 #include "dsp/ondrixCorrX.h"
 #include "dsp/ondrixEdgeX.h"
+#include "dsp/ondrixDotX.h"
 #include "dsp/ondrixFastX.h"
 #include "dsp/ondrixHarrisX.h"
 #include "dsp/ondrixMorphX.h"

@@ -1,5 +1,5 @@
 // Remote variants of the operations on descriptors.
-#include "dsp/shapes.h"
+#include "dsp/ondrixDotX.h"
 
 #include "cpu/ondrixDotC.h"
 
