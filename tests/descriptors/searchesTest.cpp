@@ -134,6 +134,21 @@ TEST_F(Searches, TreesOfFewAndOfEqualVectors)
     odxKDTreeDestroy36s8f32(tree);
 }
 
+TEST_F(Searches, ATreeIsSplitAtTheMeanOfItsFirstVectors)
+{
+    // Vectors 1 to 101 hold their numbers, the others 120: the first split is at 51, and what is below by little
+    // ends at the greatest one on its side.
+    vectors_.assign(36 * 220, 0);
+    lengths_.assign(220, 1);
+    for (size_t i = 0; i < 220; ++i)
+        vectors_[36 * i] = static_cast<int8_t>(i >= 1 && i <= 101 ? i : 120);
+    odxKDTree36s8f32* const tree = build(220);
+    std::vector<int8_t> query(36);
+    query[0] = 127;
+    EXPECT_EQ(50, ask(tree, query.data(), 50.9f / 127, 1, 0, INFINITY).at(0).second);
+    odxKDTreeDestroy36s8f32(tree);
+}
+
 TEST_F(Searches, LinearSearchKeepsTheEightNearest)
 {
     // One target of 20 descriptors along the same direction, which differ in their inverse lengths.
