@@ -45,7 +45,7 @@ struct Rows11x12 {
 template <class Patch>
 ODX_INLINE u8v wordsFrom(const Patch& patch, uint32_t first)
 {
-    u64v words;
+    u64v words = {};
     for (uint32_t i = 0; i < kBytes / 8; ++i)
         words[i] = patch.word(first + i);
     return (u8v)words;
