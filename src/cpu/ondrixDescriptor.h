@@ -27,11 +27,19 @@ ODX_DESCRIPTOR_INLINE Lanes lanesAt(const float* p)
 
 struct Squares {
     static constexpr bool kGreatest = false;
-    [[gnu::always_inline]] static inline Lanes16 of(Lanes16 a, Lanes16 b) { return (a - b) * (a - b); }
+    template <class Lanes>
+    [[gnu::always_inline]] static inline Lanes of(Lanes a, Lanes b)
+    {
+        return (a - b) * (a - b);
+    }
 };
 struct Products {
     static constexpr bool kGreatest = true;
-    [[gnu::always_inline]] static inline Lanes16 of(Lanes16 a, Lanes16 b) { return a * b; }
+    template <class Lanes>
+    [[gnu::always_inline]] static inline Lanes of(Lanes a, Lanes b)
+    {
+        return a * b;
+    }
 };
 
 // Sixteen sums, element j in sum j mod 16, and their sum in halves. No sum is ever -0, so that zeros behind the
@@ -43,21 +51,28 @@ ODX_DESCRIPTOR_INLINE float sumOfTerms(const float* a, const float* b, size_t le
     size_t i = 0;
     for (; length - i >= 16; i += 16)
         sums += Term::of(lanesAt<Lanes16>(a + i), lanesAt<Lanes16>(b + i));
-    if (i != length) {
-        float restA[16] = {}, restB[16] = {};
-        for (size_t j = 0; i + j < length; ++j) {
-            restA[j] = a[i + j];
-            restB[j] = b[i + j];
-        }
-        sums += Term::of(lanesAt<Lanes16>(restA), lanesAt<Lanes16>(restB));
-    }
-    float t[16];
+    Lanes4 t[4];
     memcpy(t, &sums, sizeof t);
-    for (int half = 8; half != 0; half /= 2) {
-        for (int j = 0; j < half; ++j)
-            t[j] += t[j + half];
-    }
-    return t[0];
+    const size_t left = length - i;
+    const auto addRest = [&](Lanes4 & sum, size_t k) __attribute__((always_inline))
+    {
+        if (left >= k + 4) {
+            sum += Term::of(lanesAt<Lanes4>(a + i + k), lanesAt<Lanes4>(b + i + k));
+        } else if (left > k) {
+            Lanes4 restA = {}, restB = {};
+            for (size_t j = 0; k + j < left; ++j) {
+                restA[j] = a[i + k + j];
+                restB[j] = b[i + k + j];
+            }
+            sum += Term::of(restA, restB);
+        }
+    };
+    addRest(t[0], 0);
+    addRest(t[1], 4);
+    addRest(t[2], 8);
+    addRest(t[3], 12);
+    const Lanes4 four = (t[0] + t[2]) + (t[1] + t[3]);
+    return (four[0] + four[2]) + (four[1] + four[3]);
 }
 
 template <class T, class Distance, class Measure>
