@@ -63,5 +63,16 @@ ODX_ENUM(uint32_t, odxChannelType){ONDRIX_CHANNEL_0 = 0, ONDRIX_CHANNEL_1 = 1, O
                                    ONDRIX_CHANNEL_3 = 3, ONDRIX_CHANNEL_R = 4, ONDRIX_CHANNEL_G = 5,
                                    ONDRIX_CHANNEL_B = 6, ONDRIX_CHANNEL_A = 7, ONDRIX_CHANNEL_Y = 8,
                                    ONDRIX_CHANNEL_U = 9, ONDRIX_CHANNEL_V = 10};
+/// A level of a pyramid with packed rows.
+typedef struct {
+    void* ptr; ///< the pixels: bytes for pyramids of 8-bit images
+    uint32_t width, height;
+} odxPyrLevel;
+
+/// A level of a pyramid whose rows are `stride` bytes apart.
+typedef struct {
+    void* ptr;
+    uint32_t width, height, stride;
+} odxPyrLevelStrided;
 
 #endif

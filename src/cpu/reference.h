@@ -13,11 +13,14 @@
 #include "cpu/ondrixFastC.h"
 #include "cpu/ondrixHarrisC.h"
 #include "cpu/ondrixMorphC.h"
+#include "cpu/ondrixNCCPatchC.h"
+#include "cpu/ondrixOpticalFlowC.h"
 #include "cpu/ondrixPyramidC.h"
 #include "cpu/ondrixRegisterC.h"
 #include "cpu/ondrixReorderC.h"
 #include "cpu/ondrixScaleC.h"
 #include "cpu/ondrixThresholdC.h"
+#include "cpu/ondrixTrackC.h"
 #include "cpu/ondrixWarpC.h"
 
 #endif

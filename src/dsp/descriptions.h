@@ -11,9 +11,11 @@
 #include "dsp/ondrixFastX.h"
 #include "dsp/ondrixHarrisX.h"
 #include "dsp/ondrixMorphX.h"
+#include "dsp/ondrixOpticalFlowX.h"
 #include "dsp/ondrixReorderX.h"
 #include "dsp/ondrixScaleX.h"
 #include "dsp/ondrixThresholdX.h"
+#include "dsp/ondrixTrackX.h"
 #include "dsp/ondrixWarpX.h"
 
 #endif

@@ -151,6 +151,7 @@ Entries correlationEntries();
 Entries descriptorEntries();
 Entries gradientEntries();
 Entries morphologyEntries();
+Entries motionEntries();
 Entries pyramidEntries();
 Entries reorderingEntries();
 Entries scalingEntries();

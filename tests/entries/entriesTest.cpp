@@ -23,8 +23,8 @@ const Entries& allEntries()
         Entries entries;
         for (const Entries& family :
              {arithmeticEntries(), colorEntries(), cornerEntries(), correlationEntries(), descriptorEntries(),
-              gradientEntries(), morphologyEntries(), pyramidEntries(), reorderingEntries(), scalingEntries(),
-              smoothingEntries(), thresholdingEntries(), warpsEntries()})
+              gradientEntries(), morphologyEntries(), motionEntries(), pyramidEntries(), reorderingEntries(),
+              scalingEntries(), smoothingEntries(), thresholdingEntries(), warpsEntries()})
             entries.insert(entries.end(), family.begin(), family.end());
         // Every buffer in a place of its own.
         for (Entry& entry : entries) {

@@ -90,8 +90,8 @@ std::vector<Row> allRows()
     std::vector<Row> rows;
     for (const auto& family :
          {arithmeticRows(), colorFromRgbRows(), colorToRgbRows(), correlationRows(), descriptorRows(), fastRows(),
-          gradientRows(), harrisRows(), memoryRows(), morphologyRows(), reorderingRows(), scalingRows(),
-          smoothingRows(), thresholdingRows(), warpsRows()})
+          gradientRows(), harrisRows(), memoryRows(), morphologyRows(), opticalFlowRows(), reorderingRows(),
+          scalingRows(), smoothingRows(), thresholdingRows(), trackingRows(), warpsRows()})
         rows.insert(rows.end(), family.begin(), family.end());
     return rows;
 }

@@ -316,10 +316,12 @@ std::vector<Row> gradientRows();
 std::vector<Row> harrisRows();
 std::vector<Row> memoryRows();
 std::vector<Row> morphologyRows();
+std::vector<Row> opticalFlowRows();
 std::vector<Row> reorderingRows();
 std::vector<Row> scalingRows();
 std::vector<Row> smoothingRows();
 std::vector<Row> thresholdingRows();
+std::vector<Row> trackingRows();
 std::vector<Row> warpsRows();
 
 // All rows, in order of families.

@@ -135,12 +135,17 @@ TEST(Recovery, TriesTenTimesToReloadTheStub)
 
 TEST(Recovery, TriesFifteenTimesToLoadTheSymbols)
 {
-    const Lines retried = reinitializing + cannotLoad("ondrixadsp_odxBitCountu8X") + noSymbols();
-    for (const int failures : {14, 15}) {
-        onRemote([&](Stub& stub, LogCapture& log) {
+    // Also the first of all.
+    const std::pair<const char*, int> lost[] = {{"ondrixadsp_odxBitCountu8X", 14},
+                                                {"ondrixadsp_odxBitCountu8X", 15},
+                                                {"ondrixadsp_odxTrackLKOpticalFlowu8X", 1},
+                                                {"ondrixadsp_odxTrackLKOpticalFlowu8X", 15}};
+    for (const auto& [symbol, failures] : lost) {
+        onRemote([&, symbol = symbol, failures = failures](Stub& stub, LogCapture& log) {
+            const Lines retried = reinitializing + cannotLoad(symbol) + noSymbols();
             stub.behaves(restarting(2));
             countBits();
-            loader.missing["ondrixadsp_odxBitCountu8X"] = failures;
+            loader.missing[symbol] = failures;
             EXPECT_EQ(kBits, countBits());
             const Lines reloaded = started + reloading + loaded() + debug("Stub reloaded successfully.");
             const Lines end = failures < 15 ? reinitializing + back : Lines{};

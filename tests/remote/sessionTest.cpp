@@ -159,6 +159,9 @@ TEST(Session, FailsWithoutTheLibraryUntilItIsClosed)
 TEST(Session, FailsAtTheFirstMissingSymbol)
 {
     const std::vector<Symbol> all = symbols();
+    EXPECT_EQ("ondrixadsp_odxTrackLKOpticalFlowu8X", all[0].name);
+    EXPECT_EQ("ondrixadsp_odxTrackLKOpticalFlowf32X", all[1].name);
+    EXPECT_EQ("ondrixadsp_odxTrackLKOpticalFlowu8_v2X", all[2].name);
     for (const size_t position : {size_t{0}, all.size() / 2, all.size() - 1}) {
         withStub([&](Stub&, LogCapture& log) {
             loader.missing[all[position].name] = kAlways;

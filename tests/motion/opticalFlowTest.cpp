@@ -1,0 +1,410 @@
+// Optical flow against its definition, coded the slow way, and against motion that is known.
+#include "ondrix/opticalFlow.h"
+
+#include "frame/scratch.h"
+#include "ondrix/modes.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <random>
+#include <string.h>
+#include <vector>
+
+namespace
+{
+
+struct Image {
+    int width, height;
+    std::vector<uint8_t> pixels;
+
+    Image(int w, int h, const std::function<double(int, int)>& at)
+        : width(w), height(h), pixels(static_cast<size_t>(w) * static_cast<size_t>(h))
+    {
+        for (int y = 0; y < h; ++y) {
+            for (int x = 0; x < w; ++x)
+                pixels[static_cast<size_t>(y * w + x)] =
+                    static_cast<uint8_t>(std::lround(std::clamp(at(x, y), 0.0, 255.0)));
+        }
+    }
+    float near(int x, int y) const
+    {
+        return pixels[static_cast<size_t>(std::clamp(y, 0, height - 1) * width + std::clamp(x, 0, width - 1))];
+    }
+};
+
+struct Pyramid {
+    std::vector<Image> images;
+    std::vector<odxPyrLevel> packed;
+    std::vector<odxPyrLevelStrided> strided;
+
+    Pyramid(const Image& base, int levels) : images{base}
+    {
+        for (int l = 1; l < levels; ++l) {
+            const Image finer = images.back();
+            // 5x5 binomial, every second pixel.
+            images.emplace_back(std::max(finer.width / 2, 1), std::max(finer.height / 2, 1), [&](int x, int y) {
+                constexpr int kWeights[] = {1, 4, 6, 4, 1};
+                double sum = 0;
+                for (int j = -2; j <= 2; ++j) {
+                    for (int i = -2; i <= 2; ++i)
+                        sum += kWeights[i + 2] * kWeights[j + 2] *
+                               static_cast<double>(finer.near(2 * x + i, 2 * y + j));
+                }
+                return sum / 256;
+            });
+        }
+        for (Image& image : images) {
+            const auto w = static_cast<uint32_t>(image.width), h = static_cast<uint32_t>(image.height);
+            packed.push_back({image.pixels.data(), w, h});
+            strided.push_back({image.pixels.data(), w, h, w});
+        }
+        packed[0].ptr = strided[0].ptr = nullptr; // nobody looks at it
+    }
+};
+
+struct Tracks {
+    std::vector<float> out;
+    std::vector<int32_t> status;
+};
+
+struct Call {
+    int width = 7, height = 7, limit = 20;
+    const float* estimates = nullptr;
+    float epsilon = 0;
+    int mode = 0;
+};
+
+constexpr float kUntouched = -77;
+constexpr int kUntouchedStatus = 77;
+
+odxStatus track(const Pyramid& one, const Pyramid& two, const std::vector<float>& points, const Call& call,
+                Tracks& tracks)
+{
+    const Image &first = one.images[0], &second = two.images[0];
+    tracks.out.assign(points.size(), kUntouched);
+    tracks.status.assign(points.size() / 2, kUntouchedStatus);
+    return odxTrackLKOpticalFlowu8_v3(first.pixels.data(), second.pixels.data(),
+                                      static_cast<uint32_t>(first.width), static_cast<uint32_t>(first.height), 0,
+                                      one.strided.data(), two.strided.data(), points.data(), tracks.out.data(),
+                                      tracks.status.data(), static_cast<int>(points.size() / 2), call.width,
+                                      call.height, call.limit, static_cast<int>(one.images.size()), call.estimates,
+                                      call.estimates != nullptr, call.epsilon, call.mode);
+}
+
+// ---- the definition ----
+
+struct Cut {
+    int left, top, right, bottom; // columns and rows of the whole window
+
+    bool empty() const { return left >= right || top >= bottom; }
+};
+
+// One point on one level.
+class Slow
+{
+public:
+    Slow(const Image& one, const Image& two, int hx, int hy) : one_(one), two_(two), hx_(hx), hy_(hy) {}
+
+    Cut cut(const Image& image, float x, float y) const
+    {
+        if (!(std::fabs(x) < 1073741824.0F && std::fabs(y) < 1073741824.0F)) return {0, 0, 0, 0};
+        const int left = static_cast<int>(std::floor(x)) - hx_, top = static_cast<int>(std::floor(y)) - hy_;
+        return {std::max(0, -left), std::max(0, -top), std::min(2 * hx_ + 1, image.width - left),
+                std::min(2 * hy_ + 1, image.height - top)};
+    }
+    std::vector<float> patch(const Image& image, float x, float y, const Cut& cut, int margin) const
+    {
+        const int w = cut.right - cut.left + 2 * margin, h = cut.bottom - cut.top + 2 * margin;
+        const auto start = [](float at, int begin, int end, int size, int samples) {
+            const int before = begin, behind = size - end;
+            return (at + static_cast<float>(before - behind) * 0.5F) - static_cast<float>(samples - 1) * 0.5F;
+        };
+        const float sx = start(x, cut.left, cut.right, 2 * hx_ + 1, w),
+                    sy = start(y, cut.top, cut.bottom, 2 * hy_ + 1, h);
+        const int X = static_cast<int>(std::floor(sx)), Y = static_cast<int>(std::floor(sy));
+        const float fx = std::max(sx - static_cast<float>(X), 0.0001F), fy = sy - static_cast<float>(Y);
+        std::vector<float> samples;
+        for (int j = 0; j < h; ++j) {
+            for (int i = 0; i < w; ++i) {
+                const auto p = [&](int dx, int dy) { return image.near(X + i + dx, Y + j + dy); };
+                samples.push_back((1 - fy) * ((1 - fx) * p(0, 0) + fx * p(1, 0)) +
+                                  fy * ((1 - fx) * p(0, 1) + fx * p(1, 1)));
+            }
+        }
+        return samples;
+    }
+
+    int32_t run(float px, float py, float& gx, float& gy, int limit, float epsilon) const
+    {
+        const Cut window = cut(one_, px, py);
+        const std::vector<float> f = patch(one_, px, py, window, 1);
+        float lastX = 0, lastY = 0;
+        for (int k = 0; k < limit; ++k) {
+            const Cut there = cut(two_, gx, gy);
+            const Cut part = {std::max(window.left, there.left), std::max(window.top, there.top),
+                              std::min(window.right, there.right), std::min(window.bottom, there.bottom)};
+            if (part.empty()) return -4;
+            const std::vector<float> second = patch(two_, gx, gy, part, 0);
+            float sums[5][16] = {};
+            const int w = part.right - part.left, pitch = window.right - window.left + 2;
+            for (int j = 0; j < part.bottom - part.top; ++j) {
+                for (int i = 0; i < w; ++i) {
+                    const auto at = [&](int dx, int dy) {
+                        return f[static_cast<size_t>((part.top - window.top + j + 1 + dy) * pitch + part.left -
+                                                     window.left + i + 1 + dx)];
+                    };
+                    const auto slope = [&](auto d) { return (d(-1) + d(1)) * 0.09375F + d(0) * 0.3125F; };
+                    const float ix = slope([&](int n) { return at(1, n) - at(-1, n); }),
+                                iy = slope([&](int n) { return at(n, 1) - at(n, -1); }),
+                                difference = at(0, 0) - second[static_cast<size_t>(j * w + i)];
+                    const int place = (j * (w + 1) + i) % 16; // a 0 behind each row
+                    const float terms[] = {ix * ix, ix * iy, iy * iy, difference * ix, difference * iy};
+                    for (int n = 0; n < 5; ++n)
+                        sums[n][place] += terms[n];
+                }
+            }
+            for (auto& sum : sums) {
+                for (int n = 8; n > 0; n /= 2) {
+                    for (int i = 0; i < n; ++i)
+                        sum[i] += sum[i + n];
+                }
+            }
+            const float xx = sums[0][0], xy = sums[1][0], yy = sums[2][0], bx = sums[3][0], by = sums[4][0];
+            const float determinant = xx * yy - xy * xy;
+            if (determinant < 1e-7F) return -2;
+            const float dx = (yy * bx - xy * by) / determinant, dy = (xx * by - xy * bx) / determinant;
+            gx += dx;
+            gy += dy;
+            if (dx * dx + dy * dy < epsilon) break;
+            if (k > 0 && std::fabs(dx + lastX) < 0.01F && std::fabs(dy + lastY) < 0.01F) {
+                gx -= dx * 0.5F;
+                gy -= dy * 0.5F;
+                break;
+            }
+            lastX = dx;
+            lastY = dy;
+        }
+        return 1;
+    }
+
+private:
+    const Image &one_, &two_;
+    int hx_, hy_;
+};
+
+Tracks slowly(const Pyramid& one, const Pyramid& two, const std::vector<float>& points, const Call& call)
+{
+    const float* const start = call.estimates != nullptr ? call.estimates : points.data();
+    Tracks tracks{{start, start + points.size()}, std::vector<int32_t>(points.size() / 2, 1)};
+    const int limit = call.mode == 1 ? 30 : std::clamp(call.limit, 1, 100),
+              top = static_cast<int>(one.images.size()) - 1;
+    const float epsilon = call.mode == 0 ? 0.0009F : std::clamp(call.epsilon, 0.0F, 10.0F);
+    for (int l = top; l >= 0; --l) {
+        const auto n = static_cast<size_t>(l);
+        const Slow level(one.images[n], two.images[n], call.width / 2, call.height / 2);
+        const float scale = std::ldexp(1.0F, -l);
+        for (size_t i = 0; i < tracks.status.size(); ++i) {
+            if (tracks.status[i] != 1) continue;
+            const float px = points[2 * i] * scale, py = points[2 * i + 1] * scale;
+            float &x = tracks.out[2 * i], &y = tracks.out[2 * i + 1];
+            if (level.cut(one.images[n], px, py).empty()) {
+                tracks.status[i] = -4;
+                continue;
+            }
+            x *= l == top ? scale : 2;
+            y *= l == top ? scale : 2;
+            tracks.status[i] = level.run(px, py, x, y, limit, epsilon);
+        }
+    }
+    return tracks;
+}
+
+// A texture without a period in sight, moved by a function.
+double texture(double x, double y)
+{
+    return 128 + 30 * std::sin(0.21 * x + 0.9 * std::sin(0.11 * y)) + 28 * std::sin(0.27 * y + 0.05 * x + 1) +
+           20 * std::sin(0.53 * x - 0.41 * y) + 14 * std::sin(0.83 * x + 0.71 * y + std::sin(0.3 * x));
+}
+
+class OpticalFlow : public testing::Test
+{
+protected:
+    OpticalFlow() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
+    std::mt19937 random_{7};
+
+    float between(double low, double high)
+    {
+        return static_cast<float>(low + (high - low) * static_cast<double>(random_()) / 4294967296.0);
+    }
+};
+
+} // namespace
+
+TEST_F(OpticalFlow, IsItsDefinitionToTheBit)
+{
+    constexpr float kInfinity = std::numeric_limits<float>::infinity();
+    for (int round = 0; round < 60; ++round) {
+        const int w = 1 + static_cast<int>(random_() % (round % 3 == 0 ? 12 : 70)),
+                  h = 1 + static_cast<int>(random_() % (round % 4 == 0 ? 12 : 60)), levels = 1 + round % 3;
+        const double dx = static_cast<double>(between(-2, 2)), dy = static_cast<double>(between(-2, 2));
+        const Pyramid one(Image(w, h, texture), levels),
+            two(Image(w, h, [&](int x, int y) { return texture(x + dx, y + dy); }), levels);
+        Call call;
+        call.width = 5 + 2 * (round % 9);
+        call.height = 5 + 2 * (round / 2 % 13);
+        call.limit = round % 7 * 17; // 0 to 102
+        call.mode = round % 4;
+        call.epsilon = between(-0.01, 0.02);
+        std::vector<float> points, estimates;
+        for (int i = 0; i < 20; ++i) {
+            for (const int size : {w, h}) {
+                points.push_back(i == 7 ? static_cast<float>(size / 2) : between(-6, size + 6));
+                estimates.push_back(points.back() + between(-2, 2));
+            }
+        }
+        for (const float odd : {kInfinity, -kInfinity, NAN, 1e10F, -1e38F, 1e-40F, -1e-20F, 0.0F})
+            points.push_back(odd), estimates.push_back(odd);
+        estimates[5] = NAN;
+        if (round % 2 == 1) call.estimates = estimates.data();
+        Tracks tracks;
+        EXPECT_EQ(ONDRIX_SUCCESS, track(one, two, points, call, tracks));
+        const Tracks expected = slowly(one, two, points, call);
+        EXPECT_EQ(expected.status, tracks.status) << w << "x" << h << ", round " << round;
+        for (size_t i = 0; i < points.size(); ++i) {
+            EXPECT_EQ(0, memcmp(&expected.out[i], &tracks.out[i], sizeof(float)))
+                << w << "x" << h << ", round " << round << ", coordinate " << i << ": " << tracks.out[i]
+                << ", not " << expected.out[i];
+        }
+    }
+}
+
+TEST_F(OpticalFlow, FindsKnownMotion)
+{
+    constexpr int kWidth = 256, kHeight = 200;
+    struct Motion {
+        double angle, scale, dx, dy;
+    };
+    std::vector<float> points;
+    for (int y = 40; y <= kHeight - 40; y += 12) {
+        for (int x = 40; x <= kWidth - 40; x += 12) {
+            points.push_back(static_cast<float>(x) + 0.3F);
+            points.push_back(static_cast<float>(y) - 0.2F);
+        }
+    }
+    const Pyramid one(Image(kWidth, kHeight, texture), 3);
+    for (const odxOperationMode mode : {ONDRIX_OP_EXT_REFERENCE, ONDRIX_OP_EXT_CPU}) {
+        EXPECT_EQ(0, odxSetOperationMode(mode));
+        for (const Motion& m : {Motion{0, 1, 0.37, -0.61}, Motion{0, 1, 5.5, -5.8}, Motion{0, 1, 7.9, 1.3},
+                                Motion{0.03, 1, 1.5, 0.5}, Motion{0, 1.02, -1.2, 2.1}}) {
+            const double c = std::cos(m.angle) * m.scale, s = std::sin(m.angle) * m.scale;
+            const auto moved = [&](double x, double y) { // about the centre
+                const double u = x - kWidth / 2.0, v = y - kHeight / 2.0;
+                return std::pair(c * u - s * v + kWidth / 2.0 + m.dx, s * u + c * v + kHeight / 2.0 + m.dy);
+            };
+            const double square = m.scale * m.scale;
+            const Pyramid two(Image(kWidth, kHeight,
+                                    [&](int x, int y) {
+                                        const double u = x - kWidth / 2.0 - m.dx, v = y - kHeight / 2.0 - m.dy;
+                                        return texture((c * u + s * v) / square + kWidth / 2.0,
+                                                       (c * v - s * u) / square + kHeight / 2.0);
+                                    }),
+                              3);
+            Tracks tracks;
+            Call call;
+            call.width = call.height = 15;
+            track(one, two, points, call, tracks);
+            std::vector<double> errors;
+            for (size_t i = 0; i < tracks.status.size(); ++i) {
+                EXPECT_EQ(1, tracks.status[i]);
+                const auto [x, y] =
+                    moved(static_cast<double>(points[2 * i]), static_cast<double>(points[2 * i + 1]));
+                errors.push_back(std::hypot(static_cast<double>(tracks.out[2 * i]) - x,
+                                            static_cast<double>(tracks.out[2 * i + 1]) - y));
+            }
+            std::nth_element(errors.begin(), errors.begin() + static_cast<long>(errors.size() / 2), errors.end());
+            EXPECT_LE(errors[errors.size() / 2], 0.05)
+                << "by " << m.dx << ", " << m.dy << ", angle " << m.angle << ", scale " << m.scale;
+        }
+    }
+}
+
+TEST_F(OpticalFlow, AllFormsTrackAlike)
+{
+    const Pyramid one(Image(80, 60, texture), 2),
+        two(Image(80, 60, [](int x, int y) { return texture(x + 1.4, y - 0.8); }), 2);
+    const std::vector<float> points = {20, 20.5F, 40.2F, 30, 61, 44, 1, 2, -30, 5};
+    Tracks expected;
+    track(one, two, points, {}, expected);
+    EXPECT_EQ((std::vector<int32_t>{1, 1, 1, 1, -4}), expected.status);
+    EXPECT_EQ(-30 * 1.0F, expected.out[8]); // nothing was done about it
+    const auto expectSame = [&](const char* form, const Tracks& tracks) {
+        EXPECT_EQ(expected.out, tracks.out) << form;
+        EXPECT_EQ(expected.status, tracks.status) << form;
+    };
+    const uint8_t *const src1 = one.images[0].pixels.data(), *const src2 = two.images[0].pixels.data();
+    Tracks tracks = {std::vector<float>(10), std::vector<int32_t>(5)};
+    for (const auto operation : {odxTrackLKOpticalFlowu8, odxTrackLKOpticalFlowf32}) {
+        operation(src1, src2, 80, 60, one.packed.data(), two.packed.data(), nullptr, nullptr, points.data(),
+                  tracks.out.data(), tracks.status.data(), 5, 7, 7, 20, 2, 0, 0, 0, 0);
+        expectSame("with gradients", tracks);
+        tracks = {std::vector<float>(10), std::vector<int32_t>(5)};
+    }
+    odxTrackLKOpticalFlowu8_v2(src1, src2, 80, 60, 0, one.packed.data(), two.packed.data(), points.data(),
+                               tracks.out.data(), tracks.status.data(), 5, 7, 7, 20, 2);
+    expectSame("v2", tracks);
+    // Estimates may lie where the results go.
+    tracks.out = points;
+    odxTrackLKOpticalFlowu8_v3(src1, src2, 80, 60, 80, one.strided.data(), two.strided.data(), points.data(),
+                               tracks.out.data(), tracks.status.data(), 5, 7, 7, 20, 2, tracks.out.data(), 1, 0,
+                               0);
+    expectSame("v3", tracks);
+}
+
+TEST_F(OpticalFlow, DoesNothingWhereItCannotTrack)
+{
+    const Pyramid flat(Image(40, 40, [](int, int) { return 90; }), 2), one(Image(40, 40, texture), 2);
+    const std::vector<float> point = {20, 20};
+    Tracks tracks;
+    track(flat, one, point, {}, tracks);
+    EXPECT_EQ(-2, tracks.status[0]);
+    const auto untouched = [&](const char* what) {
+        EXPECT_EQ(kUntouched, tracks.out[0]) << what;
+        EXPECT_EQ(kUntouchedStatus, tracks.status[0]) << what;
+    };
+    Call call;
+    for (const auto& [w, h] : {std::pair(3, 7), std::pair(7, 3), std::pair(-7, 7), std::pair(1, 1)}) {
+        call.width = w;
+        call.height = h;
+        EXPECT_EQ(ONDRIX_SUCCESS, track(one, one, point, call, tracks));
+        untouched("small windows");
+    }
+    call.width = call.height = 0x7FFFFFFF;
+    EXPECT_EQ(ONDRIX_NO_MEMORY, track(one, one, point, call, tracks));
+    untouched("no memory");
+    const auto scratch = odxGetScratchBufferAligned_;
+    odxGetScratchBufferAligned_ = [](uint32_t, uint32_t) -> void* { return nullptr; };
+    EXPECT_EQ(ONDRIX_NO_MEMORY, track(one, one, point, {}, tracks));
+    odxGetScratchBufferAligned_ = scratch;
+    untouched("no memory");
+    // Without levels the estimate is the result; levels without pixels hold no point.
+    int32_t status = 0;
+    float out[2];
+    const uint8_t* const src = one.images[0].pixels.data();
+    const auto with = [&](int levels) {
+        odxTrackLKOpticalFlowu8_v2(src, src, 40, 40, 0, flat.packed.data(), flat.packed.data(), point.data(), out,
+                                   &status, 1, 7, 7, 9, levels);
+        return status;
+    };
+    EXPECT_EQ(1, with(0));
+    EXPECT_EQ(20, out[1]);
+    EXPECT_EQ(-2, with(2));
+    const odxPyrLevel none[2] = {};
+    odxTrackLKOpticalFlowu8_v2(src, src, 40, 40, 0, none, none, point.data(), out, &status, 1, 7, 7, 9, 2);
+    EXPECT_EQ(-4, status);
+    status = 5;
+    EXPECT_EQ(5, with(-1));
+}
