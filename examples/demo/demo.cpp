@@ -6,9 +6,13 @@
 #include "demo/sections.h"
 #include "demo/stage.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
+#include <map>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace demo
@@ -18,7 +22,8 @@ namespace
 {
 
 struct Options {
-    std::string picture; // empty: the scene
+    std::string picture;  // empty: the scene
+    std::string pictures; // the folder of a sequence; empty: the picture is moved
     std::string output = "ondrix-demo.png";
     bool remote = false, help = false;
 };
@@ -26,9 +31,11 @@ struct Options {
 constexpr int kSmallest = 16; // the largest windows are 11 pixels wide and high
 
 constexpr const char* kUsage =
-    "usage: demo [--remote] [-o FILE] [PICTURE]\n"
+    "usage: demo [--remote] [--pictures FOLDER] [-o FILE] [PICTURE]\n"
     "Runs the library's operations on a picture (PNG, JPEG or PNM; without one, on a scene that it renders),\n"
     "in the reference and the SIMD column, compares the bytes, and measures.\n"
+    "  --pictures FOLDER\n"
+    "             motion is shown on pictures from here whose names differ in a number only\n"
     "  -o FILE    where the contact sheet goes, a PNG file (ondrix-demo.png)\n"
     "  --remote   also in the mode for the remote processor\n";
 
@@ -41,6 +48,8 @@ const char* parse(int argc, char** argv, Options& options)
             options.remote = true;
         } else if (argument == "--help" || argument == "-h") {
             options.help = true;
+        } else if (argument == "--pictures" && i + 1 < argc) {
+            options.pictures = argv[++i];
         } else if (argument == "-o" && i + 1 < argc) {
             options.output = argv[++i];
         } else if ((argument.size() > 1 && argument[0] == '-') || !options.picture.empty() || argument.empty()) {
@@ -66,6 +75,44 @@ std::string sizeText(const Picture& picture)
 std::string baseName(const std::string& path)
 {
     return path.substr(path.rfind('/') + 1);
+}
+
+// The pictures of a folder that follow each other: of those with a number before their ending the most with one
+// name.
+std::vector<std::string> sequenceIn(const std::string& folder)
+{
+    std::map<std::string, std::vector<std::string>> names;
+    std::error_code failed;
+    for (const auto& entry : std::filesystem::directory_iterator(folder, failed)) {
+        std::string stem = entry.path().stem().string();
+        const size_t letters = stem.find_last_not_of("0123456789") + 1;
+        if (letters < stem.size()) names[stem.substr(0, letters)].push_back(entry.path().string());
+    }
+    std::vector<std::string> most;
+    for (auto& [name, files] : names) {
+        if (files.size() > most.size()) most = files;
+    }
+    std::sort(most.begin(), most.end(), [](const std::string& a, const std::string& b) {
+        return a.size() != b.size() ? a.size() < b.size() : a < b;
+    });
+    return most;
+}
+
+// Empty, with the reason, unless there are two pictures or more of one size.
+std::vector<Picture> loadSequence(const std::string& folder, std::string& error)
+{
+    std::vector<Picture> pictures;
+    for (const std::string& file : sequenceIn(folder)) {
+        pictures.push_back(loadPicture(file, error));
+        const Picture &first = pictures.front(), &last = pictures.back();
+        if (last.empty()) return {};
+        if (last.width() == first.width() && last.height() == first.height()) continue;
+        error = file + " is not as large as those before it";
+        return {};
+    }
+    if (pictures.size() > 1) return pictures;
+    error = "no pictures that follow each other in " + folder;
+    return {};
 }
 
 std::vector<Column> columnsFor(const Options& options)
@@ -133,6 +180,10 @@ int show(const Options& options, const std::string& version)
                                           picture, columns.back().mode);
     print(facts);
     Stage stage(picture, columns);
+    if (!options.pictures.empty()) {
+        stage.setSequence(loadSequence(options.pictures, error));
+        if (stage.sequence().empty()) return fail(error);
+    }
     for (const auto section : kSections)
         section(stage);
 

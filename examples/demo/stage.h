@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 // An operation's name and the operation, for tables and calls.
@@ -24,6 +25,9 @@ public:
 
     const Picture& picture() const { return picture_; }
     const Plane<uint8_t>& grey() const { return grey_; }
+    // Pictures of one size that follow each other; empty when there are none.
+    const std::vector<Picture>& sequence() const { return sequence_; }
+    void setSequence(std::vector<Picture> sequence) { sequence_ = std::move(sequence); }
     const Rectangle& detail() const { return detail_; } // a small window with much to see
 
     void beginSection(const std::string& title, const std::string& note);
@@ -62,6 +66,7 @@ private:
 
     const Picture& picture_;
     Plane<uint8_t> grey_;
+    std::vector<Picture> sequence_;
     Rectangle detail_;
     std::vector<Column> columns_;
     std::vector<std::map<std::string, unsigned>> implementations_; // calls of each, for each column

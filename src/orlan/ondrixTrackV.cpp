@@ -22,7 +22,7 @@ void odxBlockDistances16x16V(const uint8_t* block, const uint8_t* src, size_t st
         u16v sum = {};
         for (uint32_t k = 0; k < kVectors; ++k)
             sum = addDistances(sum, rows[k], loadRows(src + i + k * kRows * stride, stride));
-        sums[i] = (uint16_t)sumOfLanes(sum);
+        sums[i] = (uint16_t)sumOfDistances(sum);
     }
 }
 
