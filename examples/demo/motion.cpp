@@ -231,8 +231,8 @@ void showBall(Stage& stage, const Picture& background)
             odxConAdaTracku8(weights.data(), weights.width(), weights.height(), weights.stride(), &adapt,
                              kIterations, 1, &ellipse);
         });
-        frame(shifted, frameOf(shift), 3, colours::kMarker);
-        frame(adapted, frameOf(adapt), 3, colours::kMarker);
+        frame(shifted, frameOf(shift), 2, colours::kMarker);
+        frame(adapted, frameOf(adapt), 2, colours::kMarker);
         const auto c = static_cast<double>(std::cos(ellipse.angle)),
                    s = static_cast<double>(std::sin(ellipse.angle)),
                    half = static_cast<double>(ellipse.length) / 2;
@@ -255,7 +255,7 @@ void showMotion(Stage& stage)
                                      " pictures");
     showTracks(stage, frames);
     showBlocks(stage, frames);
-    showBall(stage, frames[0]);
+    showBall(stage, fitted(frames[0], Sheet::kTileWidth, Sheet::kTileHeight)); // tiles show it whole
 }
 
 } // namespace demo
