@@ -17,13 +17,24 @@ void odxBlockDistances16x16V(const uint8_t* block, const uint8_t* src, size_t st
     u8v rows[kVectors];
     for (uint32_t k = 0; k < kVectors; ++k)
         rows[k] = load<u8v>(block + kBytes * k);
-    for (uint32_t i = 0; i < count; ++i) {
-        // Lanes get at most 8 bytes of each row or vector: 16 * 8 * 255 = 32640.
+    const auto distances = [&](uint32_t i) __attribute__((always_inline))
+    {
+        // Lanes get at most 8 bytes of each vector: 16 * 8 * 255 = 32640, and all lanes 256 * 255.
         u16v sum = {};
         for (uint32_t k = 0; k < kVectors; ++k)
             sum = addDistances(sum, rows[k], loadRows(src + i + k * kRows * stride, stride));
-        sums[i] = (uint16_t)sumOfDistances(sum);
+        return sum;
+    };
+    constexpr uint32_t kAtOnce = kVectors < 16 ? 4 : ~0u; // one by one where the block takes all registers
+    // The last four may have been there before.
+    for (uint32_t i = 0; count >= kAtOnce && i < count; i += kAtOnce) {
+        const uint32_t at = i < count - kAtOnce ? i : count - kAtOnce;
+        const uint64_t four =
+            sumsOfDistances(distances(at), distances(at + 1), distances(at + 2), distances(at + 3));
+        memcpy(sums + at, &four, sizeof four);
     }
+    for (uint32_t i = 0; count < kAtOnce && i < count; ++i)
+        sums[i] = (uint16_t)sumsOfDistances(distances(i), u16v{}, u16v{}, u16v{});
 }
 
 } // namespace odx::ODX_TARGET
