@@ -1,6 +1,10 @@
 // The trackers against their definitions, coded the slow way, and against objects whose place is known.
 #include "ondrix/tracking.h"
+#include "ondrix/opticalFlow.h"
 
+#include "frame/log.h"
+#include "frame/operations.h"
+#include "frame/tables.h"
 #include "ondrix/modes.h"
 #include "support/childProcess.h"
 #include "support/logCapture.h"
@@ -217,6 +221,13 @@ TEST_F(Tracking, PatchSearchesHaveLimits)
                   operation(patch.data(), image.data(), 64, 64, 31, 19, 5, &x, &y, &score, 0, nullptr, nullptr));
         EXPECT_EQ(std::tuple(30, 20, 128), std::tuple(int{x}, int{y}, score));
     }
+    // Patch and window have the same contrast; the limit takes the window's side.
+    const auto contrast = static_cast<int>(s.at(0, 0).varP());
+    for (const auto& [threshold, expected] : {std::pair(contrast - 1, 0), {contrast, 5}, {contrast + 1, 4}}) {
+        s.threshold = threshold;
+        EXPECT_EQ(expected, runSearch(odxNCCPatchOnSquare8x8u8_v2, s, 11).status);
+    }
+    s.threshold = 0;
     s.x = -2; // limits do not wrap
     EXPECT_EQ(2, runSearch(odxNCCPatchOnSquare8x8u8_v2, s, 11).status);
     s.x = 30;
@@ -400,6 +411,15 @@ TEST_F(Tracking, AdaptiveTrackerMeasuresAnEllipse)
     EXPECT_EQ(0u, odxConAdaTracks32(weights.data(), 20, 9, 80, &window, 0, 1, &e));
     EXPECT_EQ(std::tuple(7, 4, 4 * std::sqrt(0.5F), 0, 0), std::tuple(e.x, e.y, e.length, e.width, e.angle));
     EXPECT_TRUE((Box{5, 4, 5, 1}) == window);
+    // The region reaches 10 pixels beyond the window, and no further.
+    window = {7, 4, 1, 1};
+    weights[4 * 20 + 18] = 100;
+    EXPECT_EQ(0u, odxConAdaTracks32(weights.data(), 20, 9, 80, &window, 0, 1, &e));
+    EXPECT_EQ(7, e.x);
+    EXPECT_TRUE((Box{5, 4, 5, 1}) == window);
+    window = {8, 4, 1, 1};
+    odxConAdaTracks32(weights.data(), 20, 9, 80, &window, 0, 1, &e);
+    EXPECT_LT(17, e.x);
     // Nothing to be seen: the window is clamped, and stays.
     window = {15, 4, 100, 2};
     weights.assign(weights.size(), 0);
@@ -448,4 +468,55 @@ TEST_F(Tracking, BlocksGoWhereTheyFitBest)
         EXPECT_EQ(expectedFlow, flow) << "round " << round;
         EXPECT_EQ(expectedSums, sums) << "round " << round;
     }
+    // Stripes that fit two places, equally far away: the first one wins.
+    std::vector<uint8_t> stripes(40 * 40), shifted(40 * 40);
+    for (size_t i = 0; i < stripes.size(); ++i) {
+        stripes[i] = i % 4 < 2 ? 200 : 0;
+        shifted[i] = i % 4 < 2 ? 0 : 200;
+    }
+    std::vector<int16_t> flow(2 * 16);
+    odxTrackBMOpticalFlow16x16u8(stripes.data(), shifted.data(), 40, 40, 0, 8, 5, flow.data(), nullptr);
+    EXPECT_EQ(-2, flow[2 * 5]); // a block inside
+    EXPECT_EQ(0, flow[2 * 5 + 1]);
+}
+
+// Limits that are not of alignment or size.
+TEST_F(Tracking, TargetsTakeTheSearchesAndWindowsThatTheyKnow)
+{
+    alignas(16) static uint8_t image[192 * 144];
+    uint16_t place[2];
+    int32_t score;
+    float sub[2];
+    const auto taken = [](uint32_t number, uint32_t column, const auto& call) {
+        LogCapture log;
+        const uint32_t before = odxImplTable[number];
+        odxImplTable[number] = column;
+        libLogPrint = 1;
+        call();
+        libLogPrint = 0;
+        odxImplTable[number] = before;
+        const std::string line = log.take().at(0).text;
+        return line.substr(line.rfind('_') + 1);
+    };
+    const auto search = [&](unsigned width, int subPixel) {
+        return taken(odx::op_odxNCCPatchOnSquare8x8u8, ODX_IMPL_GPU, [&] {
+            odxNCCPatchOnSquare8x8u8(image, image, 192, 144, 90, 70, width, place, place + 1, &score, subPixel,
+                                     sub, sub + 1);
+        });
+    };
+    EXPECT_EQ("GPU", search(11, 0));
+    EXPECT_EQ("ORLAN", search(20, 0));
+    EXPECT_EQ("ORLAN", search(11, 1));
+    const auto flow = [&](uint32_t column, int width, int height) {
+        const odxPyrLevel levels[1] = {};
+        return taken(odx::op_odxTrackLKOpticalFlowu8_v2, column, [&] {
+            odxTrackLKOpticalFlowu8_v2(image, image, 192, 144, 0, levels, levels, sub, sub, &score, 0, width,
+                                       height, 9, 1);
+        });
+    };
+    for (const auto& [w, h] : {std::pair(7, 9), {9, 7}}) {
+        EXPECT_EQ("ORLAN", flow(ODX_IMPL_XDSP, w, h));
+        EXPECT_EQ("GPU", flow(ODX_IMPL_GPU, w, h));
+    }
+    EXPECT_EQ("XDSP", flow(ODX_IMPL_XDSP, 7, 7));
 }
