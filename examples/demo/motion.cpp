@@ -29,6 +29,7 @@ struct Levels {
                     return (sum + 2) / 4;
                 }));
         }
+        records.reserve(planes.size());
         for (Plane<uint8_t>& plane : planes)
             records.push_back({plane.data(), plane.width(), plane.height(), plane.stride()});
     }
@@ -65,8 +66,10 @@ Picture moved(const Picture& picture, double angle, double scale, double dx, dou
 std::vector<Picture> sequenceOf(const Stage& stage)
 {
     if (!stage.sequence().empty()) return stage.sequence();
+    constexpr int kFrames = 4;
     std::vector<Picture> frames;
-    for (int i = 0; i < 4; ++i)
+    frames.reserve(kFrames);
+    for (int i = 0; i < kFrames; ++i)
         frames.push_back(moved(stage.picture(), 0.012 * i, 1 + 0.012 * i, 5.5 * i, -3.2 * i));
     return frames;
 }

@@ -43,7 +43,7 @@ Part common(const Part& a, const Part& b)
 }
 
 // Coordinates below this, with a window around them, have whole parts that fit an integer.
-constexpr float kFar = 1 << 30;
+constexpr float kFar = 1073741824; // 2^30
 
 bool near(Point p)
 {
@@ -347,8 +347,10 @@ Options optionsOf(int iterationLimit, float epsilon, int32_t mode)
 float sampleAt(const FlowSamples& at, uint32_t i)
 {
     const uint8_t *const above = at.bytes + i, *const below = above + at.pitch;
-    return (1 - at.fy) * ((1 - at.fx) * above[0] + at.fx * above[1]) +
-           at.fy * ((1 - at.fx) * below[0] + at.fx * below[1]);
+    const auto between = [&](const uint8_t* p) {
+        return (1 - at.fx) * static_cast<float>(p[0]) + at.fx * static_cast<float>(p[1]);
+    };
+    return (1 - at.fy) * between(above) + at.fy * between(below);
 }
 
 struct Sums {

@@ -23,6 +23,11 @@ using namespace odx::test;
 namespace
 {
 
+size_t index(int i)
+{
+    return static_cast<size_t>(i);
+}
+
 class Tracking : public testing::Test
 {
 protected:
@@ -32,7 +37,7 @@ protected:
     int below(int n) { return static_cast<int>(random_() % static_cast<unsigned>(n)); }
     std::vector<uint8_t> noise(int count, int least = 0)
     {
-        std::vector<uint8_t> bytes(static_cast<size_t>(count));
+        std::vector<uint8_t> bytes(index(count));
         for (uint8_t& byte : bytes)
             byte = static_cast<uint8_t>(least + below(256 - least));
         return bytes;
@@ -162,10 +167,8 @@ TEST_F(Tracking, PatchesAreFoundWhereTheDefinitionFindsThem)
             false};
         if (round % 2 == 0) { // from the image
             for (int j = 0; j < 8; ++j)
-                memcpy(&patch[static_cast<size_t>(8 * j)],
-                       &image[static_cast<size_t>((std::min(s.y, kHeight - 8) + j) * kWidth +
-                                                  std::min(s.x, kWidth - 8))],
-                       8);
+                memcpy(&patch[index(8 * j)],
+                       &image[index((std::min(s.y, kHeight - 8) + j) * kWidth + std::min(s.x, kWidth - 8))], 8);
         }
         s.threshold = round % 5 == 0 ? 1 + below(600000) : 0;
         const unsigned search = 1 + static_cast<unsigned>(below(11));
@@ -206,8 +209,7 @@ TEST_F(Tracking, PatchSearchesHaveLimits)
     std::vector<uint8_t> image = noise(64 * 64);
     std::vector<uint8_t> patch;
     for (int j = 0; j < 8; ++j)
-        patch.insert(patch.end(), &image[static_cast<size_t>((16 + j) * 64 + 26)],
-                     &image[static_cast<size_t>((16 + j) * 64 + 34)]);
+        patch.insert(patch.end(), &image[index((16 + j) * 64 + 26)], &image[index((16 + j) * 64 + 34)]);
     Search s = {patch.data(), image.data(), 64, 64, 30, 20, 5, 5, 0, false};
     const Result found = runSearch(odxNCCPatchOnSquare8x8u8_v2, s, 11);
     EXPECT_EQ(0, found.status);
@@ -253,7 +255,7 @@ struct Field {
     int width, height;
     std::vector<int> weights;
 
-    int at(int x, int y) const { return weights[static_cast<size_t>(y * width + x)]; }
+    int at(int x, int y) const { return weights[index(y * width + x)]; }
     template <class T, class Use>
     auto as(Use use) const
     {
@@ -435,7 +437,7 @@ TEST_F(Tracking, BlocksGoWhereTheyFitBest)
                   step = 1 + below(20);
         std::vector<uint8_t> one = noise(stride * height), two = one;
         for (size_t i = 40; i < two.size() && round % 3 != 0; ++i)
-            two[i] = one[i - static_cast<size_t>(round % 5 + (round % 2) * stride)];
+            two[i] = one[i - index(round % 5 + (round % 2) * stride)];
         if (round % 4 == 0) std::fill(two.begin(), two.end(), uint8_t{9});
         std::vector<int16_t> flow(2 * 31 * 31), expectedFlow;
         std::vector<uint16_t> sums(31 * 31), expectedSums;
@@ -448,8 +450,8 @@ TEST_F(Tracking, BlocksGoWhereTheyFitBest)
                         int sum = 0;
                         for (int j = 0; j < 16; ++j) {
                             for (int i = 0; i < 16; ++i)
-                                sum += std::abs(one[static_cast<size_t>((y + j) * stride + x + i)] -
-                                                two[static_cast<size_t>((y + dy + j) * stride + x + dx + i)]);
+                                sum += std::abs(one[index((y + j) * stride + x + i)] -
+                                                two[index((y + dy + j) * stride + x + dx + i)]);
                         }
                         best = std::min(best, std::tuple(sum, dx * dx + dy * dy, dy, dx));
                     }
