@@ -32,6 +32,7 @@
 #include "ondrix/reordering.h"
 #include "ondrix/scaling.h"
 #include "ondrix/smoothing.h"
+#include "ondrix/solvers.h"
 #include "ondrix/thresholding.h"
 #include "ondrix/tracking.h"
 #include "ondrix/types.h"

@@ -18,6 +18,7 @@
 #include "cpu/ondrixPyramidC.h"
 #include "cpu/ondrixRegisterC.h"
 #include "cpu/ondrixReorderC.h"
+#include "cpu/ondrixSVDC.h"
 #include "cpu/ondrixScaleC.h"
 #include "cpu/ondrixThresholdC.h"
 #include "cpu/ondrixTrackC.h"

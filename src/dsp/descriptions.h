@@ -13,6 +13,7 @@
 #include "dsp/ondrixMorphX.h"
 #include "dsp/ondrixOpticalFlowX.h"
 #include "dsp/ondrixReorderX.h"
+#include "dsp/ondrixSVDX.h"
 #include "dsp/ondrixScaleX.h"
 #include "dsp/ondrixThresholdX.h"
 #include "dsp/ondrixTrackX.h"

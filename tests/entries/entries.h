@@ -156,6 +156,7 @@ Entries pyramidEntries();
 Entries reorderingEntries();
 Entries scalingEntries();
 Entries smoothingEntries();
+Entries solverEntries();
 Entries thresholdingEntries();
 Entries warpsEntries();
 

@@ -24,7 +24,7 @@ const Entries& allEntries()
         for (const Entries& family :
              {arithmeticEntries(), colorEntries(), cornerEntries(), correlationEntries(), descriptorEntries(),
               gradientEntries(), morphologyEntries(), motionEntries(), pyramidEntries(), reorderingEntries(),
-              scalingEntries(), smoothingEntries(), thresholdingEntries(), warpsEntries()})
+              scalingEntries(), smoothingEntries(), solverEntries(), thresholdingEntries(), warpsEntries()})
             entries.insert(entries.end(), family.begin(), family.end());
         // Every buffer in a place of its own.
         for (Entry& entry : entries) {

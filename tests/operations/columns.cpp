@@ -91,7 +91,7 @@ std::vector<Row> allRows()
     for (const auto& family :
          {arithmeticRows(), colorFromRgbRows(), colorToRgbRows(), correlationRows(), descriptorRows(), fastRows(),
           gradientRows(), harrisRows(), memoryRows(), morphologyRows(), opticalFlowRows(), reorderingRows(),
-          scalingRows(), smoothingRows(), thresholdingRows(), trackingRows(), warpsRows()})
+          scalingRows(), smoothingRows(), solverRows(), thresholdingRows(), trackingRows(), warpsRows()})
         rows.insert(rows.end(), family.begin(), family.end());
     return rows;
 }

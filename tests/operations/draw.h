@@ -320,6 +320,7 @@ std::vector<Row> opticalFlowRows();
 std::vector<Row> reorderingRows();
 std::vector<Row> scalingRows();
 std::vector<Row> smoothingRows();
+std::vector<Row> solverRows();
 std::vector<Row> thresholdingRows();
 std::vector<Row> trackingRows();
 std::vector<Row> warpsRows();
