@@ -27,6 +27,7 @@
 #include "ondrix/memory.h"
 #include "ondrix/modes.h"
 #include "ondrix/morphology.h"
+#include "ondrix/mser.h"
 #include "ondrix/opticalFlow.h"
 #include "ondrix/pyramids.h"
 #include "ondrix/reordering.h"

@@ -13,6 +13,7 @@
 #include "cpu/ondrixFastC.h"
 #include "cpu/ondrixHarrisC.h"
 #include "cpu/ondrixMorphC.h"
+#include "cpu/ondrixMserFxpC.h"
 #include "cpu/ondrixNCCPatchC.h"
 #include "cpu/ondrixOpticalFlowC.h"
 #include "cpu/ondrixPyramidC.h"

@@ -3,6 +3,7 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <limits.h>
+#include <pthread.h>
 #include <stdlib.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -61,6 +62,19 @@ int64_t wallClockMicroseconds()
 void sleepSeconds(unsigned seconds)
 {
     sleep(seconds);
+}
+
+bool startThread(Thread* thread, void* (*run)(void*), void* context)
+{
+    pthread_t started;
+    if (pthread_create(&started, nullptr, run, context) != 0) return false;
+    *thread = static_cast<Thread>(started);
+    return true;
+}
+
+void joinThread(Thread thread)
+{
+    pthread_join(static_cast<pthread_t>(thread), nullptr);
 }
 
 } // namespace odx::platform

@@ -46,6 +46,11 @@ int64_t wallClockMicroseconds();
 
 void sleepSeconds(unsigned seconds);
 
+// A thread of its own for one function, with the system's default attributes. False when there is none to be had.
+using Thread = uintptr_t;
+bool startThread(Thread* thread, void* (*run)(void* context), void* context);
+void joinThread(Thread thread);
+
 // Dynamic loading. `loaderError` tells what went wrong last, and is never null.
 void* openLibrary(const char* path); // lazy binding
 void closeLibrary(void* handle);

@@ -152,6 +152,7 @@ Entries descriptorEntries();
 Entries gradientEntries();
 Entries morphologyEntries();
 Entries motionEntries();
+Entries mserEntries();
 Entries pyramidEntries();
 Entries reorderingEntries();
 Entries scalingEntries();

@@ -21,10 +21,10 @@ const Entries& allEntries()
 {
     static const Entries all = [] {
         Entries entries;
-        for (const Entries& family :
-             {arithmeticEntries(), colorEntries(), cornerEntries(), correlationEntries(), descriptorEntries(),
-              gradientEntries(), morphologyEntries(), motionEntries(), pyramidEntries(), reorderingEntries(),
-              scalingEntries(), smoothingEntries(), solverEntries(), thresholdingEntries(), warpsEntries()})
+        for (const Entries& family : {arithmeticEntries(), colorEntries(), cornerEntries(), correlationEntries(),
+                                      descriptorEntries(), gradientEntries(), morphologyEntries(), motionEntries(),
+                                      mserEntries(), pyramidEntries(), reorderingEntries(), scalingEntries(),
+                                      smoothingEntries(), solverEntries(), thresholdingEntries(), warpsEntries()})
             entries.insert(entries.end(), family.begin(), family.end());
         // Every buffer in a place of its own.
         for (Entry& entry : entries) {

@@ -88,10 +88,10 @@ uint32_t remoteCalls()
 std::vector<Row> allRows()
 {
     std::vector<Row> rows;
-    for (const auto& family :
-         {arithmeticRows(), colorFromRgbRows(), colorToRgbRows(), correlationRows(), descriptorRows(), fastRows(),
-          gradientRows(), harrisRows(), memoryRows(), morphologyRows(), opticalFlowRows(), reorderingRows(),
-          scalingRows(), smoothingRows(), solverRows(), thresholdingRows(), trackingRows(), warpsRows()})
+    for (const auto& family : {arithmeticRows(), colorFromRgbRows(), colorToRgbRows(), correlationRows(),
+                               descriptorRows(), fastRows(), gradientRows(), harrisRows(), memoryRows(),
+                               morphologyRows(), mserRows(), opticalFlowRows(), reorderingRows(), scalingRows(),
+                               smoothingRows(), solverRows(), thresholdingRows(), trackingRows(), warpsRows()})
         rows.insert(rows.end(), family.begin(), family.end());
     return rows;
 }

@@ -316,6 +316,7 @@ std::vector<Row> gradientRows();
 std::vector<Row> harrisRows();
 std::vector<Row> memoryRows();
 std::vector<Row> morphologyRows();
+std::vector<Row> mserRows();
 std::vector<Row> opticalFlowRows();
 std::vector<Row> reorderingRows();
 std::vector<Row> scalingRows();

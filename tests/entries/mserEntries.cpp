@@ -1,0 +1,39 @@
+#include "entries/entries.h"
+
+#include "ondrix/mser.h"
+
+namespace odx::test
+{
+
+Entries mserEntries()
+{
+    // A handle never leaves this process, and the sizes are the reference's matter.
+    using Arguments = std::vector<Argument>;
+    const auto extraction = [](size_t extended) {
+        Arguments all = {buffer(), buffer(), value(kWidth), value(kHeight), value(kWidth, {}, {0}),
+                         value(9), buffer(), buffer(),      value(9),       buffer()};
+        all.insert(all.end(), extended, buffer());
+        return all;
+    };
+    const Arguments init = {value(kWidth), value(kHeight), value(5),   value(10),
+                            value(90),     value(0.5),     value(0.2), buffer()};
+    const std::string plain = "mserHandle && srcPtr && numContours && numPointsInContour && pointsArray",
+                      extended =
+                          plain + " && contourVariation && contourPolarity && contourNodeId && contourNodeCounter";
+    return {
+        {ODX_ENTRY(odxMserInit), "", init, 1, 0},
+        {ODX_ENTRY(odxMserNN8Init), "", init, 1, 0},
+        {ODX_ENTRY(odxMserRelease), "mserHandle", {buffer()}, 1, 0},
+        {ODX_ENTRY(odxMseru8), plain, extraction(0), 1, 0},
+        {ODX_ENTRY(odxMseru8_v2), "", extraction(0), 1, 0},
+        {ODX_ENTRY(odxMserNN8u8), "", extraction(0), 1, 0},
+        {ODX_ENTRY(odxMserExtu8), extended, extraction(4), 1, 0},
+        {ODX_ENTRY(odxMserExtu8_v2), "", extraction(4), 1, 0},
+        {ODX_ENTRY(odxMserExtNN8u8), "", extraction(4), 1, 0},
+        {ODX_ENTRY(odxMserExtu8_v3), "", extraction(5), 1, 0},
+        {ODX_ENTRY(odxMserSplitExtu8), "", extraction(4), 1, 0},
+        {ODX_ENTRY(odxMserSplitExtu8ST), "", extraction(4), 1, 0},
+    };
+}
+
+} // namespace odx::test

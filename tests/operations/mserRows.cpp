@@ -1,0 +1,101 @@
+#include "operations/draw.h"
+
+#include "ondrix/mser.h"
+
+namespace odx::test
+{
+
+namespace
+{
+
+struct Handle {
+    void* handle = nullptr;
+    uint32_t made;
+
+    Handle(Draw& draw, Extent extent, bool eight = false)
+    {
+        const int delta = draw.pick("delta", {5, 1, 2, 100});
+        const uint32_t least = draw.pick("least", {20u, 2u, 60u}), most = draw.pick("most", {14400u, 62u, 400u});
+        const float variation = draw.real("variation", 0.1f, 2, 0.5f),
+                    diversity = draw.real("diversity", 0, 0.5f, 0.2f);
+        made = (eight ? odxMserNN8Init : odxMserInit)(extent.width, extent.height, delta, least, most, variation,
+                                                      diversity, &handle);
+    }
+    ~Handle() { odxMserRelease(handle); }
+    Handle(const Handle&) = delete;
+    Handle& operator=(const Handle&) = delete;
+};
+
+Extent drawExtent(Draw& draw)
+{
+    return draw.extent(51, 6, 2);
+}
+
+template <bool eight>
+void handles(Draw& draw)
+{
+    const Extent extent = drawExtent(draw);
+    draw.run([&] { return Handle(draw, extent, eight).made; });
+}
+
+// extraction(handle, src, width, height, stride, maxContours, ...), of levels that are few enough for regions.
+// `extended` arrays of a number for each region follow, and a bounding box.
+template <class Count, auto* operation, bool eight = false, uint32_t extended = 0, bool box = false,
+          uint32_t counts = 1>
+void extraction(Draw& draw)
+{
+    const Extent extent = drawExtent(draw);
+    const auto src = draw.source<uint8_t>("src", extent);
+    const Handle handle(draw, extent, eight);
+    const int shift = draw.measures() ? 0 : draw.pick("shift", {5, 0, 4, 6});
+    for (uint32_t y = 0; y < extent.height; ++y) {
+        for (uint32_t x = 0; x < extent.width; ++x)
+            src.at(x, y) = static_cast<uint8_t>(src.at(x, y) >> shift);
+    }
+    const uint32_t most = draw.number("most", 0u, 2000u, 10000u),
+                   mostPoints = draw.number("points", 0u, 60000u, 2000000u);
+    uint32_t* const count = draw.destinationArray<uint32_t>("count", counts);
+    Count* const numPoints = draw.destinationArray<Count>("numPoints", most);
+    uint32_t* const points = draw.destinationArray<uint32_t>("array", 2 * mostPoints);
+    float* const variation = draw.destinationArray<float>("variation", most);
+    int32_t* const polarity = draw.destinationArray<int32_t>("polarity", most);
+    uint32_t *const id = draw.destinationArray<uint32_t>("id", most),
+                    *const counter = draw.destinationArray<uint32_t>("counter", most),
+                    *const boxes = draw.destinationArray<uint32_t>("boxes", 4 * most);
+    draw.run([&] {
+        const auto call = [&](auto... more) {
+            return operation(handle.handle, src.pixels, extent.width, extent.height, src.strideArgument(), most,
+                             count, numPoints, mostPoints, points, more...);
+        };
+        if constexpr (box) {
+            return call(variation, polarity, id, counter, boxes);
+        } else if constexpr (extended != 0) {
+            return call(variation, polarity, id, counter);
+        } else {
+            return call();
+        }
+    });
+}
+
+} // namespace
+
+std::vector<Row> mserRows()
+{
+    constexpr bool contentMatters = true;
+    return {
+        {"odxMserInit", handles<false>},
+        {"odxMserNN8Init", handles<true>},
+        {"odxMserRelease", handles<false>},
+        {"odxMseru8", extraction<uint32_t, odxMseru8>, contentMatters},
+        {"odxMseru8_v2", extraction<uint16_t, odxMseru8_v2>, contentMatters},
+        {"odxMserNN8u8", extraction<uint16_t, odxMserNN8u8, true>, contentMatters},
+        {"odxMserExtu8", extraction<uint32_t, odxMserExtu8, false, 4>},
+        {"odxMserExtu8_v2", extraction<uint16_t, odxMserExtu8_v2, false, 4>},
+        {"odxMserExtNN8u8", extraction<uint16_t, odxMserExtNN8u8, true, 4>},
+        {"odxMserExtu8_v3", extraction<uint16_t, odxMserExtu8_v3, false, 4, true>},
+        {"odxMserSplitExtu8", extraction<uint16_t, odxMserSplitExtu8, false, 4, false, 2>},
+        {"odxMserSplitExtu8ST", extraction<uint16_t, odxMserSplitExtu8ST, false, 4, false, 2>, contentMatters},
+    };
+}
+
+} // namespace odx::test
