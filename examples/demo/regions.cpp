@@ -108,7 +108,7 @@ void showRegions(Stage& stage, const std::string& neighbours, const char* name, 
 
 void showStableRegions(Stage& stage)
 {
-    stage.beginSection("Stable regions", "components of thresholds that hardly change from level to level, as "
+    stage.beginSection("Stable regions", "components of thresholds that hardly change, as "
                                          "ellipses of the same moments");
     showRegions(stage, "4 neighbours", NAMED(odxMserExtu8_v2), odxMserInit);
     showRegions(stage, "8 neighbours", NAMED(odxMserExtNN8u8), odxMserNN8Init);

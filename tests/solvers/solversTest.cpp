@@ -111,6 +111,19 @@ TEST_F(Solvers, SolveWhatTheyAreFor)
     }
 }
 
+TEST_F(Solvers, PivotsAreTheLargestElements)
+{
+    float A[] = {1, 1, 0, -3, 1, 1, 4, 0, 2}, b[] = {3, 2, 10}, x[3];
+    uint8_t pivot[3];
+    EXPECT_EQ(ONDRIX_SUCCESS, odxSolveLUf32(A, b, 3, pivot, x));
+    EXPECT_EQ(2, pivot[0]);
+    EXPECT_EQ(4, A[0]);
+    EXPECT_EQ(0.5f, A[2]); // the upper factor has ones on its diagonal
+    EXPECT_FLOAT_EQ(1, x[0]);
+    EXPECT_FLOAT_EQ(2, x[1]);
+    EXPECT_FLOAT_EQ(3, x[2]);
+}
+
 TEST_F(Solvers, FailWithoutASolution)
 {
     float b[] = {1, 2}, diag[2], x[2] = {7, 7};
