@@ -232,14 +232,14 @@ size_t expectDefinition(const Grey& image, const Settings& s, const char* what)
 }
 
 // Four squares of 9 pixels, of which two and two are joined at level 40. One of the first two is full at a lower
-// level, the others differ in how full they are a level before.
+// level, though begun at a higher one; the others differ in how full they are a level before.
 int tied(uint32_t x, uint32_t y)
 {
-    constexpr int levels[] = {38, 29, 29, 29}, early[] = {5, 5, 4, 5};
+    constexpr int levels[] = {20, 29, 29, 29}, full[] = {39, 30, 30, 30}, early[] = {5, 5, 4, 5};
     const uint32_t square = (x - 5) / 4, column = (x - 5) % 4, row = y - 5;
     if (x < 5 || square > 3 || row > 2) return 100;
     if (column == 3) return square % 2 == 0 ? 40 : 100;
-    return levels[square] + (int(3 * row + column) >= early[square]);
+    return (int(3 * row + column) < early[square] ? levels : full)[square];
 }
 
 TEST(Mser, FindsTheRegionsOfTheDefinition)
