@@ -258,7 +258,7 @@ TEST(Mser, FindsTheRegionsOfTheDefinition)
                             int(random() % 256),                                   // noise
                             int(random() % 4),                                     // noise of few levels
                             int(120 + 100 * wave),                                 // hills and hollows
-                            int(120 + 60 * wave + random() % 30),                  // rough ones
+                            int(120 + 60 * wave + int(random() % 30)),             // rough ones
                             (x + y) % 2 ? 255 : 0,                                 // a checkerboard
                             int(2 * x + y),                                        // a ramp
                             y % 2 == 0 || x == (y % 4 == 1 ? 1u : 51u) ? 20 : 200, // a maze
