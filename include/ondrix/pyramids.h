@@ -17,19 +17,6 @@
 
 #include "ondrix/types.h"
 
-/// A level with packed rows.
-typedef struct odxPyrLevel {
-    void* ptr;              ///< the pixels
-    uint32_t width, height; ///< in pixels
-} odxPyrLevel;
-
-/// A level with a stride.
-typedef struct odxPyrLevelStrided {
-    void* ptr;              ///< the pixels
-    uint32_t width, height; ///< in pixels
-    uint32_t stride;        ///< in bytes
-} odxPyrLevelStrided;
-
 /// \name Memory
 /// @{
 
@@ -119,5 +106,28 @@ ODX_API int odxPyramidCreatef32_v2(const float* base, unsigned int baseWidth, un
 ODX_API odxStatus odxPyramidCreateu8_v3(const uint8_t* base, unsigned int baseWidth, unsigned int baseHeight,
                                         unsigned int baseStride, unsigned int numLevels, unsigned int scaleFlag,
                                         odxPyrLevelStrided* pyr);
+
+/// \name Gradients
+/// Level i has the size of level 0 of the picture's pyramid, shifted right by i, in all three pyramids; sizes are
+/// written, and the levels of dx and dy have packed rows of that size. Inside, they become the Sobel gradients of
+/// the picture's level, whose rows are packed, too; the frame of a pixel is not written. Levels narrower or lower
+/// than 3 have no inside.
+/// \return 0; -1 for null pointers, and for a level of dx or dy without a buffer, whose sizes and the levels before
+///         are made
+/// @{
+
+/// Makes the Sobel gradients of a pyramid, with 16 bits, by odxImageGradientSobelPlanars16.
+ODX_API int odxPyramidSobelGradientCreatei16(const odxPyrLevel* imgPyr, odxPyrLevel* dxPyr, odxPyrLevel* dyPyr,
+                                             unsigned int numLevels);
+
+/// Makes the Sobel gradients of a pyramid, with 8 bits, by odxImageGradientSobelPlanars8.
+ODX_API int odxPyramidSobelGradientCreatei8(const odxPyrLevel* imgPyr, odxPyrLevel* dxPyr, odxPyrLevel* dyPyr,
+                                            unsigned int numLevels);
+
+/// Makes the Sobel gradients of a pyramid, in float, by odxImageGradientSobelPlanarf32.
+ODX_API int odxPyramidSobelGradientCreatef32(const odxPyrLevel* imgPyr, odxPyrLevel* dxPyr, odxPyrLevel* dyPyr,
+                                             unsigned int numLevels);
+
+/// @}
 
 #endif

@@ -63,16 +63,18 @@ ODX_ENUM(uint32_t, odxChannelType){ONDRIX_CHANNEL_0 = 0, ONDRIX_CHANNEL_1 = 1, O
                                    ONDRIX_CHANNEL_3 = 3, ONDRIX_CHANNEL_R = 4, ONDRIX_CHANNEL_G = 5,
                                    ONDRIX_CHANNEL_B = 6, ONDRIX_CHANNEL_A = 7, ONDRIX_CHANNEL_Y = 8,
                                    ONDRIX_CHANNEL_U = 9, ONDRIX_CHANNEL_V = 10};
+
 /// A level of a pyramid with packed rows.
-typedef struct {
-    void* ptr; ///< the pixels: bytes for pyramids of 8-bit images
-    uint32_t width, height;
+typedef struct odxPyrLevel {
+    void* ptr;              ///< the pixels: bytes for pyramids of 8-bit images
+    uint32_t width, height; ///< in pixels
 } odxPyrLevel;
 
-/// A level of a pyramid whose rows are `stride` bytes apart.
-typedef struct {
-    void* ptr;
-    uint32_t width, height, stride;
+/// A level of a pyramid with a stride.
+typedef struct odxPyrLevelStrided {
+    void* ptr;              ///< the pixels
+    uint32_t width, height; ///< in pixels
+    uint32_t stride;        ///< in bytes
 } odxPyrLevelStrided;
 
 #endif

@@ -377,7 +377,6 @@ bool alongLine(const uint8_t* p, ptrdiff_t pitch, const Line& line, float maxAng
 } // namespace odx::harris
 
 using namespace odx;
-using harris::Rows;
 using harris::View;
 
 extern "C" {
@@ -387,7 +386,7 @@ void odxCornerHarrisu8C(const uint8_t* src, unsigned int width, unsigned int hei
                         int threshold)
 {
     const View view = {src, width, height, stride};
-    harris::corners<Rows>(view, border, threshold, {xy, nullptr, nCornersMax, numcorners}, fast::NoMask());
+    harris::corners<harris::Rows>(view, border, threshold, {xy, nullptr, nCornersMax, numcorners}, fast::NoMask());
 }
 
 void odxCornerHarrisInMasku8C(const uint8_t* srcImg, unsigned int width, unsigned int height, unsigned int stride,
@@ -396,8 +395,8 @@ void odxCornerHarrisInMasku8C(const uint8_t* srcImg, unsigned int width, unsigne
                               unsigned int maskHeight)
 {
     const View view = {srcImg, width, height, stride};
-    harris::cornersInMask<Rows>(view, border, threshold, {xy, nullptr, nCornersMax, numcorners}, bitMask,
-                                maskWidth, maskHeight);
+    harris::cornersInMask<harris::Rows>(view, border, threshold, {xy, nullptr, nCornersMax, numcorners}, bitMask,
+                                        maskWidth, maskHeight);
 }
 
 void odxCornerHarrisAdaptiveu8C(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
@@ -405,7 +404,7 @@ void odxCornerHarrisAdaptiveu8C(const uint8_t* src, unsigned int srcWidth, unsig
                                 unsigned int nCornersMax, uint32_t* nCorners, int threshold)
 {
     const View view = {src, srcWidth, srcHeight, srcStride};
-    harris::strongestCorners<Rows>(view, border, threshold, {xy, nullptr, nCornersMax, nCorners});
+    harris::strongestCorners<harris::Rows>(view, border, threshold, {xy, nullptr, nCornersMax, nCorners});
 }
 
 void odxCornerHarrisScoreu8C(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
@@ -413,7 +412,7 @@ void odxCornerHarrisScoreu8C(const uint8_t* src, unsigned int srcWidth, unsigned
                              unsigned int nCornersMax, uint32_t* nCorners, int threshold)
 {
     const View view = {src, srcWidth, srcHeight, srcStride};
-    harris::corners<Rows>(view, border, threshold, {xy, scores, nCornersMax, nCorners}, fast::NoMask());
+    harris::corners<harris::Rows>(view, border, threshold, {xy, scores, nCornersMax, nCorners}, fast::NoMask());
 }
 
 odxStatus odxLocalHarrisMaxu8C(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
@@ -421,7 +420,7 @@ odxStatus odxLocalHarrisMaxu8C(const uint8_t* src, unsigned int srcWidth, unsign
                                uint32_t* maxX, uint32_t* maxY, int32_t* maxResponse)
 {
     const View view = {src, srcWidth, srcHeight, srcStride};
-    return harris::localMaximum<Rows>(view, x, y, radius, maxX, maxY, maxResponse);
+    return harris::localMaximum<harris::Rows>(view, x, y, radius, maxX, maxY, maxResponse);
 }
 
 void odxGoodFeatureToTracku8C(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
@@ -429,7 +428,8 @@ void odxGoodFeatureToTracku8C(const uint8_t* src, unsigned int srcWidth, unsigne
                               uint32_t* nCorners, float qualityLevel, unsigned int minDistance)
 {
     const View view = {src, srcWidth, srcHeight, srcStride};
-    harris::goodFeatures<Rows>(view, border, qualityLevel, minDistance, {xy, nullptr, nCornersMax, nCorners});
+    harris::goodFeatures<harris::Rows>(view, border, qualityLevel, minDistance,
+                                       {xy, nullptr, nCornersMax, nCorners});
 }
 
 void odxCornerRefineSubPixu8C(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,

@@ -4,6 +4,7 @@
 #include "cpu/ondrixScale.h"
 #include "frame/log.h"
 #include "frame/scratch.h"
+#include "ondrix/gradients.h"
 #include "ondrix/memory.h"
 #include "ondrix/scaling.h"
 #include "ondrix/smoothing.h"
@@ -170,6 +171,22 @@ odxStatus createQuarterOctaves(odxPyrLevelStrided* pyr, uint32_t levels)
     return ONDRIX_SUCCESS;
 }
 
+// Gradients of each level by sobel(src, width, height, 0, dx, dy).
+template <class T, class Sobel>
+int createGradients(const odxPyrLevel* images, odxPyrLevel* dx, odxPyrLevel* dy, uint32_t levels, Sobel sobel)
+{
+    for (uint32_t i = 0; i < levels; ++i) {
+        const uint32_t width = i < 32 ? images[0].width >> i : 0, height = i < 32 ? images[0].height >> i : 0;
+        dx[i].width = dy[i].width = width;
+        dx[i].height = dy[i].height = height;
+        if (dx[i].ptr == nullptr || dy[i].ptr == nullptr) return -1;
+        if (width < 3 || height < 3) continue;
+        sobel(static_cast<const uint8_t*>(images[i].ptr), width, height, 0, static_cast<T*>(dx[i].ptr),
+              static_cast<T*>(dy[i].ptr));
+    }
+    return 0;
+}
+
 } // namespace
 
 extern "C" {
@@ -299,5 +316,23 @@ odxStatus odxPyramidCreateu8_v3C(const uint8_t* base, unsigned int baseWidth, un
         addLastColumnAndRow(last, pyr[i]);
     }
     return ONDRIX_SUCCESS;
+}
+
+int odxPyramidSobelGradientCreatei16C(const odxPyrLevel* imgPyr, odxPyrLevel* dxPyr, odxPyrLevel* dyPyr,
+                                      unsigned int numLevels)
+{
+    return createGradients<int16_t>(imgPyr, dxPyr, dyPyr, numLevels, odxImageGradientSobelPlanars16);
+}
+
+int odxPyramidSobelGradientCreatei8C(const odxPyrLevel* imgPyr, odxPyrLevel* dxPyr, odxPyrLevel* dyPyr,
+                                     unsigned int numLevels)
+{
+    return createGradients<int8_t>(imgPyr, dxPyr, dyPyr, numLevels, odxImageGradientSobelPlanars8);
+}
+
+int odxPyramidSobelGradientCreatef32C(const odxPyrLevel* imgPyr, odxPyrLevel* dxPyr, odxPyrLevel* dyPyr,
+                                      unsigned int numLevels)
+{
+    return createGradients<float>(imgPyr, dxPyr, dyPyr, numLevels, odxImageGradientSobelPlanarf32);
 }
 }

@@ -15,6 +15,9 @@ decltype(odxPyramidCreatef32) odxPyramidCreatef32C;
 decltype(odxPyramidCreateu8_v2) odxPyramidCreateu8_v2C;
 decltype(odxPyramidCreatef32_v2) odxPyramidCreatef32_v2C;
 decltype(odxPyramidCreateu8_v3) odxPyramidCreateu8_v3C;
+decltype(odxPyramidSobelGradientCreatei16) odxPyramidSobelGradientCreatei16C;
+decltype(odxPyramidSobelGradientCreatei8) odxPyramidSobelGradientCreatei8C;
+decltype(odxPyramidSobelGradientCreatef32) odxPyramidSobelGradientCreatef32C;
 }
 
 #endif

@@ -206,6 +206,9 @@ Entries pyramidEntries()
          "",
          {buffer(4), width(1, 4), height(), stride(), value(3, {0}), any, buffer()},
          5},
+        {ODX_ENTRY(odxPyramidSobelGradientCreatei16), "", {buffer(), buffer(), buffer(), value(0, {}, {5})}, 1, 0},
+        {ODX_ENTRY(odxPyramidSobelGradientCreatei8), "", {buffer(), buffer(), buffer(), value(0, {}, {5})}, 1, 0},
+        {ODX_ENTRY(odxPyramidSobelGradientCreatef32), "", {buffer(), buffer(), buffer(), value(0, {}, {5})}, 1, 0},
     };
 }
 

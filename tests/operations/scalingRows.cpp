@@ -209,6 +209,24 @@ void anyPyramid(Draw& draw)
     report(draw, levels, base.pixels);
 }
 
+template <class T, auto* operation>
+void gradients(Draw& draw)
+{
+    const Extent extent = draw.extent();
+    std::vector<odxPyrLevel> levels[3];
+    for (auto& pyramid : levels)
+        pyramid.resize(kLevels);
+    for (uint32_t i = 0; i < kLevels; ++i) {
+        const Extent size = {std::max(extent.width >> i, 1u), std::max(extent.height >> i, 1u)};
+        levels[0][i] = {draw.source<uint8_t>("level", size, true).pixels, extent.width >> i, extent.height >> i};
+        levels[1][i].ptr = draw.destination<T>("dx", size, true).pixels;
+        levels[2][i].ptr = draw.destination<T>("dy", size, true).pixels;
+    }
+    draw.run([&] { return operation(levels[0].data(), levels[1].data(), levels[2].data(), kLevels); });
+    report(draw, levels[1], nullptr);
+    report(draw, levels[2], nullptr);
+}
+
 // Allocation and deletion: what the records hold between them.
 template <class Level, auto* remove, class Allocate>
 void allocation(Draw& draw, Allocate allocate)
@@ -294,6 +312,9 @@ std::vector<Row> scalingRows()
         {"odxPyramidCreateu8_v2", halves<uint8_t, odxPyrLevelStrided, odxPyramidCreateu8_v2>},
         {"odxPyramidCreatef32_v2", halves<float, odxPyrLevelStrided, odxPyramidCreatef32_v2>},
         {"odxPyramidCreateu8_v3", anyPyramid},
+        {"odxPyramidSobelGradientCreatei16", gradients<int16_t, odxPyramidSobelGradientCreatei16>},
+        {"odxPyramidSobelGradientCreatei8", gradients<int8_t, odxPyramidSobelGradientCreatei8>},
+        {"odxPyramidSobelGradientCreatef32", gradients<float, odxPyramidSobelGradientCreatef32>},
     };
 }
 

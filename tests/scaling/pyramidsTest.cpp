@@ -152,3 +152,30 @@ TEST_F(Pyramids, OfAnySizeHaveTheirLastColumnAndRow)
         }
     }
 }
+
+TEST_F(Pyramids, HaveGradients)
+{
+    const Bytes src = noise<uint8_t>(9, 7, 0, 255);
+    const Bytes half = noise<uint8_t>(4, 3, 0, 255);
+    odxPyrLevel images[4] = {{const_cast<uint8_t*>(src.data()), 9, 7}, {const_cast<uint8_t*>(half.data()), 0, 0}};
+    const auto check = [&](auto pixel, auto operation, auto sobel, int level) {
+        using T = decltype(pixel);
+        const Bytes& image = level == 0 ? src : half;
+        Grid<T> dx(9, 7, 5), dy = dx, dx1(4, 3, 5), dy1 = dx1, tail(2, 1, 5);
+        Grid<T> expectedX(image.width, image.height, 5), expectedY = expectedX;
+        sobel(image.data(), image.w(), image.h(), 0u, expectedX.data(), expectedY.data());
+        odxPyrLevel x[4] = {{dx.data(), 0, 0}, {dx1.data(), 0, 0}, {tail.data(), 0, 0}, {}},
+                    y[4] = {{dy.data(), 0, 0}, {dy1.data(), 0, 0}, {tail.data(), 0, 0}, {}};
+        EXPECT_EQ(-1, operation(images, x, y, 4)); // the last one has no buffer
+        EXPECT_EQ(1u, x[3].width);
+        EXPECT_EQ(expectedX, level == 0 ? dx : dx1);
+        EXPECT_EQ(expectedY, level == 0 ? dy : dy1);
+        EXPECT_EQ(5, tail.at(0, 0)); // 2x1 pixels have no inside
+        EXPECT_EQ(0, operation(images, x, y, 3));
+    };
+    for (const int level : {0, 1}) {
+        check(int16_t{}, odxPyramidSobelGradientCreatei16, odxImageGradientSobelPlanars16, level);
+        check(int8_t{}, odxPyramidSobelGradientCreatei8, odxImageGradientSobelPlanars8, level);
+        check(float{}, odxPyramidSobelGradientCreatef32, odxImageGradientSobelPlanarf32, level);
+    }
+}

@@ -120,4 +120,17 @@ odxStatus odxPyramidCreateu8_v3(const uint8_t* base, unsigned int baseWidth, uns
     if (!base || !baseWidth || !baseHeight || !numLevels || !pyr || baseStride < baseWidth) return call.failure();
     return call(base, baseWidth, baseHeight, baseStride, numLevels, scaleFlag, pyr);
 }
+
+// Gradients of a pyramid.
+#define ODX_GRADIENTS(name)                                                                             \
+    int name(const odxPyrLevel* imgPyr, odxPyrLevel* dxPyr, odxPyrLevel* dyPyr, unsigned int numLevels) \
+    {                                                                                                   \
+        const Call<name##C> call(__func__);                                                             \
+        if (!imgPyr || !dxPyr || !dyPyr) return call.failure();                                         \
+        return call(imgPyr, dxPyr, dyPyr, numLevels);                                                   \
+    }
+
+ODX_GRADIENTS(odxPyramidSobelGradientCreatei16)
+ODX_GRADIENTS(odxPyramidSobelGradientCreatei8)
+ODX_GRADIENTS(odxPyramidSobelGradientCreatef32)
 }
