@@ -127,8 +127,7 @@ Entries arithmeticEntries()
                       layout = "src && dst && srcWidth && srcHeight && channels >= 2 && channels <= ";
     Entry crossProduct = {
         ODX_ENTRY(odxCrossProduct3x1f32), "src1 && src2 && dst", {buffer(8, 16), buffer(8, 16), buffer(8, 16)}};
-    crossProduct.pixelSize = 0;
-    crossProduct.isSent = false;
+    crossProduct.pixelSize = kNever;
     return {
 #define TWO(name, S1, S2, D, takes, ...) two<S1, S2, D>(ODX_ENTRY(name) TAKEN_##takes),
 #define ONE(name, S, D, takes, ...) one<S, D>(ODX_ENTRY(name) TAKEN_##takes),

@@ -94,7 +94,6 @@ struct Entry {
     // Refused combinations: argument and value, and so on.
     std::vector<std::vector<std::pair<size_t, double>>> alsoRefused = {};
     bool forGpu = true; // else it is for the GPU only where it is refused
-    bool isSent = true; // false: its work is never large enough for a remote target
 };
 
 template <class T>

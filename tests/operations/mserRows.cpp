@@ -83,9 +83,9 @@ std::vector<Row> mserRows()
 {
     constexpr bool contentMatters = true;
     return {
-        {"odxMserInit", handles<false>},
-        {"odxMserNN8Init", handles<true>},
-        {"odxMserRelease", handles<false>},
+        {"odxMserInit", handles<false>, false, true},
+        {"odxMserNN8Init", handles<true>, false, true},
+        {"odxMserRelease", handles<false>, false, true},
         {"odxMseru8", extraction<uint32_t, odxMseru8>, contentMatters},
         {"odxMseru8_v2", extraction<uint16_t, odxMseru8_v2>, contentMatters},
         {"odxMserNN8u8", extraction<uint16_t, odxMserNN8u8, true>, contentMatters},

@@ -69,6 +69,20 @@ TEST_F(Scaling, BlocksBecomeTheirMeans)
             return sumOf(src, kx * x, kx * x + kx, ky * y, ky * y + ky) / (kx * ky);
         });
     }
+    // With strides: a part of the image.
+    Bytes part(268, 12), quarterPart(134, 6), means(4, 3);
+    EXPECT_EQ(0, odxScaleDownBy2u8_v2(src.data(), 40, 24, 536, part.data(), 268));
+    EXPECT_EQ(0, odxScaleDownBy4u8_v2(src.data(), 40, 24, 536, quarterPart.data(), 134));
+    odxScaleDownu8_v2(src.data(), 40, 24, 536, means.data(), 4, 3, 0);
+    for (int y = 0; y < 12; ++y) {
+        for (int x = 0; x < 20; ++x)
+            ASSERT_EQ(half.at(x, y), part.at(x, y));
+    }
+    for (int y = 0; y < 6; ++y) {
+        for (int x = 0; x < 10; ++x)
+            ASSERT_EQ(quarter.at(x, y), quarterPart.at(x, y));
+    }
+    expectPixels(means, [&](int x, int y) { return sumOf(src, 10 * x, 10 * x + 10, 8 * y, 8 * y + 8) / 80; });
     const uint8_t four[4] = {1, 2, 3, 5};
     uint8_t one = 0;
     odxScaleDownBy2u8(four, 2, 2, &one);
