@@ -252,8 +252,8 @@ void push(Tree& tree, Branch branch)
     tree.heap[i] = branch;
 }
 
-// The hole goes down to the end by choices that need no branch, and the last one, which is rarely far from there, up
-// to its place.
+// The hole goes down to the end by choices that need no branch, and the last one, which is rarely far from there,
+// up to its place.
 Branch pop(Tree& tree)
 {
     Branch* const heap = tree.heap;
