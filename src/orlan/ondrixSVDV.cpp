@@ -48,7 +48,7 @@ struct Bytes {
 
     ODX_MEMBER static Vector pair(const int8_t* row, const int8_t* next) { return widenPairs(row, next); }
     ODX_MEMBER static Vector repeated(const Unit* unit) { return repeatPair(&unit->first); }
-    ODX_MEMBER static Sums step(Sums sum, Vector v, Vector factor) { return addProducts(sum, v, factor); }
+    ODX_MEMBER static Sums step(Sums sum, Vector v, Vector factor) { return addPairProducts(sum, v, factor); }
 };
 
 template <class T>
