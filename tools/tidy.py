@@ -38,7 +38,7 @@ def main():
 
     version = subprocess.run([tool, "--version"], capture_output=True, check=True).stdout
     headers = [path for folder in ("include", *FOLDERS) for path in sorted((ROOT / folder).rglob("*"))
-               if path.suffix in (".h", ".def")]
+               if path.suffix in (".h", ".def", ".inc")]
     settings = sorted(path for path in ROOT.rglob(".clang-tidy") if "build" not in path.relative_to(ROOT).parts)
     common = digest(version, *(path.read_bytes() for path in (*settings, *headers)))
     keys = {source: digest(common.encode(), entry["command"].encode(), source.read_bytes())

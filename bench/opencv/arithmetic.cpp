@@ -32,6 +32,7 @@ template <int planes>
 Call merge(const test::Measurement& measurement)
 {
     std::vector<cv::Mat> src;
+    src.reserve(planes);
     for (int i = 0; i < planes; ++i)
         src.push_back(matrix(measurement, CV_8U));
     return [src, dst = cv::Mat()]() mutable { cv::merge(src, dst); };

@@ -23,10 +23,12 @@ Call opticalFlow(const Measurement& measurement)
     cv::buildOpticalFlowPyramid(one, from, {kWindow, kWindow}, kLevels - 1);
     cv::buildOpticalFlowPyramid(two, to, {kWindow, kWindow}, kLevels - 1);
     std::vector<cv::Point2f> points;
-    for (int i = 0; i < kPoints; ++i)
-        points.emplace_back(
-            static_cast<float>(one.cols) * (0.1F + 0.03F * static_cast<float>(i % kColumns)) + 0.3F,
-            static_cast<float>(one.rows) * (0.1F + 0.03F * static_cast<float>(i / kColumns)) + 0.3F);
+    points.reserve(kPoints);
+    for (int i = 0; i < kPoints; ++i) {
+        const int column = i % kColumns, row = i / kColumns;
+        points.emplace_back(static_cast<float>(one.cols) * (0.1F + 0.03F * static_cast<float>(column)) + 0.3F,
+                            static_cast<float>(one.rows) * (0.1F + 0.03F * static_cast<float>(row)) + 0.3F);
+    }
     return [=, out = std::vector<cv::Point2f>(), status = std::vector<uchar>()]() mutable {
         cv::calcOpticalFlowPyrLK(from, to, points, out, status, cv::noArray(), {kWindow, kWindow}, kLevels - 1,
                                  {cv::TermCriteria::COUNT | cv::TermCriteria::EPS, 20, 0.03}, 0, 1e-7);

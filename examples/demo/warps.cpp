@@ -90,6 +90,7 @@ void showPage(Stage& stage)
     const Picture photographShown = wholeOf(pictureOfTriples(photograph));
     const float scale = static_cast<float>(photographShown.width() - 1) / width;
     std::vector<Point> marks;
+    marks.reserve(4);
     for (int i = 0; i < 4; ++i)
         marks.push_back({static_cast<int>(scale * corners[2 * i]), static_cast<int>(scale * corners[2 * i + 1])});
     stage.show("As a camera sees it", laid, photographShown, marks);

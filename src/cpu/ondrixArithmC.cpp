@@ -15,7 +15,8 @@ namespace
 #define ODX_PIXEL_INLINE [[gnu::always_inline]] inline
 
 template <class T>
-constexpr int32_t kLow = std::numeric_limits<T>::min();
+constexpr auto kLow =
+    static_cast<int32_t>(std::numeric_limits<T>::min()); // NOLINT(bugprone-signed-char-misuse, cert-str34-c)
 template <class T>
 constexpr int32_t kHigh = std::numeric_limits<T>::max();
 
@@ -217,7 +218,7 @@ void addWeightedC(ODX_TWO_IMAGES(uint8_t, uint8_t, uint8_t, weights))
     constexpr float kRounds = 12582912;
     forElements(
         [=](uint8_t a, uint8_t b, uint8_t& out) {
-            float t = (a * alpha + b * beta) + gamma;
+            float t = (static_cast<float>(a) * alpha + static_cast<float>(b) * beta) + gamma;
             t = t > 0 ? t : 0;
             t = t < 255 ? t : 255;
             out = static_cast<uint8_t>((t + kRounds) - kRounds);

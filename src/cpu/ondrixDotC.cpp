@@ -111,7 +111,7 @@ template <int count>
 } // namespace
 
 #define ODX_COLUMN(name) name##C
-#include "cpu/ondrixDotOperations.h"
+#include "cpu/ondrixDotOperations.inc"
 
 float odxDotProductf32C(const float* a, const float* b, unsigned int length)
 {

@@ -43,7 +43,7 @@ Part common(const Part& a, const Part& b)
 }
 
 // Coordinates below this, with a window around them, have whole parts that fit an integer.
-constexpr float kFar = 1073741824; // 2^30
+constexpr float kFar = 0x1p30f;
 
 bool near(Point p)
 {

@@ -26,6 +26,7 @@ struct Resize {
 };
 
 // Everything else is compiled for several targets, whose code must stay apart: each source has its own.
+// NOLINTBEGIN(cert-dcl59-cpp, misc-definitions-in-headers)
 namespace
 {
 
@@ -647,6 +648,7 @@ inline uint32_t groupReciprocal(uint64_t n)
 }
 
 } // namespace
+// NOLINTEND(cert-dcl59-cpp, misc-definitions-in-headers)
 
 } // namespace odx::scale
 

@@ -6,7 +6,6 @@
 
 #include <string.h>
 
-using odx::Plane;
 using odx::rowOf;
 using namespace odx::scale;
 

@@ -159,7 +159,7 @@ Turn turnOf(float angle)
 extern "C" {
 
 #define ODX_WARP_COLUMN(name) name##C
-#include "cpu/ondrixWarpOperations.h"
+#include "cpu/ondrixWarpOperations.inc"
 
 void odx3ChannelTransformAffineClippedBCu8C(const uint8_t* src, unsigned srcWidth, unsigned srcHeight,
                                             unsigned srcStride, const float* affineMatrix, uint8_t* dst,

@@ -231,6 +231,6 @@ ODX_INLINE uint32_t dot(const T* a, const T* b, size_t length)
 }
 
 #define ODX_COLUMN(name) name##V
-#include "cpu/ondrixDotOperations.h"
+#include "cpu/ondrixDotOperations.inc"
 
 } // namespace odx::ODX_TARGET

@@ -105,8 +105,8 @@ struct LinearV : Linear {
     {
         fits = windows.fill([this](uint32_t k) { return at[k]; }, count, image.srcWidth);
         for (uint32_t i = 0; i < kColumns; ++i) {
-            pairs[2 * i] = i < count ? weight[0][i] : 0;
-            pairs[2 * i + 1] = i < count ? weight[1][i] : 0;
+            pairs[2 * i] = (int16_t)(i < count ? weight[0][i] : 0);
+            pairs[2 * i + 1] = (int16_t)(i < count ? weight[1][i] : 0);
         }
     }
     void across(int64_t y, int32_t* line, uint32_t count) const

@@ -578,6 +578,6 @@ static void warpPlanes(const Path& path, const warp::Source (&sources)[2], const
 }
 
 #define ODX_WARP_COLUMN(name) name##V
-#include "cpu/ondrixWarpOperations.h"
+#include "cpu/ondrixWarpOperations.inc"
 
 } // namespace odx::ODX_TARGET

@@ -7,7 +7,7 @@ namespace odx::test
 
 Entries solverEntries()
 {
-    const auto product = [](uint32_t size, Argument depth) {
+    const auto product = [](uint32_t size, const Argument& depth) {
         return std::vector{buffer(8, 16),
                            depth,
                            height(),

@@ -17,7 +17,7 @@ template <class T>
 T value(Draw& draw)
 {
     if constexpr (std::is_floating_point_v<T>) {
-        const float scale = draw.pick("exponent", {0, 0, 100, -100, -126}) + 0.0f;
+        const int scale = draw.pick("exponent", {0, 0, 100, -100, -126});
         const float n = draw.real("value", -3, 3, 1.5f);
         return scale == 0 ? n : scale > 0 ? n * 0x1p100f : scale > -110 ? n * 0x1p-100f : n * 0x1p-126f;
     } else {

@@ -16,7 +16,7 @@ constexpr uint64_t rowOf(const T*, uint32_t count)
 
 // What the remote targets ask of a system of n unknowns.
 template <class... Buffers>
-Limit system(uint32_t n, Buffers... buffers)
+Limit unknowns(uint32_t n, Buffers... buffers)
 {
     return pixels(n, n) & aligned(buffers...);
 }
@@ -51,21 +51,21 @@ ODX_MATRIX_PRODUCT(odxMatrixMultiplys8s32, int8_t, int32_t, "", "int32_t", " && 
 
 uint32_t odxSolveCholeskyf32(float* A, const float* b, float* diag, unsigned int n, float* x)
 {
-    const Call<odxSolveCholeskyf32C> call(__func__, ODX_LIMITS(system(n, A, b, diag, x)));
+    const Call<odxSolveCholeskyf32C> call(__func__, ODX_LIMITS(unknowns(n, A, b, diag, x)));
     if (!(A && b && diag && x)) return call.failure();
     return call(A, b, diag, n, x);
 }
 
 uint32_t odxSolveLDLf32(float* A, const float* b, float* diag, unsigned int n, float* x)
 {
-    const Call<odxSolveLDLf32C> call(__func__, ODX_LIMITS(system(n, A, b, diag, x)));
+    const Call<odxSolveLDLf32C> call(__func__, ODX_LIMITS(unknowns(n, A, b, diag, x)));
     if (!(A && b && diag && x)) return call.failure();
     return call(A, b, diag, n, x);
 }
 
 odxStatus odxSolveLUf32(float* A, float* b, int n, uint8_t* pivot, float* x)
 {
-    const Call<odxSolveLUf32C> call(__func__, ODX_LIMITS(system(static_cast<uint32_t>(n), A, b, x)));
+    const Call<odxSolveLUf32C> call(__func__, ODX_LIMITS(unknowns(static_cast<uint32_t>(n), A, b, x)));
     if (!(A && b && pivot && x)) return call.failure();
     return call(A, b, n, pivot, x);
 }
