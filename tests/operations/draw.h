@@ -119,8 +119,10 @@ public:
     T number(const char* name, T low, T high, T typical)
     {
         const T value = measures() ? typical
-                        : sweeps() ? std::clamp(typical, low, high)
-                                   : static_cast<T>(std::uniform_int_distribution<int64_t>(low, high)(random_));
+                        : sweeps()
+                            ? std::clamp(typical, low, high)
+                            : static_cast<T>(static_cast<uint64_t>(low) +
+                                             below(static_cast<uint64_t>(high) - static_cast<uint64_t>(low) + 1));
         note(name, std::to_string(value));
         return value;
     }

@@ -56,8 +56,9 @@ void stridedThreshold(Draw& draw)
 void valuedThreshold(Draw& draw)
 {
     const uint32_t at = draw.number<uint32_t>("threshold", 0, 300, 100);
-    threshold<odxFilterThresholdu8_v3>(draw, at, draw.number<uint32_t>("trueValue", 0, 300, 255),
-                                       draw.number<uint32_t>("falseValue", 0, 300, 0));
+    const auto trueValue = draw.number<uint32_t>("trueValue", 0, 300, 255),
+               falseValue = draw.number<uint32_t>("falseValue", 0, 300, 0);
+    threshold<odxFilterThresholdu8_v3>(draw, at, trueValue, falseValue);
 }
 
 void range(Draw& draw)
@@ -69,8 +70,9 @@ void range(Draw& draw)
 void valuedRange(Draw& draw)
 {
     const int32_t low = bound(draw, "low", 50), high = bound(draw, "high", 150);
-    threshold<odxFilterThresholdRangeu8_v2>(draw, low, high, draw.number<uint32_t>("trueValue", 0, 300, 255),
-                                            draw.number<uint32_t>("falseValue", 0, 300, 0));
+    const auto trueValue = draw.number<uint32_t>("trueValue", 0, 300, 255),
+               falseValue = draw.number<uint32_t>("falseValue", 0, 300, 0);
+    threshold<odxFilterThresholdRangeu8_v2>(draw, low, high, trueValue, falseValue);
 }
 
 void otsu(Draw& draw)
