@@ -180,11 +180,11 @@ TEST_F(Scaling, TheGaussianThatDoublesMirrorsItsGrid)
         // Weights of the pixels of an axis: in the doubled grid, 2n samples of which the odd ones are missing.
         const auto weights = [](int out, int n) {
             std::vector<int> w(static_cast<size_t>(n));
-            for (int k = -2; k <= 2; ++k) {
-                int place = std::abs(out + k);
+            for (int k = 0; k < 5; ++k) {
+                int place = std::abs(out + k - 2);
                 if (place >= 2 * n) place = 2 * (2 * n - 1) - place;
-                if (place % 2 == 0)
-                    w[static_cast<size_t>(std::min(place / 2, n - 1))] += kGaussian5[static_cast<size_t>(k + 2)];
+                const int pixel = std::min(place / 2, n - 1);
+                if (place % 2 == 0) w[static_cast<size_t>(pixel)] += kGaussian5[static_cast<size_t>(k)];
             }
             return w;
         };

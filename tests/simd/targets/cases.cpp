@@ -659,7 +659,7 @@ const PrimitiveCase kCases[] = {
          float sums[kLanes];
          for (size_t i = 0; i < kLanes; ++i) {
              put<float>(expected, i, in[i]);
-             sums[i] = in[i] * 0.37F; // so that the order shows
+             sums[i] = static_cast<float>(in[i]) * 0.37F; // so that the order shows
          }
          for (uint32_t n = kLanes / 2; n > 0; n /= 2) {
              for (uint32_t k = 0; k < n; ++k)
