@@ -33,37 +33,30 @@ const Argument policy = value(1, {2, 0xFFFFFFFF}, {0}), shift = value(3, {16, 0x
 const std::string kPolicy = " && policy <= ONDRIX_OVERFLOW_SATURATE", kShift = " && shift <= 15",
                   kDepth = " && shift <= 7";
 
-std::vector<Argument> joined(std::vector<Argument> before, const std::vector<Argument>& middle,
-                             const std::vector<Argument>& after)
-{
-    before.insert(before.end(), middle.begin(), middle.end());
-    before.insert(before.end(), after.begin(), after.end());
-    return before;
-}
-
 using Operation = std::function<Outcome(const std::vector<double>&)>;
 
 template <class S1, class S2, class D>
-Entry two(const char* name, Operation call, Outcome failure, const std::vector<Argument>& takes = {},
+Entry two(const char* name, Operation call, Outcome failure, const Arguments& takes = {},
           const std::string& more = "")
 {
     return {name, std::move(call), failure,
             "src1 && src2 && dst && srcWidth && srcHeight && (src1Stride >= " + row<S1>("srcWidth", 1) +
                 ") && (src2Stride >= " + row<S2>("srcWidth", 1) + ") && (dstStride >= " + row<D>("srcWidth", 1) +
                 ")" + more,
-            joined({image, columns, height(), strideFor<S1>(), image, strideFor<S2>()}, takes,
-                   {image, strideFor<D>()})};
+            Arguments{image, columns, height(), strideFor<S1>(), image, strideFor<S2>()} + takes +
+                Arguments{image, strideFor<D>()}};
 }
 
 // A pointer among what an operation takes stands in the text.
 template <class S, class D, uint32_t channels = 1>
-Entry one(const char* name, Operation call, Outcome failure, const std::vector<Argument>& takes = {},
+Entry one(const char* name, Operation call, Outcome failure, const Arguments& takes = {},
           const std::string& more = "", const std::string& pointer = "")
 {
     return {name, std::move(call), failure,
             "src" + pointer + " && dst && srcWidth && srcHeight && (srcStride >= " + row<S>("srcWidth", channels) +
                 ") && (dstStride >= " + row<D>("srcWidth", channels) + ")" + more,
-            joined({image, columns, height(), strideFor<S>(channels)}, takes, {image, strideFor<D>(channels)})};
+            Arguments{image, columns, height(), strideFor<S>(channels)} + takes +
+                Arguments{image, strideFor<D>(channels)}};
 }
 
 template <class T, uint32_t channels>
@@ -82,16 +75,16 @@ Entry set(const char* name, Operation call, Outcome failure)
 Entry combined(const char* name, Operation call, Outcome failure, uint32_t planes)
 {
     std::string text, strides;
-    std::vector<Argument> arguments = {image, columns, height(), strideFor<uint8_t>()};
+    Arguments arguments = {image, columns, height(), strideFor<uint8_t>()};
     for (uint32_t i = 1; i <= planes; ++i) {
         text += "src" + std::to_string(i) + " && ";
         strides += "(src" + std::to_string(i) + "Stride >= srcWidth) && ";
-        if (i > 1) arguments = joined(arguments, {image, strideFor<uint8_t>()}, {});
+        if (i > 1) arguments = arguments + Arguments{image, strideFor<uint8_t>()};
     }
     return {name, std::move(call), failure,
             text + "dst && srcWidth && srcHeight && " + strides + "(dstStride >= srcWidth*sizeof(uint8_t)*" +
                 std::to_string(planes) + ")",
-            joined(arguments, {image, strideFor<uint8_t>(planes)}, {})};
+            arguments + Arguments{image, strideFor<uint8_t>(planes)}};
 }
 
 } // namespace

@@ -12,8 +12,6 @@ namespace odx::test
 namespace
 {
 
-using Arguments = std::vector<Argument>;
-
 struct Plane {
     std::string name;    // behind src or dst
     std::string rowText; // the length of a row, as checks have it
@@ -56,11 +54,8 @@ Entry conversion(const char* name, Operation* operation, const Layout& src, cons
     };
     add("src", src, sources, srcStrides, " )");
     add("dst", dst, destinations, dstStrides, closing);
-    Arguments all = sources;
-    all.insert(all.end(), {width(1, 1, 8), height()});
-    for (const Arguments& part : {srcStrides, destinations, dstStrides})
-        all.insert(all.end(), part.begin(), part.end());
-    return {name, callWith(operation), failureOf(operation), given + "srcWidth && srcHeight" + fits, all};
+    return {name, callWith(operation), failureOf(operation), given + "srcWidth && srcHeight" + fits,
+            sources + Arguments{width(1, 1, 8), height()} + srcStrides + destinations + dstStrides};
 }
 
 // A conversion of one packed buffer to another.

@@ -11,11 +11,8 @@ Entries correlationEntries()
     const auto size = value(7, {0, kHeight, kWidth, 4294967295.0}, {1, kHeight - 1});
     const Argument columns = {Argument::kColumns, kWidth, {0, 7}, 1, 1, {8}},
                    lines = {Argument::kRows, kHeight, {0, 7}, 1, 1, {8}};
-    const auto sized = [&](const std::vector<Argument>& kernel, uint32_t pixelSize) {
-        std::vector<Argument> arguments = kernel;
-        for (const Argument& argument : {buffer(), columns, lines, stride(), buffer(), stride(pixelSize * kWidth)})
-            arguments.push_back(argument);
-        return arguments;
+    const auto sized = [&](const Arguments& kernel, uint32_t pixelSize) {
+        return kernel + Arguments{buffer(), columns, lines, stride(), buffer(), stride(pixelSize * kWidth)};
     };
     // 4 bytes for each of these columns are 4, in 32 bits.
     const std::vector<std::vector<std::pair<size_t, double>>> wrapping = {

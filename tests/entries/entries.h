@@ -64,6 +64,13 @@ inline Argument height(uint32_t least = 1)
 {
     return {Argument::kRows, kHeight, {least - 1.0}, 1, 1, {double(least)}};
 }
+// A size that must be a multiple of k.
+inline Argument multiple(Argument size, uint32_t k)
+{
+    size.refused = {0, size.good + 1, size.good + k - 1};
+    size.accepted = {double(k)};
+    return size;
+}
 // A stride that is compared with its row, of so many bytes.
 inline Argument stride(uint32_t row = kWidth, uint32_t remote = 1, uint32_t gpu = 1)
 {
@@ -142,23 +149,25 @@ constexpr Outcome failureOf(R (*)(P...))
 
 #define ODX_ENTRY(operation) #operation, odx::test::callWith(operation), odx::test::failureOf(operation)
 
+// Each file <family>Entries.cpp has a function of its name that returns its own.
 using Entries = std::vector<Entry>;
-Entries arithmeticEntries();
-Entries colorEntries();
-Entries cornerEntries();
-Entries correlationEntries();
-Entries descriptorEntries();
-Entries gradientEntries();
-Entries morphologyEntries();
-Entries motionEntries();
-Entries mserEntries();
-Entries pyramidEntries();
-Entries reorderingEntries();
-Entries scalingEntries();
-Entries smoothingEntries();
-Entries solverEntries();
-Entries thresholdingEntries();
-Entries warpsEntries();
+using Arguments = std::vector<Argument>;
+
+template <class T>
+std::vector<T> operator+(std::vector<T> a, const std::vector<T>& b)
+{
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+}
+inline Arguments operator+(Arguments a, const Argument& b)
+{
+    a.push_back(b);
+    return a;
+}
+inline Arguments operator+(const Argument& a, const Argument& b)
+{
+    return {a, b};
+}
 
 } // namespace odx::test
 

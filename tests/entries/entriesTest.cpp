@@ -14,6 +14,9 @@
 namespace odx::test
 {
 
+#define FAMILY(name) Entries name##Entries();
+#include "Entries.def"
+
 namespace
 {
 
@@ -21,11 +24,8 @@ const Entries& allEntries()
 {
     static const Entries all = [] {
         Entries entries;
-        for (const Entries& family : {arithmeticEntries(), colorEntries(), cornerEntries(), correlationEntries(),
-                                      descriptorEntries(), gradientEntries(), morphologyEntries(), motionEntries(),
-                                      mserEntries(), pyramidEntries(), reorderingEntries(), scalingEntries(),
-                                      smoothingEntries(), solverEntries(), thresholdingEntries(), warpsEntries()})
-            entries.insert(entries.end(), family.begin(), family.end());
+#define FAMILY(name) entries = entries + name##Entries();
+#include "Entries.def"
         // Every buffer in a place of its own.
         for (Entry& entry : entries) {
             for (size_t i = 0; i < entry.arguments.size(); ++i) {

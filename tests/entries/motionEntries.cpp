@@ -9,14 +9,6 @@ namespace odx::test
 namespace
 {
 
-using Arguments = std::vector<Argument>;
-
-Arguments operator+(Arguments a, const Arguments& b)
-{
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
-
 Entries opticalFlowEntries()
 {
     const std::string condition = "src1 && src2 && src1Pyr && src2Pyr && featureXY && featureXY_out && "
@@ -94,10 +86,7 @@ Entries trackingEntries()
 
 Entries motionEntries()
 {
-    Entries all = opticalFlowEntries();
-    for (const Entry& entry : trackingEntries())
-        all.push_back(entry);
-    return all;
+    return opticalFlowEntries() + trackingEntries();
 }
 
 } // namespace odx::test

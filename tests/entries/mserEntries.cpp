@@ -8,12 +8,10 @@ namespace odx::test
 Entries mserEntries()
 {
     // A handle never leaves this process, and the sizes are the reference's matter.
-    using Arguments = std::vector<Argument>;
     const auto extraction = [](size_t extended) {
-        Arguments all = {buffer(), buffer(), value(kWidth), value(kHeight), value(kWidth, {}, {0}),
-                         value(9), buffer(), buffer(),      value(9),       buffer()};
-        all.insert(all.end(), extended, buffer());
-        return all;
+        return Arguments{buffer(), buffer(), value(kWidth), value(kHeight), value(kWidth, {}, {0}),
+                         value(9), buffer(), buffer(),      value(9),       buffer()} +
+               Arguments(extended, buffer());
     };
     const Arguments init = {value(kWidth), value(kHeight), value(5),   value(10),
                             value(90),     value(0.5),     value(0.2), buffer()};

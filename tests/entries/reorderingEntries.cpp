@@ -7,12 +7,11 @@ namespace odx::test
 
 Entries reorderingEntries()
 {
-    const auto image = [](uint32_t size, bool turned, std::vector<Argument> rest = {}) {
-        std::vector arguments = {buffer(), width(),
-                                 height(), stride(size * kWidth),
-                                 buffer(), stride(size * (turned ? kHeight : kWidth))};
-        arguments.insert(arguments.end(), rest.begin(), rest.end());
-        return arguments;
+    const auto image = [](uint32_t size, bool turned, const Arguments& rest = {}) {
+        return Arguments{buffer(), width(),
+                         height(), stride(size * kWidth),
+                         buffer(), stride(size * (turned ? kHeight : kWidth))} +
+               rest;
     };
     const auto code = [](double good) { return std::vector{value(good, {0, 4, -1}, {1, 2, 3})}; };
     const auto unchecked = [](Argument size) {

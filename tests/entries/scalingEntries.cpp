@@ -1,6 +1,5 @@
 #include "entries/entries.h"
 
-#include "ondrix/pyramids.h"
 #include "ondrix/scaling.h"
 
 namespace odx::test
@@ -8,14 +7,6 @@ namespace odx::test
 
 namespace
 {
-
-// Sizes that must be multiples of k.
-Argument multiple(Argument size, uint32_t k)
-{
-    size.refused = {0, size.good + 1, size.good + k - 1};
-    size.accepted = {double(k)};
-    return size;
-}
 
 Argument gpuMultiple(Argument argument, uint32_t n)
 {
@@ -27,12 +18,6 @@ Argument gpuMultiple(Argument argument, uint32_t n)
 Argument output(double good, std::vector<double> refused = {0})
 {
     return value(good, std::move(refused), {1});
-}
-
-// A number of levels that sizes of 192 and 144 allow, and 0 or more than 32.
-Argument levels()
-{
-    return value(3, {0, 6, 33, 0xFFFFFFFF}, {1, 5});
 }
 
 } // namespace
@@ -51,17 +36,14 @@ Entries scalingEntries()
                            buffer(), output(100), output(90), stride(channels * 100)};
     };
     const std::vector<std::vector<std::pair<size_t, double>>> wraps = {{{1, 0x80000001}}};
-    std::vector<Argument> status = resizing(1), status_v2;
-    status.push_back(value(1, {3, 0xFFFFFFFF}, {0, 2}));
-    status_v2 = status;
-    status_v2.push_back(value(2, {3, 0xFFFFFFFF}, {0, 1}));
-    status_v2.push_back(value());
-    std::vector<Argument> groups = resizing(1);
+    const Arguments status = resizing(1) + Arguments{value(1, {3, 0xFFFFFFFF}, {0, 2})},
+                    status_v2 = status + Arguments{value(2, {3, 0xFFFFFFFF}, {0, 1}), value()};
+    Arguments groups = resizing(1);
     groups[5].refused = {0, 9};
     groups[5].accepted = {10};
     groups[6].refused = {0, 7};
     groups[6].accepted = {8};
-    std::vector<Argument> nearest = resizing(1);
+    Arguments nearest = resizing(1);
     nearest[0] = nearest[4] = buffer(1, 16);
     Argument evenWidth = multiple(width(), 2).errors({kWidth + 1.0}),
              evenRows = multiple(height(), 2).errors({kHeight + 1.0});
@@ -173,42 +155,6 @@ Entries scalingEntries()
         {ODX_ENTRY(odxUpsample2DInterleavedu8),
          "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth * 2) && (dstStride >= srcWidth * 4)",
          upsampling(2, 4), 1, 0, wraps},
-    };
-}
-
-Entries pyramidEntries()
-{
-    const auto creation = [](std::vector<Argument> stride) {
-        std::vector<Argument> all = {buffer(4), multiple(width(1, 4), 4), multiple(height(), 4)};
-        all.insert(all.end(), stride.begin(), stride.end());
-        all.insert(all.end(), {levels(), buffer()});
-        return all;
-    };
-    const std::string deletion = "pyr && ((signed)startLevel >= 0) && (startLevel <= numLevels)";
-    const std::vector<Argument> levelsAndStart = {buffer(), value(3, {1}, {2}), value(2, {4, 0x80000000}, {0, 3})};
-    const Argument any = value(1, {}, {0});
-    return {
-        {ODX_ENTRY(odxPyramidAllocate), "", {buffer(), any, any, any, value(3, {0}), any}, 1, 0},
-        {ODX_ENTRY(odxPyramidAllocate_v2), "", {buffer(), any, any, any, any, value(3, {0}), any}, 1, 0},
-        {ODX_ENTRY(odxPyramidAllocate_v3),
-         "",
-         {buffer(), value(50, {0}), value(40, {0}), value(100, {99}, {0}), value(2), value(8, {0, 4, 12}, {24}),
-          value(3, {0}), any, any},
-         1,
-         0},
-        {ODX_ENTRY(odxPyramidDelete), deletion, levelsAndStart, 1, 0},
-        {ODX_ENTRY(odxPyramidDelete_v2), deletion, levelsAndStart, 1, 0},
-        {ODX_ENTRY(odxPyramidCreateu8), "", creation({}), 5, 1, {}, false},
-        {ODX_ENTRY(odxPyramidCreatef32), "", creation({}), 5},
-        {ODX_ENTRY(odxPyramidCreateu8_v2), "", creation({stride()}), 5},
-        {ODX_ENTRY(odxPyramidCreatef32_v2), "", creation({stride(4 * kWidth)}), 5},
-        {ODX_ENTRY(odxPyramidCreateu8_v3),
-         "",
-         {buffer(4), width(1, 4), height(), stride(), value(3, {0}), any, buffer()},
-         5},
-        {ODX_ENTRY(odxPyramidSobelGradientCreatei16), "", {buffer(), buffer(), buffer(), value(0, {}, {5})}, 1, 0},
-        {ODX_ENTRY(odxPyramidSobelGradientCreatei8), "", {buffer(), buffer(), buffer(), value(0, {}, {5})}, 1, 0},
-        {ODX_ENTRY(odxPyramidSobelGradientCreatef32), "", {buffer(), buffer(), buffer(), value(0, {}, {5})}, 1, 0},
     };
 }
 

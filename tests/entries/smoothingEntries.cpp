@@ -10,10 +10,8 @@ Entries smoothingEntries()
     // Rows of the 3x3 Gaussian come in groups of six and a rest.
     const std::vector<double> narrow = {2, 3, 4, 5, 6};
     const std::vector<double> noBorderType = {3, 4, 0xFFFFFFFF};
-    const auto bordered = [&](std::vector<Argument> image) {
-        image.push_back(value(2, noBorderType, {0, 1}));
-        image.push_back(value());
-        return image;
+    const auto bordered = [&](const Arguments& image) {
+        return image + Arguments{value(2, noBorderType, {0, 1}), value()};
     };
     const auto packed = [](uint32_t leastWidth, uint32_t leastHeight) {
         return std::vector{buffer(), width(leastWidth), height(leastHeight), buffer(), value()};

@@ -10,10 +10,8 @@ Entries thresholdingEntries()
     const Argument anyWidth = {Argument::kColumns, kWidth, {}, 1, 1, {0}},
                    anyHeight = {Argument::kRows, kHeight, {}, 1, 1, {0}},
                    threshold = value(100, {-1.0, 2147483648.0}, {0, 2147483647.0});
-    const auto fixed = [&](const Argument& dstStride, std::vector<Argument> numbers) {
-        std::vector<Argument> arguments = {buffer(), anyWidth, anyHeight, stride(), buffer(), dstStride};
-        arguments.insert(arguments.end(), numbers.begin(), numbers.end());
-        return arguments;
+    const auto fixed = [&](const Argument& dstStride, const Arguments& numbers) {
+        return Arguments{buffer(), anyWidth, anyHeight, stride(), buffer(), dstStride} + numbers;
     };
     const auto adaptive = [](uint32_t least, const Argument& dstStride) {
         return std::vector{buffer(), width(least), height(least), stride(), value(),

@@ -5,19 +5,6 @@
 namespace odx::test
 {
 
-namespace
-{
-
-using Arguments = std::vector<Argument>;
-
-Arguments operator+(Arguments a, const Arguments& b)
-{
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
-
-} // namespace
-
 Entries warpsEntries()
 {
     const auto unchecked = [](Argument size) {

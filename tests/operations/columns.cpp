@@ -85,14 +85,17 @@ uint32_t remoteCalls()
     return counts.completed;
 }
 
+#define FAMILY(name) std::vector<Row> name##Rows();
+#include "Rows.def"
+
 std::vector<Row> allRows()
 {
     std::vector<Row> rows;
-    for (const auto& family : {arithmeticRows(), colorFromRgbRows(), colorToRgbRows(), correlationRows(),
-                               descriptorRows(), fastRows(), gradientRows(), harrisRows(), memoryRows(),
-                               morphologyRows(), mserRows(), opticalFlowRows(), reorderingRows(), scalingRows(),
-                               smoothingRows(), solverRows(), thresholdingRows(), trackingRows(), warpsRows()})
+    const auto add = [&](const std::vector<Row>& family) {
         rows.insert(rows.end(), family.begin(), family.end());
+    };
+#define FAMILY(name) add(name##Rows());
+#include "Rows.def"
     return rows;
 }
 

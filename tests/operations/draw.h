@@ -307,28 +307,7 @@ struct Row {
     bool allocates = false;      // that is its work
 };
 
-// The rows of each family; a family's file defines its own.
-std::vector<Row> arithmeticRows();
-std::vector<Row> colorFromRgbRows();
-std::vector<Row> colorToRgbRows();
-std::vector<Row> correlationRows();
-std::vector<Row> descriptorRows();
-std::vector<Row> fastRows();
-std::vector<Row> gradientRows();
-std::vector<Row> harrisRows();
-std::vector<Row> memoryRows();
-std::vector<Row> morphologyRows();
-std::vector<Row> mserRows();
-std::vector<Row> opticalFlowRows();
-std::vector<Row> reorderingRows();
-std::vector<Row> scalingRows();
-std::vector<Row> smoothingRows();
-std::vector<Row> solverRows();
-std::vector<Row> thresholdingRows();
-std::vector<Row> trackingRows();
-std::vector<Row> warpsRows();
-
-// All rows, in order of families.
+// All rows: each file <family>Rows.cpp has a function of its name that returns its own.
 std::vector<Row> allRows();
 
 // The public operations that exist, from the library's own list.

@@ -169,7 +169,7 @@ void maximaAlongLine(Draw& draw)
 
 } // namespace
 
-std::vector<Row> harrisRows()
+std::vector<Row> harrisCornersRows()
 {
     constexpr bool contentMatters = true;
     return {

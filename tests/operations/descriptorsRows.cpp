@@ -413,7 +413,7 @@ void searchVocabulary(Draw& draw)
 
 } // namespace
 
-std::vector<Row> descriptorRows()
+std::vector<Row> descriptorsRows()
 {
     return {
         {"odxBitCountu8", arrayToResult<uint8_t, odxBitCountu8>},

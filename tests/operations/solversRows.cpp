@@ -102,7 +102,7 @@ void leastSquares(Draw& draw)
 
 } // namespace
 
-std::vector<Row> solverRows()
+std::vector<Row> solversRows()
 {
     return {
         {"odxMatrixMultiplyf32", product<float, float, odxMatrixMultiplyf32>},

@@ -156,7 +156,7 @@ void suppressedInMask(Draw& draw)
 
 } // namespace
 
-std::vector<Row> fastRows()
+std::vector<Row> fastCornersRows()
 {
     return {
         {"odxCornerFast9u8", plain<odxCornerFast9u8>, true},

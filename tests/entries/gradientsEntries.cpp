@@ -5,7 +5,7 @@
 namespace odx::test
 {
 
-Entries gradientEntries()
+Entries gradientsEntries()
 {
     const std::string source = "src && srcWidth && srcHeight && (srcStride >= srcWidth) && ",
                       pairs = source + "gradients", planes = source + "dx && dy",
@@ -18,31 +18,27 @@ Entries gradientEntries()
     };
     // The image, `results` buffers, and their stride, in bytes an element, where there is one.
     const auto from = [](size_t results, Argument srcStride = stride(kWidth, 8)) {
-        std::vector<Argument> arguments = {buffer(8, 16), width(1, 1, 8), height(), std::move(srcStride)};
+        Arguments arguments = {buffer(8, 16), width(1, 1, 8), height(), std::move(srcStride)};
         arguments.insert(arguments.end(), results, buffer(8, 16));
-        return arguments;
-    };
-    const auto with = [](std::vector<Argument> arguments, std::vector<Argument> more) {
-        arguments.insert(arguments.end(), more.begin(), more.end());
         return arguments;
     };
     // Widths are compared with strides: that of 1 has no row of pairs.
     const auto strided = [&](uint32_t size) {
-        auto arguments = with(from(1), {stride(2 * size * (kWidth - 2), 8)});
+        auto arguments = from(1) + Arguments{stride(2 * size * (kWidth - 2), 8)};
         arguments[1] = width(2, 1, 8);
         return arguments;
     };
     // A stride of float pixels that is compared with their number.
     const auto floatStride = [] { return Argument{Argument::kStride, 4096, {kWidth - 1.0}, 8, 1, {0, kWidth}}; };
     const auto optionals = [] { return std::vector{optional(8, 16), optional(8, 16), stride(2 * kWidth, 8)}; };
-    const auto sobel = with(from(0), with(optionals(), {value(2, {3, 0xFFFFFFFF}, {0, 1}), value()}));
+    const auto sobel = from(0) + optionals() + Arguments{value(2, {3, 0xFFFFFFFF}, {0, 1}), value()};
     const auto edges = [&](uint32_t least, bool strides) {
-        std::vector<Argument> arguments = {buffer(8, 16), width(least, 1, 8), height(least), buffer(8, 16)};
+        Arguments arguments = {buffer(8, 16), width(least, 1, 8), height(least), buffer(8, 16)};
         if (strides) arguments.insert(arguments.begin() + 3, stride(kWidth, 8));
         if (strides) arguments.push_back(stride(kWidth, 8));
         return arguments;
     };
-    const std::vector<Argument> thresholds = {value(20, {31}, {30, -7}), value(30, {19}, {20})};
+    const Arguments thresholds = {value(20, {31}, {30, -7}), value(30, {19}, {20})};
     const std::string edgeText = source + "dst && (dstStride >= srcWidth) && ";
     return {
         {ODX_ENTRY(odxImageGradientInterleaveds16), pairs, from(1)},
@@ -58,23 +54,24 @@ Entries gradientEntries()
          "src && srcWidth && srcHeight && (srcStride >= srcWidth)&& gradients" + pairTerm("int16_t"), strided(2)},
         {ODX_ENTRY(odxImageGradientPlanars16), planes, from(2)},
         {ODX_ENTRY(odxImageGradientPlanars16_v2), planes + planeTerm("int16_t"),
-         with(from(2), {stride(2 * kWidth, 8)})},
+         from(2) + Arguments{stride(2 * kWidth, 8)}},
         {ODX_ENTRY(odxImageGradientPlanarf32), planes, from(2)},
         {ODX_ENTRY(odxImageGradientPlanarf32_v2), planes + planeTerm("float"),
-         with(from(2), {stride(4 * kWidth, 8)})},
+         from(2) + Arguments{stride(4 * kWidth, 8)}},
         {ODX_ENTRY(odxImageGradientSobelPlanars16), planes, from(2)},
         {ODX_ENTRY(odxImageGradientSobelPlanars16_v2), planes + planeTerm("int16_t"),
-         with(from(2), {stride(2 * kWidth, 8)})},
+         from(2) + Arguments{stride(2 * kWidth, 8)}},
         {ODX_ENTRY(odxImageGradientSobelPlanars16_v3), planes + planeTerm("int16_t"),
-         with(from(2), {stride(2 * kWidth, 8)})},
+         from(2) + Arguments{stride(2 * kWidth, 8)}},
         {ODX_ENTRY(odxImageGradientSobelPlanars8), planes, from(2)},
         {ODX_ENTRY(odxImageGradientSobelPlanars8_v2), planes + planeTerm("int8_t"),
-         with(from(2), {stride(kWidth, 8)})},
+         from(2) + Arguments{stride(kWidth, 8)}},
         {ODX_ENTRY(odxImageGradientSobelPlanarf32), planes, from(2)},
         {ODX_ENTRY(odxImageGradientSobelPlanarf32_v2), planes + planeTerm("float"),
-         with(from(2), {stride(4 * kWidth, 8)})},
+         from(2) + Arguments{stride(4 * kWidth, 8)}},
         {ODX_ENTRY(odxImageGradientSobelPlanarf32f32), floats, from(2, floatStride())},
-        {ODX_ENTRY(odxImageGradientSobelPlanarf32f32_v2), floats, with(from(2, floatStride()), {looseStride(8)})},
+        {ODX_ENTRY(odxImageGradientSobelPlanarf32f32_v2), floats,
+         from(2, floatStride()) + Arguments{looseStride(8)}},
         {ODX_ENTRY(odxFilterSobel3x3u8), "src && width && height && dst", edges(1, false)},
         {ODX_ENTRY(odxFilterSobel3x3u8_v2), source + "dst && (dstStride >= srcWidth)", edges(1, true)},
         {ODX_ENTRY(odxFilterSobel3x3u8s16), "", sobel},
@@ -82,16 +79,17 @@ Entries gradientEntries()
         {ODX_ENTRY(odxFilterSobel7x7u8s16), "", sobel},
         {ODX_ENTRY(odxFilterCanny3x3u8),
          "src && width && height && dst && (low <= high) && width > 2 && height > 2",
-         with(edges(3, false), thresholds)},
+         edges(3, false) + thresholds},
         {ODX_ENTRY(odxFilterCanny3x3u8_v2), edgeText + "(low <= high) && srcWidth > 2 && srcHeight > 2",
-         with(edges(3, true), thresholds)},
+         edges(3, true) + thresholds},
         {ODX_ENTRY(odxFilterCanny3x3u8_v3),
          edgeText + "(gradStride >= 2*srcWidth) && low <= high && srcWidth > 2 && srcHeight > 2",
-         with(with(edges(3, true), thresholds), optionals())},
+         edges(3, true) + thresholds + optionals()},
         {ODX_ENTRY(odxFilterCannyu8), "",
-         with(with(from(0),
-                   {value(3, {0, 1, 4, 9}, {5, 7}), value(), value(), value(), buffer(8, 16), stride(kWidth, 8)}),
-              optionals())},
+         from(0) +
+             Arguments{value(3, {0, 1, 4, 9}, {5, 7}), value(), value(), value(), buffer(8, 16),
+                       stride(kWidth, 8)} +
+             optionals()},
     };
 }
 

@@ -13,14 +13,6 @@ namespace
 
 const double kNan = std::numeric_limits<double>::quiet_NaN();
 
-using Arguments = std::vector<Argument>;
-
-Arguments operator+(Arguments a, const Arguments& b)
-{
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
-
 // The detectors without suppression, then those with it; `w`, `h` and so on are the names of the arguments.
 Entries fastEntries()
 {
@@ -108,12 +100,9 @@ Entries harrisEntries()
 
 } // namespace
 
-Entries cornerEntries()
+Entries cornersEntries()
 {
-    Entries all = fastEntries();
-    for (const Entry& entry : harrisEntries())
-        all.push_back(entry);
-    return all;
+    return fastEntries() + harrisEntries();
 }
 
 } // namespace odx::test

@@ -5,7 +5,7 @@
 namespace odx::test
 {
 
-Entries solverEntries()
+Entries solversEntries()
 {
     const auto product = [](uint32_t size, const Argument& depth) {
         return std::vector{buffer(8, 16),
@@ -22,13 +22,11 @@ Entries solverEntries()
     bytes.refused.push_back(131073);
     // The stride of rows without padding is the default, and the longest sum is accepted with it.
     const std::string sizes = "src1 && src2 && dst && src1Width && src1Height && src2Width && ";
-    const auto buffers = [](size_t count) { return std::vector<Argument>(count, buffer(8, 16)); };
+    const auto buffers = [](size_t count) { return Arguments(count, buffer(8, 16)); };
     const auto system = [&](double n) {
         return std::vector{buffer(8, 16), buffer(8, 16), buffer(8, 16), value(n, {}, {0}), buffer(8, 16)};
     };
-    std::vector<Argument> decomposition = {buffer(8, 16), height(), width()};
-    for (const Argument& argument : buffers(5))
-        decomposition.push_back(argument);
+    const Arguments decomposition = Arguments{buffer(8, 16), height(), width()} + buffers(5);
     return {
         {ODX_ENTRY(odxMatrixMultiplyf32),
          sizes + "(src1Stride >= src1Width*sizeof(float32_t)) && (src2Stride >= src2Width*sizeof(float32_t)) && "

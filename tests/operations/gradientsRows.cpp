@@ -98,7 +98,7 @@ void differenceEdges(Draw& draw)
 
 } // namespace
 
-std::vector<Row> gradientRows()
+std::vector<Row> gradientsRows()
 {
     using u8 = uint8_t;
     using s8 = int8_t;

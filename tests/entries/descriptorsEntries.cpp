@@ -10,18 +10,10 @@ namespace odx::test
 namespace
 {
 
-using Arguments = std::vector<Argument>;
-
 Arguments repeated(size_t count, const Argument& argument)
 {
     return Arguments(count, argument);
 }
-Arguments operator+(Arguments a, const Arguments& b)
-{
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
-
 // A number of elements, of which there may be none.
 Argument length(uint32_t least = 0)
 {
@@ -34,7 +26,7 @@ Argument length(uint32_t least = 0)
 
 } // namespace
 
-Entries descriptorEntries()
+Entries descriptorsEntries()
 {
     const Argument vector = buffer(1, 4);
     const Arguments source = {vector, length()}, arrays = {vector, vector, length()}, one = {vector},
