@@ -21,6 +21,9 @@ struct PrimitiveCases {
     size_t count;
 };
 
+// The tables, each in a file of its name.
+#define ODX_PRIMITIVE_CASES crossCases, laneCases, pixelCases, resamplingCases
+
 } // namespace odx::test
 
 #endif

@@ -1,0 +1,336 @@
+#include "simd/targets/loops.h"
+
+namespace odx::ODX_TARGET
+{
+
+namespace
+{
+
+template <uint32_t size>
+void bytesOfTable(In in, Out out, Out expected)
+{
+    const ByteTable<size> table(in);
+    store(out, table(load<u8v>(in + size) & (u8v{} + (uint8_t)(size - 1))));
+    for (size_t i = 0; i < kBytes; ++i)
+        expected[i] = in[in[size + i] & (size - 1)];
+}
+
+// Whether each lane of a result is as near to the exact one as a share of it.
+template <class Exact>
+void near(f32v v, double share, Out out, Out expected, Exact exact)
+{
+    for (size_t i = 0; i < kBytes / sizeof(float); ++i) {
+        const double error = (double)v[i] - exact(i);
+        out[i] = (error < 0 ? -error : error) <= share * exact(i);
+        expected[i] = 1;
+    }
+}
+
+const PrimitiveCase kCases[] = {
+    {"loadPart", kBytes,
+     [](In in, Out out, Out expected) {
+         store(out, loadPart<4>(in) | loadPart<8>(in + 4));
+         EACH(uint8_t, kBytes, (uint8_t)((i < 4 ? in[i] : 0) | (i < 8 ? in[i + 4] : 0)));
+     }},
+    {"addProducts and sumOfLanes", 2 * kBytes,
+     [](In in, Out out, Out expected) {
+         put<uint32_t>(out, 0, sumOfLanes(addProducts(u32v{7}, load<u8v>(in), load<u8v>(in + kBytes))));
+         put<uint32_t>(out, 1, sumOfLanes(addProducts(u32v{7}, load<s8v>(in), load<s8v>(in + kBytes))));
+         uint32_t sum = 7, signedSum = 7;
+         for (size_t i = 0; i < kBytes; ++i) {
+             sum += (uint32_t)(in[i] * in[i + kBytes]);
+             signedSum += (uint32_t)((int8_t)in[i] * (int8_t)in[i + kBytes]);
+         }
+         put<uint32_t>(expected, 0, sum);
+         put<uint32_t>(expected, 1, signedSum);
+     }},
+    {"addBytes, addDifferences and storeSums", 4 * kBytes,
+     [](In in, Out out, Out expected) {
+         const auto v = [=](int k) { return load<u8v>(in + kBytes * (size_t)k); };
+         const u32v big = {0xFFFFFF00, 0xFFFFFF00};
+         uint32_t sums[4];
+         storeSums(sums, addBytes(u32v{}, v(0)), addBytes(big, v(1)), addDifferences(u32v{}, v(1), v(2)),
+                   addDifferences(big, v(2), v(3)));
+         memcpy(out, sums, sizeof sums);
+         uint32_t e[4] = {0, 0xFFFFFE00, 0, 0xFFFFFE00};
+         for (size_t i = 0; i < kBytes; ++i) {
+             const int a = in[i], b = in[kBytes + i], c = in[2 * kBytes + i], d = in[3 * kBytes + i];
+             e[0] += (uint32_t)a;
+             e[1] += (uint32_t)b;
+             e[2] += (uint32_t)(b < c ? c - b : b - c);
+             e[3] += (uint32_t)(c < d ? d - c : c - d);
+         }
+         memcpy(expected, e, sizeof e);
+     }},
+    {"addDifferencesOf8", 2 * kBytes,
+     [](In in, Out out, Out expected) {
+         store(out, addDifferencesOf8((u16v)load<u8v>(in + kBytes), in, in + kBytes));
+         for (size_t i = 0; i < kBytes / 2; ++i) {
+             int sum = at<uint16_t>(in + kBytes, i);
+             for (size_t k = 0; k < 8; ++k) {
+                 const int p = in[i + k], q = in[kBytes + k];
+                 sum += p < q ? q - p : p - q;
+             }
+             put<uint16_t>(expected, i, sum);
+         }
+     }},
+    {"rootNear", kBytes,
+     [](In in, Out out, Out expected) {
+         const f32v v = __builtin_convertvector(load<s32v>(in) & INT32_MAX, f32v);
+         const f32v root = rootNear(v);
+         near(root * root, 0x1p-19, out, expected, [=](size_t i) { return (double)v[i]; });
+     }},
+    {"ratioNear", 2 * kBytes,
+     [](In in, Out out, Out expected) {
+         const s32v numerator = load<s32v>(in) & 0xFFFF, denominator = (load<s32v>(in + kBytes) & 0xFFFF) + 1;
+         const f32v ratio =
+             ratioNear(__builtin_convertvector(numerator, f32v), __builtin_convertvector(denominator, f32v));
+         near(ratio, 0x1p-12, out, expected,
+              [=](size_t i) { return (double)numerator[i] / (double)denominator[i]; });
+     }},
+    {"ByteTable of 64", 64 + kBytes, bytesOfTable<64>},
+    {"ByteTable of 256", 256 + kBytes, bytesOfTable<256>},
+    {"storeInOrder", kBytes,
+     [](In in, Out out, Out expected) {
+         alignas(int32_t) uint8_t sums[2 * kBytes];
+         storeInOrder(reinterpret_cast<int32_t*>(sums), split(load<s16v>(in)));
+         memcpy(out, sums, sizeof sums);
+         EACH(int32_t, kBytes / 2, at<int16_t>(in, i));
+     }},
+    {"loadInOrder and widenInOrder", kBytes,
+     [](In in, Out out, Out expected) {
+         const s16p bytes = loadInOrder(in);
+         const s32p low = widenInOrder(bytes.a - 128), high = widenInOrder(bytes.b - 128);
+         storeAll(out, low.a, low.b, high.a, high.b);
+         EACH(int32_t, kBytes, in[i] - 128);
+     }},
+    {"storePairs", 2 * kBytes,
+     [](In in, Out out, Out expected) {
+         alignas(float) uint8_t pairs[2 * kBytes];
+         storePairs((int16_t*)pairs, load<s16v>(in), load<s16v>(in + kBytes));
+         memcpy(out, pairs, sizeof pairs);
+         storePairs((float*)pairs, load<f32v>(in), load<f32v>(in + kBytes));
+         memcpy(out + sizeof pairs, pairs, sizeof pairs);
+         EACH(int16_t, kBytes, at<int16_t>(in + i % 2 * kBytes, i / 2));
+         for (size_t i = 0; i < kBytes / 2; ++i)
+             put<int32_t>(expected + sizeof pairs, i, at<int32_t>(in + i % 2 * kBytes, i / 2));
+     }},
+    {"joinSat", kBytes,
+     [](In in, Out out, Out expected) {
+         const s32p p = split(load<s16v>(in));
+         store(out, joinSat({p.a * 2, p.b * 2}));
+         EACH(int16_t, kBytes / 2, clamped(2 * at<int16_t>(in, i), -32768, 32767));
+     }},
+    {"narrowMask", 2 * kBytes,
+     [](In in, Out out, Out expected) {
+         store(out, narrowMask({load<s32v>(in) > 0, load<s32v>(in + kBytes) > 0}));
+         EACH(int16_t, kBytes / 2, at<int32_t>(in, i) > 0 ? -1 : 0);
+     }},
+    {"sumOfSquares", 2 * kBytes,
+     [](In in, Out out, Out expected) {
+         const s32p sums = sumOfSquares(load<s16v>(in), load<s16v>(in + kBytes));
+         storeAll(out, sums.a, sums.b);
+         for (size_t i = 0; i < kBytes / 2; ++i) {
+             const int64_t a = at<int16_t>(in, i), b = at<int16_t>(in + kBytes, i);
+             put<int32_t>(expected, i, a * a + b * b);
+         }
+     }},
+    {"eachTwice", kBytes,
+     [](In in, Out out, Out expected) {
+         const s16p p = eachTwice((s16v)(load<u16v>(in) & 0xFF));
+         store(out, join({(u16v)p.a, (u16v)p.b}));
+         EACH(uint8_t, kBytes, in[i / 2 * 2]);
+     }},
+    {"dots and joinDots", kBytes + 4,
+     [](In in, Out out, Out expected) {
+         storeAll(out, joinShifted<8>(dots<1, 4, 6, 4, 1>(in)), joinDots<4>(dotsFor<4, 1, 2, 1>(in)));
+         for (size_t i = 0; i < kBytes; ++i) {
+             const int sum = in[i] + 4 * in[i + 1] + 6 * in[i + 2] + 4 * in[i + 3] + in[i + 4];
+             put<uint8_t>(expected, i, sum >> 8);
+             put<uint8_t>(expected, kBytes + i, (in[i] + 2 * in[i + 1] + in[i + 2]) >> 4);
+         }
+     }},
+    {"dot2 of bytes by weights2, stored in order", kBytes + 1,
+     [](In in, Out out, Out expected) {
+         const int8_t weights[] = {-128, 127, -128, 0};
+         const s16p small = dot2(in, weights2(weights)), one = dot2(in, weights2(weights + 2));
+         int16_t sums[kBytes];
+         storeInOrder(sums, {small.a - one.a, small.b - one.b});
+         memcpy(out, sums, sizeof sums);
+         EACH(int16_t, kBytes, 127 * in[i + 1]);
+     }},
+    {"dot2 of s16", kBytes + 2,
+     [](In in, Out out, Out expected) {
+         int16_t numbers[kBytes / 2 + 1];
+         int32_t sums[kBytes / 2];
+         memcpy(numbers, in, sizeof numbers);
+         storeInOrder(sums, dot2<-90, 35>(numbers));
+         memcpy(out, sums, sizeof sums);
+         EACH(int32_t, kBytes / 2, numbers[i] * -90 + numbers[i + 1] * 35);
+     }},
+    {"reverse", kBytes,
+     [](In in, Out out, Out expected) {
+         store(out, reverse(load<u8v>(in)));
+         EACH(uint8_t, kBytes, in[kBytes - 1 - i]);
+     }},
+    {"zip", 2 * kBytes,
+     [](In in, Out out, Out expected) {
+         const u8v v = load<u8v>(in), w = load<u8v>(in + kBytes);
+         const u8x2 bytes = zip<1>(v, w), fours = zip<4>(v, w);
+         storeAll(out, bytes.b, zip<2>(v, w).b, fours.a, fours.b);
+         const auto zipped = [=](Out to, size_t size, size_t from) {
+             for (size_t i = 0; i < kBytes; ++i) {
+                 const size_t element = i % 16 / size;
+                 to[i] = in[element % 2 * kBytes + i / 16 * 16 + from + element / 2 * size + i % size];
+             }
+         };
+         zipped(expected, 1, 8);
+         zipped(expected + kBytes, 2, 8);
+         zipped(expected + 2 * kBytes, 4, 0);
+         zipped(expected + 3 * kBytes, 4, 8);
+     }},
+    {"storeBytes", 4 * kBytes,
+     [](In in, Out out, Out expected) {
+         const auto bytes = [in](size_t i) { return load<s32v>(in + kBytes * i) & 255; };
+         storeBytes(out, bytes(0), bytes(1), bytes(2), bytes(3));
+         EACH(uint8_t, kBytes, at<uint32_t>(in, i) & 255);
+     }},
+    {"loadSixteens", 128,
+     [](In in, Out out, Out expected) {
+         store(out, loadSixteens(in + 100, -28));
+         EACH(uint8_t, kBytes, in[100 - 28 * (i / 16) + i % 16]);
+     }},
+    {"sums of a vector", kBytes,
+     [](In in, Out out, Out expected) {
+         const u8v v = load<u8v>(in);
+         uint32_t sum = 0, greatest = 0;
+         for (size_t i = 0; i < kBytes; ++i) {
+             sum += in[i];
+             greatest = greatest < in[i] ? in[i] : greatest;
+         }
+         put<uint32_t>(out, 0, sumOfBytes(v)), put<uint32_t>(expected, 0, sum);
+         put<uint32_t>(out, 1, highest(v)), put<uint32_t>(expected, 1, greatest);
+         put<uint32_t>(out, 2, any(v)), put<uint32_t>(expected, 2, sum != 0);
+     }},
+    {"loadFloats and sumOfHalves", kBytes / 4,
+     [](In in, Out out, Out expected) {
+         constexpr uint32_t kLanes = kBytes / 4;
+         const f32v v = loadFloats(in);
+         store(out, v);
+         float sums[kLanes];
+         for (size_t i = 0; i < kLanes; ++i) {
+             put<float>(expected, i, in[i]);
+             sums[i] = static_cast<float>(in[i]) * 0.37F; // so that the order shows
+         }
+         for (uint32_t n = kLanes / 2; n > 0; n /= 2) {
+             for (uint32_t k = 0; k < n; ++k)
+                 sums[k] += sums[k + n];
+         }
+         put<float>(out, kLanes, sumOfHalves(v * 0.37F)), put<float>(expected, kLanes, sums[0]);
+     }},
+    {"loadRows", 5 * kBytes,
+     [](In in, Out out, Out expected) {
+         constexpr size_t stride = 19;
+         store(out, loadRows(in, stride));
+         EACH(uint8_t, kBytes, in[i / 16 * stride + i % 16]);
+     }},
+    {"addDistances and sumsOfDistances", 5 * kBytes,
+     [](In in, Out out, Out expected) {
+         u16v sums[4];
+         for (size_t k = 0; k < 4; ++k) {
+             const In p = in + kBytes * (k + 1);
+             uint32_t distances = 0;
+             for (size_t i = 0; i < kBytes; ++i)
+                 distances += (uint32_t)(in[i] < p[i] ? p[i] - in[i] : in[i] - p[i]);
+             put<uint16_t>(expected, k, 2 * distances);
+             sums[k] =
+                 addDistances(addDistances(u16v{}, load<u8v>(in), load<u8v>(p)), load<u8v>(p), load<u8v>(in));
+         }
+         put<uint64_t>(out, 0, sumsOfDistances(sums[0], sums[1], sums[2], sums[3]));
+     }},
+    {"addProducts and sumOfLanes", 2 * kBytes,
+     [](In in, Out out, Out expected) {
+         uint32_t products = kBytes / 4 * 5;
+         for (size_t i = 0; i < kBytes / 2; ++i)
+             products += (uint32_t)(at<int16_t>(in, i) * (at<int16_t>(in + kBytes, i) >> 1));
+         const s16v a = load<s16v>(in), b = load<s16v>(in + kBytes);
+         put<uint32_t>(out, 0, sumOfLanes(addProducts(s32v{} + 5, a, b >> 1)));
+         put<uint32_t>(expected, 0, products);
+     }},
+    {"any, highest and laneBits of one byte", 2,
+     [](In in, Out out, Out expected) {
+         const size_t place = in[0] % kBytes;
+         uint8_t bytes[kBytes] = {};
+         bytes[place] = in[1];
+         const u8v v = load<u8v>(bytes);
+         put<uint64_t>(out, 0, laneBits((s8v)(v != 0)));
+         put<uint64_t>(expected, 0, in[1] != 0 ? uint64_t{1} << place : 0);
+         put<uint64_t>(out, 1, any(v)), put<uint64_t>(expected, 1, in[1] != 0);
+         put<uint64_t>(out, 2, highest(v)), put<uint64_t>(expected, 2, in[1]);
+     }},
+    {"laneBits", kBytes,
+     [](In in, Out out, Out expected) {
+         put<uint64_t>(out, 0, laneBits((s8v)(load<u8v>(in) > 127)));
+         uint64_t bits = 0;
+         for (size_t i = 0; i < kBytes; ++i)
+             bits |= uint64_t{in[i] > 127} << i;
+         put<uint64_t>(expected, 0, bits);
+     }},
+    {"anyAbove", 4 * kBytes + 1,
+     [](In in, Out out, Out expected) {
+         const uint8_t limit = in[4 * kBytes] | 1;
+         const auto vector = [in](size_t i) { return load<u8v>(in + kBytes * i); };
+         const uint64_t found = anyAbove(vector(0), vector(1), vector(2), vector(3), u8v{} + limit);
+         for (size_t i = 0; i < 4; ++i) {
+             out[i] = (found >> (16 * i) & 0xFFFF) != 0;
+             expected[i] = 0;
+             for (size_t lane = 0; lane < kBytes; ++lane)
+                 expected[i] |= in[kBytes * i + lane] > limit;
+         }
+     }},
+    {"storePoints", 8,
+     [](In in, Out out, Out expected) {
+         uint32_t points[16];
+         storePoints(points, in, 70000, 5);
+         memcpy(out, points, sizeof points);
+         for (size_t i = 0; i < 8; ++i) {
+             put<uint32_t>(expected, 2 * i, 70000 + in[i]);
+             put<uint32_t>(expected, 2 * i + 1, 5);
+         }
+     }},
+    {"widenPairs, repeatPair and addPairProducts", 3 * kBytes,
+     [](In in, Out out, Out expected) {
+         const auto* const p = reinterpret_cast<const int8_t*>(in);
+         const int16_t pair[] = {at<int16_t>(in, 20), at<int16_t>(in, 21)};
+         constexpr size_t kLanes = kBytes / 4;
+         const s16v v = widenPairs(p, p + kLanes);
+         store(out, addPairProducts(load<s32v>(in + kBytes), v, repeatPair(pair)));
+         for (size_t i = 0; i < kLanes; ++i) {
+             put<uint32_t>(expected, i,
+                           at<uint32_t>(in + kBytes, i) + (uint32_t)(p[i] * pair[0] + p[kLanes + i] * pair[1]));
+         }
+     }},
+    {"loadOnce and loadHalves", 3 * kBytes / 2,
+     [](In in, Out out, Out expected) {
+         storeAll(out, loadOnce(in), loadHalves(in, in + kBytes));
+         memcpy(expected, in, kBytes);
+         memcpy(expected + kBytes, in, kBytes / 2);
+         memcpy(expected + 3 * kBytes / 2, in + kBytes, kBytes / 2);
+     }},
+    {"repeat and rotate", 16,
+     [](In in, Out out, Out expected) {
+         const u8v v = repeat(at<uint64_t>(in, 0), at<uint64_t>(in, 1));
+         storeAll(out, v, rotate<5>(v));
+         for (size_t i = 0; i < kBytes; ++i) {
+             expected[i] = in[i % 16];
+             expected[kBytes + i] = in[(i + 5) % 16];
+         }
+     }},
+};
+
+} // namespace
+
+extern const test::PrimitiveCases crossCases;
+const test::PrimitiveCases crossCases = {kCases, sizeof kCases / sizeof *kCases};
+
+} // namespace odx::ODX_TARGET

@@ -1,0 +1,58 @@
+// Plain loops for the cases, which are compiled once for each target. Nothing here may have an instance that the
+// linker could share between targets.
+#ifndef ODX_TESTS_SIMD_TARGETS_LOOPS_H
+#define ODX_TESTS_SIMD_TARGETS_LOOPS_H
+
+#include "simd/cases.h"
+
+#include "orlan/simd/simd.h"
+
+#include <type_traits>
+
+namespace odx::ODX_TARGET
+{
+using namespace simd;
+using test::PrimitiveCase;
+
+namespace
+{
+
+typedef const uint8_t* In;
+typedef uint8_t* Out;
+
+// The i-th number of an array of bytes.
+template <class T>
+T at(In p, size_t i)
+{
+    T value;
+    memcpy(&value, p + sizeof value * i, sizeof value);
+    return value;
+}
+template <class T, class Value>
+void put(Out p, size_t i, Value value)
+{
+    const T narrow = (T)value;
+    memcpy(p + sizeof narrow * i, &narrow, sizeof narrow);
+}
+
+inline int64_t clamped(int64_t value, int64_t least, int64_t most)
+{
+    return value < least ? least : value > most ? most : value;
+}
+
+// What is expected of each element i.
+#define EACH(T, count, value)            \
+    for (size_t i = 0; i < (count); ++i) \
+    put<T>(expected, i, value)
+
+template <class... V>
+void storeAll(Out out, V... v)
+{
+    ((store(out, v), out += kBytes), ...);
+}
+
+} // namespace
+
+} // namespace odx::ODX_TARGET
+
+#endif
