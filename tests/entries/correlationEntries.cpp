@@ -18,15 +18,15 @@ Entries correlationEntries()
     const std::vector<std::vector<std::pair<size_t, double>>> wrapping = {
         {{3, 0x40000001}, {5, 4294967295.0}, {7, 4096}}};
     return {
-        {ODX_ENTRY(odxFilterCorr3x3s8),
-         "kernel && src && dst && w && h",
-         {buffer(), buffer(), width(), height(), buffer()}},
-        {ODX_ENTRY(odxFilterCorr3x3s8_v2),
-         "kernel && src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= srcWidth)",
-         {buffer(), buffer(), width(), height(), stride(), buffer(), stride()}},
-        {ODX_ENTRY(odxFilterCorrNxNu8), "", sized({buffer(), size, value()}, 1)},
-        {ODX_ENTRY(odxFilterCorrNxNu8f32), "", sized({buffer(), size}, 4), 1, 1, wrapping},
-        {ODX_ENTRY(odxFilterCorrNxNu8s16), "", sized({buffer(), size, value()}, 2)},
+        entry(ODX_ENTRY(odxFilterCorr3x3s8), "kernel && src && dst && w && h",
+              {buffer(), buffer(), width(), height(), buffer()}),
+        entry(
+            ODX_ENTRY(odxFilterCorr3x3s8_v2),
+            "kernel && src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= srcWidth)",
+            {buffer(), buffer(), width(), height(), stride(), buffer(), stride()}),
+        entry(ODX_ENTRY(odxFilterCorrNxNu8), "", sized({buffer(), size, value()}, 1)),
+        entry(ODX_ENTRY(odxFilterCorrNxNu8f32), "", sized({buffer(), size}, 4)).refusing(wrapping),
+        entry(ODX_ENTRY(odxFilterCorrNxNu8s16), "", sized({buffer(), size, value()}, 2)),
     };
 }
 

@@ -1,7 +1,8 @@
 // What every entry point refuses, what it says then, and which calls may leave for another target: one line an
 // operation.
 //
-//     {ODX_ENTRY(odxFilterXxxu8_v2), "src && dst && width && height", {in(8, 16), width(1, 8), height(), ...}}
+//     entry(ODX_ENTRY(odxFilterXxxu8_v2), "src && dst && width && height", {buffer(8, 16), width(1, 8), height(),
+//     ...})
 //
 // The arguments are described in the order of the call. Each brings a value that is accepted, the values that are
 // refused, and what the remote targets and the GPU ask it to be a multiple of. The calls are made before any mode
@@ -98,9 +99,17 @@ struct Entry {
     std::vector<Argument> arguments;
     uint32_t leastHeight = 1; // for a remote target
     uint32_t pixelSize = 1;   // what the least amount of work counts a pixel as; 0: there is none
-    // Refused combinations: argument and value, and so on.
     std::vector<std::vector<std::pair<size_t, double>>> alsoRefused = {};
     bool forGpu = true; // else it is for the GPU only where it is refused
+
+    Entry fromRows(uint32_t least) const { return {name, call, failure, condition, arguments, least, pixelSize}; }
+    Entry pixels(uint32_t size) const { return {name, call, failure, condition, arguments, leastHeight, size}; }
+    Entry never() const { return pixels(kNever); } // worth the way
+    // Combinations: argument and value, and so on.
+    Entry refusing(const decltype(alsoRefused)& combinations) const
+    {
+        return {name, call, failure, condition, arguments, leastHeight, pixelSize, combinations};
+    }
 };
 
 template <class T>
@@ -147,6 +156,11 @@ constexpr Outcome failureOf(R (*)(P...))
     }
 }
 
+inline Entry entry(const char* name, const decltype(Entry::call)& call, Outcome failure, std::string condition,
+                   std::vector<Argument> arguments)
+{
+    return {name, call, failure, std::move(condition), std::move(arguments)};
+}
 #define ODX_ENTRY(operation) #operation, odx::test::callWith(operation), odx::test::failureOf(operation)
 
 // Each file <family>Entries.cpp has a function of its name that returns its own.

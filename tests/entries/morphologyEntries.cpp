@@ -18,14 +18,14 @@ Entries morphologyEntries()
     const char* const stridedCheck =
         "src && srcWidth && srcHeight && (srcStride >= srcWidth) && dst && (dstStride >= srcWidth)";
     return {
-        {ODX_ENTRY(odxFilterErode3x3u8), packedCheck, packed},
-        {ODX_ENTRY(odxFilterErode3x3u8_v2), stridedCheck, strided},
-        {ODX_ENTRY(odxFilterErode3x3u8_v3), "", bordered},
-        {ODX_ENTRY(odxFilterErodeNxNu8), "", sized},
-        {ODX_ENTRY(odxFilterDilate3x3u8), packedCheck, packed},
-        {ODX_ENTRY(odxFilterDilate3x3u8_v2), stridedCheck, strided},
-        {ODX_ENTRY(odxFilterDilate3x3u8_v3), "", bordered},
-        {ODX_ENTRY(odxFilterDilateNxNu8), "", sized},
+        entry(ODX_ENTRY(odxFilterErode3x3u8), packedCheck, packed),
+        entry(ODX_ENTRY(odxFilterErode3x3u8_v2), stridedCheck, strided),
+        entry(ODX_ENTRY(odxFilterErode3x3u8_v3), "", bordered),
+        entry(ODX_ENTRY(odxFilterErodeNxNu8), "", sized),
+        entry(ODX_ENTRY(odxFilterDilate3x3u8), packedCheck, packed),
+        entry(ODX_ENTRY(odxFilterDilate3x3u8_v2), stridedCheck, strided),
+        entry(ODX_ENTRY(odxFilterDilate3x3u8_v3), "", bordered),
+        entry(ODX_ENTRY(odxFilterDilateNxNu8), "", sized),
     };
 }
 

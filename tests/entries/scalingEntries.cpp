@@ -49,112 +49,103 @@ Entries scalingEntries()
              evenRows = multiple(height(), 2).errors({kHeight + 1.0});
     evenWidth.refused = evenRows.refused = {0};
     return {
-        {ODX_ENTRY(odxScaleDownBy2u8), "", packedReduction(2)},
-        {ODX_ENTRY(odxScaleDownBy4u8), "", packedReduction(4)},
-        {ODX_ENTRY(odxScaleDownBy2u8_v2),
-         "",
-         {in4, multiple(gpuMultiple(width(), 8), 2), multiple(height(), 2), stride(kWidth, 8, 8), in4,
-          stride(kWidth / 2, 4, 8)}},
-        {ODX_ENTRY(odxScaleDownBy4u8_v2),
-         "",
-         {in4, multiple(width(1, 8), 4), multiple(height(), 4), stride(), in4, stride(kWidth / 4)}},
-        {ODX_ENTRY(odxScaleDown3To2u8),
-         "",
-         {buffer(8, 16), width(), height(), stride(kWidth, 8), buffer(8, 16), stride(kWidth / 3 * 2, 2)},
-         1,
-         0},
-        {ODX_ENTRY(odxScaleDownu8),
-         "src && dst && width && height && dstWidth && dstHeight && width >= dstWidth && height >= dstHeight",
-         {buffer(8, 16), gpuMultiple(width(), 8), height(), buffer(8, 16), value(1, {0}), value(1, {0})}},
-        {ODX_ENTRY(odxScaleDownu8_v2),
-         "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstWidth && dstHeight && (dstStride "
-         ">= "
-         "dstWidth) && srcWidth >= dstWidth && srcHeight >= dstHeight",
-         {buffer(8, 16), gpuMultiple(width(), 8), height(), stride(), buffer(8, 16), value(1, {0}).errors({95}),
-          value(1, {0}).errors({47}), value(200, {}, {0, 1})},
-         1,
-         1,
-         {{{5, 96}, {7, 95}}}},
-        {ODX_ENTRY(odxScaleDownMNu8),
-         "src && dst && srcWidth && srcHeight && dstWidth && dstHeight && (srcStride==0 || srcStride >=srcWidth) "
-         "&& "
-         "(dstStride == 0 || dstStride >= dstWidth) && dstWidth * 20 > srcWidth && dstHeight * 20 > srcHeight",
-         groups, 1, 1},
-        {ODX_ENTRY(odxScaleDownMNInterleaveu8),
-         "src && dst && srcWidth && srcHeight && dstWidth && dstHeight && (srcStride==0 || srcStride "
-         ">=srcWidth*2) && "
-         "(dstStride == 0 || dstStride >= dstWidth*2)",
-         resizing(2), 1, 1, wraps},
-        {ODX_ENTRY(odxScaleDownBLu8),
-         "src && srcWidth && srcHeight && (srcStride >= srcWidth) && dst && dstWidth && dstHeight && (dstStride "
-         ">= "
-         "dstWidth)",
-         resizing(1)},
-        {ODX_ENTRY(odxScaleUpPolyu8),
-         "src && dst && srcWidth && srcHeight && (srcStride == 0 || srcStride >= srcWidth) && dstWidth && "
-         "dstHeight "
-         "&& (dstStride == 0 || dstStride >= dstWidth)",
-         resizing(1)},
-        {ODX_ENTRY(odxScaleUpPolyInterleaveu8),
-         "src && dst && srcWidth && srcHeight && dstWidth && dstHeight && (srcStride==0 || srcStride "
-         ">=srcWidth*2) && "
-         "(dstStride == 0 || dstStride >= dstWidth*2)",
-         resizing(2), 1, 1, wraps},
-        {ODX_ENTRY(odxScaleDownNNu8), "", nearest, 1, 0},
-        {ODX_ENTRY(odxScaleu8), "", status},
-        {ODX_ENTRY(odxScaleu8_v2), "", status_v2},
-        {ODX_ENTRY(odxScaleDownBy2Gaussian5x5u8),
-         "src && dst && width && height && ((width & 1) == 0 ) && ((height & 1) == 0)",
-         {buffer(), evenWidth, evenRows, buffer()},
-         1,
-         0}, // its other version is looked at more closely
-        {ODX_ENTRY(odxScaleDownBy2Gaussian5x5u8_v2),
-         "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= srcWidth/2)",
-         {buffer(), width(), height(), stride(), buffer(), stride(kWidth / 2)}},
-        {ODX_ENTRY(odxScaleDownBy2Gaussian5x5f32),
-         "srcImg && width && height && ((width & 1) == 0 ) && ((height & 1) == 0)",
-         {buffer(), multiple(width(), 2), multiple(height(), 2), buffer()}},
-        {ODX_ENTRY(odxScaleDownBy2Gaussian5x5f32_v2),
-         "src && dst && srcWidth && srcHeight && ((srcWidth & 1) == 0 ) && ((srcHeight & 1) == 0) && (srcStride "
-         ">= "
-         "srcWidth*4) && (dstStride >= srcWidth*2)",
-         {buffer(), multiple(width(), 2), multiple(height(), 2), stride(4 * kWidth), buffer(), stride(2 * kWidth)},
-         1,
-         1,
-         {{{1, 0x40000002}}, {{1, 0x80000002}}}},
-        {ODX_ENTRY(odxScaleDownBy2Gaussian3x3u8),
-         "",
-         {buffer(), width(3), height(3), stride(), buffer(), stride(kWidth / 2)},
-         1,
-         1,
-         {{{1, 193}, {5, 96}}}},
-        {ODX_ENTRY(odxScaleUpBy2Gaussian5x5u8),
-         "src && dst && width && height",
-         {buffer(), width(), height(), buffer()}},
-        {ODX_ENTRY(odxScaleUpBy2Gaussian5x5u8_v2),
-         "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= srcWidth*2)",
-         {buffer(), width(), height(), stride(), buffer(), stride(2 * kWidth)},
-         1,
-         1,
-         {{{1, 0x80000001}, {3, 0x80000001}, {5, 2}}}},
-        {ODX_ENTRY(odxUpsampleVerticalu8),
-         "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth) && (dstStride >=srcWidth)",
-         upsampling(1, 1), 1, 0},
-        {ODX_ENTRY(odxUpsampleHorizontalu8),
-         "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth) && (dstStride >= (2 * srcWidth))",
-         upsampling(1, 2), 1, 0},
-        {ODX_ENTRY(odxUpsample2Du8),
-         "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth) && (dstStride >=(2 * srcWidth))",
-         upsampling(1, 2), 1, 0},
-        {ODX_ENTRY(odxUpsampleVerticalInterleavedu8),
-         "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth * 2) && (dstStride >=srcWidth * 2)",
-         upsampling(2, 2), 1, 0, wraps},
-        {ODX_ENTRY(odxUpsampleHorizontalInterleavedu8),
-         "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth * 2) && (dstStride >= srcWidth * 4)",
-         upsampling(2, 4), 1, 0, wraps},
-        {ODX_ENTRY(odxUpsample2DInterleavedu8),
-         "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth * 2) && (dstStride >= srcWidth * 4)",
-         upsampling(2, 4), 1, 0, wraps},
+        entry(ODX_ENTRY(odxScaleDownBy2u8), "", packedReduction(2)),
+        entry(ODX_ENTRY(odxScaleDownBy4u8), "", packedReduction(4)),
+        entry(ODX_ENTRY(odxScaleDownBy2u8_v2), "",
+              {in4, multiple(gpuMultiple(width(), 8), 2), multiple(height(), 2), stride(kWidth, 8, 8), in4,
+               stride(kWidth / 2, 4, 8)}),
+        entry(ODX_ENTRY(odxScaleDownBy4u8_v2), "",
+              {in4, multiple(width(1, 8), 4), multiple(height(), 4), stride(), in4, stride(kWidth / 4)}),
+        entry(ODX_ENTRY(odxScaleDown3To2u8), "",
+              {buffer(8, 16), width(), height(), stride(kWidth, 8), buffer(8, 16), stride(kWidth / 3 * 2, 2)})
+            .pixels(0),
+        entry(ODX_ENTRY(odxScaleDownu8),
+              "src && dst && width && height && dstWidth && dstHeight && width >= dstWidth && height >= dstHeight",
+              {buffer(8, 16), gpuMultiple(width(), 8), height(), buffer(8, 16), value(1, {0}), value(1, {0})}),
+        entry(ODX_ENTRY(odxScaleDownu8_v2),
+              "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstWidth && dstHeight && "
+              "(dstStride >= dstWidth) && srcWidth >= dstWidth && srcHeight >= dstHeight",
+              {buffer(8, 16), gpuMultiple(width(), 8), height(), stride(), buffer(8, 16),
+               value(1, {0}).errors({95}), value(1, {0}).errors({47}), value(200, {}, {0, 1})})
+            .refusing({{{5, 96}, {7, 95}}}),
+        entry(ODX_ENTRY(odxScaleDownMNu8),
+              "src && dst && srcWidth && srcHeight && dstWidth && dstHeight && (srcStride==0 || srcStride "
+              ">=srcWidth) && (dstStride == 0 || dstStride >= dstWidth) && dstWidth * 20 > srcWidth && dstHeight "
+              "* 20 > srcHeight",
+              groups),
+        entry(ODX_ENTRY(odxScaleDownMNInterleaveu8),
+              "src && dst && srcWidth && srcHeight && dstWidth && dstHeight && (srcStride==0 || srcStride "
+              ">=srcWidth*2) && (dstStride == 0 || dstStride >= dstWidth*2)",
+              resizing(2))
+            .refusing(wraps),
+        entry(ODX_ENTRY(odxScaleDownBLu8),
+              "src && srcWidth && srcHeight && (srcStride >= srcWidth) && dst && dstWidth && dstHeight && "
+              "(dstStride >= dstWidth)",
+              resizing(1)),
+        entry(ODX_ENTRY(odxScaleUpPolyu8),
+              "src && dst && srcWidth && srcHeight && (srcStride == 0 || srcStride >= srcWidth) && dstWidth && "
+              "dstHeight && (dstStride == 0 || dstStride >= dstWidth)",
+              resizing(1)),
+        entry(ODX_ENTRY(odxScaleUpPolyInterleaveu8),
+              "src && dst && srcWidth && srcHeight && dstWidth && dstHeight && (srcStride==0 || srcStride "
+              ">=srcWidth*2) && (dstStride == 0 || dstStride >= dstWidth*2)",
+              resizing(2))
+            .refusing(wraps),
+        entry(ODX_ENTRY(odxScaleDownNNu8), "", nearest).pixels(0),
+        entry(ODX_ENTRY(odxScaleu8), "", status),
+        entry(ODX_ENTRY(odxScaleu8_v2), "", status_v2),
+        entry(ODX_ENTRY(odxScaleDownBy2Gaussian5x5u8),
+              "src && dst && width && height && ((width & 1) == 0 ) && ((height & 1) == 0)",
+              {buffer(), evenWidth, evenRows, buffer()})
+            .pixels(0), // its other version is looked at more closely
+        entry(ODX_ENTRY(odxScaleDownBy2Gaussian5x5u8_v2),
+              "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= srcWidth/2)",
+              {buffer(), width(), height(), stride(), buffer(), stride(kWidth / 2)}),
+        entry(ODX_ENTRY(odxScaleDownBy2Gaussian5x5f32),
+              "srcImg && width && height && ((width & 1) == 0 ) && ((height & 1) == 0)",
+              {buffer(), multiple(width(), 2), multiple(height(), 2), buffer()}),
+        entry(ODX_ENTRY(odxScaleDownBy2Gaussian5x5f32_v2),
+              "src && dst && srcWidth && srcHeight && ((srcWidth & 1) == 0 ) && ((srcHeight & 1) == 0) && "
+              "(srcStride >= srcWidth*4) && (dstStride >= srcWidth*2)",
+              {buffer(), multiple(width(), 2), multiple(height(), 2), stride(4 * kWidth), buffer(),
+               stride(2 * kWidth)})
+            .refusing({{{1, 0x40000002}}, {{1, 0x80000002}}}),
+        entry(ODX_ENTRY(odxScaleDownBy2Gaussian3x3u8), "",
+              {buffer(), width(3), height(3), stride(), buffer(), stride(kWidth / 2)})
+            .refusing({{{1, 193}, {5, 96}}}),
+        entry(ODX_ENTRY(odxScaleUpBy2Gaussian5x5u8), "src && dst && width && height",
+              {buffer(), width(), height(), buffer()}),
+        entry(ODX_ENTRY(odxScaleUpBy2Gaussian5x5u8_v2),
+              "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= srcWidth*2)",
+              {buffer(), width(), height(), stride(), buffer(), stride(2 * kWidth)})
+            .refusing({{{1, 0x80000001}, {3, 0x80000001}, {5, 2}}}),
+        entry(ODX_ENTRY(odxUpsampleVerticalu8),
+              "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth) && (dstStride >=srcWidth)",
+              upsampling(1, 1))
+            .pixels(0),
+        entry(ODX_ENTRY(odxUpsampleHorizontalu8),
+              "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth) && (dstStride >= (2 * srcWidth))",
+              upsampling(1, 2))
+            .pixels(0),
+        entry(ODX_ENTRY(odxUpsample2Du8),
+              "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth) && (dstStride >=(2 * srcWidth))",
+              upsampling(1, 2))
+            .pixels(0),
+        entry(ODX_ENTRY(odxUpsampleVerticalInterleavedu8),
+              "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth * 2) && (dstStride >=srcWidth * 2)",
+              upsampling(2, 2))
+            .pixels(0)
+            .refusing(wraps),
+        entry(ODX_ENTRY(odxUpsampleHorizontalInterleavedu8),
+              "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth * 2) && (dstStride >= srcWidth * 4)",
+              upsampling(2, 4))
+            .pixels(0)
+            .refusing(wraps),
+        entry(ODX_ENTRY(odxUpsample2DInterleavedu8),
+              "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth * 2) && (dstStride >= srcWidth * 4)",
+              upsampling(2, 4))
+            .pixels(0)
+            .refusing(wraps),
     };
 }
 

@@ -28,31 +28,27 @@ Entries solversEntries()
     };
     const Arguments decomposition = Arguments{buffer(8, 16), height(), width()} + buffers(5);
     return {
-        {ODX_ENTRY(odxMatrixMultiplyf32),
-         sizes + "(src1Stride >= src1Width*sizeof(float32_t)) && (src2Stride >= src2Width*sizeof(float32_t)) && "
-                 "(dstStride >= src2Width*sizeof(float32_t))",
-         product(4, width())},
-        {ODX_ENTRY(odxMatrixMultiplys8s32),
-         sizes + "(src1Stride >= src1Width) && (src2Stride >= src2Width) && (dstStride >= "
-                 "src2Width*sizeof(int32_t)) && src1Width <= 131072",
-         product(1, bytes)},
-        {ODX_ENTRY(odxSolveCholeskyf32), "", system(kWidth), 1, 0},
-        {ODX_ENTRY(odxSolveLDLf32), "", system(kWidth), 1, 0},
-        {ODX_ENTRY(odxSolveLUf32),
-         "",
-         {buffer(8, 16), buffer(8, 16), value(kWidth, {}, {0, -1}), buffer(), buffer(8, 16)},
-         1,
-         0},
-        {ODX_ENTRY(odxSolvef32),
-         "A && b && x && numRows && numCols && numRows >= numCols",
-         {buffer(8, 16), value(kHeight, {0, kWidth + 1}, {kWidth}), value(kWidth, {0}), buffer(8, 16),
-          buffer(8, 16)},
-         1,
-         0},
-        {ODX_ENTRY(odxSVDf32),
-         "(A != NULL) && (m > 0) && (n > 0) && (w != NULL) && (U != NULL) && (Vt != NULL) && (tmpU != NULL) && "
-         "(tmpV != NULL)",
-         decomposition},
+        entry(ODX_ENTRY(odxMatrixMultiplyf32),
+              sizes + "(src1Stride >= src1Width*sizeof(float32_t)) && (src2Stride >= src2Width*sizeof(float32_t)) "
+                      "&& (dstStride >= src2Width*sizeof(float32_t))",
+              product(4, width())),
+        entry(ODX_ENTRY(odxMatrixMultiplys8s32),
+              sizes + "(src1Stride >= src1Width) && (src2Stride >= src2Width) && (dstStride >= "
+                      "src2Width*sizeof(int32_t)) && src1Width <= 131072",
+              product(1, bytes)),
+        entry(ODX_ENTRY(odxSolveCholeskyf32), "", system(kWidth)).pixels(0),
+        entry(ODX_ENTRY(odxSolveLDLf32), "", system(kWidth)).pixels(0),
+        entry(ODX_ENTRY(odxSolveLUf32), "",
+              {buffer(8, 16), buffer(8, 16), value(kWidth, {}, {0, -1}), buffer(), buffer(8, 16)})
+            .pixels(0),
+        entry(ODX_ENTRY(odxSolvef32), "A && b && x && numRows && numCols && numRows >= numCols",
+              {buffer(8, 16), value(kHeight, {0, kWidth + 1}, {kWidth}), value(kWidth, {0}), buffer(8, 16),
+               buffer(8, 16)})
+            .pixels(0),
+        entry(ODX_ENTRY(odxSVDf32),
+              "(A != NULL) && (m > 0) && (n > 0) && (w != NULL) && (U != NULL) && (Vt != NULL) && (tmpU != NULL) "
+              "&& (tmpV != NULL)",
+              decomposition),
     };
 }
 

@@ -24,43 +24,47 @@ Entries thresholdingEntries()
     const std::vector inPlaceArguments = {optional(), anyWidth,      anyHeight, looseStride(),
                                           optional(), looseStride(), value()};
     return {
-        {ODX_ENTRY(odxFilterThresholdu8),
-         "src && dst && (signed)threshold >= 0",
-         {buffer(), anyWidth, anyHeight, threshold, buffer()}},
-        {ODX_ENTRY(odxFilterThresholdu8_v2),
-         "src && dst && dstStride && srcStride && (srcStride >=srcWidth) && (signed)threshold >= 0",
-         fixed(looseStride(), {threshold}), 1, 1, noRow},
-        {ODX_ENTRY(odxFilterThresholdu8_v2), sameStride, inPlaceArguments, 1, 1, inPlace},
-        {ODX_ENTRY(odxFilterThresholdu8_v3), "", fixed(looseStride(), {threshold, value(), value()}), 1, 1, noRow},
-        {ODX_ENTRY(odxFilterThresholdRangeu8), "", fixed(looseStride(), {value(-1), value(-2)}), 1, 1, noRow},
-        {ODX_ENTRY(odxFilterThresholdRangeu8_v2), "",
-         fixed(looseStride(), {value(-1), value(-2), value(), value()}), 1, 1, noRow},
-        {ODX_ENTRY(odxFilterThresholdOtsuu8), "src && dst && srcStride >= srcWidth && dstStride >= srcWidth",
-         fixed(stride(), {value()})},
-        {ODX_ENTRY(odxFilterThresholdOtsuu8), sameStride, inPlaceArguments, 1, 1, inPlace},
-        {ODX_ENTRY(odxAdaptiveThresholdGaussian3x3u8),
-         "src && dst && (srcWidth > 1) && (srcHeight > 1) && (srcStride >= srcWidth) && (dstStride >= srcWidth)",
-         adaptive(2, stride())},
-        {ODX_ENTRY(odxAdaptiveThresholdGaussian5x5u8),
-         "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstStride && srcHeight > 4 && "
-         "srcWidth > 4",
-         adaptive(5, looseStride())},
-        {ODX_ENTRY(odxAdaptiveThresholdGaussian11x11u8),
-         "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstStride && srcHeight > 10 && "
-         "srcWidth > 10",
-         adaptive(11, looseStride())},
-        {ODX_ENTRY(odxAdaptiveThresholdMean3x3u8),
-         "src && dst && srcWidth && srcHeight && srcStride && dstStride && ( srcStride >=srcWidth ) && "
-         "srcWidth > 2 && srcHeight > 2",
-         adaptive(3, looseStride())},
-        {ODX_ENTRY(odxAdaptiveThresholdMean5x5u8),
-         "src && dst && srcWidth && srcHeight && srcStride && dstStride && (srcStride >=srcWidth) && "
-         "srcWidth > 4 && srcHeight > 4",
-         adaptive(5, looseStride())},
-        {ODX_ENTRY(odxAdaptiveThresholdMean11x11u8),
-         "src && dst && srcWidth && srcHeight && srcStride && dstStride && ( srcStride >=srcWidth) && "
-         "srcWidth > 10 && srcHeight > 10",
-         adaptive(11, looseStride())},
+        entry(ODX_ENTRY(odxFilterThresholdu8), "src && dst && (signed)threshold >= 0",
+              {buffer(), anyWidth, anyHeight, threshold, buffer()}),
+        entry(ODX_ENTRY(odxFilterThresholdu8_v2),
+              "src && dst && dstStride && srcStride && (srcStride >=srcWidth) && (signed)threshold >= 0",
+              fixed(looseStride(), {threshold}))
+            .refusing(noRow),
+        entry(ODX_ENTRY(odxFilterThresholdu8_v2), sameStride, inPlaceArguments).refusing(inPlace),
+        entry(ODX_ENTRY(odxFilterThresholdu8_v3), "", fixed(looseStride(), {threshold, value(), value()}))
+            .refusing(noRow),
+        entry(ODX_ENTRY(odxFilterThresholdRangeu8), "", fixed(looseStride(), {value(-1), value(-2)}))
+            .refusing(noRow),
+        entry(ODX_ENTRY(odxFilterThresholdRangeu8_v2), "",
+              fixed(looseStride(), {value(-1), value(-2), value(), value()}))
+            .refusing(noRow),
+        entry(ODX_ENTRY(odxFilterThresholdOtsuu8), "src && dst && srcStride >= srcWidth && dstStride >= srcWidth",
+              fixed(stride(), {value()})),
+        entry(ODX_ENTRY(odxFilterThresholdOtsuu8), sameStride, inPlaceArguments).refusing(inPlace),
+        entry(ODX_ENTRY(odxAdaptiveThresholdGaussian3x3u8),
+              "src && dst && (srcWidth > 1) && (srcHeight > 1) && (srcStride >= srcWidth) && (dstStride >= "
+              "srcWidth)",
+              adaptive(2, stride())),
+        entry(ODX_ENTRY(odxAdaptiveThresholdGaussian5x5u8),
+              "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstStride && srcHeight > 4 && "
+              "srcWidth > 4",
+              adaptive(5, looseStride())),
+        entry(ODX_ENTRY(odxAdaptiveThresholdGaussian11x11u8),
+              "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstStride && srcHeight > 10 && "
+              "srcWidth > 10",
+              adaptive(11, looseStride())),
+        entry(ODX_ENTRY(odxAdaptiveThresholdMean3x3u8),
+              "src && dst && srcWidth && srcHeight && srcStride && dstStride && ( srcStride >=srcWidth ) && "
+              "srcWidth > 2 && srcHeight > 2",
+              adaptive(3, looseStride())),
+        entry(ODX_ENTRY(odxAdaptiveThresholdMean5x5u8),
+              "src && dst && srcWidth && srcHeight && srcStride && dstStride && (srcStride >=srcWidth) && "
+              "srcWidth > 4 && srcHeight > 4",
+              adaptive(5, looseStride())),
+        entry(ODX_ENTRY(odxAdaptiveThresholdMean11x11u8),
+              "src && dst && srcWidth && srcHeight && srcStride && dstStride && ( srcStride >=srcWidth) && "
+              "srcWidth > 10 && srcHeight > 10",
+              adaptive(11, looseStride())),
     };
 }
 

@@ -86,10 +86,7 @@ void two(Draw& draw)
     const auto src2 = sourceOf<S2>(draw, "src2", extent);
     const auto dst = sizeof(S1) == sizeof(D) ? destinationOf<D>(draw, extent, src1, "in src1")
                                              : destinationOf<D>(draw, extent, src2, "in src2");
-    runWith<rest...>(draw, [&](auto... v) {
-        return operation(src1.pixels, extent.width, extent.height, src1.strideArgument(), src2.pixels,
-                         src2.strideArgument(), v..., dst.pixels, dst.strideArgument());
-    });
+    draw.call(operation, sized(src1, extent), src2, drawn<rest...>(draw), dst);
     settle(dst);
 }
 
@@ -99,10 +96,7 @@ void one(Draw& draw)
     const Extent extent = draw.extent();
     const auto src = sourceOf<S>(draw, "src", extent);
     const auto dst = destinationOf<D>(draw, extent, src, "in place");
-    runWith<rest...>(draw, [&](auto... v) {
-        return operation(src.pixels, extent.width, extent.height, src.strideArgument(), v..., dst.pixels,
-                         dst.strideArgument());
-    });
+    draw.call(operation, sized(src, extent), drawn<rest...>(draw), dst);
     settle(dst);
 }
 
@@ -113,10 +107,7 @@ void toValues(Draw& draw)
     const auto src = sourceOf<T>(draw, "src", elements);
     const T* const values = draw.sourceArray<T>("value", channels);
     const auto dst = destinationOf<T>(draw, elements, src, "in place");
-    draw.run([&] {
-        operation(src.pixels, extent.width, extent.height, src.strideArgument(), values, dst.pixels,
-                  dst.strideArgument());
-    });
+    draw.call(operation, sized(src, extent), values, dst);
     settle(dst);
 }
 
@@ -137,10 +128,7 @@ void setElements(Draw& draw)
             return values;
         }
     }();
-    draw.run([&] {
-        operation(dst.pixels, extent.width, extent.height, dst.strideArgument(), value, mask.pixels,
-                  masked ? mask.strideArgument() : 1);
-    });
+    draw.call(operation, sized(dst, extent), value, mask.pixels, masked ? mask.strideArgument() : 1);
 }
 
 void packedDifference(Draw& draw)
@@ -149,7 +137,7 @@ void packedDifference(Draw& draw)
     const auto src1 = draw.source<uint8_t>("src1", extent, true),
                src2 = draw.source<uint8_t>("src2", extent, true),
                dst = draw.destination<uint8_t>("dst", extent, true);
-    draw.run([&] { odxImageDiffu8(src1.pixels, extent.width, extent.height, src2.pixels, dst.pixels); });
+    draw.call(odxImageDiffu8, src1.pixels, extent, src2.pixels, dst.pixels);
 }
 
 template <auto* operation, size_t... more>
@@ -183,10 +171,7 @@ void extract(Draw& draw)
                                                      (draw.pick("by colour", {0, 1}) == 1 ? 4 : 0));
     const auto src = draw.source<uint8_t>("src", {channels * extent.width, extent.height});
     const auto dst = draw.destination<uint8_t>("dst", extent);
-    draw.run([&] {
-        odxChannelExtractu8(src.pixels, extent.width, extent.height, src.strideArgument(), channels, channel,
-                            dst.pixels, dst.strideArgument());
-    });
+    draw.call(odxChannelExtractu8, sized(src, extent), channels, channel, dst);
 }
 
 template <auto* operation, bool interleaves>
@@ -198,10 +183,7 @@ void layout(Draw& draw)
                  planes = {extent.width, channels * extent.height};
     const auto src = draw.source<uint8_t>("src", interleaves ? planes : pixels);
     const auto dst = draw.destination<uint8_t>("dst", interleaves ? pixels : planes);
-    draw.run([&] {
-        operation(src.pixels, extent.width, extent.height, src.strideArgument(), channels, dst.pixels,
-                  dst.strideArgument());
-    });
+    draw.call(operation, sized(src, extent), channels, dst);
 }
 
 template <class T, auto* operation>
@@ -210,14 +192,14 @@ void average(Draw& draw)
     const Extent extent = draw.extent();
     const auto src = draw.source<T>("src", extent);
     float* const mean = draw.destinationArray<float>("average", 1);
-    draw.run([&] { operation(src.pixels, extent.width, extent.height, src.strideArgument(), mean); });
+    draw.call(operation, sized(src, extent), mean);
 }
 
 void crossProduct(Draw& draw)
 {
     const auto src1 = sourceOf<float>(draw, "src1", {3, 1}), src2 = sourceOf<float>(draw, "src2", {3, 1});
     const auto dst = destinationOf<float>(draw, {3, 1}, src1, "in place");
-    draw.run([&] { odxCrossProduct3x1f32(src1.pixels, src2.pixels, dst.pixels); });
+    draw.call(odxCrossProduct3x1f32, src1.pixels, src2.pixels, dst.pixels);
     settle(dst);
 }
 

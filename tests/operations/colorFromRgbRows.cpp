@@ -32,9 +32,7 @@ void packed(Draw& draw)
     const Extent extent = draw.extent();
     const auto src = sourcePixels(draw, extent, sourceSize),
                dst = destinationPixels(draw, extent, destinationSize);
-    draw.run([&] {
-        operation(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels, dst.strideArgument());
-    });
+    draw.call(operation, sized(src, extent), dst);
 }
 
 template <uint32_t size, auto* operation>
@@ -44,9 +42,7 @@ void packedOrInPlace(Draw& draw)
     const Extent extent = draw.extent();
     const auto src = sourcePixels(draw, extent, size);
     draw.writesInPlace(src);
-    draw.run([&] {
-        operation(src.pixels, extent.width, extent.height, src.strideArgument(), src.pixels, src.strideArgument());
-    });
+    draw.call(operation, sized(src, extent), src);
 }
 
 void yCrCb(Draw& draw)
@@ -55,7 +51,7 @@ void yCrCb(Draw& draw)
     const uint32_t bytes = 3 * extent.width * extent.height;
     const uint8_t* src = draw.sourceArray<uint8_t>("src", bytes);
     uint8_t* dst = draw.destinationArray<uint8_t>("dst", bytes);
-    draw.run([&] { odxColorRGB888toYCrCbu8(src, extent.width, extent.height, dst); });
+    draw.call(odxColorRGB888toYCrCbu8, src, extent, dst);
 }
 
 // Even widths for the most part, where odd ones are left unwritten.
@@ -81,10 +77,8 @@ void rgbToPlanar(Draw& draw)
     const Extent extent = mostlyWhole<subsampling>(draw), samples = chroma<subsampling>(extent);
     const auto src = sourcePixels(draw, extent, size), y = draw.destination<uint8_t>("dstY", extent);
     const auto cb = draw.destination<uint8_t>("dstCb", samples), cr = draw.destination<uint8_t>("dstCr", samples);
-    draw.run([&] {
-        operation(src.pixels, extent.width, extent.height, src.strideArgument(), y.pixels, cb.pixels, cr.pixels,
-                  y.strideArgument(), cb.strideArgument(), cr.strideArgument());
-    });
+    draw.call(operation, sized(src, extent), y.pixels, cb.pixels, cr.pixels, y.strideArgument(),
+              cb.strideArgument(), cr.strideArgument());
 }
 
 template <uint32_t size, uint32_t subsampling, auto* operation>
@@ -93,10 +87,7 @@ void rgbToPseudoPlanar(Draw& draw)
     const Extent extent = mostlyWhole<subsampling>(draw), samples = chroma<subsampling>(extent);
     const auto src = sourcePixels(draw, extent, size), y = draw.destination<uint8_t>("dstY", extent);
     const auto c = draw.destination<uint8_t>("dstC", {2 * samples.width, samples.height});
-    draw.run([&] {
-        operation(src.pixels, extent.width, extent.height, src.strideArgument(), y.pixels, c.pixels,
-                  y.strideArgument(), c.strideArgument());
-    });
+    draw.call(operation, sized(src, extent), y.pixels, c.pixels, y.strideArgument(), c.strideArgument());
 }
 
 // The planes of a luma and chroma image, drawn by `plane(name, extent, packed)`; of interleaved chroma cr is not

@@ -31,10 +31,8 @@ void planar(Draw& draw)
     const auto y = draw.source<uint8_t>("srcY", rows);
     const auto cb = draw.source<uint8_t>("srcCb", chroma), cr = draw.source<uint8_t>("srcCr", chroma);
     const auto dst = draw.destination<uint8_t>("dst", packed<pixelSize>(rows));
-    draw.run([&] {
-        operation(y.pixels, cb.pixels, cr.pixels, extent.width, extent.height, y.strideArgument(),
-                  cb.strideArgument(), cr.strideArgument(), dst.pixels, dst.strideArgument());
-    });
+    draw.call(operation, y.pixels, cb.pixels, cr.pixels, extent, y.strideArgument(), cb.strideArgument(),
+              cr.strideArgument(), dst);
 }
 
 template <uint32_t across, uint32_t down, uint32_t pixelSize, auto* operation>
@@ -44,10 +42,7 @@ void pseudoPlanar(Draw& draw)
     const auto y = draw.source<uint8_t>("srcY", rows);
     const auto c = draw.source<uint8_t>("srcC", {2 * extent.width / across, rows.height / down});
     const auto dst = draw.destination<uint8_t>("dst", packed<pixelSize>(rows));
-    draw.run([&] {
-        operation(y.pixels, c.pixels, extent.width, extent.height, y.strideArgument(), c.strideArgument(),
-                  dst.pixels, dst.strideArgument());
-    });
+    draw.call(operation, y.pixels, c.pixels, extent, y.strideArgument(), c.strideArgument(), dst);
 }
 
 // A packed plane of luma and one of chroma, whose last row has a byte more when the width is odd.
@@ -63,7 +58,7 @@ void packedImage(Draw& draw)
     const Extent extent = draw.extent();
     const uint8_t* src = singleBuffer(draw, extent);
     uint8_t* dst = draw.destinationArray<uint8_t>("dst", extent.width * extent.height * pixelSize);
-    draw.run([&] { operation(src, extent.width, extent.height, dst); });
+    draw.call(operation, src, extent, dst);
 }
 
 void stridedImage(Draw& draw)
@@ -80,10 +75,8 @@ void stridedImage(Draw& draw)
                                    : draw.number<uint32_t>("overlapping", 1, extent.width, 1);
     const uint32_t remainder = draw.number<uint32_t>("remainder", 0, 3, 0);
     uint8_t* dst = draw.destinationArray<uint8_t>("dst", 4 * (rowPixels * (extent.height - 1) + extent.width));
-    draw.run([&] {
-        odxColorYCrCb420PseudoPlanarToRGB8888u8(src, extent.width, extent.height, yStride, cStride, dst,
-                                                4 * rowPixels + remainder);
-    });
+    draw.call(odxColorYCrCb420PseudoPlanarToRGB8888u8, src, extent, yStride, cStride, dst,
+              4 * rowPixels + remainder);
 }
 
 template <uint32_t across, uint32_t down, auto* operation>
@@ -98,7 +91,7 @@ void codedUnits(Draw& draw)
     const uint32_t step = wholeOnly ? extent.width / 8 : unitsWide;
     const uint8_t* src = draw.sourceArray<uint8_t>("src", (step * (unitsHigh - 1) + unitsWide) * unitSize);
     uint8_t* dst = draw.destinationArray<uint8_t>("dst", 3 * extent.width * extent.height);
-    draw.run([&] { operation(src, extent.width, extent.height, dst); });
+    draw.call(operation, src, extent, dst);
 }
 
 } // namespace

@@ -43,10 +43,7 @@ void sized(Draw& draw, uint32_t n, Operation operation)
     const Extent extent = draw.extent(n + 1, n + 1, 2 * (n / 2));
     const auto src = draw.source<uint8_t>("src", extent);
     const auto dst = draw.destination<T>("dst", extent);
-    draw.run([&] {
-        return operation(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
-                         dst.strideArgument());
-    });
+    draw.call(operation, sized(src, extent), dst);
 }
 
 uint32_t size(Draw& draw)

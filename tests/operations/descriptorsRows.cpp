@@ -37,7 +37,7 @@ template <class T, uint32_t n, auto* operation>
 void pair(Draw& draw)
 {
     const T *const a = draw.sourceArray<T>("a", n), *const b = draw.sourceArray<T>("b", n);
-    draw.run([&] { return operation(a, b); });
+    draw.call(operation, a, b);
 }
 
 // operation(a, b, length).
@@ -46,7 +46,7 @@ void arrays(Draw& draw)
 {
     const uint32_t length = draw.length(0, sizeof(T));
     const T *const a = draw.sourceArray<T>("a", length), *const b = draw.sourceArray<T>("b", length);
-    draw.run([&] { return operation(a, b, length); });
+    draw.call(operation, a, b, length);
 }
 
 template <class T, auto* operation>
@@ -54,16 +54,14 @@ void blocks(Draw& draw)
 {
     const Extent extent = draw.extent();
     const auto a = draw.source<T>("a", extent), b = draw.source<T>("b", extent);
-    draw.run([&] {
-        return operation(a.pixels, extent.width, extent.height, a.strideArgument(), b.pixels, b.strideArgument());
-    });
+    draw.call(operation, sized(a, extent), b);
 }
 
 template <uint32_t n, auto* operation>
 void count(Draw& draw)
 {
     const uint8_t* const src = draw.sourceArray<uint8_t>("src", n);
-    draw.run([&] { return operation(src); });
+    draw.call(operation, src);
 }
 
 // operation(a, b, c, d, counts).
@@ -72,7 +70,7 @@ void fourCounts(Draw& draw)
 {
     const Vectors<uint8_t, n> v(draw);
     uint32_t* const counts = draw.destinationArray<uint32_t>("counts", 4);
-    draw.run([&] { operation(v.at[0], v.at[1], v.at[2], v.at[3], counts); });
+    draw.call(operation, v.at[0], v.at[1], v.at[2], v.at[3], counts);
 }
 
 // operation(a, b, c, d, e, results).
@@ -81,7 +79,7 @@ void oneWithFour(Draw& draw)
 {
     const Vectors<T, n> v(draw);
     Result* const results = draw.destinationArray<Result>("results", 4);
-    draw.run([&] { operation(v.at[0], v.at[1], v.at[2], v.at[3], v.at[4], results); });
+    draw.call(operation, v.at[0], v.at[1], v.at[2], v.at[3], v.at[4], results);
 }
 
 // The same with inverse lengths.
@@ -92,7 +90,7 @@ void normalised(Draw& draw)
     const float length = inverseLength(draw);
     const float* const lengths = inverseLengths(draw, 4);
     float* const results = draw.destinationArray<float>("results", 4);
-    draw.run([&] { operation(v.at[0], length, v.at[1], v.at[2], v.at[3], v.at[4], lengths, results); });
+    draw.call(operation, v.at[0], length, v.at[1], v.at[2], v.at[3], v.at[4], lengths, results);
 }
 
 template <class T>
@@ -119,10 +117,8 @@ struct List {
 void distances36(Draw& draw)
 {
     const List<int8_t> list(draw, 36, 11);
-    draw.run([&] {
-        odxSumOfSquaredDiffs36xNs8(list.a, list.length, list.vectors.data(), list.lengths, list.count,
-                                   list.results);
-    });
+    draw.call(odxSumOfSquaredDiffs36xNs8, list.a, list.length, list.vectors.data(), list.lengths, list.count,
+              list.results);
 }
 
 template <class T, auto* operation>
@@ -139,7 +135,7 @@ template <uint32_t width, uint32_t height, auto* operation>
 void patches(Draw& draw)
 {
     const auto a = draw.source<uint8_t>("a", {width, height}), b = draw.source<uint8_t>("b", {width, height});
-    draw.run([&] { return operation(a.pixels, a.strideArgument(), b.pixels, b.strideArgument()); });
+    draw.call(operation, a, b);
 }
 
 template <uint32_t n, auto* operation>
@@ -148,10 +144,7 @@ void everywhere(Draw& draw)
     const Extent extent = draw.extent(n, n, n - 1);
     const auto patch = draw.source<uint8_t>("patch", {n, n}), src = draw.source<uint8_t>("src", extent);
     const auto dst = draw.destination<uint16_t>("dst", {extent.width - n + 1, extent.height - n + 1});
-    draw.run([&] {
-        operation(patch.pixels, patch.strideArgument(), src.pixels, extent.width, extent.height,
-                  src.strideArgument(), dst.pixels, dst.strideArgument());
-    });
+    draw.call(operation, patch, sized(src, extent), dst);
 }
 
 void everywherePacked(Draw& draw)
@@ -182,9 +175,7 @@ void normalise(Draw& draw)
     const float norm = draw.real("norm", -3, 300, 1);
     float* const dst = draw.destinationArray<float>("dst", 36 * count);
     const uint32_t stop = draw.pick("stop", {0u, 0u, 0u, 0u, 256u});
-    draw.run([&] {
-        return odxVecNormalize36s8f32(src.pixels, src.strideArgument(), lengths, count, norm, dst, &stop);
-    });
+    draw.call(odxVecNormalize36s8f32, src, lengths, count, norm, dst, &stop);
 }
 
 Random seeded(Draw& draw)
@@ -216,10 +207,8 @@ void meanAndVariance(Draw& draw)
     const bool all = draw.pick("indices", {1, 0}) == 0;
     float *const mean = draw.destinationArray<float>("mean", 36), *const variance =
                                                                       draw.destinationArray<float>("variance", 36);
-    draw.run([&] {
-        return odxDescriptorSampledMeanAndVar36f32(v.pixels, count, v.strideArgument(), all ? nullptr : indices,
-                                                   sample, mean, variance);
-    });
+    draw.call(odxDescriptorSampledMeanAndVar36f32, v.pixels, count, v.strideArgument(), all ? nullptr : indices,
+              sample, mean, variance);
 }
 
 void sort8(Draw& draw)
@@ -256,14 +245,12 @@ void cluster(Draw& draw, uint32_t length, Call call)
     Sum* const sums = draw.destinationArray<Sum>("sums", numCenters * length);
     T* const moved = draw.destinationArray<T>("new centers", centers.stride / sizeof(T) * numCenters);
     const int results = draw.pick("results", {0, 1, 2, 3});
-    draw.run([&] {
-        return call(v.pixels, count, v.strideArgument(), centers.pixels, numCenters, centers.strideArgument(),
-                    labels, results == 1 ? nullptr : distances, results == 2 ? nullptr : counts,
-                    results >= 2 ? nullptr : sums,
-                    results >= 2   ? nullptr
-                    : results == 1 ? centers.pixels
-                                   : moved);
-    });
+    draw.call(call, v.pixels, count, v.strideArgument(), centers.pixels, numCenters, centers.strideArgument(),
+              labels, results == 1 ? nullptr : distances, results == 2 ? nullptr : counts,
+              results >= 2 ? nullptr : sums,
+              results >= 2   ? nullptr
+              : results == 1 ? centers.pixels
+                             : moved);
 }
 
 template <class T, class Distance, class Sum, auto* operation>
@@ -304,7 +291,7 @@ struct TreeCase {
 void createTree(Draw& draw)
 {
     const TreeCase tree(draw);
-    draw.run([&] { return odxKDTreeDestroy36s8f32(tree.create()); });
+    draw.call(odxKDTreeDestroy36s8f32, tree.create());
 }
 
 void queryTree(Draw& draw)
@@ -316,10 +303,8 @@ void queryTree(Draw& draw)
     uint32_t* const found = draw.destinationArray<uint32_t>("found", 1);
     int32_t* const indices = draw.destinationArray<int32_t>("indices", static_cast<uint32_t>(room));
     float* const distances = draw.destinationArray<float>("distances", static_cast<uint32_t>(room));
-    draw.run([&] {
-        return odxKDTreeQuery36s8f32(tree, made.query, made.length, room, most, checks, 0, found, indices,
-                                     distances);
-    });
+    draw.call(odxKDTreeQuery36s8f32, tree, made.query, made.length, room, most, checks, 0, found, indices,
+              distances);
     odxKDTreeDestroy36s8f32(tree);
 }
 
@@ -360,10 +345,8 @@ void prepareSearch(Draw& draw)
     // An order of equal ids is not promised, so that there are none.
     for (uint32_t i = 0; i < all.count; ++i)
         all.ids[i] = static_cast<uint16_t>(i * 40503u);
-    draw.run([&] {
-        return odxLinearSearchPrepare8x36s8(all.lut, all.targets, all.descriptors, all.lengths, all.ids, all.old,
-                                            all.count);
-    });
+    draw.call(odxLinearSearchPrepare8x36s8, all.lut, all.targets, all.descriptors, all.lengths, all.ids, all.old,
+              all.count);
 }
 
 void searchLinearly(Draw& draw)
@@ -385,11 +368,8 @@ void searchLinearly(Draw& draw)
     for (uint32_t*& result : results)
         result = draw.destinationArray<uint32_t>("result", std::max(room, 1u));
     uint32_t* const found = draw.destinationArray<uint32_t>("found", 1);
-    draw.run([&] {
-        odxLinearSearch8x36s8(all.lut, all.targets, all.descriptors, all.lengths, all.ids, all.count, src, lengths,
-                              targets, sources, ignore, ignored, most, results[0], results[1], results[2], room,
-                              found);
-    });
+    draw.call(odxLinearSearch8x36s8, all.lut, all.targets, all.descriptors, all.lengths, all.ids, all.count, src,
+              lengths, targets, sources, ignore, ignored, most, results[0], results[1], results[2], room, found);
 }
 
 void searchVocabulary(Draw& draw)
@@ -408,7 +388,7 @@ void searchVocabulary(Draw& draw)
         lengths[i] = static_cast<uint32_t>(random());
         counts[i / 10] = static_cast<uint8_t>(draw.measures() ? 10 : random() % 12);
     }
-    draw.run([&] { return odxKMeansTreeSearch36x10s8(centers, lengths, children, counts, nodes, key); });
+    draw.call(odxKMeansTreeSearch36x10s8, centers, lengths, children, counts, nodes, key);
 }
 
 } // namespace

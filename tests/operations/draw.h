@@ -22,6 +22,7 @@
 #include <stdint.h>
 #include <string.h>
 #include <string>
+#include <tuple>
 #include <type_traits>
 #include <vector>
 
@@ -91,6 +92,37 @@ struct Random {
         return z ^ z >> 31;
     }
 };
+
+template <class T>
+auto flat(const T& argument)
+{
+    return std::tuple(argument);
+}
+template <class... T>
+auto flat(const std::tuple<T...>& arguments)
+{
+    return arguments;
+}
+inline auto flat(Extent extent)
+{
+    return std::tuple(extent.width, extent.height);
+}
+template <class T>
+auto flat(const Image<T>& image)
+{
+    return std::tuple(image.pixels, image.strideArgument());
+}
+// An image with its size, in pixels, before its stride.
+template <class T>
+auto sized(const Image<T>& image, Extent extent)
+{
+    return std::tuple(image.pixels, extent.width, extent.height, image.strideArgument());
+}
+template <class T>
+auto sized(const Image<T>& image)
+{
+    return sized(image, {image.width, image.height});
+}
 
 class Draw
 {
@@ -187,6 +219,14 @@ public:
         } else {
             result(operation());
         }
+    }
+    // run(operation(...)) of these arguments, where an image stands for its pixels and its stride, an extent for
+    // its sides, and a tuple for its elements.
+    template <class Operation, class... Arguments>
+    void call(Operation operation, const Arguments&... arguments)
+    {
+        const auto all = std::tuple_cat(flat(arguments)...);
+        run([&] { return std::apply(operation, all); });
     }
     // A value that the operation returned or wrote through a pointer.
     template <class T>

@@ -19,10 +19,7 @@ struct Detection {
     void run(Draw& draw, Rest... rest) const
     {
         uint32_t count = 0;
-        draw.run([&] {
-            operation(src.pixels, src.width, src.height, src.strideArgument(), barrier, border, xy, capacity,
-                      &count, rest...);
-        });
+        draw.call(operation, sized(src), barrier, border, xy, capacity, &count, rest...);
         draw.result(count);
     }
     template <auto* operation, class... Rest>
@@ -30,10 +27,7 @@ struct Detection {
     {
         uint32_t* const scores = draw.destinationArray<uint32_t>("scores", std::max(capacity, 1u));
         uint32_t count = 0;
-        draw.run([&] {
-            operation(src.pixels, src.width, src.height, src.strideArgument(), barrier, border, xy, scores,
-                      capacity, &count, rest...);
-        });
+        draw.call(operation, sized(src), barrier, border, xy, scores, capacity, &count, rest...);
         draw.result(count);
     }
 };

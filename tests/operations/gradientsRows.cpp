@@ -22,14 +22,11 @@ void gradients(Draw& draw)
         const auto out = draw.destination<T>("gradients", size, packed);
         uint32_t rows = 0;
         ((results = &out.at(0, rows), rows += extent.height), ...);
-        draw.run([&] {
-            if constexpr (packed) {
-                operation(src.pixels, extent.width, extent.height, src.strideArgument(), results...);
-            } else {
-                operation(src.pixels, extent.width, extent.height, src.strideArgument(), results...,
-                          out.strideArgument());
-            }
-        });
+        if constexpr (packed) {
+            draw.call(operation, sized(src, extent), results...);
+        } else {
+            draw.call(operation, sized(src, extent), results..., out.strideArgument());
+        }
     };
     T* const none = nullptr;
     if constexpr (pairs) {
@@ -44,17 +41,14 @@ template <class S, class T, auto* operation>
 constexpr auto planes = gradients<S, T, false, operation>;
 
 // Gradients that need not be wanted, below each other in one image; a measurement of edges wants none.
-struct Optional {
-    int16_t *x, *y;
-    uint32_t stride;
-};
-Optional optional(Draw& draw, Extent extent, int typical)
+auto optional(Draw& draw, Extent extent, int typical)
 {
     const int wanted = draw.pick("wanted", {typical, 3 - typical, 1, 2});
-    if (wanted == 0) return {nullptr, nullptr, 0};
+    int16_t* const none = nullptr;
+    if (wanted == 0) return std::tuple(none, none, 0u);
     const auto both = draw.destination<int16_t>("dx, dy", {extent.width, 2 * extent.height});
-    return {wanted & 1 ? both.pixels : nullptr, wanted & 2 ? &both.at(0, extent.height) : nullptr,
-            both.strideArgument()};
+    return std::tuple(wanted & 1 ? both.pixels : none, wanted & 2 ? &both.at(0, extent.height) : none,
+                      both.strideArgument());
 }
 
 template <uint32_t K, auto* operation>
@@ -62,26 +56,20 @@ void sobel(Draw& draw)
 {
     const Extent extent = draw.extent(1, 1, K - 1);
     const auto src = draw.source<uint8_t>("src", extent);
-    const Optional out = optional(draw, extent, 3);
-    runWith<borderType, borderValue>(draw, [&](auto... border) {
-        return operation(src.pixels, extent.width, extent.height, src.strideArgument(), out.x, out.y, out.stride,
-                         border...);
-    });
+    const auto out = optional(draw, extent, 3);
+    draw.call(operation, sized(src, extent), out, drawn<borderType, borderValue>(draw));
 }
 
 void canny(Draw& draw)
 {
     const Extent extent = draw.extent();
     const auto src = draw.source<uint8_t>("src", extent), dst = draw.destination<uint8_t>("dst", extent);
-    const Optional out = optional(draw, extent, 0);
+    const auto out = optional(draw, extent, 0);
     const uint32_t kernel = draw.pick("kernel", {3u, 5u, 7u});
     const int32_t scale = kernel == 3 ? 1 : kernel == 5 ? 10 : 80;
-    runWith<between<-300, 900, 80>, between<-600, 1500, 200>, oneOf<ONDRIX_NORM_L1, ONDRIX_NORM_L2>>(
-        draw, [&](int low, int high, odxNormType norm) {
-            return odxFilterCannyu8(src.pixels, extent.width, extent.height, src.strideArgument(), kernel,
-                                    scale * low, scale * high, norm, dst.pixels, dst.strideArgument(), out.x,
-                                    out.y, out.stride);
-        });
+    const int low = scale * draw.number("low", -300, 900, 80), high = scale * draw.number("high", -600, 1500, 200);
+    draw.call(odxFilterCannyu8, sized(src, extent), kernel, low, high,
+              drawn<oneOf<ONDRIX_NORM_L1, ONDRIX_NORM_L2>>(draw), dst, out);
 }
 
 constexpr auto low = between<-10, 60, 20>, high = between<60, 300, 60>;
@@ -89,11 +77,8 @@ void differenceEdges(Draw& draw)
 {
     const Extent extent = draw.extent(3, 3);
     const auto src = draw.source<uint8_t>("src", extent), dst = draw.destination<uint8_t>("dst", extent);
-    const Optional out = optional(draw, extent, 3);
-    runWith<low, high>(draw, [&](int from, int to) {
-        odxFilterCanny3x3u8_v3(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
-                               dst.strideArgument(), from, to, out.x, out.y, out.stride);
-    });
+    const auto out = optional(draw, extent, 3);
+    draw.call(odxFilterCanny3x3u8_v3, sized(src, extent), dst, drawn<low, high>(draw), out);
 }
 
 } // namespace

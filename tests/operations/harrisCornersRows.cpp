@@ -46,10 +46,7 @@ void corners(Draw& draw)
     const CornerList list(draw);
     const uint32_t border = drawBorder(draw);
     const int threshold = drawThreshold(draw);
-    draw.run([&] {
-        odxCornerHarrisu8(src.pixels, extent.width, extent.height, src.strideArgument(), border, list.xy,
-                          list.capacity, list.count, threshold);
-    });
+    draw.call(odxCornerHarrisu8, sized(src, extent), border, list.xy, list.capacity, list.count, threshold);
 }
 
 void cornersInMask(Draw& draw)
@@ -67,10 +64,8 @@ void cornersInMask(Draw& draw)
     const auto bits = draw.source<uint8_t>("bits", {(mask.width + 7) / 8, mask.height}, true);
     const CornerList list(draw);
     const int threshold = drawThreshold(draw);
-    draw.run([&] {
-        odxCornerHarrisInMasku8(src.pixels, extent.width, extent.height, src.strideArgument(), 0, list.xy,
-                                list.capacity, list.count, threshold, bits.pixels, mask.width, mask.height);
-    });
+    draw.call(odxCornerHarrisInMasku8, sized(src, extent), 0, list.xy, list.capacity, list.count, threshold,
+              bits.pixels, mask.width, mask.height);
 }
 
 void strongest(Draw& draw)
@@ -79,10 +74,7 @@ void strongest(Draw& draw)
     const auto src = draw.source<uint8_t>("src", extent);
     const CornerList list(draw);
     const int threshold = drawThreshold(draw);
-    draw.run([&] {
-        odxCornerHarrisAdaptiveu8(src.pixels, extent.width, extent.height, src.strideArgument(), 0, list.xy,
-                                  list.capacity, list.count, threshold);
-    });
+    draw.call(odxCornerHarrisAdaptiveu8, sized(src, extent), 0, list.xy, list.capacity, list.count, threshold);
 }
 
 void scores(Draw& draw)
@@ -92,10 +84,8 @@ void scores(Draw& draw)
     const CornerList list(draw);
     int32_t* const responses = draw.destinationArray<int32_t>("scores", list.capacity);
     const int threshold = drawThreshold(draw);
-    draw.run([&] {
-        odxCornerHarrisScoreu8(src.pixels, extent.width, extent.height, src.strideArgument(), 0, list.xy,
-                               responses, list.capacity, list.count, threshold);
-    });
+    draw.call(odxCornerHarrisScoreu8, sized(src, extent), 0, list.xy, responses, list.capacity, list.count,
+              threshold);
 }
 
 void localMaximum(Draw& draw)
@@ -107,10 +97,7 @@ void localMaximum(Draw& draw)
                    radius = draw.pick("radius", {50u, 4u, 8u, 100u, 0xFFFFFFFFu});
     uint32_t* const at = draw.destinationArray<uint32_t>("at", 2);
     int32_t* const response = draw.destinationArray<int32_t>("response", 1);
-    draw.run([&] {
-        return odxLocalHarrisMaxu8(src.pixels, extent.width, extent.height, src.strideArgument(), x, y, radius, at,
-                                   at + 1, response);
-    });
+    draw.call(odxLocalHarrisMaxu8, sized(src, extent), x, y, radius, at, at + 1, response);
 }
 
 void goodFeatures(Draw& draw)
@@ -120,10 +107,8 @@ void goodFeatures(Draw& draw)
     const CornerList list(draw);
     const float quality = draw.real("quality", 0, 0.2f, 0.01f);
     const uint32_t distance = draw.pick("distance", {10u, 0u, 4u, 31u, 100000u});
-    draw.run([&] {
-        odxGoodFeatureToTracku8(src.pixels, extent.width, extent.height, src.strideArgument(), 0, list.xy,
-                                list.capacity, list.count, quality, distance);
-    });
+    draw.call(odxGoodFeatureToTracku8, sized(src, extent), 0, list.xy, list.capacity, list.count, quality,
+              distance);
 }
 
 void refine(Draw& draw)
@@ -161,10 +146,8 @@ void maximaAlongLine(Draw& draw)
     const float angle = draw.real("angle", 0, 1, 0.5f);
     float* const maxima = draw.destinationArray<float>("maxima", capacity);
     uint32_t* const count = draw.destinationArray<uint32_t>("count", 1);
-    draw.run([&] {
-        return odxFindMultipleMaximau8(src.pixels, extent.width, extent.height, src.strideArgument(), pos, dir,
-                                       distance, capacity, gradient, angle, maxima, count);
-    });
+    draw.call(odxFindMultipleMaximau8, sized(src, extent), pos, dir, distance, capacity, gradient, angle, maxima,
+              count);
 }
 
 } // namespace

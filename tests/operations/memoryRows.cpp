@@ -12,7 +12,7 @@ void registerBuffer(Draw& draw)
 {
     const uint32_t size = draw.number<uint32_t>("size", 1, 9, 4096);
     const Image<uint8_t> buffer = draw.source<uint8_t>("buffer", {size, 1}, true);
-    draw.run([&] { return odxRegisterBuf(buffer.pixels, size, 3); });
+    draw.call(odxRegisterBuf, buffer.pixels, size, 3);
 }
 
 } // namespace

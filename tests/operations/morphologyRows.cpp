@@ -24,10 +24,7 @@ void sized(Draw& draw)
                               : Extent{draw.number<uint32_t>("width", 1500, 5000, 1920), draw.extent().height};
     const uint32_t n = draw.pick("N", {9u, 1u, 2u, 3u, 4u, 5u, 8u, 16u, 17u, 31u, 40u, 65u, 300u, 3000000000u});
     const auto src = draw.source<uint8_t>("src", extent), dst = draw.destination<uint8_t>("dst", extent);
-    draw.run([&] {
-        return operation(src.pixels, extent.width, extent.height, src.strideArgument(), n, dst.pixels,
-                         dst.strideArgument());
-    });
+    draw.call(operation, sized(src, extent), n, dst);
 }
 
 } // namespace

@@ -100,21 +100,17 @@ template <auto* operation>
 void withGradients(Draw& draw)
 {
     const Flow f(draw, true);
-    draw.run([&] {
-        operation(f.src1.pixels, f.src2.pixels, f.width(), f.height(), f.packed[0], f.packed[1], nullptr, nullptr,
-                  f.features, f.out, f.status, f.count, f.window[0], f.window[1], f.limit, f.levels, 1, 2, 3.0F,
-                  4);
-    });
+    draw.call(operation, f.src1.pixels, f.src2.pixels, f.width(), f.height(), f.packed[0], f.packed[1], nullptr,
+              nullptr, f.features, f.out, f.status, f.count, f.window[0], f.window[1], f.limit, f.levels, 1, 2,
+              3.0F, 4);
 }
 
 void strided(Draw& draw)
 {
     const Flow f(draw, true);
-    draw.run([&] {
-        odxTrackLKOpticalFlowu8_v2(f.src1.pixels, f.src2.pixels, f.width(), f.height(), f.src1.strideArgument(),
-                                   f.packed[0], f.packed[1], f.features, f.out, f.status, f.count, f.window[0],
-                                   f.window[1], f.limit, f.levels);
-    });
+    draw.call(odxTrackLKOpticalFlowu8_v2, f.src1.pixels, f.src2.pixels, f.width(), f.height(),
+              f.src1.strideArgument(), f.packed[0], f.packed[1], f.features, f.out, f.status, f.count, f.window[0],
+              f.window[1], f.limit, f.levels);
 }
 
 void estimated(Draw& draw)
@@ -126,12 +122,9 @@ void estimated(Draw& draw)
         estimates[i] = f.features[i] + draw.real("by", -3, 3, 0);
     const int use = draw.pick("use", {0, 1}), mode = draw.pick("mode", {0, 1, 2, -1});
     const float epsilon = draw.real("epsilon", -0.1F, 0.1F, 0.0009F);
-    draw.run([&] {
-        return odxTrackLKOpticalFlowu8_v3(f.src1.pixels, f.src2.pixels, f.width(), f.height(),
-                                          f.src1.strideArgument(), f.strided[0], f.strided[1], f.features, f.out,
-                                          f.status, f.count, f.window[0], f.window[1], f.limit, f.levels,
-                                          estimates, use, epsilon, mode);
-    });
+    draw.call(odxTrackLKOpticalFlowu8_v3, f.src1.pixels, f.src2.pixels, f.width(), f.height(),
+              f.src1.strideArgument(), f.strided[0], f.strided[1], f.features, f.out, f.status, f.count,
+              f.window[0], f.window[1], f.limit, f.levels, estimates, use, epsilon, mode);
 }
 
 } // namespace

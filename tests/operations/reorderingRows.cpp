@@ -15,9 +15,7 @@ void transpose(Draw& draw)
     const Extent extent = draw.extent();
     const auto src = draw.source<T>("src", {channels * extent.width, extent.height});
     const auto dst = draw.destination<T>("dst", {channels * extent.height, extent.width});
-    draw.run([&] {
-        operation(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels, dst.strideArgument());
-    });
+    draw.call(operation, sized(src, extent), dst);
 }
 
 template <class T, uint32_t channels, auto* operation>
@@ -28,16 +26,11 @@ void flip(Draw& draw)
     const auto src = draw.source<T>("src", {channels * extent.width, extent.height});
     if (!draw.measures() && draw.pick("in place", {0, 1}) == 1) {
         draw.writesInPlace(src);
-        draw.run([&] {
-            return operation(src.pixels, extent.width, extent.height, src.stride, src.pixels, src.stride, dir);
-        });
+        draw.call(operation, src.pixels, extent, src.stride, src.pixels, src.stride, dir);
         return;
     }
     const auto dst = draw.destination<T>("dst", {channels * extent.width, extent.height});
-    draw.run([&] {
-        return operation(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
-                         dst.strideArgument(), dir);
-    });
+    draw.call(operation, sized(src, extent), dst, dir);
 }
 
 template <uint32_t channels, auto* operation>
@@ -48,10 +41,7 @@ void rotate(Draw& draw)
     const Extent turned = degree == 2 ? extent : Extent{extent.height, extent.width};
     const auto src = draw.source<uint8_t>("src", {channels * extent.width, extent.height});
     const auto dst = draw.destination<uint8_t>("dst", {channels * turned.width, turned.height});
-    draw.run([&] {
-        return operation(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
-                         dst.strideArgument(), degree);
-    });
+    draw.call(operation, sized(src, extent), dst, degree);
 }
 
 void copy(Draw& draw)
@@ -59,7 +49,7 @@ void copy(Draw& draw)
     const uint32_t length = draw.length(1);
     const auto* const src = draw.sourceArray<uint8_t>("src", length);
     auto* const dst = draw.destinationArray<uint8_t>("dst", length);
-    draw.run([&] { return odxCopy(dst, src, length); });
+    draw.call(odxCopy, dst, src, length);
 }
 
 } // namespace

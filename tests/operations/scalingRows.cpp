@@ -32,7 +32,7 @@ void packed(Draw& draw)
     const Extent extent = multiples(draw, down);
     const auto src = draw.source<T>("src", extent, true);
     const auto dst = draw.destination<T>("dst", {extent.width / down * up, extent.height / down * up}, true);
-    draw.run([&] { return operation(src.pixels, extent.width, extent.height, dst.pixels); });
+    draw.call(operation, src.pixels, extent, dst.pixels);
 }
 
 template <class T, uint32_t channels, auto* operation>
@@ -40,10 +40,7 @@ void withStrides(Draw& draw, Extent extent, Extent outputs)
 {
     const auto src = draw.source<T>("src", {extent.width * channels, extent.height});
     const auto dst = draw.destination<T>("dst", {outputs.width * channels, outputs.height});
-    draw.run([&] {
-        return operation(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
-                         dst.strideArgument());
-    });
+    draw.call(operation, sized(src, extent), dst);
 }
 
 template <class T, uint32_t down, auto* operation>
@@ -82,10 +79,7 @@ void resize(Draw& draw, Extent from, Extent to, Numbers... numbers)
 {
     const auto src = draw.source<uint8_t>("src", {from.width * channels, from.height}),
                dst = draw.destination<uint8_t>("dst", {to.width * channels, to.height});
-    draw.run([&] {
-        return operation(src.pixels, from.width, from.height, src.strideArgument(), dst.pixels, to.width,
-                         to.height, dst.strideArgument(), numbers...);
-    });
+    draw.call(operation, sized(src, from), sized(dst, to), numbers...);
 }
 
 template <uint32_t channels, uint32_t share, auto* operation>
@@ -135,7 +129,7 @@ void blocks(Draw& draw)
     const Extent extent = draw.extent(k.x, k.y), to = {extent.width / k.x, extent.height / k.y};
     const auto src = draw.source<uint8_t>("src", {to.width * k.x, to.height * k.y}, true),
                dst = draw.destination<uint8_t>("dst", to, true);
-    draw.run([&] { odxScaleDownu8(src.pixels, src.width, src.height, dst.pixels, to.width, to.height); });
+    draw.call(odxScaleDownu8, src.pixels, src.width, src.height, dst.pixels, to);
 }
 
 void blocks_v2(Draw& draw)
@@ -202,10 +196,7 @@ void anyPyramid(Draw& draw)
         const Extent whole = {levels[i].stride, sizes[i].height};
         levels[i].ptr = draw.destination<uint8_t>("level", whole, true).pixels;
     }
-    draw.run([&] {
-        return odxPyramidCreateu8_v3(base.pixels, extent.width, extent.height, base.strideArgument(), count,
-                                     octaves, levels.data());
-    });
+    draw.call(odxPyramidCreateu8_v3, sized(base, extent), count, octaves, levels.data());
     report(draw, levels, base.pixels);
 }
 
@@ -222,7 +213,7 @@ void gradients(Draw& draw)
         levels[1][i].ptr = draw.destination<T>("dx", size, true).pixels;
         levels[2][i].ptr = draw.destination<T>("dy", size, true).pixels;
     }
-    draw.run([&] { return operation(levels[0].data(), levels[1].data(), levels[2].data(), kLevels); });
+    draw.call(operation, levels[0].data(), levels[1].data(), levels[2].data(), kLevels);
     report(draw, levels[1], nullptr);
     report(draw, levels[2], nullptr);
 }

@@ -12,8 +12,6 @@
 
 #include "ondrix/types.h"
 
-#include <tuple>
-
 namespace odx::test
 {
 
@@ -41,12 +39,17 @@ constexpr auto borderValue = between<0u, 300u, 0u>;
 
 // ---- shapes ----
 
+template <auto... arguments>
+auto drawn(Draw& draw)
+{
+    return std::tuple{arguments(draw)...};
+}
+
 // call(rest...), with what each of `rest` draws.
 template <auto... rest, class Call>
 void runWith(Draw& draw, Call call)
 {
-    const std::tuple values{rest(draw)...};
-    draw.run([&] { return std::apply(call, values); });
+    draw.call(call, drawn<rest...>(draw));
 }
 
 // operation(src, width, height, srcStride, dst, dstStride, rest...); 0 stands for packed rows.
@@ -56,10 +59,7 @@ void imageToImage(Draw& draw)
     const Extent extent = Size::draw(draw);
     const auto src = draw.source<Source>("src", extent);
     const auto dst = draw.destination<Destination>("dst", extent);
-    runWith<rest...>(draw, [&](auto... value) {
-        return operation(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
-                         dst.strideArgument(), value...);
-    });
+    draw.call(operation, sized(src, extent), dst, drawn<rest...>(draw));
 }
 
 // The same where a stride of 0 stands for nothing.
@@ -69,9 +69,7 @@ void stridedToStrided(Draw& draw)
     const Extent extent = Size::draw(draw);
     const auto src = draw.source<Source>("src", extent);
     const auto dst = draw.destination<Destination>("dst", extent);
-    runWith<rest...>(draw, [&](auto... value) {
-        return operation(src.pixels, extent.width, extent.height, src.stride, dst.pixels, dst.stride, value...);
-    });
+    draw.call(operation, src.pixels, extent, src.stride, dst.pixels, dst.stride, drawn<rest...>(draw));
 }
 
 // operation(src, width, height, dst, rest...), of packed rows.
@@ -81,9 +79,7 @@ void packedToPacked(Draw& draw)
     const Extent extent = Size::draw(draw);
     const auto src = draw.source<Source>("src", extent, true);
     const auto dst = draw.destination<Destination>("dst", extent, true);
-    runWith<rest...>(draw, [&](auto... value) {
-        return operation(src.pixels, extent.width, extent.height, dst.pixels, value...);
-    });
+    draw.call(operation, src.pixels, extent, dst.pixels, drawn<rest...>(draw));
 }
 
 // result = operation(src, length).
@@ -92,7 +88,7 @@ void arrayToResult(Draw& draw)
 {
     const uint32_t length = draw.length(1, sizeof(Source));
     const Source* const src = draw.sourceArray<Source>("src", length);
-    draw.run([&] { return operation(src, length); });
+    draw.call(operation, src, length);
 }
 
 } // namespace odx::test

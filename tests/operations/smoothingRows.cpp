@@ -27,16 +27,11 @@ void boxNxN(Draw& draw)
     const auto src = draw.source<float>("src", extent);
     if (!draw.measures() && draw.pick("in place", {0, 1, 0}) == 1) {
         draw.writesInPlace(src);
-        draw.run([&] {
-            odxBoxFilterNxNf32(src.pixels, extent.width, extent.height, src.stride, n, src.pixels, src.stride);
-        });
+        draw.call(odxBoxFilterNxNf32, src.pixels, extent, src.stride, n, src.pixels, src.stride);
         return;
     }
     const auto dst = draw.destination<float>("dst", extent);
-    draw.run([&] {
-        odxBoxFilterNxNf32(src.pixels, extent.width, extent.height, src.strideArgument(), n, dst.pixels,
-                           dst.strideArgument());
-    });
+    draw.call(odxBoxFilterNxNf32, sized(src, extent), n, dst);
 }
 
 void medianMxN(Draw& draw)
@@ -44,10 +39,7 @@ void medianMxN(Draw& draw)
     const Extent extent = draw.extent();
     const uint32_t m = draw.pick("M", {3u, 5u, 7u, 21u}), n = draw.pick("N", {3u, 5u, 9u});
     const auto src = draw.source<int16_t>("src", extent), dst = draw.destination<int16_t>("dst", extent);
-    draw.run([&] {
-        return odxFilterMedianMxNs16(src.pixels, extent.width, extent.height, src.stride, m, n, dst.pixels,
-                                     dst.stride);
-    });
+    draw.call(odxFilterMedianMxNs16, src.pixels, extent, src.stride, m, n, dst.pixels, dst.stride);
 }
 
 } // namespace

@@ -16,10 +16,8 @@ void product(Draw& draw)
     const auto src1 = draw.source<Source>("src1", {deep, extent.height});
     const auto src2 = draw.source<Source>("src2", {extent.width, deep});
     const auto dst = draw.destination<Result>("dst", extent);
-    draw.run([&] {
-        operation(src1.pixels, deep, extent.height, src1.strideArgument(), src2.pixels, extent.width,
-                  src2.strideArgument(), dst.pixels, dst.strideArgument());
-    });
+    draw.call(operation, src1.pixels, deep, extent.height, src1.strideArgument(), src2.pixels, extent.width,
+              src2.strideArgument(), dst);
 }
 
 // The buffers of a solver, with a matrix that is made anew for each call: symmetric, its diagonal strengthened so
@@ -85,9 +83,7 @@ void decomposition(Draw& draw)
     const auto U = draw.destination<float>("U", extent, true), Vt = draw.destination<float>("Vt", square, true),
                tmpU = draw.destination<float>("tmpU", extent, true),
                tmpV = draw.destination<float>("tmpV", square, true);
-    draw.run([&] {
-        odxSVDf32(A.pixels, extent.height, extent.width, w, U.pixels, Vt.pixels, tmpU.pixels, tmpV.pixels);
-    });
+    draw.call(odxSVDf32, A.pixels, extent.height, extent.width, w, U.pixels, Vt.pixels, tmpU.pixels, tmpV.pixels);
 }
 
 void leastSquares(Draw& draw)
@@ -97,7 +93,7 @@ void leastSquares(Draw& draw)
     const auto A = draw.source<float>("A", extent, true);
     const float* const b = draw.sourceArray<float>("b", extent.height);
     float* const x = draw.destinationArray<float>("x", extent.width);
-    draw.run([&] { odxSolvef32(A.pixels, extent.width, extent.height, b, x); });
+    draw.call(odxSolvef32, A.pixels, extent, b, x);
 }
 
 } // namespace

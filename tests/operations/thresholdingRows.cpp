@@ -15,11 +15,11 @@ void inPlaceOrNot(Draw& draw, Extent extent, bool packed, Operation operation)
     const auto src = draw.source<uint8_t>("src", extent, packed);
     if (!draw.measures() && draw.pick("in place", {0, 1, 0}) == 1) {
         draw.writesInPlace(src);
-        draw.run([&] { return operation(src.pixels, src.stride, src.pixels, src.strideArgument()); });
+        draw.call(operation, src.pixels, src.stride, src);
         return;
     }
     const auto dst = draw.destination<uint8_t>("dst", extent, packed);
-    draw.run([&] { return operation(src.pixels, src.strideArgument(), dst.pixels, dst.strideArgument()); });
+    draw.call(operation, src, dst);
 }
 
 // Levels, and what lies beyond them.
@@ -91,10 +91,7 @@ void adaptive(Draw& draw)
     const auto src = draw.source<uint8_t>("src", extent);
     // Other types clear whole rows.
     const auto dst = draw.destination<uint8_t>("dst", extent, type > 1);
-    draw.run([&] {
-        operation(src.pixels, extent.width, extent.height, src.strideArgument(), maxValue, type, value, dst.pixels,
-                  dst.strideArgument());
-    });
+    draw.call(operation, sized(src, extent), maxValue, type, value, dst);
 }
 
 } // namespace

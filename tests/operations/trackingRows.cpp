@@ -42,15 +42,9 @@ void windowTracker(Draw& draw)
     if constexpr (adaptive) {
         auto* const ellipse = reinterpret_cast<odxTrackedEllipse*>(draw.destinationArray<float>("ellipse", 5));
         const bool none = draw.pick("ellipse", {1, 1, 0}) == 0;
-        draw.run([&] {
-            return operation(src.pixels, extent.width, extent.height, src.strideArgument(), window.fresh(), limit,
-                             epsilon, none ? nullptr : ellipse);
-        });
+        draw.call(operation, sized(src, extent), window.fresh(), limit, epsilon, none ? nullptr : ellipse);
     } else {
-        draw.run([&] {
-            return operation(src.pixels, extent.width, extent.height, src.strideArgument(), window.fresh(), limit,
-                             epsilon);
-        });
+        draw.call(operation, sized(src, extent), window.fresh(), limit, epsilon);
     }
 }
 
@@ -131,11 +125,8 @@ void patchesOnRect(Draw& draw)
     auto* const score = draw.destinationArray<int32_t>("score", count);
     auto* const status = draw.destinationArray<int32_t>("status", count);
     const bool none = draw.pick("status", {1, 1, 0}) == 0;
-    draw.run([&] {
-        return odxNCCPatchesOnRectu8(patches, count, search.src.pixels, search.src.width, search.src.height,
-                                     search.x, search.y, search.width, height, search.threshold, x, y, score,
-                                     none ? nullptr : status);
-    });
+    draw.call(odxNCCPatchesOnRectu8, patches, count, search.src.pixels, search.src.width, search.src.height,
+              search.x, search.y, search.width, height, search.threshold, x, y, score, none ? nullptr : status);
 }
 
 void blockMatching(Draw& draw)
@@ -149,10 +140,8 @@ void blockMatching(Draw& draw)
     auto* const flow = draw.destinationArray<int16_t>("flow", 2 * blocks);
     auto* const sums = draw.destinationArray<uint16_t>("sums", blocks);
     const bool none = draw.pick("sad", {1, 1, 0}) == 0;
-    draw.run([&] {
-        odxTrackBMOpticalFlow16x16u8(src1.pixels, src2.pixels, extent.width, extent.height, src1.strideArgument(),
-                                     step, radius, flow, none ? nullptr : sums);
-    });
+    draw.call(odxTrackBMOpticalFlow16x16u8, src1.pixels, src2.pixels, extent, src1.strideArgument(), step, radius,
+              flow, none ? nullptr : sums);
 }
 
 } // namespace

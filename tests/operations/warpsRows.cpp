@@ -56,10 +56,7 @@ void warp(Draw& draw)
     const auto src = draw.source<uint8_t>("src", {channels * from.width, from.height});
     const auto dst = draw.destination<uint8_t>("dst", {channels * to.width, to.height});
     const float* const m = matrix(draw, 9, from, to);
-    runWith<rest...>(draw, [&](auto... value) {
-        return operation(src.pixels, from.width, from.height, src.strideArgument(), dst.pixels, to.width,
-                         to.height, dst.strideArgument(), m, value...);
-    });
+    draw.call(operation, sized(src, from), sized(dst, to), m, drawn<rest...>(draw));
 }
 
 template <uint32_t channels, auto* operation>
@@ -69,7 +66,7 @@ void packedWarp(Draw& draw)
     const auto src = draw.source<uint8_t>("src", {channels * from.width, from.height}, true);
     const auto dst = draw.destination<uint8_t>("dst", {channels * to.width, to.height}, true);
     const float* const m = matrix(draw, 9, from, to);
-    draw.run([&] { operation(src.pixels, from.width, from.height, dst.pixels, to.width, to.height, m); });
+    draw.call(operation, src.pixels, from, dst.pixels, to, m);
 }
 
 void twoPlanes(Draw& draw)
@@ -78,11 +75,9 @@ void twoPlanes(Draw& draw)
     const auto src1 = draw.source<uint8_t>("src1", from), src2 = draw.source<uint8_t>("src2", from);
     const auto dst1 = draw.destination<uint8_t>("dst1", to), dst2 = draw.destination<uint8_t>("dst2", to);
     const float* const m = matrix(draw, 9, from, to);
-    draw.run([&] {
-        return odx2PlaneWarpPerspectiveu8(src1.pixels, src2.pixels, from.width, from.height, src1.strideArgument(),
-                                          src2.strideArgument(), dst1.pixels, dst2.pixels, to.width, to.height,
-                                          dst1.strideArgument(), dst2.strideArgument(), m);
-    });
+    draw.call(odx2PlaneWarpPerspectiveu8, src1.pixels, src2.pixels, from, src1.strideArgument(),
+              src2.strideArgument(), dst1.pixels, dst2.pixels, to, dst1.strideArgument(), dst2.strideArgument(),
+              m);
 }
 
 template <uint32_t channels, auto* operation, auto... rest>
@@ -95,10 +90,7 @@ void clipped(Draw& draw)
                                 ? draw.destinationArray<uint32_t>("dstBorder", 2 * to.height)
                                 : nullptr;
     const float* const m = matrix(draw, 6, from, to);
-    runWith<rest...>(draw, [&](auto... value) {
-        return operation(src.pixels, from.width, from.height, src.strideArgument(), m, dst.pixels, to.width,
-                         to.height, dst.strideArgument(), dstBorder, value...);
-    });
+    draw.call(operation, sized(src, from), m, sized(dst, to), dstBorder, drawn<rest...>(draw));
 }
 
 // Positions near a matrix' ones, some of which are nowhere.
@@ -120,11 +112,8 @@ void remap(Draw& draw)
             if (every != 0 && i % every == 0) (i / every % 2 == 0 ? mapX : mapY).at(x, y) = senseless[i / 7 % 9];
         }
     }
-    runWith<rest...>(draw, [&](auto... value) {
-        return operation(src.pixels, from.width, from.height, src.strideArgument(), dst.pixels, to.width,
-                         to.height, dst.strideArgument(), mapX.pixels, mapY.pixels, mapX.strideArgument(),
-                         value...);
-    });
+    draw.call(operation, sized(src, from), sized(dst, to), mapX.pixels, mapY.pixels, mapX.strideArgument(),
+              drawn<rest...>(draw));
 }
 
 template <auto* operation>
@@ -138,10 +127,7 @@ void patch(Draw& draw)
                               static_cast<float>(extent.height) / 2 + draw.real("y", -3, 3, 0.6f)};
     const float affine[] = {draw.real("a", -1.2f, 1.2f, 0.9f), draw.real("b", -0.5f, 0.5f, 0.1f),
                             draw.real("c", -0.5f, 0.5f, -0.1f), draw.real("d", -1.2f, 1.2f, 0.9f)};
-    draw.run([&] {
-        return operation(src.pixels, extent.width, extent.height, src.strideArgument(), position, affine,
-                         dst.pixels, dst.width, dst.height, dst.strideArgument());
-    });
+    draw.call(operation, sized(src, extent), position, affine, sized(dst));
 }
 
 template <auto* operation>
@@ -160,10 +146,7 @@ void patches(Draw& draw)
         const float affine[] = {at[1], turn, -turn, at[1]};
         std::copy(affine, affine + 4, affines + 4 * size_t{i});
     }
-    draw.run([&] {
-        return operation(src.pixels, extent.width, extent.height, src.strideArgument(), count, positions, affines,
-                         dst);
-    });
+    draw.call(operation, sized(src, extent), count, positions, affines, dst);
 }
 
 void copyRotated(Draw& draw)
@@ -171,14 +154,14 @@ void copyRotated(Draw& draw)
     const auto* const region = draw.sourceArray<uint8_t>("region", 25 * 25);
     auto* const dst = draw.destinationArray<uint8_t>("patch", 17 * 17);
     const float angle = draw.real("orientation", -7, 7, 0.5f);
-    draw.run([&] { odxCopyRotated17x17u8(region, dst, angle); });
+    draw.call(odxCopyRotated17x17u8, region, dst, angle);
 }
 
 void invert(Draw& draw)
 {
     const auto* const affine = draw.sourceArray<float>("affine", 6);
     auto* const inverse = draw.destinationArray<float>("inverse", 9);
-    draw.run([&] { return odxInvertAffineTransformf32(affine, inverse); });
+    draw.call(odxInvertAffineTransformf32, affine, inverse);
 }
 
 void fourPoints(Draw& draw)
@@ -190,7 +173,7 @@ void fourPoints(Draw& draw)
             p[i] = square[i] + draw.real("point", -20, 20, 5);
     }
     auto* const m = draw.destinationArray<float>("matrix", 9);
-    draw.run([&] { odxGetPerspectiveTransformf32(points[0], points[1], m); });
+    draw.call(odxGetPerspectiveTransformf32, points[0], points[1], m);
 }
 
 constexpr auto interpolation =
