@@ -158,13 +158,14 @@ void expectPixels(const char* name, decltype(odxColorRGB888ToGrayu8)* operation,
 {
     const Bytes src = layout.image(palette);
     const size_t size = model(palette.colours[0]).size(), count = palette.colours.size();
-    Bytes dst(count * size, 0x5A);
+    Bytes dst(count * size + 2, 0x5A);
     operation(src.data(), Palette::kWidth, palette.height(), 0, dst.data(), 0);
     for (size_t i = 0; i < count; ++i) {
         const Colour& c = palette.colours[i];
         const uint8_t* const actual = &dst[size * (turned ? count - 1 - i : i)];
         ASSERT_EQ(model(c), Bytes(actual, actual + size)) << name << " of " << c.r << ", " << c.g << ", " << c.b;
     }
+    EXPECT_EQ((Bytes{0x5A, 0x5A}), Bytes(dst.end() - 2, dst.end())) << name;
 }
 
 template <class Array>

@@ -5,46 +5,23 @@
 #include "ondrix/modes.h"
 #include "support/childProcess.h"
 #include "support/logCapture.h"
-
-#include <gtest/gtest.h>
+#include "support/pictures.h"
 
 #include <algorithm>
 #include <cmath>
-#include <random>
 #include <regex>
 #include <tuple>
-#include <vector>
 
 using namespace odx::test;
 
 namespace
 {
 
-struct Image {
-    int width, height;
-    std::vector<uint8_t> pixels;
+using Image = Grid<uint8_t>;
 
-    Image(int w, int h, uint8_t fill = 0)
-        : width(w), height(h), pixels(static_cast<size_t>(w) * static_cast<size_t>(h), fill)
-    {
-    }
-    uint8_t& at(int x, int y)
-    {
-        return pixels[static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)];
-    }
-    int at(int x, int y) const { return const_cast<Image*>(this)->at(x, y); }
-    unsigned w() const { return static_cast<unsigned>(width); }
-    unsigned h() const { return static_cast<unsigned>(height); }
-    const uint8_t* data() const { return pixels.data(); }
-};
-
-Image noise(int width, int height, int range = 256)
+Image noisy(int width, int height, int range = 256)
 {
-    static std::mt19937 random(5);
-    Image image(width, height);
-    for (uint8_t& pixel : image.pixels)
-        pixel = static_cast<uint8_t>(random() % static_cast<unsigned>(range));
-    return image;
+    return noise<uint8_t>(width, height, 0, range - 1);
 }
 
 struct Corner {
@@ -105,14 +82,12 @@ template <class Strength>
 Corners corners(const Image& image, int border, int64_t threshold, Strength strength)
 {
     border = std::max(border, 5);
-    std::vector<int64_t> responses(image.pixels.size());
-    const auto at = [&](int x, int y) -> int64_t& {
-        return responses[static_cast<size_t>(y) * static_cast<size_t>(image.width) + static_cast<size_t>(x)];
-    };
+    Grid<int64_t> responses(image.width, image.height);
     for (int y = 3; y < image.height - 3; ++y) {
         for (int x = 3; x < image.width - 3; ++x)
-            at(x, y) = strength(image, x, y);
+            responses.at(x, y) = strength(image, x, y);
     }
+    const auto at = [&](int x, int y) { return responses.at(x, y); };
     Corners found;
     for (int y = border; y < image.height - border; ++y) {
         for (int x = border; x < image.width - border; ++x) {
@@ -129,22 +104,40 @@ Corners corners(const Image& image, int border, int64_t threshold, Strength stre
 
 constexpr unsigned kPlenty = 4000;
 
+// Runs detect(xy, &count), which must find these corners and write nothing else.
+template <class Detect>
+void expectFound(const Corners& expected, Detect detect, const std::string& what = "")
+{
+    std::vector<uint32_t> xy(2 * kPlenty, 77), places;
+    uint32_t count = 77;
+    detect(xy.data(), &count);
+    ASSERT_EQ(expected.size(), count) << what;
+    for (const Corner& corner : expected)
+        places.insert(places.end(), {corner.x, corner.y});
+    places.resize(xy.size(), 77);
+    ASSERT_EQ(places, xy) << what;
+}
+
+Corners strongestFirst(Corners corners)
+{
+    std::stable_sort(corners.begin(), corners.end(),
+                     [](const Corner& a, const Corner& b) { return a.strength > b.strength; });
+    return corners;
+}
+
 Corners detected(const Image& image, unsigned border, int threshold, unsigned capacity = kPlenty)
 {
     std::vector<uint32_t> xy(2 * kPlenty, 77);
     std::vector<int32_t> scores(kPlenty, 77);
-    uint32_t count = 77, plainCount = 77;
+    uint32_t count = 77;
     odxCornerHarrisScoreu8(image.data(), image.w(), image.h(), 0, border, xy.data(), scores.data(), capacity,
                            &count, threshold);
-    std::vector<uint32_t> plain(2 * kPlenty, 77);
-    odxCornerHarrisu8(image.data(), image.w(), image.h(), 0, border, plain.data(), capacity, &plainCount,
-                      threshold);
-    EXPECT_EQ(xy, plain);
-    EXPECT_EQ(count, plainCount);
-    EXPECT_TRUE(count == kPlenty || xy[2 * count] == 77) << "wrote beyond its corners";
     Corners found;
     for (uint32_t i = 0; i < count; ++i)
         found.push_back({xy[2 * i], xy[2 * i + 1], scores[i]});
+    expectFound(found, [&](uint32_t* plain, uint32_t* plainCount) {
+        odxCornerHarrisu8(image.data(), image.w(), image.h(), 0, border, plain, capacity, plainCount, threshold);
+    });
     return found;
 }
 
@@ -179,7 +172,7 @@ TEST_F(Harris, CornersAreStrictMaximaAboveTheThreshold)
 {
     for (const auto& [width, height] : {std::pair{5, 5}, {7, 40}, {40, 7}, {11, 11}, {12, 13}, {64, 48}}) {
         for (const int range : {256, 40, 3}) { // the last one has many ties
-            const Image image = noise(width, height, range);
+            const Image image = noisy(width, height, range);
             for (const int border : {0, 5, 6, 9}) {
                 for (const int threshold : {0, -1000000000, 2000000}) {
                     const Corners expected = corners(image, border, threshold, harris);
@@ -193,87 +186,67 @@ TEST_F(Harris, CornersAreStrictMaximaAboveTheThreshold)
             }
         }
     }
-    EXPECT_GT(corners(noise(64, 48), 0, 0, harris).size(), 20u);
-    EXPECT_EQ(Corners{}, detected(noise(12, 60), 20, -1000000000)); // borders that meet in one direction only
-}
-
-TEST_F(Harris, FindsTheCornersOfASquare)
-{
-    Image image(60, 60, 20);
-    for (int y = 20; y < 40; ++y) {
-        for (int x = 20; x < 40; ++x)
-            image.at(x, y) = 220;
-    }
-    const Corners found = detected(image, 0, 1000000);
-    ASSERT_EQ(4u, found.size());
-    for (const Corner& corner : found) {
-        EXPECT_LE(std::min(std::abs(int(corner.x) - 20), std::abs(int(corner.x) - 39)), 1);
-        EXPECT_LE(std::min(std::abs(int(corner.y) - 20), std::abs(int(corner.y) - 39)), 1);
-    }
+    EXPECT_GT(corners(noisy(64, 48), 0, 0, harris).size(), 20u);
+    EXPECT_EQ(Corners{}, detected(noisy(12, 60), 20, -1000000000)); // borders that meet in one direction only
 }
 
 TEST_F(Harris, MaskBitsRuleOutCorners)
 {
-    const Image image = noise(64, 48);
+    const Image image = noisy(64, 48);
     const Corners all = detected(image, 0, 0);
     for (const int shift : {0, 1, 2, 3, -1, -2, -3}) {
         const auto scaled = [&](unsigned v) { return shift >= 0 ? v << shift : v >> -shift; };
         const unsigned rowBytes = (scaled(64) + 7) / 8;
-        const Image bits = noise(static_cast<int>(rowBytes), static_cast<int>(scaled(48)));
+        const Image bits = noisy(static_cast<int>(rowBytes), static_cast<int>(scaled(48)));
         Corners expected;
         for (const Corner& corner : all) {
             const unsigned x = scaled(corner.x), y = scaled(corner.y);
             if ((bits.pixels[rowBytes * y + x / 8] >> (7 - x % 8) & 1) == 0) expected.push_back(corner);
         }
-        std::vector<uint32_t> xy(2 * kPlenty);
-        uint32_t count = 77;
-        odxCornerHarrisInMasku8(image.data(), 64, 48, 0, 0, xy.data(), kPlenty, &count, 0, bits.data(), scaled(64),
-                                scaled(48));
-        ASSERT_EQ(expected.size(), count) << shift;
-        EXPECT_GT(count, 5u);
-        EXPECT_LT(count, all.size());
-        for (size_t i = 0; i < count; ++i) {
-            ASSERT_EQ(expected[i].x, xy[2 * i]);
-            ASSERT_EQ(expected[i].y, xy[2 * i + 1]);
+        EXPECT_GT(expected.size(), 5u);
+        EXPECT_LT(expected.size(), all.size());
+        for (const unsigned more : {0u, 1u}) { // a mask of another size excludes all
+            expectFound(more == 0 ? expected : Corners(), [&](uint32_t* xy, uint32_t* count) {
+                odxCornerHarrisInMasku8(image.data(), 64, 48, 0, 0, xy, kPlenty, count, 0, bits.data(), scaled(64),
+                                        scaled(48) + more);
+            });
         }
-        count = 77;
-        odxCornerHarrisInMasku8(image.data(), 64, 48, 0, 0, xy.data(), kPlenty, &count, 0, bits.data(), scaled(64),
-                                scaled(48) + 1);
-        EXPECT_EQ(0u, count) << "a mask of another size";
     }
 }
 
 TEST_F(Harris, TheAdaptiveThresholdKeepsTheStrongest)
 {
     for (const int range : {256, 3}) {
-        const Image image = noise(64, 48, range);
+        const Image image = noisy(64, 48, range);
         const Corners all = corners(image, 0, 1000, harris);
         for (const size_t capacity : {size_t{0}, size_t{1}, size_t{7}, all.size(), all.size() + 5}) {
-            Corners strongest = all;
-            std::stable_sort(strongest.begin(), strongest.end(),
-                             [](const Corner& a, const Corner& b) { return a.strength > b.strength; });
+            Corners strongest = strongestFirst(all);
             strongest.resize(std::min(capacity, all.size()), {});
             Corners expected;
             std::copy_if(all.begin(), all.end(), std::back_inserter(expected), [&](const Corner& corner) {
                 return std::find(strongest.begin(), strongest.end(), corner) != strongest.end();
             });
-            std::vector<uint32_t> xy(2 * kPlenty, 77);
-            uint32_t count = 77;
-            odxCornerHarrisAdaptiveu8(image.data(), 64, 48, 0, 0, xy.data(), static_cast<unsigned>(capacity),
-                                      &count, 1000);
-            ASSERT_EQ(expected.size(), count);
-            for (size_t i = 0; i < count; ++i) {
-                ASSERT_EQ(expected[i].x, xy[2 * i]) << i;
-                ASSERT_EQ(expected[i].y, xy[2 * i + 1]) << i;
-            }
-            EXPECT_EQ(77u, xy[2 * count]);
+            expectFound(expected, [&](uint32_t* xy, uint32_t* count) {
+                odxCornerHarrisAdaptiveu8(image.data(), 64, 48, 0, 0, xy, static_cast<unsigned>(capacity), count,
+                                          1000);
+            });
         }
     }
 }
 
 TEST_F(Harris, TheLocalMaximumIsThatOfTheWindow)
 {
-    const Image image = noise(40, 30);
+    Corner found;
+    const auto search = [&](const Image& in, unsigned width, unsigned stride, unsigned x, unsigned y,
+                            unsigned radius) {
+        int32_t response = 77;
+        found.x = found.y = 77;
+        const auto status =
+            odxLocalHarrisMaxu8(in.data(), width, 30, stride, x, y, radius, &found.x, &found.y, &response);
+        found.strength = response;
+        return status;
+    };
+    const Image image = noisy(40, 30);
     for (const auto& [x, y, radius] :
          {std::tuple{20, 15, 0}, {20, 15, 4}, {0, 0, 5}, {39, 29, 6}, {20, 15, 1000}, {5, 28, 9}}) {
         Corner best = {0, 0, INT64_MIN};
@@ -284,43 +257,33 @@ TEST_F(Harris, TheLocalMaximumIsThatOfTheWindow)
                     best = {static_cast<uint32_t>(u), static_cast<uint32_t>(v), response};
             }
         }
-        uint32_t maxX = 77, maxY = 77;
-        int32_t response = 77;
-        ASSERT_EQ(ONDRIX_SUCCESS,
-                  odxLocalHarrisMaxu8(image.data(), 40, 30, 0, static_cast<unsigned>(x), static_cast<unsigned>(y),
-                                      static_cast<unsigned>(radius), &maxX, &maxY, &response));
-        EXPECT_EQ(best, (Corner{maxX, maxY, response}));
+        EXPECT_EQ(ONDRIX_SUCCESS, search(image, 40, 0, static_cast<unsigned>(x), static_cast<unsigned>(y),
+                                         static_cast<unsigned>(radius)));
+        EXPECT_EQ(best, found);
     }
-    uint32_t maxX = 77, maxY = 77;
-    int32_t response = 77;
-    // The first one of many.
-    ASSERT_EQ(ONDRIX_SUCCESS,
-              odxLocalHarrisMaxu8(Image(40, 30, 9).data(), 40, 30, 0, 20, 15, 4, &maxX, &maxY, &response));
-    EXPECT_EQ((Corner{16, 11, 0}), (Corner{maxX, maxY, response}));
-    maxX = maxY = 77;
-    for (const auto& [x, y, radius] :
-         {std::tuple{0u, 0u, 2u}, {37u, 15u, 0u}, {20u, 500u, 9u}, {4000000000u, 15u, 9u}})
-        EXPECT_EQ(ONDRIX_BAD_PARAMETER,
-                  odxLocalHarrisMaxu8(image.data(), 40, 30, 0, x, y, radius, &maxX, &maxY, &response));
-    EXPECT_EQ(ONDRIX_BAD_PARAMETER,
-              odxLocalHarrisMaxu8(image.data(), 40, 30, 39, 20, 15, 2, &maxX, &maxY, &response));
-    EXPECT_EQ(ONDRIX_BAD_PARAMETER,
-              odxLocalHarrisMaxu8(image.data(), 6, 30, 40, 2, 15, 9, &maxX, &maxY, &response));
-    EXPECT_EQ(77u, maxX);
+    EXPECT_EQ(ONDRIX_SUCCESS, search(Image(40, 30, 9), 40, 0, 20, 15, 4));
+    EXPECT_EQ((Corner{16, 11, 0}), found); // the first one of many
+    for (const auto& [width, stride, x, y, radius] : {std::tuple{40u, 0u, 0u, 0u, 2u},
+                                                      {40, 0, 37, 15, 0},
+                                                      {40, 0, 20, 500, 9},
+                                                      {40, 0, 4000000000u, 15, 9},
+                                                      {40, 39, 20, 15, 2},
+                                                      {6, 40, 2, 15, 9}}) {
+        EXPECT_EQ(ONDRIX_BAD_PARAMETER, search(image, width, stride, x, y, radius));
+        EXPECT_EQ((Corner{77, 77, 77}), found);
+    }
 }
 
 TEST_F(Harris, GoodFeaturesAreStrongAndApart)
 {
-    const Image varied = noise(64, 48);
+    const Image varied = noisy(64, 48);
     Image tiled = varied; // in which every corner has equals
     for (int y = 0; y < 48; ++y) {
         for (int x = 0; x < 64; ++x)
             tiled.at(x, y) = varied.pixels[static_cast<size_t>(y % 16 * 64 + x % 16)];
     }
     for (const Image& image : {varied, tiled}) {
-        Corners all = corners(image, 0, 0, minEigenvalue);
-        std::stable_sort(all.begin(), all.end(),
-                         [](const Corner& a, const Corner& b) { return a.strength > b.strength; });
+        const Corners all = strongestFirst(corners(image, 0, 0, minEigenvalue));
         ASSERT_GT(all.size(), 20u);
         for (const unsigned distance : {0u, 1u, 5u, 12u, 1000000u}) {
             for (const float quality : {0.0f, 0.3f, 1.0f}) {
@@ -334,37 +297,24 @@ TEST_F(Harris, GoodFeaturesAreStrongAndApart)
                                             double(quality) * static_cast<double>(all[0].strength);
                         if (apart && strong && expected.size() < capacity) expected.push_back(corner);
                     }
-                    std::vector<uint32_t> xy(2 * kPlenty, 77);
-                    uint32_t count = 77;
-                    odxGoodFeatureToTracku8(image.data(), 64, 48, 0, 0, xy.data(), static_cast<unsigned>(capacity),
-                                            &count, quality, distance);
-                    ASSERT_EQ(expected.size(), count) << distance << " " << quality << " " << capacity;
-                    for (size_t i = 0; i < count; ++i) {
-                        ASSERT_EQ(expected[i].x, xy[2 * i]) << i;
-                        ASSERT_EQ(expected[i].y, xy[2 * i + 1]) << i;
-                    }
+                    expectFound(expected, [&](uint32_t* xy, uint32_t* count) {
+                        odxGoodFeatureToTracku8(image.data(), 64, 48, 0, 0, xy, static_cast<unsigned>(capacity),
+                                                count, quality, distance);
+                    });
                 }
             }
         }
     }
 }
 
-TEST_F(Harris, CornersAreRefinedToAFractionOfAPixel)
+TEST_F(Harris, RefinementStopsWhereItCannotGoOn)
 {
-    for (const auto& [x, y] : {std::pair{20.0, 20.0}, {20.3, 19.6}, {18.75, 21.5}}) {
-        const Image image = checkered(x, y);
-        float xy[] = {19, 21, 21, 20};
-        odxCornerRefineSubPixu8(image.data(), 41, 41, 0, xy, 2, 5, 20, 0.001f);
-        EXPECT_NEAR(x, double(xy[0]), 0.1);
-        EXPECT_NEAR(y, double(xy[1]), 0.1);
-        EXPECT_NEAR(x, double(xy[2]), 0.1);
-        EXPECT_NEAR(y, double(xy[3]), 0.1);
-    }
     // As near to the edges as the window allows.
     for (const auto& [x, start] : {std::pair{6.2, 6.0f}, {33.8, 34.0f}}) {
-        float xy[] = {start, 20};
-        odxCornerRefineSubPixu8(checkered(x, 20).data(), 41, 41, 0, xy, 1, 5, 20, 0.001f);
+        float xy[] = {start, 20, start, 21};
+        odxCornerRefineSubPixu8(checkered(x, 20).data(), 41, 41, 0, xy, 2, 5, 20, 0.001f);
         EXPECT_NEAR(x, double(xy[0]), 0.1);
+        EXPECT_NEAR(x, double(xy[2]), 0.1);
     }
     // Too near to the edge, no structure, only an edge, too far away, nowhere.
     Image edge(41, 41);
@@ -423,7 +373,7 @@ std::pair<double, double> refinedModel(const Image& image, double x, double y, i
 TEST_F(Harris, RefinementTakesTheStepsOfItsDefinition)
 {
     Image image = checkered(20.3, 19.6);
-    const Image grain = noise(41, 41, 25);
+    const Image grain = noisy(41, 41, 25);
     for (size_t i = 0; i < image.pixels.size(); ++i)
         image.pixels[i] = static_cast<uint8_t>(image.pixels[i] + grain.pixels[i]);
     for (const int half : {1, 4, 15}) {
@@ -549,7 +499,7 @@ TEST_F(Harris, MemoryIsReturnedWhereverASearchEnds)
         --lent;
         return local_odxReleaseScratchBuffer(block);
     };
-    const Image image = noise(40, 30);
+    const Image image = noisy(40, 30);
     for (const auto& [border, capacity] : {std::pair{5u, 1000u}, {5u, 1u}, {5u, 0u}, {9u, 1000u}, {15u, 1000u}}) {
         detected(image, border, 0, capacity);
         EXPECT_EQ(0, lent) << border << " " << capacity;
@@ -565,7 +515,7 @@ TEST_F(Harris, WithoutMemoryForCandidatesThereAreNoCorners)
     odxGetScratchBufferAligned_ = [](uint32_t size, uint32_t alignment) -> void* {
         return ++requests == fails ? nullptr : local_odxGetScratchBufferAligned(size, alignment);
     };
-    const Image image = noise(40, 30);
+    const Image image = noisy(40, 30);
     const auto expectNone = [&](const char* operation, int failing, const auto& detect) {
         requests = 0;
         fails = failing;
@@ -602,7 +552,7 @@ TEST_F(Harris, WithoutTemporaryMemoryTheProcessEnds)
                 if (block != nullptr && ++released == 2) fprintf(stderr, "two released\n");
                 return 0;
             };
-            const Image image = noise(20, 20);
+            const Image image = noisy(20, 20);
             uint32_t xy[8], count;
             odxCornerHarrisu8(image.data(), 20, 20, 0, 5, xy, 4, &count, 0);
         });

@@ -3,7 +3,7 @@
 #include "cpu/ondrixEdgeC.h"
 #include "frame/scratch.h"
 #include "ondrix.h"
-#include "smoothing/models.h"
+#include "support/pictures.h"
 #include "support/logCapture.h"
 
 #include <gtest/gtest.h>

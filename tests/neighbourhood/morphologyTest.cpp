@@ -1,7 +1,7 @@
 // Erosion and dilation against their definitions.
 #include "frame/scratch.h"
 #include "ondrix.h"
-#include "smoothing/models.h"
+#include "support/pictures.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // The thresholds against their definitions. The other columns are held to the reference by the differential test.
 #include "ondrix.h"
-#include "smoothing/models.h"
+#include "support/pictures.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // Pyramids: sizes of the levels, what is done at odd ones, memory.
 #include "ondrix.h"
-#include "smoothing/models.h"
+#include "support/pictures.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // The references of scaling against their definitions, one pixel at a time, and numbers worked by hand.
 #include "ondrix.h"
-#include "smoothing/models.h"
+#include "support/pictures.h"
 
 #include <gtest/gtest.h>
 

@@ -1,14 +1,11 @@
 // The reference filters against their definitions and against numbers worked by hand. The other columns are held
 // to the reference by the differential test.
-#include "smoothing/models.h"
-
 #include "cpu/ondrixBlurC.h"
 #include "frame/scratch.h"
 #include "ondrix.h"
 #include "support/childProcess.h"
 #include "support/logCapture.h"
-
-#include <gtest/gtest.h>
+#include "support/pictures.h"
 
 #include <thread>
 
@@ -28,6 +25,23 @@ protected:
     Smoothing() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
 };
 
+template <class T>
+int64_t windowSum(const Grid<T>& src, int x, int y, int r, Outside outside)
+{
+    int64_t sum = 0;
+    window(r, r, [&](int dx, int dy) { sum += sample(src, x + dx, y + dy, outside); });
+    return sum;
+}
+
+template <class T>
+T windowMedian(const Grid<T>& src, int x, int y, int halfWidth, int halfHeight, Outside outside)
+{
+    std::vector<int64_t> values;
+    window(halfWidth, halfHeight, [&](int dx, int dy) { values.push_back(sample(src, x + dx, y + dy, outside)); });
+    std::sort(values.begin(), values.end());
+    return static_cast<T>(values[values.size() / 2]);
+}
+
 // Runs a filter of (src, width, height, dst, border) and compares it with the definition: interior sums shifted,
 // border sums divided by the weights inside; the border untouched unless the flag is 1.
 template <class T, class Filter>
@@ -38,16 +52,17 @@ void expectBinomial(Filter filter, const std::vector<int>& weights, int shift, c
     for (const int border : {0, 1, 2}) {
         Grid<T> dst(src.width, src.height, untouched);
         filter(src.data(), src.w(), src.h(), dst.data(), border);
-        for (int y = 0; y < src.height; ++y) {
-            for (int x = 0; x < src.width; ++x) {
-                const Taps taps = binomial(src, x, y, weights);
-                const int64_t inside = static_cast<T>(taps.sum >> shift), outside = taps.sum / taps.weight;
-                const int64_t expected = !src.border(x, y, r) ? inside : border == 1 ? outside : untouched;
-                ASSERT_EQ(expected, dst.at(x, y))
-                    << src.width << "x" << src.height << " flag " << border << " at " << x << "," << y;
-            }
-        }
+        expectPixels(dst, [&](int x, int y) {
+            const Taps taps = binomial(src, x, y, weights);
+            if (!src.border(x, y, r)) return taps.sum >> shift;
+            return border == 1 ? taps.sum / taps.weight : untouched;
+        });
     }
+}
+
+int64_t mean(const Grid<uint8_t>& src, int x, int y, int r, int64_t reciprocal, Outside outside = {})
+{
+    return (windowSum(src, x, y, r, outside) * reciprocal + 32768) >> 16;
 }
 
 Outside outsideOf(odxBorderType type, int64_t constant)
@@ -57,9 +72,10 @@ Outside outsideOf(odxBorderType type, int64_t constant)
 
 } // namespace
 
+// Some rows are longer than the pieces in which they are worked on.
 TEST_F(Smoothing, GaussiansAreTheirKernels)
 {
-    for (const auto& [width, height] : {std::pair{7, 3}, {8, 2}, {13, 11}, {30, 21}}) {
+    for (const auto& [width, height] : {std::pair{7, 3}, {8, 2}, {13, 11}, {30, 21}, {522, 11}}) {
         expectBinomial<uint8_t>(odxFilterGaussian3x3u8, kBinomial3, 4, noise<uint8_t>(width, height, 0, 255));
         expectBinomial<int16_t>(odxFilterGaussian5x5s16, kBinomial5, 8,
                                 noise<int16_t>(width, height, -32768, 32767));
@@ -72,81 +88,33 @@ TEST_F(Smoothing, GaussiansAreTheirKernels)
     }
 }
 
-// The borders of rows that are longer than the pieces in which they are worked on.
-TEST_F(Smoothing, LongRowsHaveTheSameBorders)
-{
-    constexpr int kWidth = 522;
-    expectBinomial<uint8_t>(odxFilterGaussian3x3u8, kBinomial3, 4, noise<uint8_t>(kWidth, 3, 0, 255));
-    expectBinomial<int16_t>(odxFilterGaussian5x5s16, kBinomial5, 8, noise<int16_t>(kWidth, 5, -32768, 32767));
-    expectBinomial<uint8_t>(odxFilterGaussian11x11u8, kBinomial11, 20, noise<uint8_t>(kWidth, 11, 0, 255));
-}
-
-// Functions without strides have packed rows, for which a stride of 0 stands.
+// Filters images that are packed, as functions without strides take them, and the same between other columns.
 template <class T, class Packed, class Strided>
-void expectDefaultStrides(Packed packed, Strided strided)
+void expectStrides(const char* name, Packed packed, Strided strided)
 {
-    const auto src = noise<T>(13, 12, 0, 255);
-    Grid<T> expected(13, 12), dst(13, 12);
-    packed(src.data(), 13u, 12u, expected.data(), 1);
-    strided(src.data(), 13u, 12u, 0u, dst.data(), 0u, 1);
-    EXPECT_EQ(expected, dst);
-}
-
-TEST_F(Smoothing, StridesOfZeroArePackedRows)
-{
-    expectDefaultStrides<uint8_t>(odxFilterGaussian3x3u8, odxFilterGaussian3x3u8_v2);
-    expectDefaultStrides<uint8_t>(odxFilterGaussian5x5u8, odxFilterGaussian5x5u8_v2);
-    expectDefaultStrides<uint8_t>(odxFilterGaussian11x11u8, odxFilterGaussian11x11u8_v2);
-    expectDefaultStrides<int16_t>(odxFilterGaussian5x5s16, odxFilterGaussian5x5s16_v2);
-    expectDefaultStrides<int32_t>(odxFilterGaussian5x5s32, odxFilterGaussian5x5s32_v2);
-    expectDefaultStrides<uint8_t>([](auto s, auto w, auto h, auto d, int) { odxFilterMedian3x3u8(s, w, h, d); },
-                                  [](auto s, auto w, auto h, auto from, auto d, auto to, int) {
-                                      odxFilterMedian3x3u8_v2(s, w, h, from, d, to);
-                                  });
-}
-
-// Filters an image, and the same image between columns that are no part of it.
-template <class T, class Filter>
-void expectStrides(const char* name, Filter filter)
-{
-    SCOPED_TRACE(name);
-    constexpr int kSide = 16;
-    const auto src = noise<T>(kSide, kSide, 0, 255);
-    Grid<T> dst(kSide, kSide, 77);
-    filter(src.data(), src.stride(), dst.data(), dst.stride());
-    auto wideSrc = noise<T>(kSide + 5, kSide, 0, 255);
-    Grid<T> wideDst(kSide + 3, kSide, 77), expected = wideDst;
-    for (int y = 0; y < kSide; ++y) {
-        for (int x = 0; x < kSide; ++x) {
-            wideSrc.at(x, y) = src.at(x, y);
-            expected.at(x, y) = dst.at(x, y);
-        }
-    }
-    filter(wideSrc.data(), wideSrc.stride(), wideDst.data(), wideDst.stride());
-    EXPECT_EQ(expected, wideDst);
+    const auto src = noise<T>(16, 16, 0, 255);
+    auto wideSrc = noise<T>(21, 16, 0, 255);
+    Grid<T> dst(16, 16, 77), wideDst(19, 16, 77);
+    packed(src.data(), 16u, 16u, dst.data());
+    for (int y = 0; y < 16; ++y)
+        std::copy_n(&src.at(0, y), 16, &wideSrc.at(0, y));
+    strided(wideSrc.data(), 16u, 16u, wideSrc.stride(), wideDst.data(), wideDst.stride());
+    expectPixels(
+        wideDst, [&](int x, int y) { return x < 16 ? dst.at(x, y) : 77; }, name);
 }
 
 TEST_F(Smoothing, StridesLeadFromRowToRow)
 {
-#define ODX_STRIDES(T, name, ...)                                                              \
-    expectStrides<T>(#name, [](const T* src, unsigned srcStride, T* dst, unsigned dstStride) { \
-        name(src, 16, 16, srcStride, __VA_ARGS__);                                             \
-    })
-    ODX_STRIDES(uint8_t, odxFilterGaussian3x3u8_v2, dst, dstStride, 1);
-    ODX_STRIDES(uint8_t, odxFilterGaussian3x3u8_v3, dst, dstStride, ONDRIX_BORDER_REPLICATE, 0);
-    ODX_STRIDES(uint8_t, odxFilterGaussian5x5u8_v2, dst, dstStride, 1);
-    ODX_STRIDES(uint8_t, odxFilterGaussian11x11u8_v2, dst, dstStride, 1);
-    ODX_STRIDES(int16_t, odxFilterGaussian5x5s16_v2, dst, dstStride, 1);
-    ODX_STRIDES(int32_t, odxFilterGaussian5x5s32_v2, dst, dstStride, 1);
-    ODX_STRIDES(uint8_t, odxBoxFilter3x3u8, dst, dstStride);
-    ODX_STRIDES(uint8_t, odxBoxFilter3x3u8_v2, dst, dstStride, ONDRIX_BORDER_REPLICATE, 0);
-    ODX_STRIDES(uint8_t, odxBoxFilter5x5u8, dst, dstStride);
-    ODX_STRIDES(uint8_t, odxBoxFilter11x11u8, dst, dstStride);
-    ODX_STRIDES(float, odxBoxFilterNxNf32, 3, dst, dstStride);
-    ODX_STRIDES(uint8_t, odxFilterMedian3x3u8_v2, dst, dstStride);
-    ODX_STRIDES(uint8_t, odxFilterMedian3x3u8_v3, dst, dstStride, ONDRIX_BORDER_REPLICATE, 0);
-    ODX_STRIDES(int16_t, odxFilterMedianMxNs16, 5, 3, dst, dstStride);
+#define ODX_STRIDES(T, name) \
+    expectStrides<T>(        \
+        #name, [](auto... a) { name(a..., 1); }, [](auto... a) { name##_v2(a..., 1); })
+    ODX_STRIDES(uint8_t, odxFilterGaussian3x3u8);
+    ODX_STRIDES(uint8_t, odxFilterGaussian5x5u8);
+    ODX_STRIDES(uint8_t, odxFilterGaussian11x11u8);
+    ODX_STRIDES(int16_t, odxFilterGaussian5x5s16);
+    ODX_STRIDES(int32_t, odxFilterGaussian5x5s32);
 #undef ODX_STRIDES
+    expectStrides<uint8_t>("median", odxFilterMedian3x3u8, odxFilterMedian3x3u8_v2);
 }
 
 TEST_F(Smoothing, WideSumsWrap)
@@ -188,52 +156,37 @@ TEST_F(Smoothing, BorderTypesFillInWhatIsMissing)
                       odxBoxFilter3x3u8_v2(src.data(), src.w(), src.h(), 0, box.data(), 0, type, value));
             EXPECT_EQ(ONDRIX_SUCCESS,
                       odxFilterMedian3x3u8_v3(src.data(), src.w(), src.h(), 0, median.data(), 0, type, value));
-            for (int y = 0; y < height; ++y) {
-                for (int x = 0; x < width; ++x) {
-                    SCOPED_TRACE(testing::Message()
-                                 << width << "x" << height << " type " << type << " at " << x << "," << y);
-                    const Taps inside = binomial(src, x, y, kBinomial3);
-                    int64_t full = 0;
-                    window(1, 1, [&](int dx, int dy) {
-                        full += (2 - std::abs(dx)) * (2 - std::abs(dy)) * sample(src, x + dx, y + dy, outside);
-                    });
-                    const bool border = src.border(x, y, 1);
-                    const bool divides = border && type == ONDRIX_BORDER_UNDEFINED;
-                    ASSERT_EQ(divides ? inside.sum / inside.weight : full >> 4, gaussian.at(x, y));
-                    ASSERT_EQ((windowSum(src, x, y, 1, outside) * 7282 + 32768) >> 16, box.at(x, y));
-                    const bool unwritten = border && type == ONDRIX_BORDER_UNDEFINED;
-                    ASSERT_EQ(unwritten ? 7 : windowMedian(src, x, y, 1, 1, outside), median.at(x, y));
-                }
-            }
+            const auto unknown = [&, t = type](int x, int y) {
+                return src.border(x, y, 1) && t == ONDRIX_BORDER_UNDEFINED;
+            };
+            expectPixels(gaussian, [&](int x, int y) {
+                const Taps inside = binomial(src, x, y, kBinomial3);
+                int64_t full = 0;
+                window(1, 1, [&](int dx, int dy) {
+                    full += (2 - std::abs(dx)) * (2 - std::abs(dy)) * sample(src, x + dx, y + dy, outside);
+                });
+                return unknown(x, y) ? inside.sum / inside.weight : full >> 4;
+            });
+            expectPixels(box, [&](int x, int y) { return mean(src, x, y, 1, 7282, outside); });
+            expectPixels(median,
+                         [&](int x, int y) { return unknown(x, y) ? 7 : windowMedian(src, x, y, 1, 1, outside); });
         }
     }
 }
 
 TEST_F(Smoothing, BoxesDivideByTheirWholeWindow)
 {
-    const Grid<uint8_t> white(12, 12, 255);
-    Grid<uint8_t> dst(12, 12);
-    odxBoxFilter3x3u8(white.data(), 12, 12, 12, dst.data(), 12);
-    EXPECT_EQ(113, dst.at(0, 0)); // 4 of 9
-    EXPECT_EQ(170, dst.at(5, 0)); // 6 of 9
-    EXPECT_EQ(255, dst.at(5, 5));
-
     for (const auto& [width, height] : {std::pair{11, 11}, {12, 17}, {40, 13}}) {
         for (const auto& src : {noise<uint8_t>(width, height, 0, 255), Grid<uint8_t>(width, height, 255)}) {
-            Grid<uint8_t> three(width, height), five(width, height), eleven(width, height);
-            odxBoxFilter3x3u8(src.data(), src.w(), src.h(), src.w(), three.data(), src.w());
-            odxBoxFilter5x5u8(src.data(), src.w(), src.h(), src.w(), five.data(), src.w());
-            odxBoxFilter11x11u8(src.data(), src.w(), src.h(), src.w(), eleven.data(), src.w());
-            for (int y = 0; y < height; ++y) {
-                for (int x = 0; x < width; ++x) {
-                    const auto mean = [&](int r, int64_t reciprocal) {
-                        return (windowSum(src, x, y, r, {false, 0}) * reciprocal + 32768) >> 16;
-                    };
-                    ASSERT_EQ(mean(1, 7282), three.at(x, y)) << x << "," << y;
-                    ASSERT_EQ(mean(2, 2621), five.at(x, y)) << x << "," << y;
-                    ASSERT_EQ(mean(5, 542), eleven.at(x, y)) << x << "," << y;
-                }
-            }
+            const auto expect = [&](auto operation, int r, int64_t reciprocal) {
+                Grid<uint8_t> dst(src.width + 3, src.height, 77);
+                operation(src.data(), src.w(), src.h(), src.w(), dst.data(), dst.w());
+                expectPixels(dst,
+                             [&](int x, int y) { return x < src.width ? mean(src, x, y, r, reciprocal) : 77; });
+            };
+            expect(odxBoxFilter3x3u8, 1, 7282);
+            expect(odxBoxFilter5x5u8, 2, 2621);
+            expect(odxBoxFilter11x11u8, 5, 542);
         }
     }
 }
@@ -243,24 +196,17 @@ TEST_F(Smoothing, FloatBoxesReachFurtherToTheLeftForAnEvenN)
     // Whole numbers: float sums are exact, up to the reciprocal.
     for (const int n : {2, 3, 4, 7, 30}) {
         const auto grey = noise<uint8_t>(19, 9, 0, 255);
-        Grid<float> src(19, 9), dst(19, 9), inPlace(19, 9);
+        Grid<float> src(19, 9), dst(22, 9, 77);
         std::copy(grey.pixels.begin(), grey.pixels.end(), src.pixels.begin());
-        inPlace = src;
-        const auto size = static_cast<unsigned>(n);
-        odxBoxFilterNxNf32(src.data(), 19, 9, 0, size, dst.data(), 0);
-        odxBoxFilterNxNf32(inPlace.data(), 19, 9, 0, size, inPlace.data(), 0);
-        EXPECT_EQ(dst, inPlace);
-        for (int y = 0; y < 9; ++y) {
-            for (int x = 0; x < 19; ++x) {
-                int sum = 0;
-                for (int dy = -(n / 2); dy < n - n / 2; ++dy) {
-                    for (int dx = -(n / 2); dx < n - n / 2; ++dx)
-                        sum += grey.holds(x + dx, y + dy) ? grey.at(x + dx, y + dy) : 0;
-                }
-                const float reciprocal = 1.0f / static_cast<float>(n * n);
-                ASSERT_EQ(static_cast<float>(sum) * reciprocal, dst.at(x, y)) << n << " at " << x << "," << y;
+        odxBoxFilterNxNf32(src.data(), 19, 9, 0, static_cast<unsigned>(n), dst.data(), dst.stride());
+        expectPixels(dst, [&, n = n](int x, int y) {
+            int sum = 0;
+            for (int i = 0; i < n * n; ++i) {
+                const int u = x - n / 2 + i % n, v = y - n / 2 + i / n;
+                sum += grey.holds(u, v) ? grey.at(u, v) : 0;
             }
-        }
+            return x < 19 ? static_cast<float>(sum) * (1.0f / static_cast<float>(n * n)) : 77;
+        });
     }
 }
 
@@ -270,12 +216,8 @@ TEST_F(Smoothing, MediansAreTheMiddleOfTheirWindow)
         const auto src = noise<uint8_t>(width, height, 0, 12); // many ties
         Grid<uint8_t> dst(width, height, 77);
         odxFilterMedian3x3u8(src.data(), src.w(), src.h(), dst.data());
-        for (int y = 0; y < height; ++y) {
-            for (int x = 0; x < width; ++x) {
-                const bool border = src.border(x, y, 1);
-                ASSERT_EQ(border ? 77 : windowMedian(src, x, y, 1, 1, {}), dst.at(x, y)) << x << "," << y;
-            }
-        }
+        expectPixels(dst,
+                     [&](int x, int y) { return src.border(x, y, 1) ? 77 : windowMedian(src, x, y, 1, 1, {}); });
     }
     // Of a few pixels, and of more than are taken at a time.
     for (const auto& [width, m, n] : {std::tuple{17, 3, 3},
@@ -288,17 +230,15 @@ TEST_F(Smoothing, MediansAreTheMiddleOfTheirWindow)
                                       {98, 15, 3}}) {
         for (const int range : {2, 100, 32767}) {
             const auto src = noise<int16_t>(width, 16, -range - 1, range);
-            Grid<int16_t> dst(width, 16, 77);
+            Grid<int16_t> dst(width + 3, 16, 77);
             ASSERT_EQ(ONDRIX_SUCCESS,
                       odxFilterMedianMxNs16(src.data(), src.w(), src.h(), src.stride(), static_cast<unsigned>(m),
                                             static_cast<unsigned>(n), dst.data(), dst.stride()));
-            for (int y = 0; y < 16; ++y) {
-                for (int x = 0; x < width; ++x) {
-                    const bool border = x < m / 2 || x >= width - m / 2 || y < n / 2 || y >= 16 - n / 2;
-                    ASSERT_EQ(border ? src.at(x, y) : windowMedian(src, x, y, m / 2, n / 2, {}), dst.at(x, y))
-                        << m << "x" << n << " at " << x << "," << y;
-                }
-            }
+            expectPixels(dst, [&, w = width, m = m, n = n](int x, int y) -> int16_t {
+                if (x >= w) return 77;
+                const bool border = x < m / 2 || x >= w - m / 2 || y < n / 2 || y >= 16 - n / 2;
+                return border ? src.at(x, y) : windowMedian(src, x, y, m / 2, n / 2, {});
+            });
         }
     }
 }

@@ -1,11 +1,14 @@
-// Smoothing filters the obvious way: one pixel at a time, from their definition, in wide arithmetic.
-#ifndef ODX_TESTS_SMOOTHING_MODELS_H
-#define ODX_TESTS_SMOOTHING_MODELS_H
+// Pictures for tests of definitions: one pixel at a time, in wide arithmetic.
+#ifndef ODX_TESTS_SUPPORT_PICTURES_H
+#define ODX_TESTS_SUPPORT_PICTURES_H
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <functional>
 #include <random>
 #include <stdint.h>
+#include <string>
 #include <vector>
 
 namespace odx::test
@@ -45,6 +48,17 @@ Grid<T> noise(int width, int height, int64_t low, int64_t high)
     for (T& pixel : grid.pixels)
         pixel = static_cast<T>(std::uniform_int_distribution<int64_t>(low, high)(random));
     return grid;
+}
+
+// Compares every pixel with at(x, y).
+template <class T, class At>
+void expectPixels(const Grid<T>& picture, At at, const std::string& what = "")
+{
+    for (int y = 0; y < picture.height; ++y) {
+        for (int x = 0; x < picture.width; ++x)
+            ASSERT_EQ(static_cast<T>(at(x, y)), picture.at(x, y))
+                << what << ' ' << picture.width << "x" << picture.height << " at " << x << ',' << y;
+    }
 }
 
 // A pixel outside the image: a constant, or the nearest inside it.
@@ -87,23 +101,6 @@ Taps binomial(const Grid<T>& src, int x, int y, const std::vector<int>& weights)
         taps.weight += weight;
     });
     return taps;
-}
-
-template <class T>
-int64_t windowSum(const Grid<T>& src, int x, int y, int r, Outside outside)
-{
-    int64_t sum = 0;
-    window(r, r, [&](int dx, int dy) { sum += sample(src, x + dx, y + dy, outside); });
-    return sum;
-}
-
-template <class T>
-T windowMedian(const Grid<T>& src, int x, int y, int halfWidth, int halfHeight, Outside outside)
-{
-    std::vector<int64_t> values;
-    window(halfWidth, halfHeight, [&](int dx, int dy) { values.push_back(sample(src, x + dx, y + dy, outside)); });
-    std::sort(values.begin(), values.end());
-    return static_cast<T>(values[values.size() / 2]);
 }
 
 } // namespace odx::test
