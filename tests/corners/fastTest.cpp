@@ -373,7 +373,7 @@ TEST_F(Fast, MasksOfSevenScalesExcludeWhatTheyCover)
 
 TEST_F(Fast, ScoresAreTheLargestBarriersAndSuppressionKeepsMaxima)
 {
-    for (const Image& image : {noise(50, 30, 19), noise(70, 30, 23, 40), squares(140, 40)}) {
+    for (const Image& image : {noise(50, 30, 19), noise(50, 30, 23, 40), squares(80, 40)}) {
         const Mask nothing(image, 1, 1);
         for (int barrier : {0, 12, 40, 253, 254, -3, -300}) {
             Options options = {barrier};

@@ -3,8 +3,6 @@
 #include "ondrix.h"
 #include "support/pictures.h"
 
-#include <gtest/gtest.h>
-
 using namespace odx::test;
 
 namespace

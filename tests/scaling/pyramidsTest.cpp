@@ -2,8 +2,6 @@
 #include "ondrix.h"
 #include "support/pictures.h"
 
-#include <gtest/gtest.h>
-
 using namespace odx::test;
 
 namespace
@@ -18,15 +16,14 @@ protected:
     Pyramids() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
 };
 
-template <class Level>
-std::vector<std::pair<uint32_t, uint32_t>> sizesOf(const std::vector<Level>& levels)
+using Sizes = std::vector<std::pair<uint32_t, uint32_t>>;
+Sizes sizesOf(const std::vector<odxPyrLevelStrided>& levels)
 {
-    std::vector<std::pair<uint32_t, uint32_t>> sizes;
-    for (const Level& level : levels)
+    Sizes sizes;
+    for (const auto& level : levels)
         sizes.push_back({level.width, level.height});
     return sizes;
 }
-using Sizes = std::vector<std::pair<uint32_t, uint32_t>>;
 
 Bytes pixelsOf(const odxPyrLevelStrided& level)
 {
