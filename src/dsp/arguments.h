@@ -6,9 +6,11 @@
 //   rows(...)          rows of an image; what lies between them comes back as it went
 //   list(...)          a number of elements; behind a pointer to const they are read, else read and written
 //   written(...)       elements that are written completely, and not read
+//   vectors(...)       a list of pointers to vectors of one length, which are read
 //
 // So a buffer becomes two arguments of the remote entry, its address and its length: elements, for rows bytes. A
-// null buffer has the length 0. Behind the last argument comes the address of the result, where there is one.
+// null buffer has the length 0. Vectors travel as one buffer, one behind the other, with their number as a third
+// argument. Behind the last argument comes the address of the result, where there is one.
 //
 // A call stays on this processor when a length exceeds 31 bits, when a stride is shorter than its row, and when
 // written buffers overlap. The description of an operation with a status says, too, under which limits it is sent
@@ -35,6 +37,14 @@ struct Buffer {
 
     T* data;
     uint64_t length;
+};
+
+// Vectors that lie anywhere, and from pack() to unpack() a copy of them without gaps.
+template <class T>
+struct Vectors {
+    const T* const* at;
+    uint64_t count, length;
+    T* packed;
 };
 
 struct Stride {
@@ -86,6 +96,12 @@ Buffer<T, kOut, sizeof(T)> written(T* data, uint64_t count)
     return {data, count};
 }
 
+template <class T>
+Vectors<T> vectors(const T* const* at, uint64_t count, uint64_t length)
+{
+    return {at, count, length, nullptr};
+}
+
 template <class... Items>
 Arguments<false, Items...> arguments(Items... items)
 {
@@ -123,6 +139,11 @@ T* local(Buffer<T, direction, unit> buffer)
 {
     return buffer.data;
 }
+template <class T>
+const T* const* local(Vectors<T> vectors)
+{
+    return vectors.at;
+}
 
 // As the remote entry gets it.
 template <class T>
@@ -138,6 +159,12 @@ template <class T, Direction direction, size_t unit>
 std::tuple<T*, uint32_t> sent(Buffer<T, direction, unit> buffer)
 {
     return {buffer.data, buffer.data == nullptr ? 0 : static_cast<uint32_t>(buffer.length)};
+}
+template <class T>
+std::tuple<const T*, uint32_t, uint32_t> sent(Vectors<T> vectors)
+{
+    return {vectors.packed, static_cast<uint32_t>(vectors.count * vectors.length),
+            static_cast<uint32_t>(vectors.count)};
 }
 template <class Item>
 using Sent = decltype(sent(std::declval<Item>()));

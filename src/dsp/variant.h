@@ -5,7 +5,10 @@
 
 #include "dsp/arguments.h"
 #include "dsp/stub.h"
+#include "frame/heap.h"
 #include "ondrix/types.h"
+
+#include <string.h>
 
 namespace odx::remoting
 {
@@ -42,6 +45,57 @@ bool fits(Buffer<T, direction, unit> buffer)
 {
     return buffer.data == nullptr || buffer.length <= INT_MAX;
 }
+template <class T>
+bool fits(Vectors<T> vectors)
+{
+    return vectors.count <= INT_MAX && product(vectors.count, vectors.length, sizeof(T)) <= INT_MAX;
+}
+
+// What is collected for the way, and given back after it.
+template <class T>
+bool pack(T&)
+{
+    return true;
+}
+template <class T>
+void unpack(T&)
+{
+}
+template <class T>
+bool pack(Vectors<T>& vectors)
+{
+    const size_t length = static_cast<size_t>(vectors.length), count = static_cast<size_t>(vectors.count);
+    vectors.packed = static_cast<T*>(heapAlloc(length * count * sizeof(T) + 1)); // of none, too, there is one
+    for (size_t i = 0; i < count && length != 0 && vectors.packed != nullptr; ++i)
+        memcpy(vectors.packed + i * length, vectors.at[i], length * sizeof(T));
+    return vectors.packed != nullptr;
+}
+template <class T>
+void unpack(Vectors<T>& vectors)
+{
+    heapFree(vectors.packed);
+}
+
+template <class Items>
+class Packed
+{
+public:
+    explicit Packed(Items& items)
+        : items_(items), complete_(std::apply([](auto&... item) { return (pack(item) && ...); }, items))
+    {
+    }
+    ~Packed()
+    {
+        std::apply([](auto&... item) { (unpack(item), ...); }, items_);
+    }
+    Packed(const Packed&) = delete;
+    Packed& operator=(const Packed&) = delete;
+    explicit operator bool() const { return complete_; }
+
+private:
+    Items& items_;
+    bool complete_;
+};
 
 // Buffers come back whole. So where two of them interleave, as planes do whose rows lie side by side, the second
 // one would bring the old content of the first one along: such calls cannot be sent.
@@ -100,8 +154,8 @@ struct Variant<description, R(A...)> {
 
     [[gnu::noinline]] static R run(A... a, const Operation& operation)
     {
-        const auto arguments = description(a...);
-        const Items& items = arguments.items;
+        auto arguments = description(a...);
+        Items& items = arguments.items;
         constexpr bool hasStatus = std::is_same_v<R, odxStatus>;
         static_assert(hasStatus == Description::kHasLimits,
                       "limits are for operations with a status, and they all have them");
@@ -110,16 +164,24 @@ struct Variant<description, R(A...)> {
         }
         if constexpr (std::is_void_v<R>) {
             auto call = [&] { return send(operation.entry, items); };
-            if (canTravel(items) && callRemote(&invoke<decltype(call)>, &call)) return;
+            if (travels(items, call)) return;
         } else {
             R result = hasStatus ? static_cast<R>(ONDRIX_FAILURE) : R();
             auto call = [&] { return send(operation.entry, items, &result); };
-            if (canTravel(items) && callRemote(&invoke<decltype(call)>, &call)) return result;
+            if (travels(items, call)) return result;
         }
         return here(items, operation.number);
     }
 
 private:
+    template <class Call>
+    static bool travels(Items& items, Call& call)
+    {
+        if (!canTravel(items)) return false;
+        const Packed<Items> packed(items);
+        return packed && callRemote(&invoke<Call>, &call);
+    }
+
     template <class Call>
     static int invoke(void* call)
     {

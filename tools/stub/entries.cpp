@@ -7,6 +7,7 @@
 #include "ondrix/modes.h"
 
 #include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -86,6 +87,30 @@ private:
     uint8_t* copy_ = nullptr;
 };
 
+// Of vectors, a copy of what they were packed into, and their addresses in it.
+template <class T>
+class Argument<Vectors<T>>
+{
+public:
+    Argument(const T* packed, uint32_t length, uint32_t count)
+        : packed_(packed, length), at_(static_cast<const T**>(malloc((size_t{count} + 1) * sizeof(const T*))))
+    {
+        for (size_t i = 0; i < count && at_ != nullptr; ++i)
+            at_[i] = packed_.argument() + i * (length / count);
+    }
+    ~Argument() { free(at_); }
+    Argument(const Argument&) = delete;
+    Argument& operator=(const Argument&) = delete;
+
+    bool usable() const { return packed_.usable() && at_ != nullptr; }
+    const T* const* argument() const { return at_; }
+    void comeBack() const {}
+
+private:
+    Argument<Buffer<const T, kIn, sizeof(T)>> packed_;
+    const T** at_;
+};
+
 // Runs an operation on its items. `result` is null where it has none.
 template <class Result, class... A, class... Items>
 int serve(Result (*operation)(A...), Result* result, const Items&... items)
@@ -107,7 +132,10 @@ int serve(Result (*operation)(A...), Result* result, const Items&... items)
 template <class Item, size_t place, class Sent>
 Argument<Item> itemAt(const Sent& sent)
 {
-    if constexpr (std::tuple_size_v<odx::remoting::Sent<Item>> == 2) {
+    constexpr size_t kSent = std::tuple_size_v<odx::remoting::Sent<Item>>;
+    if constexpr (kSent == 3) {
+        return Argument<Item>(std::get<place>(sent), std::get<place + 1>(sent), std::get<place + 2>(sent));
+    } else if constexpr (kSent == 2) {
         return Argument<Item>(std::get<place>(sent), std::get<place + 1>(sent));
     } else {
         return Argument<Item>(std::get<place>(sent));
