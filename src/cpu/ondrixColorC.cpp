@@ -187,23 +187,39 @@ using namespace odx::color;
 
 extern "C" {
 
-#define ODX_COLOR_REFERENCE(subsampling, pixels)                                                                \
-    void odxColorYCbCr##subsampling##PlanarTo##pixels##u8C(                                                     \
-        const uint8_t* srcY, const uint8_t* srcCb, const uint8_t* srcCr, uint32_t srcWidth, uint32_t srcHeight, \
-        uint32_t srcYStride, uint32_t srcCbStride, uint32_t srcCrStride, uint8_t* dst, uint32_t dstStride)      \
-    {                                                                                                           \
-        convert##subsampling<pixels, Chroma::Planes>(planarFrame(                                               \
-            srcY, srcCb, srcCr, srcWidth, srcHeight, srcYStride, srcCbStride, srcCrStride, dst, dstStride));    \
-    }                                                                                                           \
-    void odxColorYCbCr##subsampling##PseudoPlanarTo##pixels##u8C(                                               \
-        const uint8_t* srcY, const uint8_t* srcC, uint32_t srcWidth, uint32_t srcHeight, uint32_t srcYStride,   \
-        uint32_t srcCStride, uint8_t* dst, uint32_t dstStride)                                                  \
-    {                                                                                                           \
-        convert##subsampling<pixels, Chroma::CbCrPairs>(                                                        \
-            pseudoPlanarFrame(srcY, srcC, srcWidth, srcHeight, srcYStride, srcCStride, dst, dstStride));        \
+#define ODX_PLANAR(name, subsampling, pixels)                                                                    \
+    void name(const uint8_t* srcY, const uint8_t* srcCb, const uint8_t* srcCr, uint32_t srcWidth,                \
+              uint32_t srcHeight, uint32_t srcYStride, uint32_t srcCbStride, uint32_t srcCrStride, uint8_t* dst, \
+              uint32_t dstStride)                                                                                \
+    {                                                                                                            \
+        convert##subsampling<pixels, Chroma::Planes>(planarFrame(                                                \
+            srcY, srcCb, srcCr, srcWidth, srcHeight, srcYStride, srcCbStride, srcCrStride, dst, dstStride));     \
     }
-ODX_YCBCR_TO_RGB(ODX_COLOR_REFERENCE)
-#undef ODX_COLOR_REFERENCE
+#define ODX_PSEUDO_PLANAR(name, subsampling, pixels)                                                     \
+    void name(const uint8_t* srcY, const uint8_t* srcC, uint32_t srcWidth, uint32_t srcHeight,           \
+              uint32_t srcYStride, uint32_t srcCStride, uint8_t* dst, uint32_t dstStride)                \
+    {                                                                                                    \
+        convert##subsampling<pixels, Chroma::CbCrPairs>(                                                 \
+            pseudoPlanarFrame(srcY, srcC, srcWidth, srcHeight, srcYStride, srcCStride, dst, dstStride)); \
+    }
+ODX_PLANAR(odxColorYCbCr444PlanarToRGB565u8C, 444, RGB565)
+ODX_PLANAR(odxColorYCbCr444PlanarToRGB888u8C, 444, RGB888)
+ODX_PLANAR(odxColorYCbCr444PlanarToRGBA8888u8C, 444, RGBA8888)
+ODX_PLANAR(odxColorYCbCr422PlanarToRGB565u8C, 422, RGB565)
+ODX_PLANAR(odxColorYCbCr422PlanarToRGB888u8C, 422, RGB888)
+ODX_PLANAR(odxColorYCbCr422PlanarToRGBA8888u8C, 422, RGBA8888)
+ODX_PLANAR(odxColorYCbCr420PlanarToRGB565u8C, 420, RGB565)
+ODX_PLANAR(odxColorYCbCr420PlanarToRGB888u8C, 420, RGB888)
+ODX_PLANAR(odxColorYCbCr420PlanarToRGBA8888u8C, 420, RGBA8888)
+ODX_PSEUDO_PLANAR(odxColorYCbCr444PseudoPlanarToRGB565u8C, 444, RGB565)
+ODX_PSEUDO_PLANAR(odxColorYCbCr444PseudoPlanarToRGB888u8C, 444, RGB888)
+ODX_PSEUDO_PLANAR(odxColorYCbCr444PseudoPlanarToRGBA8888u8C, 444, RGBA8888)
+ODX_PSEUDO_PLANAR(odxColorYCbCr422PseudoPlanarToRGB565u8C, 422, RGB565)
+ODX_PSEUDO_PLANAR(odxColorYCbCr422PseudoPlanarToRGB888u8C, 422, RGB888)
+ODX_PSEUDO_PLANAR(odxColorYCbCr422PseudoPlanarToRGBA8888u8C, 422, RGBA8888)
+ODX_PSEUDO_PLANAR(odxColorYCbCr420PseudoPlanarToRGB565u8C, 420, RGB565)
+ODX_PSEUDO_PLANAR(odxColorYCbCr420PseudoPlanarToRGB888u8C, 420, RGB888)
+ODX_PSEUDO_PLANAR(odxColorYCbCr420PseudoPlanarToRGBA8888u8C, 420, RGBA8888)
 
 void odxColorYUV420toRGB565u8C(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst)
 {
@@ -235,15 +251,13 @@ void odxColorYUV420toRGB8888u8C(const uint8_t* src, uint32_t width, uint32_t hei
     odxColorYCrCb420PseudoPlanarToRGB8888u8C(src, width, height, width, width, dst, 4 * width);
 }
 
-#define ODX_COLOR_UNITS(across, down)                                                                      \
-    void odxColorYCrCbH##across##V##down##toRGB888u8C(const uint8_t* src, uint32_t width, uint32_t height, \
-                                                      uint8_t* dst)                                        \
-    {                                                                                                      \
-        convertUnits<Units<across, down>>(src, width, height, dst);                                        \
+#define ODX_COLOR_UNITS(name, across, down)                                      \
+    void name(const uint8_t* src, uint32_t width, uint32_t height, uint8_t* dst) \
+    {                                                                            \
+        convertUnits<Units<across, down>>(src, width, height, dst);              \
     }
-ODX_COLOR_UNITS(1, 1)
-ODX_COLOR_UNITS(2, 2)
-ODX_COLOR_UNITS(2, 1)
-ODX_COLOR_UNITS(1, 2)
-#undef ODX_COLOR_UNITS
+ODX_COLOR_UNITS(odxColorYCrCbH1V1toRGB888u8C, 1, 1)
+ODX_COLOR_UNITS(odxColorYCrCbH2V2toRGB888u8C, 2, 2)
+ODX_COLOR_UNITS(odxColorYCrCbH2V1toRGB888u8C, 2, 1)
+ODX_COLOR_UNITS(odxColorYCrCbH1V2toRGB888u8C, 1, 2)
 }

@@ -162,13 +162,21 @@ using namespace odx::color;
 
 extern "C" {
 
-#define ODX_DEFINE(name, from, step, to, repeat)                                                           \
-    void name##C(const uint8_t* srcCb, const uint8_t* srcCr, uint8_t* dstCb, uint8_t* dstCr, size_t count) \
-    {                                                                                                      \
-        chromaGroups<from, step, to, repeat>(srcCb, srcCr, dstCb, dstCr, count);                           \
+#define ODX_CHROMA_ROW(name, from, step, to, repeat)                                                    \
+    void name(const uint8_t* srcCb, const uint8_t* srcCr, uint8_t* dstCb, uint8_t* dstCr, size_t count) \
+    {                                                                                                   \
+        chromaGroups<from, step, to, repeat>(srcCb, srcCr, dstCb, dstCr, count);                        \
     }
-ODX_CHROMA_ROWS(ODX_DEFINE)
-#undef ODX_DEFINE
+ODX_CHROMA_ROW(chromaPlanarToPlanarHalfC, Planar, 2, Planar, 1)
+ODX_CHROMA_ROW(chromaPlanarToPlanarTwiceC, Planar, 1, Planar, 2)
+ODX_CHROMA_ROW(chromaPlanarToPseudoPlanarC, Planar, 1, PseudoPlanar, 1)
+ODX_CHROMA_ROW(chromaPlanarToPseudoPlanarHalfC, Planar, 2, PseudoPlanar, 1)
+ODX_CHROMA_ROW(chromaPlanarToPseudoPlanarTwiceC, Planar, 1, PseudoPlanar, 2)
+ODX_CHROMA_ROW(chromaPseudoPlanarToPlanarC, PseudoPlanar, 1, Planar, 1)
+ODX_CHROMA_ROW(chromaPseudoPlanarToPlanarHalfC, PseudoPlanar, 2, Planar, 1)
+ODX_CHROMA_ROW(chromaPseudoPlanarToPlanarTwiceC, PseudoPlanar, 1, Planar, 2)
+ODX_CHROMA_ROW(chromaPseudoPlanarToPseudoPlanarHalfC, PseudoPlanar, 2, PseudoPlanar, 1)
+ODX_CHROMA_ROW(chromaPseudoPlanarToPseudoPlanarTwiceC, PseudoPlanar, 1, PseudoPlanar, 2)
 
 #define ODX_Planar_SOURCE_IMAGE                                  \
     {                                                            \
@@ -187,15 +195,42 @@ ODX_CHROMA_ROWS(ODX_DEFINE)
         dstY, dstC, dstC, dstYStride, dstCStride, dstCStride \
     }
 
-#define ODX_DEFINE(from, fromSubsampling, to, toSubsampling)                                              \
-    void odxColorYCbCr##fromSubsampling##from##ToYCbCr##toSubsampling##to##u8C(ODX_##from##_SOURCE,       \
-                                                                               ODX_##to##_DESTINATION)    \
+#define ODX_CONVERSION(name, from, fromSubsampling, to, toSubsampling)                                    \
+    void name(ODX_##from##_SOURCE, ODX_##to##_DESTINATION)                                                \
     {                                                                                                     \
         convert<from, fromSubsampling, to, toSubsampling>(ODX_##from##_SOURCE_IMAGE, srcWidth, srcHeight, \
                                                           ODX_##to##_DESTINATION_IMAGE);                  \
     }
-ODX_YCBCR_TO_YCBCR(ODX_DEFINE)
-#undef ODX_DEFINE
+ODX_CONVERSION(odxColorYCbCr420PlanarToYCbCr422Planaru8C, Planar, 420, Planar, 422)
+ODX_CONVERSION(odxColorYCbCr420PlanarToYCbCr444Planaru8C, Planar, 420, Planar, 444)
+ODX_CONVERSION(odxColorYCbCr422PlanarToYCbCr420Planaru8C, Planar, 422, Planar, 420)
+ODX_CONVERSION(odxColorYCbCr422PlanarToYCbCr444Planaru8C, Planar, 422, Planar, 444)
+ODX_CONVERSION(odxColorYCbCr444PlanarToYCbCr420Planaru8C, Planar, 444, Planar, 420)
+ODX_CONVERSION(odxColorYCbCr444PlanarToYCbCr422Planaru8C, Planar, 444, Planar, 422)
+ODX_CONVERSION(odxColorYCbCr420PlanarToYCbCr420PseudoPlanaru8C, Planar, 420, PseudoPlanar, 420)
+ODX_CONVERSION(odxColorYCbCr420PlanarToYCbCr422PseudoPlanaru8C, Planar, 420, PseudoPlanar, 422)
+ODX_CONVERSION(odxColorYCbCr420PlanarToYCbCr444PseudoPlanaru8C, Planar, 420, PseudoPlanar, 444)
+ODX_CONVERSION(odxColorYCbCr422PlanarToYCbCr420PseudoPlanaru8C, Planar, 422, PseudoPlanar, 420)
+ODX_CONVERSION(odxColorYCbCr422PlanarToYCbCr422PseudoPlanaru8C, Planar, 422, PseudoPlanar, 422)
+ODX_CONVERSION(odxColorYCbCr422PlanarToYCbCr444PseudoPlanaru8C, Planar, 422, PseudoPlanar, 444)
+ODX_CONVERSION(odxColorYCbCr444PlanarToYCbCr420PseudoPlanaru8C, Planar, 444, PseudoPlanar, 420)
+ODX_CONVERSION(odxColorYCbCr444PlanarToYCbCr422PseudoPlanaru8C, Planar, 444, PseudoPlanar, 422)
+ODX_CONVERSION(odxColorYCbCr444PlanarToYCbCr444PseudoPlanaru8C, Planar, 444, PseudoPlanar, 444)
+ODX_CONVERSION(odxColorYCbCr420PseudoPlanarToYCbCr420Planaru8C, PseudoPlanar, 420, Planar, 420)
+ODX_CONVERSION(odxColorYCbCr420PseudoPlanarToYCbCr422Planaru8C, PseudoPlanar, 420, Planar, 422)
+ODX_CONVERSION(odxColorYCbCr420PseudoPlanarToYCbCr444Planaru8C, PseudoPlanar, 420, Planar, 444)
+ODX_CONVERSION(odxColorYCbCr422PseudoPlanarToYCbCr420Planaru8C, PseudoPlanar, 422, Planar, 420)
+ODX_CONVERSION(odxColorYCbCr422PseudoPlanarToYCbCr422Planaru8C, PseudoPlanar, 422, Planar, 422)
+ODX_CONVERSION(odxColorYCbCr422PseudoPlanarToYCbCr444Planaru8C, PseudoPlanar, 422, Planar, 444)
+ODX_CONVERSION(odxColorYCbCr444PseudoPlanarToYCbCr420Planaru8C, PseudoPlanar, 444, Planar, 420)
+ODX_CONVERSION(odxColorYCbCr444PseudoPlanarToYCbCr422Planaru8C, PseudoPlanar, 444, Planar, 422)
+ODX_CONVERSION(odxColorYCbCr444PseudoPlanarToYCbCr444Planaru8C, PseudoPlanar, 444, Planar, 444)
+ODX_CONVERSION(odxColorYCbCr420PseudoPlanarToYCbCr422PseudoPlanaru8C, PseudoPlanar, 420, PseudoPlanar, 422)
+ODX_CONVERSION(odxColorYCbCr420PseudoPlanarToYCbCr444PseudoPlanaru8C, PseudoPlanar, 420, PseudoPlanar, 444)
+ODX_CONVERSION(odxColorYCbCr422PseudoPlanarToYCbCr420PseudoPlanaru8C, PseudoPlanar, 422, PseudoPlanar, 420)
+ODX_CONVERSION(odxColorYCbCr422PseudoPlanarToYCbCr444PseudoPlanaru8C, PseudoPlanar, 422, PseudoPlanar, 444)
+ODX_CONVERSION(odxColorYCbCr444PseudoPlanarToYCbCr420PseudoPlanaru8C, PseudoPlanar, 444, PseudoPlanar, 420)
+ODX_CONVERSION(odxColorYCbCr444PseudoPlanarToYCbCr422PseudoPlanaru8C, PseudoPlanar, 444, PseudoPlanar, 422)
 
 void odxColorCbCrSwapu8C(ODX_Packed_SOURCE, ODX_Packed_DESTINATION)
 {

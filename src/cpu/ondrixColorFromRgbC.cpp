@@ -369,40 +369,106 @@ using namespace odx::color;
 
 extern "C" {
 
-#define ODX_DEFINE(source, pixels) ODX_DEFINE_YUV_ROWS(source, pixels, C)
-ODX_RGB_SOURCES(ODX_DEFINE)
-#undef ODX_DEFINE
-
-#define ODX_DEFINE(from, to)                                                     \
-    void repack##from##To##to##C(const uint8_t* src, uint8_t* dst, size_t width) \
-    {                                                                            \
-        Repacking<repacked::from, repacked::to>::row(src, dst, width);           \
+#define ODX_YUV_ROW(name, pixels, chroma, step)                                                                 \
+    void name(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, size_t width)                           \
+    {                                                                                                           \
+        yuvRow<blueFirst::pixels, Chroma::chroma, step>(src, y, cb, Chroma::chroma == Chroma::Planes ? cr : cb, \
+                                                        width);                                                 \
     }
-ODX_RGB_TO_RGB(ODX_DEFINE)
-#undef ODX_DEFINE
-
-#define ODX_DEFINE(pixels, subsampling, source, rows)                                                             \
-    void odxColor##pixels##ToYCbCr##subsampling##Planaru8C(ODX_Packed_SOURCE, ODX_Planar_DESTINATION)             \
-    {                                                                                                             \
-        convertToYuv<subsampling>(source##2##rows##p_, source##2y_, src, srcWidth, srcHeight, srcStride,          \
-                                  {dstY, dstCb, dstCr, dstYStride, dstCbStride, dstCrStride});                    \
-    }                                                                                                             \
-    void odxColor##pixels##ToYCbCr##subsampling##PseudoPlanaru8C(ODX_Packed_SOURCE, ODX_PseudoPlanar_DESTINATION) \
-    {                                                                                                             \
-        convertToYuv<subsampling>(source##2##rows##_, source##2y_, src, srcWidth, srcHeight, srcStride,           \
-                                  {dstY, dstC, dstC, dstYStride, dstCStride, dstCStride});                        \
+#define ODX_LUMA_ROW(name, pixels)                          \
+    void name(const uint8_t* src, uint8_t* y, size_t width) \
+    {                                                       \
+        yRow<blueFirst::pixels>(src, y, width);             \
     }
-ODX_RGB_TO_YCBCR(ODX_DEFINE)
-#undef ODX_DEFINE
+ODX_YUV_ROW(rgb5652yuvpC, RGB565, Planes, 1)
+ODX_YUV_ROW(rgb5652yyuvpC, RGB565, Planes, 2)
+ODX_YUV_ROW(rgb5652yuvC, RGB565, CbCrPairs, 1)
+ODX_YUV_ROW(rgb5652yyuvC, RGB565, CbCrPairs, 2)
+ODX_LUMA_ROW(rgb5652yC, RGB565)
+ODX_YUV_ROW(rgb8882yuvpC, RGB888, Planes, 1)
+ODX_YUV_ROW(rgb8882yyuvpC, RGB888, Planes, 2)
+ODX_YUV_ROW(rgb8882yuvC, RGB888, CbCrPairs, 1)
+ODX_YUV_ROW(rgb8882yyuvC, RGB888, CbCrPairs, 2)
+ODX_LUMA_ROW(rgb8882yC, RGB888)
+ODX_YUV_ROW(rgba2yuvpC, RGBA8888, Planes, 1)
+ODX_YUV_ROW(rgba2yyuvpC, RGBA8888, Planes, 2)
+ODX_YUV_ROW(rgba2yuvC, RGBA8888, CbCrPairs, 1)
+ODX_YUV_ROW(rgba2yyuvC, RGBA8888, CbCrPairs, 2)
+ODX_LUMA_ROW(rgba2yC, RGBA8888)
 
-#define ODX_DEFINE(from, to)                                                    \
-    void odxColor##from##To##to##u8C(ODX_Packed_SOURCE, ODX_Packed_DESTINATION) \
-    {                                                                           \
-        odxRepackedRow* const row = repack##from##To##to##_;                    \
-        eachRow(ODX_Packed_ARGUMENTS, row);                                     \
+#define ODX_REPACK(name, from, to)                                     \
+    void name(const uint8_t* src, uint8_t* dst, size_t width)          \
+    {                                                                  \
+        Repacking<repacked::from, repacked::to>::row(src, dst, width); \
     }
-ODX_RGB_TO_RGB(ODX_DEFINE)
-#undef ODX_DEFINE
+ODX_REPACK(repackRGB565ToRGB888C, RGB565, RGB888)
+ODX_REPACK(repackRGB565ToRGBA8888C, RGB565, RGBA8888)
+ODX_REPACK(repackRGB565ToBGR565C, RGB565, BGR565)
+ODX_REPACK(repackRGB565ToBGR888C, RGB565, BGR888)
+ODX_REPACK(repackRGB565ToBGRA8888C, RGB565, BGRA8888)
+ODX_REPACK(repackRGB888ToRGB565C, RGB888, RGB565)
+ODX_REPACK(repackRGB888ToRGBA8888C, RGB888, RGBA8888)
+ODX_REPACK(repackRGB888ToBGR565C, RGB888, BGR565)
+ODX_REPACK(repackRGB888ToBGR888C, RGB888, BGR888)
+ODX_REPACK(repackRGB888ToBGRA8888C, RGB888, BGRA8888)
+ODX_REPACK(repackRGBA8888ToRGB565C, RGBA8888, RGB565)
+ODX_REPACK(repackRGBA8888ToRGB888C, RGBA8888, RGB888)
+ODX_REPACK(repackRGBA8888ToBGR565C, RGBA8888, BGR565)
+ODX_REPACK(repackRGBA8888ToBGR888C, RGBA8888, BGR888)
+ODX_REPACK(repackRGBA8888ToBGRA8888C, RGBA8888, BGRA8888)
+
+#define ODX_TO_PLANAR(name, subsampling, row, lumaRow)                                         \
+    void name(ODX_Packed_SOURCE, ODX_Planar_DESTINATION)                                       \
+    {                                                                                          \
+        convertToYuv<subsampling>(row, lumaRow, src, srcWidth, srcHeight, srcStride,           \
+                                  {dstY, dstCb, dstCr, dstYStride, dstCbStride, dstCrStride}); \
+    }
+#define ODX_TO_PSEUDO_PLANAR(name, subsampling, row, lumaRow)                              \
+    void name(ODX_Packed_SOURCE, ODX_PseudoPlanar_DESTINATION)                             \
+    {                                                                                      \
+        convertToYuv<subsampling>(row, lumaRow, src, srcWidth, srcHeight, srcStride,       \
+                                  {dstY, dstC, dstC, dstYStride, dstCStride, dstCStride}); \
+    }
+ODX_TO_PLANAR(odxColorRGB565ToYCbCr444Planaru8C, 444, rgb5652yuvp_, rgb5652y_)
+ODX_TO_PLANAR(odxColorRGB565ToYCbCr422Planaru8C, 422, rgb5652yyuvp_, rgb5652y_)
+ODX_TO_PLANAR(odxColorRGB565ToYCbCr420Planaru8C, 420, rgb5652yyuvp_, rgb5652y_)
+ODX_TO_PLANAR(odxColorRGB888ToYCbCr444Planaru8C, 444, rgb8882yuvp_, rgb8882y_)
+ODX_TO_PLANAR(odxColorRGB888ToYCbCr422Planaru8C, 422, rgb8882yyuvp_, rgb8882y_)
+ODX_TO_PLANAR(odxColorRGB888ToYCbCr420Planaru8C, 420, rgb8882yyuvp_, rgb8882y_)
+ODX_TO_PLANAR(odxColorRGBA8888ToYCbCr444Planaru8C, 444, rgba2yuvp_, rgba2y_)
+ODX_TO_PLANAR(odxColorRGBA8888ToYCbCr422Planaru8C, 422, rgba2yyuvp_, rgba2y_)
+ODX_TO_PLANAR(odxColorRGBA8888ToYCbCr420Planaru8C, 420, rgba2yyuvp_, rgba2y_)
+ODX_TO_PSEUDO_PLANAR(odxColorRGB565ToYCbCr444PseudoPlanaru8C, 444, rgb5652yuv_, rgb5652y_)
+ODX_TO_PSEUDO_PLANAR(odxColorRGB565ToYCbCr422PseudoPlanaru8C, 422, rgb5652yyuv_, rgb5652y_)
+ODX_TO_PSEUDO_PLANAR(odxColorRGB565ToYCbCr420PseudoPlanaru8C, 420, rgb5652yyuv_, rgb5652y_)
+ODX_TO_PSEUDO_PLANAR(odxColorRGB888ToYCbCr444PseudoPlanaru8C, 444, rgb8882yuv_, rgb8882y_)
+ODX_TO_PSEUDO_PLANAR(odxColorRGB888ToYCbCr422PseudoPlanaru8C, 422, rgb8882yyuv_, rgb8882y_)
+ODX_TO_PSEUDO_PLANAR(odxColorRGB888ToYCbCr420PseudoPlanaru8C, 420, rgb8882yyuv_, rgb8882y_)
+ODX_TO_PSEUDO_PLANAR(odxColorRGBA8888ToYCbCr444PseudoPlanaru8C, 444, rgba2yuv_, rgba2y_)
+ODX_TO_PSEUDO_PLANAR(odxColorRGBA8888ToYCbCr422PseudoPlanaru8C, 422, rgba2yyuv_, rgba2y_)
+ODX_TO_PSEUDO_PLANAR(odxColorRGBA8888ToYCbCr420PseudoPlanaru8C, 420, rgba2yyuv_, rgba2y_)
+
+#define ODX_TO_PACKED(name, helper)                      \
+    void name(ODX_Packed_SOURCE, ODX_Packed_DESTINATION) \
+    {                                                    \
+        odxRepackedRow* const row = helper;              \
+        eachRow(ODX_Packed_ARGUMENTS, row);              \
+    }
+ODX_TO_PACKED(odxColorRGB565ToRGB888u8C, repackRGB565ToRGB888_)
+ODX_TO_PACKED(odxColorRGB565ToRGBA8888u8C, repackRGB565ToRGBA8888_)
+ODX_TO_PACKED(odxColorRGB565ToBGR565u8C, repackRGB565ToBGR565_)
+ODX_TO_PACKED(odxColorRGB565ToBGR888u8C, repackRGB565ToBGR888_)
+ODX_TO_PACKED(odxColorRGB565ToBGRA8888u8C, repackRGB565ToBGRA8888_)
+ODX_TO_PACKED(odxColorRGB888ToRGB565u8C, repackRGB888ToRGB565_)
+ODX_TO_PACKED(odxColorRGB888ToRGBA8888u8C, repackRGB888ToRGBA8888_)
+ODX_TO_PACKED(odxColorRGB888ToBGR565u8C, repackRGB888ToBGR565_)
+ODX_TO_PACKED(odxColorRGB888ToBGR888u8C, repackRGB888ToBGR888_)
+ODX_TO_PACKED(odxColorRGB888ToBGRA8888u8C, repackRGB888ToBGRA8888_)
+ODX_TO_PACKED(odxColorRGBA8888ToRGB565u8C, repackRGBA8888ToRGB565_)
+ODX_TO_PACKED(odxColorRGBA8888ToRGB888u8C, repackRGBA8888ToRGB888_)
+ODX_TO_PACKED(odxColorRGBA8888ToBGR565u8C, repackRGBA8888ToBGR565_)
+ODX_TO_PACKED(odxColorRGBA8888ToBGR888u8C, repackRGBA8888ToBGR888_)
+ODX_TO_PACKED(odxColorRGBA8888ToBGRA8888u8C, repackRGBA8888ToBGRA8888_)
 
 void odxColorRGB888ToGrayu8C(ODX_Packed_SOURCE, ODX_Packed_DESTINATION)
 {

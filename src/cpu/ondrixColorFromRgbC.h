@@ -26,29 +26,6 @@
     X(rgb888, RGB888)      \
     X(rgba, RGBA8888)
 
-// The row routines of a source in a column, C or V, which has a yuvRow<Source, chroma, step> and a yRow<Source>.
-#define ODX_DEFINE_YUV_ROWS(source, pixels, column)                                                     \
-    void source##2yuvp##column(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, size_t width)  \
-    {                                                                                                   \
-        yuvRow<blueFirst::pixels, Chroma::Planes, 1>(src, y, cb, cr, width);                            \
-    }                                                                                                   \
-    void source##2yyuvp##column(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, size_t width) \
-    {                                                                                                   \
-        yuvRow<blueFirst::pixels, Chroma::Planes, 2>(src, y, cb, cr, width);                            \
-    }                                                                                                   \
-    void source##2yuv##column(const uint8_t* src, uint8_t* y, uint8_t* c, uint8_t*, size_t width)       \
-    {                                                                                                   \
-        yuvRow<blueFirst::pixels, Chroma::CbCrPairs, 1>(src, y, c, c, width);                           \
-    }                                                                                                   \
-    void source##2yyuv##column(const uint8_t* src, uint8_t* y, uint8_t* c, uint8_t*, size_t width)      \
-    {                                                                                                   \
-        yuvRow<blueFirst::pixels, Chroma::CbCrPairs, 2>(src, y, c, c, width);                           \
-    }                                                                                                   \
-    void source##2y##column(const uint8_t* src, uint8_t* y, size_t width)                               \
-    {                                                                                                   \
-        yRow<blueFirst::pixels>(src, y, width);                                                         \
-    }
-
 // X(source pixels, destination pixels). The row routine is repack<source pixels>To<destination pixels>.
 #define ODX_RGB_TO_RGB(X) \
     X(RGB565, RGB888)     \

@@ -74,13 +74,23 @@ ODX_INLINE bool chromaRow(const uint8_t* srcCb, const uint8_t* srcCr, uint8_t* d
     return true;
 }
 
-#define ODX_DEFINE(name, from, step, to, repeat)                                                           \
-    void name##V(const uint8_t* srcCb, const uint8_t* srcCr, uint8_t* dstCb, uint8_t* dstCr, size_t count) \
-    {                                                                                                      \
-        if (!chromaRow<from, step, to, repeat>(srcCb, srcCr, dstCb, dstCr, count))                         \
-            name##C(srcCb, srcCr, dstCb, dstCr, count);                                                    \
+#define ODX_CHROMA_ROW(name, reference, from, step, to, repeat)                                         \
+    void name(const uint8_t* srcCb, const uint8_t* srcCr, uint8_t* dstCb, uint8_t* dstCr, size_t count) \
+    {                                                                                                   \
+        if (!chromaRow<from, step, to, repeat>(srcCb, srcCr, dstCb, dstCr, count))                      \
+            reference(srcCb, srcCr, dstCb, dstCr, count);                                               \
     }
-ODX_CHROMA_ROWS(ODX_DEFINE)
-#undef ODX_DEFINE
+ODX_CHROMA_ROW(chromaPlanarToPlanarHalfV, chromaPlanarToPlanarHalfC, Planar, 2, Planar, 1)
+ODX_CHROMA_ROW(chromaPlanarToPlanarTwiceV, chromaPlanarToPlanarTwiceC, Planar, 1, Planar, 2)
+ODX_CHROMA_ROW(chromaPlanarToPseudoPlanarV, chromaPlanarToPseudoPlanarC, Planar, 1, PseudoPlanar, 1)
+ODX_CHROMA_ROW(chromaPlanarToPseudoPlanarHalfV, chromaPlanarToPseudoPlanarHalfC, Planar, 2, PseudoPlanar, 1)
+ODX_CHROMA_ROW(chromaPlanarToPseudoPlanarTwiceV, chromaPlanarToPseudoPlanarTwiceC, Planar, 1, PseudoPlanar, 2)
+ODX_CHROMA_ROW(chromaPseudoPlanarToPlanarV, chromaPseudoPlanarToPlanarC, PseudoPlanar, 1, Planar, 1)
+ODX_CHROMA_ROW(chromaPseudoPlanarToPlanarHalfV, chromaPseudoPlanarToPlanarHalfC, PseudoPlanar, 2, Planar, 1)
+ODX_CHROMA_ROW(chromaPseudoPlanarToPlanarTwiceV, chromaPseudoPlanarToPlanarTwiceC, PseudoPlanar, 1, Planar, 2)
+ODX_CHROMA_ROW(chromaPseudoPlanarToPseudoPlanarHalfV, chromaPseudoPlanarToPseudoPlanarHalfC, PseudoPlanar, 2,
+               PseudoPlanar, 1)
+ODX_CHROMA_ROW(chromaPseudoPlanarToPseudoPlanarTwiceV, chromaPseudoPlanarToPseudoPlanarTwiceC, PseudoPlanar, 1,
+               PseudoPlanar, 2)
 
 } // namespace odx::ODX_TARGET

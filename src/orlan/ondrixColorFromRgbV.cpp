@@ -202,9 +202,32 @@ ODX_INLINE void yRow(const uint8_t* src, uint8_t* y, size_t width)
                                  [](auto in, auto out) { store(out, lumaOf<Source>(Source::pixels(in))); });
 }
 
-#define ODX_DEFINE(source, pixels) ODX_DEFINE_YUV_ROWS(source, pixels, V)
-ODX_RGB_SOURCES(ODX_DEFINE)
-#undef ODX_DEFINE
+#define ODX_YUV_ROW(name, pixels, chroma, step)                                                                 \
+    void name(const uint8_t* src, uint8_t* y, uint8_t* cb, uint8_t* cr, size_t width)                           \
+    {                                                                                                           \
+        yuvRow<blueFirst::pixels, Chroma::chroma, step>(src, y, cb, Chroma::chroma == Chroma::Planes ? cr : cb, \
+                                                        width);                                                 \
+    }
+#define ODX_LUMA_ROW(name, pixels)                          \
+    void name(const uint8_t* src, uint8_t* y, size_t width) \
+    {                                                       \
+        yRow<blueFirst::pixels>(src, y, width);             \
+    }
+ODX_YUV_ROW(rgb5652yuvpV, RGB565, Planes, 1)
+ODX_YUV_ROW(rgb5652yyuvpV, RGB565, Planes, 2)
+ODX_YUV_ROW(rgb5652yuvV, RGB565, CbCrPairs, 1)
+ODX_YUV_ROW(rgb5652yyuvV, RGB565, CbCrPairs, 2)
+ODX_LUMA_ROW(rgb5652yV, RGB565)
+ODX_YUV_ROW(rgb8882yuvpV, RGB888, Planes, 1)
+ODX_YUV_ROW(rgb8882yyuvpV, RGB888, Planes, 2)
+ODX_YUV_ROW(rgb8882yuvV, RGB888, CbCrPairs, 1)
+ODX_YUV_ROW(rgb8882yyuvV, RGB888, CbCrPairs, 2)
+ODX_LUMA_ROW(rgb8882yV, RGB888)
+ODX_YUV_ROW(rgba2yuvpV, RGBA8888, Planes, 1)
+ODX_YUV_ROW(rgba2yyuvpV, RGBA8888, Planes, 2)
+ODX_YUV_ROW(rgba2yuvV, RGBA8888, CbCrPairs, 1)
+ODX_YUV_ROW(rgba2yyuvV, RGBA8888, CbCrPairs, 2)
+ODX_LUMA_ROW(rgba2yV, RGBA8888)
 
 // ---- other pixels ----
 
@@ -266,8 +289,8 @@ struct Repacking<repacked::RGBA8888, repacked::BGRA8888> {
     }
 };
 
-#define ODX_DEFINE(from, to)                                                                    \
-    void repack##from##To##to##V(const uint8_t* src, uint8_t* dst, size_t width)                \
+#define ODX_REPACK(name, from, to)                                                              \
+    void name(const uint8_t* src, uint8_t* dst, size_t width)                                   \
     {                                                                                           \
         using Source = repacked::from;                                                          \
         using Target = repacked::to;                                                            \
@@ -275,8 +298,21 @@ struct Repacking<repacked::RGBA8888, repacked::BGRA8888> {
         convertRow<Source::kSize, Target::kSize, (Source::kSize + Target::kSize == 4 ? 2 : 1)>( \
             src, dst, width, [](auto in, auto out) { Pixels::group(in, out); });                \
     }
-ODX_RGB_TO_RGB(ODX_DEFINE)
-#undef ODX_DEFINE
+ODX_REPACK(repackRGB565ToRGB888V, RGB565, RGB888)
+ODX_REPACK(repackRGB565ToRGBA8888V, RGB565, RGBA8888)
+ODX_REPACK(repackRGB565ToBGR565V, RGB565, BGR565)
+ODX_REPACK(repackRGB565ToBGR888V, RGB565, BGR888)
+ODX_REPACK(repackRGB565ToBGRA8888V, RGB565, BGRA8888)
+ODX_REPACK(repackRGB888ToRGB565V, RGB888, RGB565)
+ODX_REPACK(repackRGB888ToRGBA8888V, RGB888, RGBA8888)
+ODX_REPACK(repackRGB888ToBGR565V, RGB888, BGR565)
+ODX_REPACK(repackRGB888ToBGR888V, RGB888, BGR888)
+ODX_REPACK(repackRGB888ToBGRA8888V, RGB888, BGRA8888)
+ODX_REPACK(repackRGBA8888ToRGB565V, RGBA8888, RGB565)
+ODX_REPACK(repackRGBA8888ToRGB888V, RGBA8888, RGB888)
+ODX_REPACK(repackRGBA8888ToBGR565V, RGBA8888, BGR565)
+ODX_REPACK(repackRGBA8888ToBGR888V, RGBA8888, BGR888)
+ODX_REPACK(repackRGBA8888ToBGRA8888V, RGBA8888, BGRA8888)
 
 // ---- grey and Y/Cr/Cb ----
 

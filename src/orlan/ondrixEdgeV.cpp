@@ -19,35 +19,35 @@ ODX_INLINE bool filtered(const S* src, uint32_t width, uint32_t height, uint32_t
 }
 
 // clang-format off
-#define ODX_INTERLEAVED(name, D, Kernel, Stored) \
-    void name##V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride, \
+#define ODX_INTERLEAVED(name, reference, D, Kernel, Stored) \
+    void name(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride, \
                  D* gradients, unsigned int gradStride) \
     { \
         if (!filtered<Gradient<edge::Kernel, Stored>>(src, srcWidth, srcHeight, srcStride, \
                                                       Rows<edge::Both<D>>{(edge::Both<D>*)gradients, gradStride})) \
-            name##C(src, srcWidth, srcHeight, srcStride, gradients, gradStride); \
+            reference(src, srcWidth, srcHeight, srcStride, gradients, gradStride); \
     }
-#define ODX_PLANAR(name, S, D, ...) \
-    void name##V(const S* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride, D* dx, D* dy, \
+#define ODX_PLANAR(name, reference, S, D, ...) \
+    void name(const S* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride, D* dx, D* dy, \
                  unsigned int dxyStride) \
     { \
         if (!filtered<__VA_ARGS__>(src, srcWidth, srcHeight, srcStride, Rows<D>{dx, dxyStride}.at(1, 1), \
                                    Rows<D>{dy, dxyStride}.at(1, 1))) \
-            name##C(src, srcWidth, srcHeight, srcStride, dx, dy, dxyStride); \
+            reference(src, srcWidth, srcHeight, srcStride, dx, dy, dxyStride); \
     }
 
-ODX_INTERLEAVED(odxImageGradientInterleaveds16, int16_t, Central, Whole)
-ODX_INTERLEAVED(odxImageGradientInterleavedf32, float, Central, Whole)
-ODX_INTERLEAVED(odxImageGradientSobelInterleaveds16, int16_t, Sobel, Eighth)
-ODX_INTERLEAVED(odxImageGradientSobelInterleaveds16_v3, int16_t, Sobel, Eighth)
-ODX_INTERLEAVED(odxImageGradientSobelInterleavedf32, float, Sobel, Eighth)
-ODX_INTERLEAVED(odxImageGradientScharrInterleaveds16, int16_t, Scharr, Whole)
-ODX_PLANAR(odxImageGradientPlanars16, uint8_t, int16_t, Gradient<edge::Central, Whole>)
-ODX_PLANAR(odxImageGradientPlanarf32, uint8_t, float, Gradient<edge::Central, Whole>)
-ODX_PLANAR(odxImageGradientSobelPlanars16, uint8_t, int16_t, Gradient<edge::Sobel, Eighth>)
-ODX_PLANAR(odxImageGradientSobelPlanars16_v3, uint8_t, int16_t, Gradient<edge::Sobel, Eighth>)
-ODX_PLANAR(odxImageGradientSobelPlanars8, uint8_t, int8_t, Gradient<edge::Sobel, EighthOfByte>)
-ODX_PLANAR(odxImageGradientSobelPlanarf32, uint8_t, float, Gradient<edge::Sobel, Eighth>)
+ODX_INTERLEAVED(odxImageGradientInterleaveds16V, odxImageGradientInterleaveds16C, int16_t, Central, Whole)
+ODX_INTERLEAVED(odxImageGradientInterleavedf32V, odxImageGradientInterleavedf32C, float, Central, Whole)
+ODX_INTERLEAVED(odxImageGradientSobelInterleaveds16V, odxImageGradientSobelInterleaveds16C, int16_t, Sobel, Eighth)
+ODX_INTERLEAVED(odxImageGradientSobelInterleaveds16_v3V, odxImageGradientSobelInterleaveds16_v3C, int16_t, Sobel, Eighth)
+ODX_INTERLEAVED(odxImageGradientSobelInterleavedf32V, odxImageGradientSobelInterleavedf32C, float, Sobel, Eighth)
+ODX_INTERLEAVED(odxImageGradientScharrInterleaveds16V, odxImageGradientScharrInterleaveds16C, int16_t, Scharr, Whole)
+ODX_PLANAR(odxImageGradientPlanars16V, odxImageGradientPlanars16C, uint8_t, int16_t, Gradient<edge::Central, Whole>)
+ODX_PLANAR(odxImageGradientPlanarf32V, odxImageGradientPlanarf32C, uint8_t, float, Gradient<edge::Central, Whole>)
+ODX_PLANAR(odxImageGradientSobelPlanars16V, odxImageGradientSobelPlanars16C, uint8_t, int16_t, Gradient<edge::Sobel, Eighth>)
+ODX_PLANAR(odxImageGradientSobelPlanars16_v3V, odxImageGradientSobelPlanars16_v3C, uint8_t, int16_t, Gradient<edge::Sobel, Eighth>)
+ODX_PLANAR(odxImageGradientSobelPlanars8V, odxImageGradientSobelPlanars8C, uint8_t, int8_t, Gradient<edge::Sobel, EighthOfByte>)
+ODX_PLANAR(odxImageGradientSobelPlanarf32V, odxImageGradientSobelPlanarf32C, uint8_t, float, Gradient<edge::Sobel, Eighth>)
 // clang-format on
 
 void odxImageGradientSobelPlanarf32f32V(const float* src, unsigned int srcWidth, unsigned int srcHeight,
@@ -86,19 +86,16 @@ ODX_INLINE odxStatus sobel(Reference* reference, const uint8_t* src, uint32_t wi
 }
 
 // clang-format off
-#define ODX_SOBEL(K) \
-    odxStatus odxFilterSobel##K##x##K##u8s16V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight, \
-                                              unsigned int srcStride, int16_t* dx, int16_t* dy, \
-                                              unsigned int dxyStride, odxBorderType borderType, \
-                                              uint32_t borderValue) \
+#define ODX_SOBEL(name, reference, K) \
+    odxStatus name(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride, \
+                   int16_t* dx, int16_t* dy, unsigned int dxyStride, odxBorderType borderType, uint32_t borderValue) \
     { \
-        return sobel<K>(odxFilterSobel##K##x##K##u8s16C, src, srcWidth, srcHeight, srcStride, dx, dy, dxyStride, \
-                        borderType, borderValue); \
+        return sobel<K>(reference, src, srcWidth, srcHeight, srcStride, dx, dy, dxyStride, borderType, borderValue); \
     }
 
-ODX_SOBEL(3)
-ODX_SOBEL(5)
-ODX_SOBEL(7)
+ODX_SOBEL(odxFilterSobel3x3u8s16V, odxFilterSobel3x3u8s16C, 3)
+ODX_SOBEL(odxFilterSobel5x5u8s16V, odxFilterSobel5x5u8s16C, 5)
+ODX_SOBEL(odxFilterSobel7x7u8s16V, odxFilterSobel7x7u8s16C, 7)
 // clang-format on
 
 } // namespace odx::ODX_TARGET

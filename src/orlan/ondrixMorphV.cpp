@@ -127,39 +127,47 @@ struct VectorLoops {
     }
 };
 
+// False for an image that is too narrow for vectors.
+template <class Operation>
+ODX_INLINE bool filter3x3(const Plane<uint8_t>& plane, odxBorderType borderType, uint32_t borderValue)
+{
+    if (tooNarrow<Pick3x3<Operation>>(plane)) return false;
+    filterInterior(Pick3x3<Operation>(), plane);
+    morph::border3x3<typename Operation::Reference>(plane, morph::outside<Operation>(borderType, borderValue));
+    return true;
+}
+
 } // namespace
 
-#define ODX_MORPHOLOGY(name, Operation)                                                                          \
-    odxStatus odxFilter##name##3x3u8_v3V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,      \
-                                         unsigned int srcStride, uint8_t* dst, unsigned int dstStride,           \
-                                         odxBorderType borderType, uint32_t borderValue)                         \
-    {                                                                                                            \
-        const Plane<uint8_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};                      \
-        if (tooNarrow<Pick3x3<Operation>>(plane)) {                                                              \
-            return odxFilter##name##3x3u8_v3C(src, srcWidth, srcHeight, srcStride, dst, dstStride, borderType,   \
-                                              borderValue);                                                      \
-        }                                                                                                        \
-        filterInterior(Pick3x3<Operation>(), plane);                                                             \
-        morph::border3x3<morph::Operation>(plane, morph::outside<Operation>(borderType, borderValue));           \
-        return ONDRIX_SUCCESS;                                                                                   \
-    }                                                                                                            \
-    void odxFilter##name##3x3u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,              \
-                                 unsigned int srcStride, uint8_t* dst, unsigned int dstStride)                   \
-    {                                                                                                            \
-        odxFilter##name##3x3u8_v3V(src, srcWidth, srcHeight, srcStride, dst, dstStride, ONDRIX_BORDER_UNDEFINED, \
-                                   0);                                                                           \
-    }                                                                                                            \
-    odxStatus odxFilter##name##NxNu8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,         \
-                                      unsigned int srcStride, unsigned int N, uint8_t* dst,                      \
-                                      unsigned int dstStride)                                                    \
-    {                                                                                                            \
-        if (srcWidth < kBytes) {                                                                                 \
-            return odxFilter##name##NxNu8C(src, srcWidth, srcHeight, srcStride, N, dst, dstStride);              \
-        }                                                                                                        \
-        return morph::filterNxN<VectorLoops<Operation>>({src, srcWidth, srcHeight, srcStride, dst, dstStride},   \
-                                                        N);                                                      \
+// clang-format off
+#define ODX_BORDERED(name, reference, Operation) \
+    odxStatus name(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride, \
+                   uint8_t* dst, unsigned int dstStride, odxBorderType borderType, uint32_t borderValue) \
+    { \
+        if (filter3x3<Operation>({src, srcWidth, srcHeight, srcStride, dst, dstStride}, borderType, borderValue)) \
+            return ONDRIX_SUCCESS; \
+        return reference(src, srcWidth, srcHeight, srcStride, dst, dstStride, borderType, borderValue); \
     }
-ODX_MORPHOLOGY(Erode, Erosion)
-ODX_MORPHOLOGY(Dilate, Dilation)
+#define ODX_UNBORDERED(name, bordered) \
+    void name(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride, \
+              uint8_t* dst, unsigned int dstStride) \
+    { \
+        bordered(src, srcWidth, srcHeight, srcStride, dst, dstStride, ONDRIX_BORDER_UNDEFINED, 0); \
+    }
+#define ODX_SIZED(name, reference, Operation) \
+    odxStatus name(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride, \
+                   unsigned int N, uint8_t* dst, unsigned int dstStride) \
+    { \
+        if (srcWidth < kBytes) return reference(src, srcWidth, srcHeight, srcStride, N, dst, dstStride); \
+        return morph::filterNxN<VectorLoops<Operation>>({src, srcWidth, srcHeight, srcStride, dst, dstStride}, N); \
+    }
+
+ODX_BORDERED(odxFilterErode3x3u8_v3V, odxFilterErode3x3u8_v3C, Erosion)
+ODX_BORDERED(odxFilterDilate3x3u8_v3V, odxFilterDilate3x3u8_v3C, Dilation)
+ODX_UNBORDERED(odxFilterErode3x3u8V, odxFilterErode3x3u8_v3V)
+ODX_UNBORDERED(odxFilterDilate3x3u8V, odxFilterDilate3x3u8_v3V)
+ODX_SIZED(odxFilterErodeNxNu8V, odxFilterErodeNxNu8C, Erosion)
+ODX_SIZED(odxFilterDilateNxNu8V, odxFilterDilateNxNu8C, Dilation)
+// clang-format on
 
 } // namespace odx::ODX_TARGET
