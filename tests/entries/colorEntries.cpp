@@ -118,7 +118,7 @@ Entries colorEntries()
         ODX_BUFFERS(odxColorYCrCbH2V2toRGB888u8),
         ODX_BUFFERS(odxColorYCrCbH2V1toRGB888u8),
         ODX_BUFFERS(odxColorYCrCbH1V2toRGB888u8),
-        entry(ODX_ENTRY(odxColorYCrCb420PseudoPlanarToRGB8888u8),
+        ENTRY(odxColorYCrCb420PseudoPlanarToRGB8888u8,
               "src && dst && srcWidth && srcHeight && srcYStride && srcCStride && dstStride",
               {buffer(8, 16), width(1, 1, 8), height(), looseStride(8).explicitly(), looseStride(8).explicitly(),
                buffer(8, 16), looseStride(8).explicitly()}),

@@ -41,19 +41,19 @@ Entries fastEntries()
     const Arguments memory = {value(1), optional(1, 16)}, unused = {value(0), optional()};
     const std::string nineMask = " && bitMask", tenMask = " && mask";
     return {
-        entry(ODX_ENTRY(odxCornerFast9u8), nine(false), plain + count),
-        entry(ODX_ENTRY(odxCornerFast9InMasku8), nine(false, " && bitMask"), plain + count + mask),
-        entry(ODX_ENTRY(odxCornerFast9Scoreu8), nine(true), plain + scores + count),
-        entry(ODX_ENTRY(odxCornerFast9InMaskScoreu8), nine(true, " && bitMask"), plain + scores + count + mask),
-        entry(ODX_ENTRY(odxCornerFast9Scoreu8_v2), nine(true), suppressing + scores + count + memory),
-        entry(ODX_ENTRY(odxCornerFast9Scoreu8_v2), nine(true), suppressing + scores + count + unused),
-        entry(ODX_ENTRY(odxCornerFast9InMaskScoreu8_v2), nine(true, " && bitMask"),
+        ENTRY(odxCornerFast9u8, nine(false), plain + count),
+        ENTRY(odxCornerFast9InMasku8, nine(false, " && bitMask"), plain + count + mask),
+        ENTRY(odxCornerFast9Scoreu8, nine(true), plain + scores + count),
+        ENTRY(odxCornerFast9InMaskScoreu8, nine(true, " && bitMask"), plain + scores + count + mask),
+        ENTRY(odxCornerFast9Scoreu8_v2, nine(true), suppressing + scores + count + memory),
+        ENTRY(odxCornerFast9Scoreu8_v2, nine(true), suppressing + scores + count + unused),
+        ENTRY(odxCornerFast9InMaskScoreu8_v2, nine(true, " && bitMask"),
               suppressing + scores + count + alignedMask + memory),
-        entry(ODX_ENTRY(odxCornerFast10u8), ten(false), plain + count),
-        entry(ODX_ENTRY(odxCornerFast10InMasku8), ten(false, " && mask"), plain + count + mask),
-        entry(ODX_ENTRY(odxCornerFast10Scoreu8), ten(true), suppressing + scores + count + memory),
-        entry(ODX_ENTRY(odxCornerFast10Scoreu8), ten(true), suppressing + scores + count + unused),
-        entry(ODX_ENTRY(odxCornerFast10InMaskScoreu8), ten(true, " && mask"),
+        ENTRY(odxCornerFast10u8, ten(false), plain + count),
+        ENTRY(odxCornerFast10InMasku8, ten(false, " && mask"), plain + count + mask),
+        ENTRY(odxCornerFast10Scoreu8, ten(true), suppressing + scores + count + memory),
+        ENTRY(odxCornerFast10Scoreu8, ten(true), suppressing + scores + count + unused),
+        ENTRY(odxCornerFast10InMaskScoreu8, ten(true, " && mask"),
               suppressing + scores + count + alignedMask + memory),
     };
 }
@@ -73,24 +73,24 @@ Entries harrisEntries()
         image(1, 1, 1) + Arguments{buffer(), buffer(), value(), value(), value(), value(), buffer(), buffer()});
     maxima.failure = 1;
     return {
-        entry(ODX_ENTRY(odxCornerHarrisu8),
+        ENTRY(odxCornerHarrisu8,
               "src && xy && numcorners && width && height && (stride >= width) && width > 4 && height > 4",
               detection + count + threshold),
-        entry(ODX_ENTRY(odxCornerHarrisInMasku8),
+        ENTRY(odxCornerHarrisInMasku8,
               "srcImg && xy && numcorners && bitMask && width && height && (stride >= width) && maskHeight && "
               "maskWidth",
               image(1, 16, 8) + border + corners + count + threshold +
                   Arguments{buffer(), value(9, {0}), value(9, {0})}),
-        entry(ODX_ENTRY(odxCornerHarrisAdaptiveu8), "src && xy && nCorners && " + named + large,
+        ENTRY(odxCornerHarrisAdaptiveu8, "src && xy && nCorners && " + named + large,
               detection + count + threshold),
-        entry(ODX_ENTRY(odxCornerHarrisScoreu8), "src && xy && scores && nCorners && " + named + large,
+        ENTRY(odxCornerHarrisScoreu8, "src && xy && scores && nCorners && " + named + large,
               detection + corners + count + threshold),
-        entry(ODX_ENTRY(odxLocalHarrisMaxu8), "src && maxX && maxY && maxResponse && " + named,
+        ENTRY(odxLocalHarrisMaxu8, "src && maxX && maxY && maxResponse && " + named,
               image(1, 1, 1) + Arguments{value(), value(), value(), buffer(), buffer(), buffer()}),
-        entry(ODX_ENTRY(odxGoodFeatureToTracku8),
+        ENTRY(odxGoodFeatureToTracku8,
               "src && xy && nCorners && " + named + large + " && qualityLevel >= 0 && qualityLevel <= 1",
               detection + count + Arguments{value(0.5, {-0.1, 1.1, kNan}, {0, 1}), value(3)}),
-        entry(ODX_ENTRY(odxCornerRefineSubPixu8),
+        ENTRY(odxCornerRefineSubPixu8,
               "src && xy && " + named +
                   " && halfWindow >= 1 && halfWindow <= 15 && maxIterations >= 1 && epsilon >= 0",
               image(1, 1, 1) + Arguments{buffer(), value(4), value(2, {0, 16}, {1, 15}), value(5, {0}),

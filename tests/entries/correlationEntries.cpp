@@ -15,18 +15,17 @@ Entries correlationEntries()
         return kernel + Arguments{buffer(), columns, lines, stride(), buffer(), stride(pixelSize * kWidth)};
     };
     // 4 bytes for each of these columns are 4, in 32 bits.
-    const std::vector<std::vector<std::pair<size_t, double>>> wrapping = {
-        {{3, 0x40000001}, {5, 4294967295.0}, {7, 4096}}};
+    const Combinations wrapping = {{{3, 0x40000001}, {5, 4294967295.0}, {7, 4096}}};
     return {
-        entry(ODX_ENTRY(odxFilterCorr3x3s8), "kernel && src && dst && w && h",
+        ENTRY(odxFilterCorr3x3s8, "kernel && src && dst && w && h",
               {buffer(), buffer(), width(), height(), buffer()}),
         entry(
             ODX_ENTRY(odxFilterCorr3x3s8_v2),
             "kernel && src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= srcWidth)",
             {buffer(), buffer(), width(), height(), stride(), buffer(), stride()}),
-        entry(ODX_ENTRY(odxFilterCorrNxNu8), "", sized({buffer(), size, value()}, 1)),
-        entry(ODX_ENTRY(odxFilterCorrNxNu8f32), "", sized({buffer(), size}, 4)).refusing(wrapping),
-        entry(ODX_ENTRY(odxFilterCorrNxNu8s16), "", sized({buffer(), size, value()}, 2)),
+        ENTRY(odxFilterCorrNxNu8, "", sized({buffer(), size, value()}, 1)),
+        ENTRY(odxFilterCorrNxNu8f32, "", sized({buffer(), size}, 4).refusing(wrapping)),
+        ENTRY(odxFilterCorrNxNu8s16, "", sized({buffer(), size, value()}, 2)),
     };
 }
 

@@ -1,7 +1,7 @@
 // What every entry point refuses, what it says then, and which calls may leave for another target: one line an
 // operation.
 //
-//     entry(ODX_ENTRY(odxFilterXxxu8_v2), "src && dst && width && height", {buffer(8, 16), width(1, 8), height(),
+//     ENTRY(odxFilterXxxu8_v2, "src && dst && width && height", {buffer(8, 16), width(1, 8), height(),
 //     ...})
 //
 // The arguments are described in the order of the call. Each brings a value that is accepted, the values that are
@@ -87,6 +87,40 @@ inline Argument value(double good = 1, std::vector<double> refused = {}, std::ve
     return {Argument::kOther, good, std::move(refused), 1, 1, std::move(accepted)};
 }
 
+using Combinations = std::vector<std::vector<std::pair<size_t, double>>>; // of arguments and values
+
+// The arguments of an operation, and what it is worth.
+struct Arguments : std::vector<Argument> {
+    using std::vector<Argument>::vector;
+    Arguments(const std::vector<Argument>& all) : std::vector<Argument>(all) {}
+
+    uint32_t leastHeight = 1; // for a remote target
+    uint32_t pixelSize = 1;   // what the least amount of work counts a pixel as; 0: there is none
+    Combinations alsoRefused = {};
+
+    template <auto member, class T>
+    Arguments with(const T& value) const
+    {
+        Arguments changed = *this;
+        changed.*member = value;
+        return changed;
+    }
+    Arguments fromRows(uint32_t least) const { return with<&Arguments::leastHeight>(least); }
+    Arguments pixels(uint32_t size) const { return with<&Arguments::pixelSize>(size); }
+    Arguments never() const { return pixels(kNever); } // worth the way
+    Arguments refusing(const Combinations& values) const { return with<&Arguments::alsoRefused>(values); }
+};
+inline Arguments operator+(Arguments a, const std::vector<Argument>& b)
+{
+    a.insert(a.end(), b.begin(), b.end());
+    return a;
+}
+inline Arguments operator+(Arguments a, const Argument& b)
+{
+    a.push_back(b);
+    return a;
+}
+
 // What a call returned, where it returns something.
 using Outcome = double;
 constexpr Outcome kNothing = -1000;
@@ -97,19 +131,9 @@ struct Entry {
     Outcome failure;
     std::string condition; // the text of the check; empty where it is silent
     std::vector<Argument> arguments;
-    uint32_t leastHeight = 1; // for a remote target
-    uint32_t pixelSize = 1;   // what the least amount of work counts a pixel as; 0: there is none
-    std::vector<std::vector<std::pair<size_t, double>>> alsoRefused = {};
+    uint32_t leastHeight = 1, pixelSize = 1;
+    Combinations alsoRefused = {};
     bool forGpu = true; // else it is for the GPU only where it is refused
-
-    Entry fromRows(uint32_t least) const { return {name, call, failure, condition, arguments, least, pixelSize}; }
-    Entry pixels(uint32_t size) const { return {name, call, failure, condition, arguments, leastHeight, size}; }
-    Entry never() const { return pixels(kNever); } // worth the way
-    // Combinations: argument and value, and so on.
-    Entry refusing(const decltype(alsoRefused)& combinations) const
-    {
-        return {name, call, failure, condition, arguments, leastHeight, pixelSize, combinations};
-    }
 };
 
 template <class T>
@@ -156,31 +180,23 @@ constexpr Outcome failureOf(R (*)(P...))
     }
 }
 
-inline Entry entry(const char* name, const decltype(Entry::call)& call, Outcome failure, std::string condition,
-                   std::vector<Argument> arguments)
-{
-    return {name, call, failure, std::move(condition), std::move(arguments)};
-}
 #define ODX_ENTRY(operation) #operation, odx::test::callWith(operation), odx::test::failureOf(operation)
+
+#define ENTRY(operation, ...) odx::test::entry(ODX_ENTRY(operation), __VA_ARGS__)
+inline Entry entry(const char* name, const decltype(Entry::call)& call, Outcome failure,
+                   const std::string& condition, const Arguments& with)
+{
+    return {name, call, failure, condition, with, with.leastHeight, with.pixelSize, with.alsoRefused};
+}
 
 // Each file <family>Entries.cpp has a function of its name that returns its own.
 using Entries = std::vector<Entry>;
-using Arguments = std::vector<Argument>;
 
 template <class T>
 std::vector<T> operator+(std::vector<T> a, const std::vector<T>& b)
 {
     a.insert(a.end(), b.begin(), b.end());
     return a;
-}
-inline Arguments operator+(Arguments a, const Argument& b)
-{
-    a.push_back(b);
-    return a;
-}
-inline Arguments operator+(const Argument& a, const Argument& b)
-{
-    return {a, b};
 }
 
 } // namespace odx::test

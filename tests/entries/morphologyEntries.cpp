@@ -18,14 +18,10 @@ Entries morphologyEntries()
     const char* const stridedCheck =
         "src && srcWidth && srcHeight && (srcStride >= srcWidth) && dst && (dstStride >= srcWidth)";
     return {
-        entry(ODX_ENTRY(odxFilterErode3x3u8), packedCheck, packed),
-        entry(ODX_ENTRY(odxFilterErode3x3u8_v2), stridedCheck, strided),
-        entry(ODX_ENTRY(odxFilterErode3x3u8_v3), "", bordered),
-        entry(ODX_ENTRY(odxFilterErodeNxNu8), "", sized),
-        entry(ODX_ENTRY(odxFilterDilate3x3u8), packedCheck, packed),
-        entry(ODX_ENTRY(odxFilterDilate3x3u8_v2), stridedCheck, strided),
-        entry(ODX_ENTRY(odxFilterDilate3x3u8_v3), "", bordered),
-        entry(ODX_ENTRY(odxFilterDilateNxNu8), "", sized),
+        ENTRY(odxFilterErode3x3u8, packedCheck, packed),  ENTRY(odxFilterErode3x3u8_v2, stridedCheck, strided),
+        ENTRY(odxFilterErode3x3u8_v3, "", bordered),      ENTRY(odxFilterErodeNxNu8, "", sized),
+        ENTRY(odxFilterDilate3x3u8, packedCheck, packed), ENTRY(odxFilterDilate3x3u8_v2, stridedCheck, strided),
+        ENTRY(odxFilterDilate3x3u8_v3, "", bordered),     ENTRY(odxFilterDilateNxNu8, "", sized),
     };
 }
 

@@ -28,11 +28,11 @@ Entries opticalFlowEntries()
                     tuning = {value(), value(), value(), value()},
                     estimates = {optional(), value(0), value(0.01), value(0)};
     return {
-        entry(ODX_ENTRY(odxTrackLKOpticalFlowu8), condition, images + pyramids + gradients + features + tuning),
-        entry(ODX_ENTRY(odxTrackLKOpticalFlowf32), condition, images + pyramids + gradients + features + tuning),
-        entry(ODX_ENTRY(odxTrackLKOpticalFlowu8_v2), condition, images + stride + pyramids + features),
-        entry(ODX_ENTRY(odxTrackLKOpticalFlowu8_v3), "", images + stride + pyramids + features + estimates)
-            .refusing({{{15, 0}, {16, 1}}}),
+        ENTRY(odxTrackLKOpticalFlowu8, condition, images + pyramids + gradients + features + tuning),
+        ENTRY(odxTrackLKOpticalFlowf32, condition, images + pyramids + gradients + features + tuning),
+        ENTRY(odxTrackLKOpticalFlowu8_v2, condition, images + stride + pyramids + features),
+        ENTRY(odxTrackLKOpticalFlowu8_v3, "",
+              (images + stride + pyramids + features + estimates).refusing({{{15, 0}, {16, 1}}})),
     };
 }
 
@@ -51,25 +51,24 @@ Entries trackingEntries()
                               value(0),  optional(),           optional()},
                     threshold = {value(5)};
     // It needs both places.
-    const std::vector<std::vector<std::pair<size_t, double>>> halfRefined = {{{10, 1}, {11, 0}},
-                                                                             {{10, 1}, {12, 0}}};
+    const Combinations halfRefined = {{{10, 1}, {11, 0}}, {{10, 1}, {12, 0}}};
     return {
-        entry(ODX_ENTRY(odxMeanShiftu8), weights + ")", shift(1)),
-        entry(ODX_ENTRY(odxMeanShifts32), weights + "*4)", shift(4)),
-        entry(ODX_ENTRY(odxMeanShiftf32), weights + "*4)", shift(4)),
-        entry(ODX_ENTRY(odxConAdaTracku8), weights + ")", shift(1) + ellipse),
-        entry(ODX_ENTRY(odxConAdaTracks32), weights + "*4)", shift(4) + ellipse),
-        entry(ODX_ENTRY(odxConAdaTrackf32), weights + "*4)", shift(4) + ellipse),
-        entry(ODX_ENTRY(odxNCCPatchOnSquare8x8u8), patch, search).refusing(halfRefined),
-        entry(ODX_ENTRY(odxNCCPatchOnSquare8x8u8_v2), patch, search + threshold).refusing(halfRefined),
-        entry(ODX_ENTRY(odxNCCPatchOnCircle8x8u8), patch, search).refusing(halfRefined),
-        entry(ODX_ENTRY(odxNCCPatchOnCircle8x8u8_v2), patch, search + threshold).refusing(halfRefined),
-        entry(ODX_ENTRY(odxNCCPatchesOnRectu8),
+        ENTRY(odxMeanShiftu8, weights + ")", shift(1)),
+        ENTRY(odxMeanShifts32, weights + "*4)", shift(4)),
+        ENTRY(odxMeanShiftf32, weights + "*4)", shift(4)),
+        ENTRY(odxConAdaTracku8, weights + ")", shift(1) + ellipse),
+        ENTRY(odxConAdaTracks32, weights + "*4)", shift(4) + ellipse),
+        ENTRY(odxConAdaTrackf32, weights + "*4)", shift(4) + ellipse),
+        ENTRY(odxNCCPatchOnSquare8x8u8, patch, search.refusing(halfRefined)),
+        ENTRY(odxNCCPatchOnSquare8x8u8_v2, patch, (search + threshold).refusing(halfRefined)),
+        ENTRY(odxNCCPatchOnCircle8x8u8, patch, search.refusing(halfRefined)),
+        ENTRY(odxNCCPatchOnCircle8x8u8_v2, patch, (search + threshold).refusing(halfRefined)),
+        ENTRY(odxNCCPatchesOnRectu8,
               "patches && numPatches && src && srcWidth && srcHeight && searchWidth && searchHeight && bestX && "
               "bestY && bestNCC",
               {buffer(), value(3, {0}), buffer(8, 16), width(1, 1, 8), height(), value(90), value(70),
                value(11, {0}), value(11, {0}), value(5), buffer(), buffer(), buffer(), optional()}),
-        entry(ODX_ENTRY(odxTrackBMOpticalFlow16x16u8),
+        ENTRY(odxTrackBMOpticalFlow16x16u8,
               "src1 && src2 && flowXY && (srcWidth >= 16) && (srcHeight >= 16) && (srcStride >= srcWidth) && step "
               "&& (searchRadius <= 255)",
               {buffer(8, 16), buffer(8, 16), width(16), height(16), stride(kWidth, 8, 16), value(16, {0}),

@@ -19,18 +19,18 @@ Entries mserEntries()
                       extended =
                           plain + " && contourVariation && contourPolarity && contourNodeId && contourNodeCounter";
     return {
-        entry(ODX_ENTRY(odxMserInit), "", init).pixels(0),
-        entry(ODX_ENTRY(odxMserNN8Init), "", init).pixels(0),
-        entry(ODX_ENTRY(odxMserRelease), "mserHandle", {buffer()}).pixels(0),
-        entry(ODX_ENTRY(odxMseru8), plain, extraction(0)).pixels(0),
-        entry(ODX_ENTRY(odxMseru8_v2), "", extraction(0)).pixels(0),
-        entry(ODX_ENTRY(odxMserNN8u8), "", extraction(0)).pixels(0),
-        entry(ODX_ENTRY(odxMserExtu8), extended, extraction(4)).pixels(0),
-        entry(ODX_ENTRY(odxMserExtu8_v2), "", extraction(4)).pixels(0),
-        entry(ODX_ENTRY(odxMserExtNN8u8), "", extraction(4)).pixels(0),
-        entry(ODX_ENTRY(odxMserExtu8_v3), "", extraction(5)).pixels(0),
-        entry(ODX_ENTRY(odxMserSplitExtu8), "", extraction(4)).pixels(0),
-        entry(ODX_ENTRY(odxMserSplitExtu8ST), "", extraction(4)).pixels(0),
+        ENTRY(odxMserInit, "", init.pixels(0)),
+        ENTRY(odxMserNN8Init, "", init.pixels(0)),
+        ENTRY(odxMserRelease, "mserHandle", Arguments{buffer()}.pixels(0)),
+        ENTRY(odxMseru8, plain, extraction(0).pixels(0)),
+        ENTRY(odxMseru8_v2, "", extraction(0).pixels(0)),
+        ENTRY(odxMserNN8u8, "", extraction(0).pixels(0)),
+        ENTRY(odxMserExtu8, extended, extraction(4).pixels(0)),
+        ENTRY(odxMserExtu8_v2, "", extraction(4).pixels(0)),
+        ENTRY(odxMserExtNN8u8, "", extraction(4).pixels(0)),
+        ENTRY(odxMserExtu8_v3, "", extraction(5).pixels(0)),
+        ENTRY(odxMserSplitExtu8, "", extraction(4).pixels(0)),
+        ENTRY(odxMserSplitExtu8ST, "", extraction(4).pixels(0)),
     };
 }
 

@@ -16,30 +16,29 @@ Entries pyramidsEntries()
     const std::string deletion = "pyr && ((signed)startLevel >= 0) && (startLevel <= numLevels)";
     const Arguments levelsAndStart = {buffer(), value(3, {1}, {2}), value(2, {4, 0x80000000}, {0, 3})};
     const Argument any = value(1, {}, {0});
-    Entry createsBytes = entry(ODX_ENTRY(odxPyramidCreateu8), "", creation({})).fromRows(5);
+    Entry createsBytes = ENTRY(odxPyramidCreateu8, "", creation({}).fromRows(5));
     createsBytes.forGpu = false;
     return {
-        entry(ODX_ENTRY(odxPyramidAllocate), "", {buffer(), any, any, any, value(3, {0}), any}).pixels(0),
-        entry(ODX_ENTRY(odxPyramidAllocate_v2), "", {buffer(), any, any, any, any, value(3, {0}), any}).pixels(0),
-        entry(ODX_ENTRY(odxPyramidAllocate_v3), "",
-              {buffer(), value(50, {0}), value(40, {0}), value(100, {99}, {0}), value(2),
-               value(8, {0, 4, 12}, {24}), value(3, {0}), any, any})
-            .pixels(0),
-        entry(ODX_ENTRY(odxPyramidDelete), deletion, levelsAndStart).pixels(0),
-        entry(ODX_ENTRY(odxPyramidDelete_v2), deletion, levelsAndStart).pixels(0),
+        ENTRY(odxPyramidAllocate, "", Arguments{buffer(), any, any, any, value(3, {0}), any}.pixels(0)),
+        ENTRY(odxPyramidAllocate_v2, "", Arguments{buffer(), any, any, any, any, value(3, {0}), any}.pixels(0)),
+        ENTRY(odxPyramidAllocate_v3, "",
+              Arguments{buffer(), value(50, {0}), value(40, {0}), value(100, {99}, {0}), value(2),
+                        value(8, {0, 4, 12}, {24}), value(3, {0}), any, any}
+                  .pixels(0)),
+        ENTRY(odxPyramidDelete, deletion, levelsAndStart.pixels(0)),
+        ENTRY(odxPyramidDelete_v2, deletion, levelsAndStart.pixels(0)),
         createsBytes,
-        entry(ODX_ENTRY(odxPyramidCreatef32), "", creation({})).fromRows(5),
-        entry(ODX_ENTRY(odxPyramidCreateu8_v2), "", creation({stride()})).fromRows(5),
-        entry(ODX_ENTRY(odxPyramidCreatef32_v2), "", creation({stride(4 * kWidth)})).fromRows(5),
-        entry(ODX_ENTRY(odxPyramidCreateu8_v3), "",
-              {buffer(4), width(1, 4), height(), stride(), value(3, {0}), any, buffer()})
-            .fromRows(5),
-        entry(ODX_ENTRY(odxPyramidSobelGradientCreatei16), "", {buffer(), buffer(), buffer(), value(0, {}, {5})})
-            .pixels(0),
-        entry(ODX_ENTRY(odxPyramidSobelGradientCreatei8), "", {buffer(), buffer(), buffer(), value(0, {}, {5})})
-            .pixels(0),
-        entry(ODX_ENTRY(odxPyramidSobelGradientCreatef32), "", {buffer(), buffer(), buffer(), value(0, {}, {5})})
-            .pixels(0),
+        ENTRY(odxPyramidCreatef32, "", creation({}).fromRows(5)),
+        ENTRY(odxPyramidCreateu8_v2, "", creation({stride()}).fromRows(5)),
+        ENTRY(odxPyramidCreatef32_v2, "", creation({stride(4 * kWidth)}).fromRows(5)),
+        ENTRY(odxPyramidCreateu8_v3, "",
+              Arguments{buffer(4), width(1, 4), height(), stride(), value(3, {0}), any, buffer()}.fromRows(5)),
+        ENTRY(odxPyramidSobelGradientCreatei16, "",
+              Arguments{buffer(), buffer(), buffer(), value(0, {}, {5})}.pixels(0)),
+        ENTRY(odxPyramidSobelGradientCreatei8, "",
+              Arguments{buffer(), buffer(), buffer(), value(0, {}, {5})}.pixels(0)),
+        ENTRY(odxPyramidSobelGradientCreatef32, "",
+              Arguments{buffer(), buffer(), buffer(), value(0, {}, {5})}.pixels(0)),
     };
 }
 

@@ -13,7 +13,7 @@ Entries reorderingEntries()
                          buffer(), stride(size * (turned ? kHeight : kWidth))} +
                rest;
     };
-    const auto code = [](double good) { return std::vector{value(good, {0, 4, -1}, {1, 2, 3})}; };
+    const auto code = [](double good) { return Arguments{value(good, {0, 4, -1}, {1, 2, 3})}; };
     const auto unchecked = [](Argument size) {
         size.refused.clear();
         return size;
@@ -23,26 +23,23 @@ Entries reorderingEntries()
                                                  twoStrides = {{0, 65536}, {4, 65536}, {5, 4000}};
     const std::string transposed = "src && dst && srcWidth && srcHeight && ", dir = " && dir >= 1 && dir <= 3";
     return {
-        entry(ODX_ENTRY(odxTransposeu8), transposed + "(srcStride >= srcWidth) && (dstStride >= srcHeight)",
-              image(1, true)),
-        entry(ODX_ENTRY(odxTransposeu16), transposed + "(srcStride >= srcWidth*2) && (dstStride >= srcHeight*2)",
-              image(2, true))
-            .refusing({wide, high}),
-        entry(ODX_ENTRY(odxTransposef32), transposed + "(srcStride >= srcWidth*4) && (dstStride >= srcHeight*4)",
-              image(4, true))
-            .refusing({wide, high}),
-        entry(ODX_ENTRY(odxTransposeRGB888u8), "",
+        ENTRY(odxTransposeu8, transposed + "(srcStride >= srcWidth) && (dstStride >= srcHeight)", image(1, true)),
+        ENTRY(odxTransposeu16, transposed + "(srcStride >= srcWidth*2) && (dstStride >= srcHeight*2)",
+              image(2, true).refusing({wide, high})),
+        ENTRY(odxTransposef32, transposed + "(srcStride >= srcWidth*4) && (dstStride >= srcHeight*4)",
+              image(4, true).refusing({wide, high})),
+        ENTRY(odxTransposeRGB888u8, "",
               {optional(), unchecked(width()), unchecked(height()), looseStride(), optional(), looseStride()}),
-        entry(ODX_ENTRY(odxFlipu8), transposed + "(srcStride >= srcWidth) && (dstStride >= srcWidth)" + dir,
+        ENTRY(odxFlipu8, transposed + "(srcStride >= srcWidth) && (dstStride >= srcWidth)" + dir,
               image(1, false, code(1))),
-        entry(ODX_ENTRY(odxFlipu16), transposed + "(srcStride >= srcWidth*2) && (dstStride >= srcWidth*2)" + dir,
-              image(2, false, code(1)))
-            .refusing({wide}),
-        entry(ODX_ENTRY(odxFlipRGB888u8), "", image(3, false, code(1))).refusing({wide}),
-        entry(ODX_ENTRY(odxRotateImageu8), "", image(1, true, code(1))),
-        entry(ODX_ENTRY(odxRotateImageInterleavedu8), "", image(2, true, code(1)))
-            .refusing({wide, {{3, 2 * kWidth - 1}}, {{5, 2 * kHeight - 1}}, {{6, 2}, {5, 2 * kWidth - 1}}}),
-        entry(ODX_ENTRY(odxCopy), "", {buffer(), buffer(), value(1, {}, {0})}).pixels(0),
+        ENTRY(odxFlipu16, transposed + "(srcStride >= srcWidth*2) && (dstStride >= srcWidth*2)" + dir,
+              image(2, false, code(1)).refusing({wide})),
+        ENTRY(odxFlipRGB888u8, "", image(3, false, code(1)).refusing({wide})),
+        ENTRY(odxRotateImageu8, "", image(1, true, code(1))),
+        ENTRY(odxRotateImageInterleavedu8, "",
+              image(2, true, code(1))
+                  .refusing({wide, {{3, 2 * kWidth - 1}}, {{5, 2 * kHeight - 1}}, {{6, 2}, {5, 2 * kWidth - 1}}})),
+        ENTRY(odxCopy, "", Arguments{buffer(), buffer(), value(1, {}, {0})}.pixels(0)),
     };
 }
 

@@ -26,16 +26,17 @@ Entries scalingEntries()
 {
     const Argument in4 = buffer(4, 16), in16 = buffer(16, 16);
     const auto packedReduction = [&](uint32_t k) {
-        return std::vector{in4, multiple(width(1, 8), k), multiple(height(), k), in4};
+        return Arguments{in4, multiple(width(1, 8), k), multiple(height(), k), in4};
     };
     const auto upsampling = [&](uint32_t channels, uint32_t factor) {
-        return std::vector{in16, width(), height(), stride(channels * kWidth), in16, stride(factor * kWidth)};
+        return Arguments{in16, width(), height(), stride(channels * kWidth), in16, stride(factor * kWidth)}.pixels(
+            0);
     };
     const auto resizing = [&](uint32_t channels) {
-        return std::vector{buffer(), width(),     height(),   stride(channels * kWidth),
-                           buffer(), output(100), output(90), stride(channels * 100)};
+        return Arguments{buffer(), width(),     height(),   stride(channels * kWidth),
+                         buffer(), output(100), output(90), stride(channels * 100)};
     };
-    const std::vector<std::vector<std::pair<size_t, double>>> wraps = {{{1, 0x80000001}}};
+    const Combinations wraps = {{{1, 0x80000001}}};
     const Arguments status = resizing(1) + Arguments{value(1, {3, 0xFFFFFFFF}, {0, 2})},
                     status_v2 = status + Arguments{value(2, {3, 0xFFFFFFFF}, {0, 1}), value()};
     Arguments groups = resizing(1);
@@ -49,103 +50,93 @@ Entries scalingEntries()
              evenRows = multiple(height(), 2).errors({kHeight + 1.0});
     evenWidth.refused = evenRows.refused = {0};
     return {
-        entry(ODX_ENTRY(odxScaleDownBy2u8), "", packedReduction(2)),
-        entry(ODX_ENTRY(odxScaleDownBy4u8), "", packedReduction(4)),
-        entry(ODX_ENTRY(odxScaleDownBy2u8_v2), "",
+        ENTRY(odxScaleDownBy2u8, "", packedReduction(2)),
+        ENTRY(odxScaleDownBy4u8, "", packedReduction(4)),
+        ENTRY(odxScaleDownBy2u8_v2, "",
               {in4, multiple(gpuMultiple(width(), 8), 2), multiple(height(), 2), stride(kWidth, 8, 8), in4,
                stride(kWidth / 2, 4, 8)}),
-        entry(ODX_ENTRY(odxScaleDownBy4u8_v2), "",
+        ENTRY(odxScaleDownBy4u8_v2, "",
               {in4, multiple(width(1, 8), 4), multiple(height(), 4), stride(), in4, stride(kWidth / 4)}),
-        entry(ODX_ENTRY(odxScaleDown3To2u8), "",
-              {buffer(8, 16), width(), height(), stride(kWidth, 8), buffer(8, 16), stride(kWidth / 3 * 2, 2)})
-            .pixels(0),
-        entry(ODX_ENTRY(odxScaleDownu8),
+        ENTRY(odxScaleDown3To2u8, "",
+              Arguments{buffer(8, 16), width(), height(), stride(kWidth, 8), buffer(8, 16),
+                        stride(kWidth / 3 * 2, 2)}
+                  .pixels(0)),
+        ENTRY(odxScaleDownu8,
               "src && dst && width && height && dstWidth && dstHeight && width >= dstWidth && height >= dstHeight",
               {buffer(8, 16), gpuMultiple(width(), 8), height(), buffer(8, 16), value(1, {0}), value(1, {0})}),
-        entry(ODX_ENTRY(odxScaleDownu8_v2),
+        ENTRY(odxScaleDownu8_v2,
               "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstWidth && dstHeight && "
               "(dstStride >= dstWidth) && srcWidth >= dstWidth && srcHeight >= dstHeight",
-              {buffer(8, 16), gpuMultiple(width(), 8), height(), stride(), buffer(8, 16),
-               value(1, {0}).errors({95}), value(1, {0}).errors({47}), value(200, {}, {0, 1})})
-            .refusing({{{5, 96}, {7, 95}}}),
-        entry(ODX_ENTRY(odxScaleDownMNu8),
+              Arguments{buffer(8, 16), gpuMultiple(width(), 8), height(), stride(), buffer(8, 16),
+                        value(1, {0}).errors({95}), value(1, {0}).errors({47}), value(200, {}, {0, 1})}
+                  .refusing({{{5, 96}, {7, 95}}})),
+        ENTRY(odxScaleDownMNu8,
               "src && dst && srcWidth && srcHeight && dstWidth && dstHeight && (srcStride==0 || srcStride "
               ">=srcWidth) && (dstStride == 0 || dstStride >= dstWidth) && dstWidth * 20 > srcWidth && dstHeight "
               "* 20 > srcHeight",
               groups),
-        entry(ODX_ENTRY(odxScaleDownMNInterleaveu8),
+        ENTRY(odxScaleDownMNInterleaveu8,
               "src && dst && srcWidth && srcHeight && dstWidth && dstHeight && (srcStride==0 || srcStride "
               ">=srcWidth*2) && (dstStride == 0 || dstStride >= dstWidth*2)",
-              resizing(2))
-            .refusing(wraps),
-        entry(ODX_ENTRY(odxScaleDownBLu8),
+              resizing(2).refusing(wraps)),
+        ENTRY(odxScaleDownBLu8,
               "src && srcWidth && srcHeight && (srcStride >= srcWidth) && dst && dstWidth && dstHeight && "
               "(dstStride >= dstWidth)",
               resizing(1)),
-        entry(ODX_ENTRY(odxScaleUpPolyu8),
+        ENTRY(odxScaleUpPolyu8,
               "src && dst && srcWidth && srcHeight && (srcStride == 0 || srcStride >= srcWidth) && dstWidth && "
               "dstHeight && (dstStride == 0 || dstStride >= dstWidth)",
               resizing(1)),
-        entry(ODX_ENTRY(odxScaleUpPolyInterleaveu8),
+        ENTRY(odxScaleUpPolyInterleaveu8,
               "src && dst && srcWidth && srcHeight && dstWidth && dstHeight && (srcStride==0 || srcStride "
               ">=srcWidth*2) && (dstStride == 0 || dstStride >= dstWidth*2)",
-              resizing(2))
-            .refusing(wraps),
-        entry(ODX_ENTRY(odxScaleDownNNu8), "", nearest).pixels(0),
-        entry(ODX_ENTRY(odxScaleu8), "", status),
-        entry(ODX_ENTRY(odxScaleu8_v2), "", status_v2),
-        entry(ODX_ENTRY(odxScaleDownBy2Gaussian5x5u8),
+              resizing(2).refusing(wraps)),
+        ENTRY(odxScaleDownNNu8, "", nearest.pixels(0)),
+        ENTRY(odxScaleu8, "", status),
+        ENTRY(odxScaleu8_v2, "", status_v2),
+        ENTRY(odxScaleDownBy2Gaussian5x5u8,
               "src && dst && width && height && ((width & 1) == 0 ) && ((height & 1) == 0)",
-              {buffer(), evenWidth, evenRows, buffer()})
-            .pixels(0), // its other version is looked at more closely
-        entry(ODX_ENTRY(odxScaleDownBy2Gaussian5x5u8_v2),
+              Arguments{buffer(), evenWidth, evenRows, buffer()}.pixels(
+                  0)), // its other version is looked at more closely
+        ENTRY(odxScaleDownBy2Gaussian5x5u8_v2,
               "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= srcWidth/2)",
               {buffer(), width(), height(), stride(), buffer(), stride(kWidth / 2)}),
-        entry(ODX_ENTRY(odxScaleDownBy2Gaussian5x5f32),
+        ENTRY(odxScaleDownBy2Gaussian5x5f32,
               "srcImg && width && height && ((width & 1) == 0 ) && ((height & 1) == 0)",
               {buffer(), multiple(width(), 2), multiple(height(), 2), buffer()}),
-        entry(ODX_ENTRY(odxScaleDownBy2Gaussian5x5f32_v2),
+        ENTRY(odxScaleDownBy2Gaussian5x5f32_v2,
               "src && dst && srcWidth && srcHeight && ((srcWidth & 1) == 0 ) && ((srcHeight & 1) == 0) && "
               "(srcStride >= srcWidth*4) && (dstStride >= srcWidth*2)",
-              {buffer(), multiple(width(), 2), multiple(height(), 2), stride(4 * kWidth), buffer(),
-               stride(2 * kWidth)})
-            .refusing({{{1, 0x40000002}}, {{1, 0x80000002}}}),
-        entry(ODX_ENTRY(odxScaleDownBy2Gaussian3x3u8), "",
-              {buffer(), width(3), height(3), stride(), buffer(), stride(kWidth / 2)})
-            .refusing({{{1, 193}, {5, 96}}}),
-        entry(ODX_ENTRY(odxScaleUpBy2Gaussian5x5u8), "src && dst && width && height",
+              Arguments{buffer(), multiple(width(), 2), multiple(height(), 2), stride(4 * kWidth), buffer(),
+                        stride(2 * kWidth)}
+                  .refusing({{{1, 0x40000002}}, {{1, 0x80000002}}})),
+        ENTRY(odxScaleDownBy2Gaussian3x3u8, "",
+              Arguments{buffer(), width(3), height(3), stride(), buffer(), stride(kWidth / 2)}.refusing(
+                  {{{1, 193}, {5, 96}}})),
+        ENTRY(odxScaleUpBy2Gaussian5x5u8, "src && dst && width && height",
               {buffer(), width(), height(), buffer()}),
-        entry(ODX_ENTRY(odxScaleUpBy2Gaussian5x5u8_v2),
+        ENTRY(odxScaleUpBy2Gaussian5x5u8_v2,
               "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= srcWidth*2)",
-              {buffer(), width(), height(), stride(), buffer(), stride(2 * kWidth)})
-            .refusing({{{1, 0x80000001}, {3, 0x80000001}, {5, 2}}}),
-        entry(ODX_ENTRY(odxUpsampleVerticalu8),
+              Arguments{buffer(), width(), height(), stride(), buffer(), stride(2 * kWidth)}.refusing(
+                  {{{1, 0x80000001}, {3, 0x80000001}, {5, 2}}})),
+        ENTRY(odxUpsampleVerticalu8,
               "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth) && (dstStride >=srcWidth)",
-              upsampling(1, 1))
-            .pixels(0),
-        entry(ODX_ENTRY(odxUpsampleHorizontalu8),
+              upsampling(1, 1)),
+        ENTRY(odxUpsampleHorizontalu8,
               "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth) && (dstStride >= (2 * srcWidth))",
-              upsampling(1, 2))
-            .pixels(0),
-        entry(ODX_ENTRY(odxUpsample2Du8),
+              upsampling(1, 2)),
+        ENTRY(odxUpsample2Du8,
               "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth) && (dstStride >=(2 * srcWidth))",
-              upsampling(1, 2))
-            .pixels(0),
-        entry(ODX_ENTRY(odxUpsampleVerticalInterleavedu8),
+              upsampling(1, 2)),
+        ENTRY(odxUpsampleVerticalInterleavedu8,
               "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth * 2) && (dstStride >=srcWidth * 2)",
-              upsampling(2, 2))
-            .pixels(0)
-            .refusing(wraps),
-        entry(ODX_ENTRY(odxUpsampleHorizontalInterleavedu8),
+              upsampling(2, 2).refusing(wraps)),
+        ENTRY(odxUpsampleHorizontalInterleavedu8,
               "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth * 2) && (dstStride >= srcWidth * 4)",
-              upsampling(2, 4))
-            .pixels(0)
-            .refusing(wraps),
-        entry(ODX_ENTRY(odxUpsample2DInterleavedu8),
+              upsampling(2, 4).refusing(wraps)),
+        ENTRY(odxUpsample2DInterleavedu8,
               "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth * 2) && (dstStride >= srcWidth * 4)",
-              upsampling(2, 4))
-            .pixels(0)
-            .refusing(wraps),
+              upsampling(2, 4).refusing(wraps)),
     };
 }
 

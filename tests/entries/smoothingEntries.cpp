@@ -14,17 +14,17 @@ Entries smoothingEntries()
         return image + Arguments{value(2, noBorderType, {0, 1}), value()};
     };
     const auto packed = [](uint32_t leastWidth, uint32_t leastHeight) {
-        return std::vector{buffer(), width(leastWidth), height(leastHeight), buffer(), value()};
+        return Arguments{buffer(), width(leastWidth), height(leastHeight), buffer(), value()};
     };
     const auto strided = [](uint32_t leastWidth, uint32_t leastHeight, uint32_t pixelSize,
                             bool checksDestination) {
         const uint32_t row = pixelSize * kWidth;
-        return std::vector{buffer(),    width(leastWidth), height(leastHeight),
-                           stride(row), buffer(),          checksDestination ? stride(row) : looseStride(),
-                           value()};
+        return Arguments{buffer(),    width(leastWidth), height(leastHeight),
+                         stride(row), buffer(),          checksDestination ? stride(row) : looseStride(),
+                         value()};
     };
     const auto box = [](uint32_t least) {
-        return std::vector{
+        return Arguments{
             buffer(), width(least), height(least), stride().explicitly(), buffer(), looseStride().explicitly()};
     };
     Argument packedGaussianWidth = width(1, 4, 2).errors(narrow), gaussianWidth = width(2, 4, 2).errors(narrow);
@@ -37,76 +37,72 @@ Entries smoothingEntries()
     Argument gaussianHeight2 = height(2);
     gaussianHeight2.gpu = 2;
     return {
-        entry(ODX_ENTRY(odxFilterGaussian3x3u8), "src && dst && width && height",
-              {buffer(4), packedGaussianWidth, gaussianHeight, buffer(4), value()})
-            .fromRows(3),
-        entry(
-            ODX_ENTRY(odxFilterGaussian3x3u8_v2),
-            "src && dst && (srcWidth > 1) && (srcHeight > 1) && (srcStride >= srcWidth) && (dstStride >= "
-            "srcWidth)",
-            {buffer(4), gaussianWidth, gaussianHeight2, stride(kWidth, 4), buffer(4), stride(kWidth, 4), value()})
-            .fromRows(3),
-        entry(ODX_ENTRY(odxFilterGaussian3x3u8_v3), "",
-              bordered({buffer(4), width(1, 4, 2), gaussianHeight, looseStride(4), buffer(4), looseStride(4)}))
-            .fromRows(3),
-        entry(ODX_ENTRY(odxFilterGaussian5x5u8), "src && dst && width && height && height > 4 && width > 4",
-              packed(5, 5)),
-        entry(ODX_ENTRY(odxFilterGaussian5x5u8_v2),
+        ENTRY(odxFilterGaussian3x3u8, "src && dst && width && height",
+              Arguments{buffer(4), packedGaussianWidth, gaussianHeight, buffer(4), value()}.fromRows(3)),
+        ENTRY(odxFilterGaussian3x3u8_v2,
+              "src && dst && (srcWidth > 1) && (srcHeight > 1) && (srcStride >= srcWidth) && (dstStride >= "
+              "srcWidth)",
+              Arguments{buffer(4), gaussianWidth, gaussianHeight2, stride(kWidth, 4), buffer(4), stride(kWidth, 4),
+                        value()}
+                  .fromRows(3)),
+        ENTRY(odxFilterGaussian3x3u8_v3, "",
+              bordered({buffer(4), width(1, 4, 2), gaussianHeight, looseStride(4), buffer(4), looseStride(4)})
+                  .fromRows(3)),
+        ENTRY(odxFilterGaussian5x5u8, "src && dst && width && height && height > 4 && width > 4", packed(5, 5)),
+        ENTRY(odxFilterGaussian5x5u8_v2,
               "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstStride && srcHeight > 4 && "
               "srcWidth > 4",
               strided(5, 5, 1, false)),
-        entry(ODX_ENTRY(odxFilterGaussian11x11u8), "src && dst && width && height && height > 10 && width > 10",
+        ENTRY(odxFilterGaussian11x11u8, "src && dst && width && height && height > 10 && width > 10",
               packed(11, 11)),
-        entry(ODX_ENTRY(odxFilterGaussian11x11u8_v2),
+        ENTRY(odxFilterGaussian11x11u8_v2,
               "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstStride && srcHeight > 10 && "
               "srcWidth > 10",
               strided(11, 11, 1, false)),
-        entry(ODX_ENTRY(odxFilterGaussian5x5s16), "src && dst && width && height && height > 1", packed(1, 2)),
-        entry(ODX_ENTRY(odxFilterGaussian5x5s16_v2),
+        ENTRY(odxFilterGaussian5x5s16, "src && dst && width && height && height > 1", packed(1, 2)),
+        ENTRY(odxFilterGaussian5x5s16_v2,
               "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth*sizeof(int16_t)) && (dstStride >= "
               "srcWidth*sizeof(int16_t)) && srcHeight > 1",
               strided(1, 2, 2, true)),
-        entry(ODX_ENTRY(odxFilterGaussian5x5s32), "src && dst && width && height && width > 4 && height > 4",
-              packed(5, 5)),
-        entry(ODX_ENTRY(odxFilterGaussian5x5s32_v2),
+        ENTRY(odxFilterGaussian5x5s32, "src && dst && width && height && width > 4 && height > 4", packed(5, 5)),
+        ENTRY(odxFilterGaussian5x5s32_v2,
               "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth*sizeof(int32_t)) && (dstStride >= "
               "srcWidth*sizeof(int32_t)) && srcWidth > 4 && srcHeight > 4",
               strided(5, 5, 4, true)),
-        entry(ODX_ENTRY(odxBoxFilter3x3u8),
+        ENTRY(odxBoxFilter3x3u8,
               "src && dst && srcWidth && srcHeight && srcStride && dstStride && ( srcStride >=srcWidth ) && "
               "srcWidth > 2 && srcHeight > 2",
               box(3)),
-        entry(ODX_ENTRY(odxBoxFilter3x3u8_v2), "",
+        ENTRY(odxBoxFilter3x3u8_v2, "",
               bordered({buffer(), width(), height(), looseStride(), buffer(), looseStride()})),
-        entry(ODX_ENTRY(odxBoxFilter5x5u8),
+        ENTRY(odxBoxFilter5x5u8,
               "src && dst && srcWidth && srcHeight && srcStride && dstStride && (srcStride >=srcWidth) && "
               "srcWidth > 4 && srcHeight > 4",
               box(5)),
-        entry(ODX_ENTRY(odxBoxFilter11x11u8),
+        ENTRY(odxBoxFilter11x11u8,
               "src && dst && srcWidth && srcHeight && srcStride && dstStride && ( srcStride >=srcWidth) && "
               "srcWidth > 10 && srcHeight > 10",
               box(11)),
-        entry(ODX_ENTRY(odxBoxFilterNxNf32),
+        ENTRY(odxBoxFilterNxNf32,
               "src && dst && srcWidth && srcHeight && (N > 1) && ((src == dst && srcStride == dstStride) || (src "
               "!= dst)) && (srcStride >=srcWidth*4) && (dstStride >=srcWidth*4) && srcWidth > 4 && srcHeight > 4",
-              {buffer(8), width(5), height(5), stride(4 * kWidth, 8), value(2, {0, 1}), buffer(),
-               stride(4 * kWidth)})
-            .pixels(4)
-            .refusing({{{0, 65536}, {5, 65536}, {6, 4092}}}),
-        entry(ODX_ENTRY(odxFilterMedian3x3u8), "src && dst && width && height",
-              {buffer(8, 16), width(1, 8, 8), height(), buffer(8, 16)})
-            .fromRows(4),
-        entry(ODX_ENTRY(odxFilterMedian3x3u8_v2),
+              Arguments{buffer(8), width(5), height(5), stride(4 * kWidth, 8), value(2, {0, 1}), buffer(),
+                        stride(4 * kWidth)}
+                  .pixels(4)
+                  .refusing({{{0, 65536}, {5, 65536}, {6, 4092}}})),
+        ENTRY(odxFilterMedian3x3u8, "src && dst && width && height",
+              Arguments{buffer(8, 16), width(1, 8, 8), height(), buffer(8, 16)}.fromRows(4)),
+        ENTRY(odxFilterMedian3x3u8_v2,
               "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstStride",
-              {buffer(8, 16), width(1, 8, 8), height(), stride(kWidth, 8), buffer(8, 16), looseStride(8)})
-            .fromRows(4),
-        entry(ODX_ENTRY(odxFilterMedian3x3u8_v3), "",
-              bordered({buffer(8, 16), width(1, 8, 8), height(), looseStride(8), buffer(8, 16), looseStride(8)}))
-            .fromRows(4),
-        entry(ODX_ENTRY(odxFilterMedianMxNs16), "",
-              {buffer(), width(), height(), stride(2 * kWidth).explicitly(), value(3, {0, 1, 4}, {5}),
-               value(3, {0, 1, 4}, {5}), buffer(), stride(2 * kWidth).explicitly()})
-            .refusing({{{1, 0x80000001}}}),
+              Arguments{buffer(8, 16), width(1, 8, 8), height(), stride(kWidth, 8), buffer(8, 16), looseStride(8)}
+                  .fromRows(4)),
+        ENTRY(odxFilterMedian3x3u8_v3, "",
+              bordered({buffer(8, 16), width(1, 8, 8), height(), looseStride(8), buffer(8, 16), looseStride(8)})
+                  .fromRows(4)),
+        ENTRY(odxFilterMedianMxNs16, "",
+              Arguments{buffer(), width(), height(), stride(2 * kWidth).explicitly(), value(3, {0, 1, 4}, {5}),
+                        value(3, {0, 1, 4}, {5}), buffer(), stride(2 * kWidth).explicitly()}
+                  .refusing({{{1, 0x80000001}}})),
     };
 }
 

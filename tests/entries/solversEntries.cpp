@@ -8,15 +8,15 @@ namespace odx::test
 Entries solversEntries()
 {
     const auto product = [](uint32_t size, const Argument& depth) {
-        return std::vector{buffer(8, 16),
-                           depth,
-                           height(),
-                           stride(size * kWidth, 8),
-                           buffer(8, 16),
-                           value(kWidth, {0}),
-                           stride(size * kWidth, 8),
-                           buffer(8, 16),
-                           stride(4 * kWidth, 8)};
+        return Arguments{buffer(8, 16),
+                         depth,
+                         height(),
+                         stride(size * kWidth, 8),
+                         buffer(8, 16),
+                         value(kWidth, {0}),
+                         stride(size * kWidth, 8),
+                         buffer(8, 16),
+                         stride(4 * kWidth, 8)};
     };
     Argument bytes = width();
     bytes.refused.push_back(131073);
@@ -24,28 +24,28 @@ Entries solversEntries()
     const std::string sizes = "src1 && src2 && dst && src1Width && src1Height && src2Width && ";
     const auto buffers = [](size_t count) { return Arguments(count, buffer(8, 16)); };
     const auto system = [&](double n) {
-        return std::vector{buffer(8, 16), buffer(8, 16), buffer(8, 16), value(n, {}, {0}), buffer(8, 16)};
+        return Arguments{buffer(8, 16), buffer(8, 16), buffer(8, 16), value(n, {}, {0}), buffer(8, 16)};
     };
     const Arguments decomposition = Arguments{buffer(8, 16), height(), width()} + buffers(5);
     return {
-        entry(ODX_ENTRY(odxMatrixMultiplyf32),
+        ENTRY(odxMatrixMultiplyf32,
               sizes + "(src1Stride >= src1Width*sizeof(float32_t)) && (src2Stride >= src2Width*sizeof(float32_t)) "
                       "&& (dstStride >= src2Width*sizeof(float32_t))",
               product(4, width())),
-        entry(ODX_ENTRY(odxMatrixMultiplys8s32),
+        ENTRY(odxMatrixMultiplys8s32,
               sizes + "(src1Stride >= src1Width) && (src2Stride >= src2Width) && (dstStride >= "
                       "src2Width*sizeof(int32_t)) && src1Width <= 131072",
               product(1, bytes)),
-        entry(ODX_ENTRY(odxSolveCholeskyf32), "", system(kWidth)).pixels(0),
-        entry(ODX_ENTRY(odxSolveLDLf32), "", system(kWidth)).pixels(0),
-        entry(ODX_ENTRY(odxSolveLUf32), "",
-              {buffer(8, 16), buffer(8, 16), value(kWidth, {}, {0, -1}), buffer(), buffer(8, 16)})
-            .pixels(0),
-        entry(ODX_ENTRY(odxSolvef32), "A && b && x && numRows && numCols && numRows >= numCols",
-              {buffer(8, 16), value(kHeight, {0, kWidth + 1}, {kWidth}), value(kWidth, {0}), buffer(8, 16),
-               buffer(8, 16)})
-            .pixels(0),
-        entry(ODX_ENTRY(odxSVDf32),
+        ENTRY(odxSolveCholeskyf32, "", system(kWidth).pixels(0)),
+        ENTRY(odxSolveLDLf32, "", system(kWidth).pixels(0)),
+        ENTRY(odxSolveLUf32, "",
+              Arguments{buffer(8, 16), buffer(8, 16), value(kWidth, {}, {0, -1}), buffer(), buffer(8, 16)}.pixels(
+                  0)),
+        ENTRY(odxSolvef32, "A && b && x && numRows && numCols && numRows >= numCols",
+              Arguments{buffer(8, 16), value(kHeight, {0, kWidth + 1}, {kWidth}), value(kWidth, {0}),
+                        buffer(8, 16), buffer(8, 16)}
+                  .pixels(0)),
+        ENTRY(odxSVDf32,
               "(A != NULL) && (m > 0) && (n > 0) && (w != NULL) && (U != NULL) && (Vt != NULL) && (tmpU != NULL) "
               "&& (tmpV != NULL)",
               decomposition),

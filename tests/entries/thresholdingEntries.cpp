@@ -14,54 +14,51 @@ Entries thresholdingEntries()
         return Arguments{buffer(), anyWidth, anyHeight, stride(), buffer(), dstStride} + numbers;
     };
     const auto adaptive = [](uint32_t least, const Argument& dstStride) {
-        return std::vector{buffer(), width(least), height(least), stride(), value(),
-                           value(),  value(),      buffer(),      dstStride};
+        return Arguments{buffer(), width(least), height(least), stride(), value(),
+                         value(),  value(),      buffer(),      dstStride};
     };
     const std::string sameStride = "srcStride == dstStride";
     // In place with other strides, and without a width that a stride could be.
-    const std::vector<std::vector<std::pair<size_t, double>>> inPlace = {{{0, 65536}, {4, 65536}, {5, 4092}}},
-                                                              noRow = {{{1, 0}, {3, 0}}, {{1, 0}, {5, 0}}};
-    const std::vector inPlaceArguments = {optional(), anyWidth,      anyHeight, looseStride(),
-                                          optional(), looseStride(), value()};
+    const Combinations inPlace = {{{0, 65536}, {4, 65536}, {5, 4092}}},
+                       noRow = {{{1, 0}, {3, 0}}, {{1, 0}, {5, 0}}};
+    const Arguments inPlaceArguments =
+        Arguments{optional(), anyWidth, anyHeight, looseStride(), optional(), looseStride(), value()}.refusing(
+            inPlace);
     return {
-        entry(ODX_ENTRY(odxFilterThresholdu8), "src && dst && (signed)threshold >= 0",
+        ENTRY(odxFilterThresholdu8, "src && dst && (signed)threshold >= 0",
               {buffer(), anyWidth, anyHeight, threshold, buffer()}),
-        entry(ODX_ENTRY(odxFilterThresholdu8_v2),
+        ENTRY(odxFilterThresholdu8_v2,
               "src && dst && dstStride && srcStride && (srcStride >=srcWidth) && (signed)threshold >= 0",
-              fixed(looseStride(), {threshold}))
-            .refusing(noRow),
-        entry(ODX_ENTRY(odxFilterThresholdu8_v2), sameStride, inPlaceArguments).refusing(inPlace),
-        entry(ODX_ENTRY(odxFilterThresholdu8_v3), "", fixed(looseStride(), {threshold, value(), value()}))
-            .refusing(noRow),
-        entry(ODX_ENTRY(odxFilterThresholdRangeu8), "", fixed(looseStride(), {value(-1), value(-2)}))
-            .refusing(noRow),
-        entry(ODX_ENTRY(odxFilterThresholdRangeu8_v2), "",
-              fixed(looseStride(), {value(-1), value(-2), value(), value()}))
-            .refusing(noRow),
-        entry(ODX_ENTRY(odxFilterThresholdOtsuu8), "src && dst && srcStride >= srcWidth && dstStride >= srcWidth",
+              fixed(looseStride(), {threshold}).refusing(noRow)),
+        ENTRY(odxFilterThresholdu8_v2, sameStride, inPlaceArguments),
+        ENTRY(odxFilterThresholdu8_v3, "", fixed(looseStride(), {threshold, value(), value()}).refusing(noRow)),
+        ENTRY(odxFilterThresholdRangeu8, "", fixed(looseStride(), {value(-1), value(-2)}).refusing(noRow)),
+        ENTRY(odxFilterThresholdRangeu8_v2, "",
+              fixed(looseStride(), {value(-1), value(-2), value(), value()}).refusing(noRow)),
+        ENTRY(odxFilterThresholdOtsuu8, "src && dst && srcStride >= srcWidth && dstStride >= srcWidth",
               fixed(stride(), {value()})),
-        entry(ODX_ENTRY(odxFilterThresholdOtsuu8), sameStride, inPlaceArguments).refusing(inPlace),
-        entry(ODX_ENTRY(odxAdaptiveThresholdGaussian3x3u8),
+        ENTRY(odxFilterThresholdOtsuu8, sameStride, inPlaceArguments),
+        ENTRY(odxAdaptiveThresholdGaussian3x3u8,
               "src && dst && (srcWidth > 1) && (srcHeight > 1) && (srcStride >= srcWidth) && (dstStride >= "
               "srcWidth)",
               adaptive(2, stride())),
-        entry(ODX_ENTRY(odxAdaptiveThresholdGaussian5x5u8),
+        ENTRY(odxAdaptiveThresholdGaussian5x5u8,
               "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstStride && srcHeight > 4 && "
               "srcWidth > 4",
               adaptive(5, looseStride())),
-        entry(ODX_ENTRY(odxAdaptiveThresholdGaussian11x11u8),
+        ENTRY(odxAdaptiveThresholdGaussian11x11u8,
               "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstStride && srcHeight > 10 && "
               "srcWidth > 10",
               adaptive(11, looseStride())),
-        entry(ODX_ENTRY(odxAdaptiveThresholdMean3x3u8),
+        ENTRY(odxAdaptiveThresholdMean3x3u8,
               "src && dst && srcWidth && srcHeight && srcStride && dstStride && ( srcStride >=srcWidth ) && "
               "srcWidth > 2 && srcHeight > 2",
               adaptive(3, looseStride())),
-        entry(ODX_ENTRY(odxAdaptiveThresholdMean5x5u8),
+        ENTRY(odxAdaptiveThresholdMean5x5u8,
               "src && dst && srcWidth && srcHeight && srcStride && dstStride && (srcStride >=srcWidth) && "
               "srcWidth > 4 && srcHeight > 4",
               adaptive(5, looseStride())),
-        entry(ODX_ENTRY(odxAdaptiveThresholdMean11x11u8),
+        ENTRY(odxAdaptiveThresholdMean11x11u8,
               "src && dst && srcWidth && srcHeight && srcStride && dstStride && ( srcStride >=srcWidth) && "
               "srcWidth > 10 && srcHeight > 10",
               adaptive(11, looseStride())),
