@@ -1,11 +1,11 @@
 // Harris corners against a model that computes whole images of responses, and their relatives against the corners.
 #include "ondrix/harrisCorners.h"
 
-#include "frame/scratch.h"
 #include "ondrix/modes.h"
 #include "support/childProcess.h"
 #include "support/logCapture.h"
 #include "support/pictures.h"
+#include "support/scratchWatch.h"
 
 #include <algorithm>
 #include <cmath>
@@ -146,11 +146,6 @@ class Harris : public testing::Test
 protected:
     Harris() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
 };
-
-LogLine error(const std::string& text)
-{
-    return {6, "ondrix_lib_log", text};
-}
 
 // A checkered corner at a point between pixels, with pixels that are covered in part.
 Image checkered(double cornerX, double cornerY)
@@ -477,56 +472,31 @@ TEST_F(Harris, EdgesAlongALine)
     EXPECT_EQ(0u, foundPadded(30, 20));
     EXPECT_EQ(0u, foundPadded(32, 80)) << "three bright neighbours of five give a slope below 80";
 
-    auto* const lend = odxGetScratchBufferAligned_;
-    odxGetScratchBufferAligned_ = [](uint32_t, uint32_t) -> void* { return nullptr; };
+    const ScratchWatch watch(ScratchWatch::kAll);
     count = 77;
     EXPECT_EQ(1u, search(32, 31, 12));
     EXPECT_EQ(0u, count);
-    odxGetScratchBufferAligned_ = lend;
 }
 
 TEST_F(Harris, MemoryIsReturnedWhereverASearchEnds)
 {
-    static int lent;
-    lent = 0;
-    auto* const lend = odxGetScratchBufferUnaligned_;
-    auto* const takeBack = odxReleaseScratchBuffer_;
-    odxGetScratchBufferUnaligned_ = [](uint32_t size) {
-        ++lent;
-        return local_odxGetScratchBufferUnaligned(size);
-    };
-    odxReleaseScratchBuffer_ = [](void* block) {
-        --lent;
-        return local_odxReleaseScratchBuffer(block);
-    };
-    const Image image = noisy(40, 30);
+    const ScratchWatch watch(ScratchWatch::kNone);
     for (const auto& [border, capacity] : {std::pair{5u, 1000u}, {5u, 1u}, {5u, 0u}, {9u, 1000u}, {15u, 1000u}}) {
-        detected(image, border, 0, capacity);
-        EXPECT_EQ(0, lent) << border << " " << capacity;
+        detected(noisy(40, 30), border, 0, capacity);
+        EXPECT_EQ(0, watch.lent) << border << " " << capacity;
     }
-    odxGetScratchBufferUnaligned_ = lend;
-    odxReleaseScratchBuffer_ = takeBack;
 }
 
 TEST_F(Harris, WithoutMemoryForCandidatesThereAreNoCorners)
 {
-    static int requests, fails;
-    auto* const lend = odxGetScratchBufferAligned_;
-    odxGetScratchBufferAligned_ = [](uint32_t size, uint32_t alignment) -> void* {
-        return ++requests == fails ? nullptr : local_odxGetScratchBufferAligned(size, alignment);
-    };
     const Image image = noisy(40, 30);
-    const auto expectNone = [&](const char* operation, int failing, const auto& detect) {
-        requests = 0;
-        fails = failing;
-        std::vector<uint32_t> xy(2 * kPlenty);
-        uint32_t count = 77;
+    const auto expectNone = [&](const std::string& operation, int failing, const auto& detect) {
+        const ScratchWatch watch(failing);
         LogCapture log;
-        detect(xy.data(), &count);
-        EXPECT_EQ(
-            std::vector<LogLine>{error(std::string("Error - can not allocate scratch buffer for ") + operation)},
-            log.take());
-        EXPECT_EQ(0u, count) << operation << failing;
+        expectFound({}, detect, operation + std::to_string(failing));
+        const LogLine line = {6, "ondrix_lib_log", "Error - can not allocate scratch buffer for " + operation};
+        EXPECT_EQ(std::vector<LogLine>{line}, log.take());
+        EXPECT_EQ(0, watch.lent);
     };
     expectNone("odxCornerHarrisAdaptiveu8", 1, [&](uint32_t* xy, uint32_t* count) {
         odxCornerHarrisAdaptiveu8(image.data(), 40, 30, 0, 0, xy, kPlenty, count, 0);
@@ -536,30 +506,22 @@ TEST_F(Harris, WithoutMemoryForCandidatesThereAreNoCorners)
             odxGoodFeatureToTracku8(image.data(), 40, 30, 0, 0, xy, kPlenty, count, 0, 3);
         });
     }
-    odxGetScratchBufferAligned_ = lend;
 }
 
 TEST_F(Harris, WithoutTemporaryMemoryTheProcessEnds)
 {
     for (const int failing : {1, 2, 3}) {
         const ChildResult child = runInChild([failing] {
-            static int requests, released, fails;
-            fails = failing;
-            odxGetScratchBufferUnaligned_ = [](uint32_t size) -> void* {
-                return ++requests == fails ? nullptr : local_odxGetScratchBufferUnaligned(size);
-            };
-            odxReleaseScratchBuffer_ = [](void* block) {
-                if (block != nullptr && ++released == 2) fprintf(stderr, "two released\n");
-                return 0;
-            };
+            const ScratchWatch watch(failing, false);
+            atexit([] { fprintf(stderr, "returned %d\n", ScratchWatch::returned); });
             const Image image = noisy(20, 20);
             uint32_t xy[8], count;
             odxCornerHarrisu8(image.data(), 20, 20, 0, 5, xy, 4, &count, 0);
         });
         EXPECT_EQ(1, child.exitStatus);
         EXPECT_TRUE(
-            std::regex_match(child.output, std::regex("two released\n6/ondrix_lib_log: ondrixHarrisC@[0-9]+: "
-                                                      "corner && grads && blurgrads Assertion failed\n\n")))
+            std::regex_match(child.output, std::regex("6/ondrix_lib_log: ondrixHarrisC@[0-9]+: corner && grads && "
+                                                      "blurgrads Assertion failed\n\nreturned 2\n")))
             << child.output;
     }
 }

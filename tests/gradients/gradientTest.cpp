@@ -1,12 +1,10 @@
 // Gradients and edges against their definitions and against numbers worked by hand. The other columns are held to
 // the reference by the differential test.
 #include "cpu/ondrixEdgeC.h"
-#include "frame/scratch.h"
 #include "ondrix.h"
-#include "support/pictures.h"
 #include "support/logCapture.h"
-
-#include <gtest/gtest.h>
+#include "support/pictures.h"
+#include "support/scratchWatch.h"
 
 using namespace odx::test;
 
@@ -331,37 +329,26 @@ TEST_F(Gradients, ASpiralIsFollowedToItsEnd)
 
 TEST_F(Gradients, WithoutTemporaryMemoryNothingIsWrittenNorKept)
 {
-    static int requests, fails, lent;
-    auto* const lend = odxGetScratchBufferAligned_;
-    auto* const takeBack = odxReleaseScratchBuffer_;
-    odxGetScratchBufferAligned_ = [](uint32_t size, uint32_t alignment) -> void* {
-        if (++requests == fails) return nullptr;
-        ++lent;
-        return local_odxGetScratchBufferAligned(size, alignment);
-    };
-    odxReleaseScratchBuffer_ = [](void* block) {
-        lent -= block != nullptr;
-        return local_odxReleaseScratchBuffer(block);
-    };
     const auto src = landscape(30, 20, 200);
     for (const odxOperationMode mode : {ONDRIX_OP_EXT_REFERENCE, ONDRIX_OP_EXT_ORLAN}) {
         odxSetOperationMode(mode);
-        for (fails = 1; fails <= 5; ++fails) {
+        for (int failing = 1; failing <= 5; ++failing) {
             Grid<uint8_t> dst(30, 20, kUntouched);
             Grid<int16_t> gx(30, 20, kUntouched);
-            requests = 0;
-            EXPECT_EQ(ONDRIX_NO_MEMORY, odxFilterCannyu8(src.data(), 30, 20, 0, 3, 9, 9, ONDRIX_NORM_L1,
-                                                         dst.data(), 0, gx.data(), nullptr, 0));
-            requests = 0;
+            {
+                const ScratchWatch watch(failing);
+                EXPECT_EQ(ONDRIX_NO_MEMORY, odxFilterCannyu8(src.data(), 30, 20, 0, 3, 9, 9, ONDRIX_NORM_L1,
+                                                             dst.data(), 0, gx.data(), nullptr, 0));
+                EXPECT_EQ(0, watch.lent);
+            }
+            const ScratchWatch watch(failing);
             LogCapture log;
             odxFilterCanny3x3u8_v3(src.data(), 30, 20, 0, dst.data(), 0, 9, 9, gx.data(), nullptr, 0);
             EXPECT_EQ("Error - can not allocate scratch buffer for odxFilterCanny3x3u8_v3C",
                       log.take().at(0).text);
             EXPECT_EQ((Grid<uint8_t>(30, 20, kUntouched)), dst);
             EXPECT_EQ((Grid<int16_t>(30, 20, kUntouched)), gx);
-            EXPECT_EQ(0, lent);
+            EXPECT_EQ(0, watch.lent);
         }
     }
-    odxGetScratchBufferAligned_ = lend;
-    odxReleaseScratchBuffer_ = takeBack;
 }

@@ -1,7 +1,7 @@
 // Erosion and dilation against their definitions.
-#include "frame/scratch.h"
 #include "ondrix.h"
 #include "support/pictures.h"
+#include "support/scratchWatch.h"
 
 using namespace odx::test;
 
@@ -82,8 +82,7 @@ TEST_F(Morphology, LargeWindowsEndWithTheImage)
 
 TEST_F(Morphology, WithoutTemporaryMemoryNothingIsWritten)
 {
-    auto* const lend = odxGetScratchBufferAligned_;
-    odxGetScratchBufferAligned_ = [](uint32_t, uint32_t) -> void* { return nullptr; };
+    const ScratchWatch watch(ScratchWatch::kAll);
     const Image src(70, 9, 5);
     for (const odxOperationMode mode : {ONDRIX_OP_EXT_REFERENCE, ONDRIX_OP_EXT_CPU}) {
         EXPECT_EQ(0, odxSetOperationMode(mode));
@@ -91,5 +90,4 @@ TEST_F(Morphology, WithoutTemporaryMemoryNothingIsWritten)
         EXPECT_EQ(ONDRIX_NO_MEMORY, odxFilterErodeNxNu8(src.data(), 70, 9, 0, 3, dst.data(), 0));
         EXPECT_EQ(Image(70, 9, 77), dst);
     }
-    odxGetScratchBufferAligned_ = lend;
 }
