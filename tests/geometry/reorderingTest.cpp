@@ -24,9 +24,7 @@ struct Case {
     uint32_t size;
     bool turned;
     std::function<Place(uint32_t x, uint32_t y, uint32_t width, uint32_t height)> goes;
-    std::function<void(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcStride, uint8_t* dst,
-                       uint32_t dstStride)>
-        call;
+    std::function<void(const uint8_t*, uint32_t width, uint32_t height, uint32_t, uint8_t*, uint32_t)> call;
 };
 
 constexpr auto transposed = [](uint32_t x, uint32_t y, uint32_t, uint32_t) { return Place{y, x}; };
@@ -84,7 +82,7 @@ TEST_F(Reordering, EveryPixelGoesToItsPlace)
     for (const Case& which : cases()) {
         for (const auto& [w, h] : {std::pair{1u, 1u}, {2u, 3u}, {3u, 3u}, {70u, 67u}}) {
             SCOPED_TRACE(std::string(which.name) + " " + std::to_string(which.size));
-            const uint32_t dstWidth = which.turned ? h : w, dstHeight = which.turned ? w : h, size = which.size;
+            const uint32_t dstWidth = which.turned ? h : w, size = which.size;
             std::vector<uint8_t> src(size * w * h), dst(src.size()), expected(src.size());
             for (size_t i = 0; i < src.size(); ++i)
                 src[i] = static_cast<uint8_t>(i * 7 + i / 251);
@@ -95,7 +93,6 @@ TEST_F(Reordering, EveryPixelGoesToItsPlace)
             }
             which.call(src.data(), w, h, 0, dst.data(), 0);
             EXPECT_EQ(expected, dst);
-            EXPECT_EQ(w * h, dstWidth * dstHeight);
             if (which.turned) continue;
             which.call(src.data(), w, h, size * w, src.data(), size * w);
             EXPECT_EQ(expected, src) << "in place";
@@ -109,24 +106,19 @@ TEST_F(Reordering, InPlaceTakesOneStride)
     std::iota(image.begin(), image.end(), uint16_t{0});
     const std::vector<uint16_t> before = image;
     auto* const bytes = reinterpret_cast<uint8_t*>(image.data());
-    const auto expectLine = [&](const std::string& name, const std::function<odxStatus()>& call,
-                                odxStatus status) {
+    const auto expectLine = [&](const std::string& name, auto call) {
         LogCapture log;
-        EXPECT_EQ(status, call());
-        const std::vector<LogLine> expected = {
-            {6, "ondrix_lib_log", "Error: " + name + " - Try to do in place but srcStride != dstStride\n"}};
-        EXPECT_EQ(expected, log.take());
+        call();
+        const LogLine line = {6, "ondrix_lib_log",
+                              "Error: " + name + " - Try to do in place but srcStride != dstStride\n"};
+        EXPECT_EQ(std::vector<LogLine>{line}, log.take());
         EXPECT_EQ(before, image);
     };
-    expectLine(
-        "odxFlipu8", [&] { return odxFlipu8(bytes, 20, 3, 64, bytes, 32, 1), ONDRIX_SUCCESS; }, ONDRIX_SUCCESS);
-    expectLine(
-        "odxFlipu16", [&] { return odxFlipu16(image.data(), 10, 3, 64, image.data(), 32, 2), ONDRIX_SUCCESS; },
-        ONDRIX_SUCCESS);
-    expectLine(
-        "odxFlipRGB888u8", [&] { return odxFlipRGB888u8(bytes, 7, 3, 64, bytes, 32, 3); }, ONDRIX_BAD_PARAMETER);
-    expectLine(
-        "odxFlipu8", [&] { return odxRotateImageu8(bytes, 20, 3, 64, bytes, 32, 2); }, ONDRIX_SUCCESS);
+    expectLine("odxFlipu8", [&] { odxFlipu8(bytes, 20, 3, 64, bytes, 32, 1); });
+    expectLine("odxFlipu16", [&] { odxFlipu16(image.data(), 10, 3, 64, image.data(), 32, 2); });
+    expectLine("odxFlipRGB888u8",
+               [&] { EXPECT_EQ(ONDRIX_BAD_PARAMETER, odxFlipRGB888u8(bytes, 7, 3, 64, bytes, 32, 3)); });
+    expectLine("odxFlipu8", [&] { EXPECT_EQ(ONDRIX_SUCCESS, odxRotateImageu8(bytes, 20, 3, 64, bytes, 32, 2)); });
 }
 
 TEST_F(Reordering, TriplesThatCannotBeTransposedEndTheProcess)

@@ -283,15 +283,10 @@ TEST_F(Warps, RegionsTurn)
         slope[static_cast<size_t>(i)] = static_cast<uint8_t>(10 * (i % 25) + i / 25 / 3);
     for (const float angle : {0.7f, -2.0f, 3.1f, 40.0f}) {
         odxCopyRotated17x17u8(slope.data(), patch[0], angle);
-        for (int j = 0; j < 17; ++j) {
-            for (int i = 0; i < 17; ++i)
-                ASSERT_NEAR(10 * (12 + cos(static_cast<double>(angle)) * (i - 8) -
-                                  sin(static_cast<double>(angle)) * (j - 8)) +
-                                (12 + sin(static_cast<double>(angle)) * (i - 8) +
-                                 cos(static_cast<double>(angle)) * (j - 8)) /
-                                    3,
-                            patch[j][i], 1.7)
-                    << angle;
+        const double c = cos(static_cast<double>(angle)), s = sin(static_cast<double>(angle));
+        for (int i = 0; i < 17 * 17; ++i) {
+            const int x = i % 17 - 8, y = i / 17 - 8;
+            ASSERT_NEAR(10 * (12 + c * x - s * y) + (12 + s * x + c * y) / 3, patch[y + 8][x + 8], 1.7) << angle;
         }
     }
 }
