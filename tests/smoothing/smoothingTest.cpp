@@ -7,8 +7,6 @@
 #include "support/pictures.h"
 #include "support/scratchWatch.h"
 
-#include <thread>
-
 using namespace odx::test;
 
 namespace
@@ -281,35 +279,6 @@ TEST_F(Smoothing, WithoutTemporaryMemoryNothingIsWritten)
     // Sizes of which 32 bits hold a small remainder.
     EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE));
     expectUnwritten(65537, 65536, 65536);
-}
-
-TEST_F(Smoothing, ThreadsFilterSideBySide)
-{
-    EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_CPU));
-    const auto src = noise<uint8_t>(160, 90, 0, 255);
-    Grid<float> real(160, 90);
-    std::copy(src.pixels.begin(), src.pixels.end(), real.pixels.begin());
-    const auto filter = [&] {
-        Grid<uint8_t> blurred(160, 90), median(160, 90);
-        Grid<float> mean(160, 90);
-        Grid<int16_t> wide(160, 90, 3), wideMedian(160, 90);
-        odxFilterGaussian11x11u8(src.data(), 160, 90, blurred.data(), 1);
-        odxFilterMedian3x3u8(blurred.data(), 160, 90, median.data());
-        odxBoxFilterNxNf32(real.data(), 160, 90, 0, 5, mean.data(), 0);
-        EXPECT_EQ(ONDRIX_SUCCESS, odxFilterMedianMxNs16(wide.data(), 160, 90, wide.stride(), 3, 3,
-                                                        wideMedian.data(), wide.stride()));
-        return std::pair(median, mean);
-    };
-    const auto expected = filter();
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 8; ++i) {
-        threads.emplace_back([&] {
-            for (int j = 0; j < 5; ++j)
-                EXPECT_EQ(expected, filter());
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
 }
 
 TEST(SmoothingChecks, NarrowImagesEndTheProcessInTheReference)
