@@ -17,6 +17,7 @@
 #define ONDRIX_H
 
 #include "ondrix/arithmetic.h"
+#include "ondrix/bilateral.h"
 #include "ondrix/colorFromRgb.h"
 #include "ondrix/colorToRgb.h"
 #include "ondrix/correlation.h"

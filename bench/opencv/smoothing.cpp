@@ -30,6 +30,14 @@ Call median(const Measurement& measurement)
     return [src = matrix(measurement, type), dst = cv::Mat()]() mutable { cv::medianBlur(src, dst, 3); };
 }
 
+template <int size>
+Call bilateral(const Measurement& measurement)
+{
+    return [src = matrix(measurement, CV_8U), dst = cv::Mat()]() mutable {
+        cv::bilateralFilter(src, dst, size, 16, size / 4.0);
+    };
+}
+
 Call bitCount(const Measurement& measurement)
 {
     // The rows count the bits of as many bytes as an image has pixels.
@@ -37,6 +45,12 @@ Call bitCount(const Measurement& measurement)
 }
 
 const OpencvPeers smoothing = {
+    {"odxBilateralFilter5x5u8", bilateral<5>},
+    {"odxBilateralFilter7x7u8", bilateral<7>},
+    {"odxBilateralFilter9x9u8", bilateral<9>},
+    {"odxBilateralFilter5x5u8_v2", bilateral<5>},
+    {"odxBilateralFilter7x7u8_v2", bilateral<7>},
+    {"odxBilateralFilter9x9u8_v2", bilateral<9>},
     {"odxBitCountu8", bitCount},
     {"odxBitCountu32", bitCount},
     {"odxFilterGaussian3x3u8", gaussian<CV_8U, 3>},

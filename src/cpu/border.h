@@ -1,7 +1,7 @@
 // The border of filters that give every pixel of an image an output: replicated or constant pixels outside it.
 // Both columns leave the border to this code, and compute only the outputs whose window is inside.
 //
-// A filter is a struct with
+// A filter is a struct, of constants or with parameters of its own, with
 //
 //   K                           rows and columns of its window, odd
 //   row(lines, out, count)      `count` outputs of a row: lines[0 .. K) point at the leftmost tap of the first
@@ -85,7 +85,7 @@ static inline void scatterColumn(const Plane<T, D>& plane, uint32_t x, uint32_t 
 
 // All the outputs whose window is not inside the image.
 template <class Filter, class T, class D>
-void filterFrame(const Plane<T, D>& plane, const Outside<T>& outside)
+void filterFrame(const Plane<T, D>& plane, const Outside<T>& outside, const Filter& filter = Filter())
 {
     constexpr uint32_t K = Filter::K, r = K / 2;
     const uint32_t w = plane.width, h = plane.height;
@@ -99,7 +99,7 @@ void filterFrame(const Plane<T, D>& plane, const Outside<T>& outside)
                 count = w - x < kOutputs ? w - x : kOutputs;
                 for (uint32_t k = 0; k < K; ++k)
                     copyLine(plane, outside, int64_t{x} - r, int64_t{y} + k - r, count + 2 * r, lines[k]);
-                Filter::row(tops, rowOf(plane.dst, plane.dstStride, y) + x, count);
+                filter.row(tops, rowOf(plane.dst, plane.dstStride, y) + x, count);
             }
         }
     };
@@ -124,7 +124,7 @@ void filterFrame(const Plane<T, D>& plane, const Outside<T>& outside)
                 lines[atRight ? k : r + k] = inside[k];
             for (uint32_t k = 0; k < r; ++k) {
                 D values[kOutputs];
-                Filter::column(lines + k, values, count);
+                filter.column(lines + k, values, count);
                 scatterColumn(plane, (atRight ? w - r : 0) + k, y, values, count);
             }
         });

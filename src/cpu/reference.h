@@ -3,6 +3,7 @@
 #define ODX_CPU_REFERENCE_H
 
 #include "cpu/ondrixArithmC.h"
+#include "cpu/ondrixBilateralC.h"
 #include "cpu/ondrixBlurC.h"
 #include "cpu/ondrixChannelC.h"
 #include "cpu/ondrixColorC.h"

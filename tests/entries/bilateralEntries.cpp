@@ -1,0 +1,34 @@
+#include "entries/entries.h"
+
+#include "ondrix/bilateral.h"
+
+#include <cmath>
+
+namespace odx::test
+{
+
+Entries bilateralEntries()
+{
+    const std::string check =
+        "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= srcWidth)";
+    const std::string sigmas = check + " && (sigmaColor > 0) && (sigmaSpace > 0)",
+                      types = sigmas + " && (borderType <= ONDRIX_BORDER_REPLICATE)";
+    const Arguments images = {buffer(8, 16),     width(),       height(),
+                              stride(kWidth, 8), buffer(8, 16), stride(kWidth, 8)};
+    const double infinite = HUGE_VAL, nan = std::nan("");
+    const Argument sigma = value(16, {0, -1, nan, -infinite}, {1e-45, infinite}),
+                   atMost64 = value(2, {0, nan, 64.001, infinite}, {1e-45, 64});
+    const Arguments bordered = images + sigma + sigma + value(0, {3, 4294967295.0}, {1, 2}) + value();
+    return {
+        entry(ODX_ENTRY(odxBilateralFilter5x5u8), check, images),
+        entry(ODX_ENTRY(odxBilateralFilter7x7u8), check, images),
+        entry(ODX_ENTRY(odxBilateralFilter9x9u8), check, images),
+        entry(ODX_ENTRY(odxBilateralFilter5x5u8_v2), types, bordered),
+        entry(ODX_ENTRY(odxBilateralFilter7x7u8_v2), types, bordered),
+        entry(ODX_ENTRY(odxBilateralFilter9x9u8_v2), types, bordered),
+        entry(ODX_ENTRY(odxBilateralFilterRecursiveu8), sigmas + " && (sigmaSpace <= 64)",
+              images + sigma + atMost64),
+    };
+}
+
+} // namespace odx::test
