@@ -35,6 +35,7 @@
 #include "ondrix/scaling.h"
 #include "ondrix/smoothing.h"
 #include "ondrix/solvers.h"
+#include "ondrix/statistics.h"
 #include "ondrix/thresholding.h"
 #include "ondrix/tracking.h"
 #include "ondrix/types.h"

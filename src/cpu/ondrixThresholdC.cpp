@@ -1,6 +1,7 @@
 #include "cpu/ondrixThresholdC.h"
 
 #include "cpu/elementwise.h"
+#include "cpu/ondrixStat.h"
 #include "ondrix/smoothing.h"
 
 #include <string.h>
@@ -12,28 +13,6 @@ namespace
 {
 
 // ---- Otsu ----
-
-// The pixels of each level. Neighbours count in tables of their own: those of a flat area need not wait for each
-// other.
-void countLevels(const Plane<uint8_t>& plane, uint32_t (&counts)[256])
-{
-    constexpr size_t kTables = 4, kAtOnce = sizeof(size_t);
-    uint32_t tables[kTables][256] = {};
-    for (uint32_t y = 0; y < plane.height; ++y) {
-        const uint8_t* const row = rowOf(plane.src, plane.srcStride, y);
-        size_t x = 0;
-        for (; plane.width - x >= kAtOnce; x += kAtOnce) {
-            size_t word;
-            memcpy(&word, row + x, sizeof word);
-            for (size_t i = 0; i < kAtOnce; ++i)
-                ++tables[i % kTables][word >> (8 * i) & 255];
-        }
-        for (; x < plane.width; ++x)
-            ++tables[0][row[x]];
-    }
-    for (size_t i = 0; i < 256; ++i)
-        counts[i] = tables[0][i] + tables[1][i] + tables[2][i] + tables[3][i];
-}
 
 // The level below which, itself included, the classes differ most: the first of equally good ones.
 uint32_t separatingLevel(const uint32_t (&counts)[256], uint64_t pixels)
@@ -166,9 +145,8 @@ void odxFilterThresholdOtsuu8C(const uint8_t* src, unsigned int srcWidth, unsign
                                unsigned int thresholdType)
 {
     if (srcWidth == 0 || srcHeight == 0) return;
-    const Plane<uint8_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
     uint32_t counts[256];
-    countLevels(plane, counts);
+    stat::countLevels(src, srcWidth, srcHeight, srcStride, counts);
     Range range = binary(separatingLevel(counts, uint64_t{srcWidth} * srcHeight) + 1);
     if (thresholdType == 1) range = {range.low, range.high, 0, 255};
     markRange_(src, srcWidth, srcHeight, srcStride, dst, dstStride, range);

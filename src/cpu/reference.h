@@ -22,6 +22,7 @@
 #include "cpu/ondrixReorderC.h"
 #include "cpu/ondrixSVDC.h"
 #include "cpu/ondrixScaleC.h"
+#include "cpu/ondrixStatC.h"
 #include "cpu/ondrixThresholdC.h"
 #include "cpu/ondrixTrackC.h"
 #include "cpu/ondrixWarpC.h"

@@ -15,6 +15,7 @@
 #include "dsp/ondrixReorderX.h"
 #include "dsp/ondrixSVDX.h"
 #include "dsp/ondrixScaleX.h"
+#include "dsp/ondrixStatX.h"
 #include "dsp/ondrixThresholdX.h"
 #include "dsp/ondrixTrackX.h"
 #include "dsp/ondrixWarpX.h"

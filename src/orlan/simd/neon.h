@@ -24,6 +24,10 @@ ODX_INLINE s16v max(s16v a, s16v b)
     return (s16v)vmaxq_s16((int16x8_t)a, (int16x8_t)b);
 }
 
+ODX_INLINE s32v min(s32v a, s32v b)
+{
+    return (s32v)vminq_s32((int32x4_t)a, (int32x4_t)b);
+}
 ODX_INLINE s32v max(s32v a, s32v b)
 {
     return (s32v)vmaxq_s32((int32x4_t)a, (int32x4_t)b);

@@ -32,6 +32,10 @@ ODX_INLINE s16v max(s16v a, s16v b)
     return (s16v)ODX_MM(max_epi16)((ODX_MI)a, (ODX_MI)b);
 }
 
+ODX_INLINE s32v min(s32v a, s32v b)
+{
+    return (s32v)ODX_MM(min_epi32)((ODX_MI)a, (ODX_MI)b);
+}
 ODX_INLINE s32v max(s32v a, s32v b)
 {
     return (s32v)ODX_MM(max_epi32)((ODX_MI)a, (ODX_MI)b);

@@ -36,6 +36,7 @@ const PrimitiveCase kCases[] = {
     LANES(u8v, max(v, w), a < b ? b : a),
     LANES(s16v, min(v, w), a < b ? a : b),
     LANES(s16v, max(v, w), a < b ? b : a),
+    LANES(s32v, min(v, w), a < b ? a : b),
     LANES(s32v, max(v, w), a < b ? b : a),
     LANES(u16v, addSat(v, w), clamped(a + b, 0, 65535)),
     LANES(s16v, addSat(v, w), clamped(a + b, -32768, 32767)),

@@ -1,0 +1,399 @@
+// SIMD statistics: the search for extremes and sums; moments and local normalisation are the reference's loops.
+#include "cpu/ondrixArithmC.h"
+#include "cpu/ondrixMoments.h"
+#include "cpu/ondrixNormalize.h"
+#include "cpu/ondrixStat.h"
+#include "cpu/ondrixStatC.h"
+#include "orlan/simd/simd.h"
+
+#define ODX_FAMILY_LIST "frame/operations/statistics.def"
+#include "orlan/family.h"
+
+namespace odx::ODX_TARGET
+{
+using namespace simd;
+using namespace stat;
+
+decltype(odxTableLookupu8C) odxTableLookupu8V;
+
+// ---- smallest and largest element ----
+
+// Elements as numbers of the same order, which the layer has a minimum and a maximum of: two of each, one to look
+// for the smallest and one for the largest. The search begins with what nothing is beyond, or, of floats, with
+// what only numbers are beyond.
+template <class V>
+struct Keys {
+    V low, high;
+};
+template <class T>
+struct Order;
+
+template <class T, class Key, class KeyVector, Key flip, Key least, Key greatest>
+struct WholeOrder {
+    typedef Key Number;
+    typedef KeyVector Vector;
+    static constexpr Key kLow = greatest, kHigh = least;
+    static constexpr bool kSkips = false;
+
+    ODX_MEMBER static Keys<Vector> keys(const void* p)
+    {
+        const Vector v = load<Vector>(p) ^ flip;
+        return {v, v};
+    }
+};
+template <>
+struct Order<uint8_t> : WholeOrder<uint8_t, uint8_t, u8v, 0, 0, UINT8_MAX> {
+};
+template <>
+struct Order<int16_t> : WholeOrder<int16_t, int16_t, s16v, 0, INT16_MIN, INT16_MAX> {
+};
+template <>
+struct Order<uint16_t> : WholeOrder<uint16_t, int16_t, s16v, INT16_MIN, INT16_MIN, INT16_MAX> {
+};
+template <>
+struct Order<int32_t> : WholeOrder<int32_t, int32_t, s32v, 0, INT32_MIN, INT32_MAX> {
+};
+template <>
+struct Order<uint32_t> : WholeOrder<uint32_t, int32_t, s32v, INT32_MIN, INT32_MIN, INT32_MAX> {
+};
+// The magnitude with its sign is in order, zeros are equal, and not-a-numbers are what is beyond the infinities at
+// +-0x7F800000. Moved by so much that they leave the 32 bits at one end, they come back at the other, where they
+// are neither small nor large. Floats would not do: 32-bit NEON takes denormal ones for 0.
+template <>
+struct Order<float> {
+    typedef int32_t Number;
+    typedef s32v Vector;
+    static constexpr int32_t kLow = 0x7F000001, kHigh = -0x7F000002;
+    static constexpr bool kSkips = true;
+
+    ODX_MEMBER static Keys<s32v> keys(const void* p)
+    {
+        const s32v v = load<s32v>(p), sign = v >> 31;
+        const u32v key = (u32v)((v & INT32_MAX) ^ sign) - (u32v)sign;
+        return {(s32v)(key - 0x00800000), (s32v)(key + 0x007FFFFF)};
+    }
+};
+
+template <class T>
+struct Stretch {
+    const T* p;
+    size_t n, x, y;
+};
+
+// Rows of less than a vector are repeated: that adds no element, and no earlier place.
+template <class T>
+ODX_INLINE void pad(const T* p, size_t n, T (&padded)[kBytes / sizeof(T)])
+{
+    for (size_t i = 0; i < kBytes / sizeof(T); ++i)
+        memcpy(padded + i, p + (i < n ? i : 0), sizeof *p);
+}
+
+// Keys are compared in stretches that take the first cache; the places of the best are looked up in theirs.
+template <class T>
+struct Search {
+    typedef Order<T> O;
+    typedef typename O::Vector V;
+    typedef typename O::Number K;
+    static constexpr size_t kLanes = kBytes / sizeof(T), kStretch = 64 * kLanes;
+    V low = V{} + O::kLow, high = V{} + O::kHigh;
+    Stretch<T> lowest, highest;
+
+    ODX_MEMBER explicit Search(const T* src, size_t n) : lowest{src, n, 0, 0}, highest{src, n, 0, 0} {}
+
+    template <bool least>
+    ODX_MEMBER static V best(V v)
+    {
+        K lanes[kLanes];
+        store(lanes, v);
+        K found = lanes[0];
+        for (size_t i = 1; i < kLanes; ++i)
+            found = (least ? lanes[i] < found : lanes[i] > found) ? lanes[i] : found;
+        return V{} + found;
+    }
+    ODX_MEMBER void take(V low0, V high0, const Stretch<T>& stretch)
+    {
+        if (any((u8v)(low0 < low))) {
+            low = best<true>(low0);
+            lowest = stretch;
+        }
+        if (any((u8v)(high0 > high))) {
+            high = best<false>(high0);
+            highest = stretch;
+        }
+    }
+    ODX_MEMBER void addRow(const T* p, size_t n, size_t y)
+    {
+        if (n < kLanes) {
+            T padded[kLanes];
+            pad(p, n, padded);
+            const Keys<V> k = O::keys(padded);
+            return take(min(low, k.low), max(high, k.high), {p, n, 0, y});
+        }
+        for (size_t x = 0, count; x < n; x += count) {
+            count = n - x < kStretch ? n - x : kStretch;
+            if (count < kLanes) { // the last vector overlaps the one before it
+                x -= kLanes - count;
+                count = kLanes;
+            }
+            V low0 = low, low1 = low, high0 = high, high1 = high;
+            size_t i = 0;
+            for (; count - i >= 2 * kLanes; i += 2 * kLanes) {
+                const Keys<V> k = O::keys(p + x + i), l = O::keys(p + x + i + kLanes);
+                low0 = min(low0, k.low);
+                low1 = min(low1, l.low);
+                high0 = max(high0, k.high);
+                high1 = max(high1, l.high);
+            }
+            const Keys<V> k = O::keys(p + x + (i + kLanes <= count ? i : count - kLanes)),
+                          l = O::keys(p + x + count - kLanes);
+            take(min(min(low0, low1), min(k.low, l.low)), max(max(high0, high1), max(k.high, l.high)),
+                 {p + x, count, x, y});
+        }
+    }
+
+    template <bool least>
+    ODX_MEMBER Place<T> place(const Stretch<T>& in, uint32_t width) const
+    {
+        for (size_t i = 0;; i += kLanes) {
+            T padded[kLanes];
+            const T* p = in.p + i;
+            if (in.n < kLanes) {
+                pad(in.p, in.n, padded);
+                p = padded;
+            } else if (in.n - i < kLanes) {
+                i = in.n - kLanes;
+                p = in.p + i;
+            }
+            const Keys<V> k = O::keys(p);
+            const uint64_t bits = laneBits((s8v)(least ? k.low == low : k.high == high));
+            if (bits == 0) continue;
+            const size_t lane = (size_t)__builtin_ctzll(bits) / sizeof(T), x = in.x + i + lane;
+            return {p[lane], (uint32_t)(x % width), (uint32_t)(in.y + x / width)};
+        }
+    }
+};
+
+// Packed images are one long row.
+template <class T>
+ODX_INLINE Extremes<T> extremesOf(Search<T>& search, const T* src, uint32_t width, uint32_t height,
+                                  uint32_t stride)
+{
+    typedef Order<T> O;
+    const bool packed = stride == width * sizeof(T);
+    const size_t n = packed ? (size_t)width * height : width;
+    for (size_t y = 0; y < (packed ? 1 : height); ++y)
+        search.addRow(rowOf(src, stride, y), n, y);
+    if (O::kSkips && search.low[0] == O::kLow) return noExtremes<T>();
+    return {search.template place<true>(search.lowest, width), search.template place<false>(search.highest, width),
+            true};
+}
+
+template <class T>
+struct Lists {
+    typedef Order<T> O;
+    static constexpr size_t kLanes = kBytes / sizeof(T);
+    static constexpr uint64_t kElements = ~uint64_t{0} / ((uint64_t{1} << sizeof(T)) - 1); // a bit for each
+    const Search<T>& search;
+    Places &least, &greatest;
+
+    ODX_MEMBER static void add(Places& places, uint64_t bits, size_t x, size_t y)
+    {
+        bits &= kElements;
+        if (places.count >= places.capacity) {
+            places.count += (uint64_t)__builtin_popcountll(bits);
+            return;
+        }
+        for (; bits != 0; bits &= bits - 1)
+            places.add(x + (size_t)__builtin_ctzll(bits) / sizeof(T), y);
+    }
+    ODX_MEMBER void addVector(const T* p, size_t x, size_t y, uint64_t valid) const
+    {
+        const Keys<typename O::Vector> k = O::keys(p);
+        const auto isLow = k.low == search.low, isHigh = k.high == search.high;
+        if (!any((u8v)(isLow | isHigh))) return;
+        add(least, laneBits((s8v)isLow) & valid, x, y);
+        add(greatest, laneBits((s8v)isHigh) & valid, x, y);
+    }
+    ODX_MEMBER void addRow(const T* p, size_t n, size_t y) const
+    {
+        if (n < kLanes) {
+            T padded[kLanes];
+            pad(p, n, padded);
+            return addVector(padded, 0, y, (uint64_t{1} << n * sizeof(T)) - 1);
+        }
+        size_t x = 0;
+        for (; n - x >= kLanes; x += kLanes)
+            addVector(p + x, x, y, ~uint64_t{0});
+        const size_t left = n - x, last = n - kLanes;
+        if (left != 0) addVector(p + last, last, y, ~uint64_t{0} << (kLanes - left) * sizeof(T));
+    }
+};
+
+template <class T>
+ODX_INLINE void minMaxLoc(const T* src, uint32_t width, uint32_t height, uint32_t stride, T* minValue, T* maxValue,
+                          uint32_t* minXY, uint32_t* maxXY)
+{
+    Search<T> search(src, width);
+    const Extremes<T> extremes = extremesOf(search, src, width, height, stride);
+    report(extremes.least, minValue, minXY);
+    report(extremes.greatest, maxValue, maxXY);
+}
+
+template <class T>
+ODX_INLINE odxStatus allMinMaxLoc(const T* src, uint32_t width, uint32_t height, uint32_t stride, T* minValue,
+                                  T* maxValue, uint32_t* minXY, uint32_t* maxXY, uint32_t capacity,
+                                  uint32_t* minCount, uint32_t* maxCount)
+{
+    Search<T> search(src, width);
+    const Extremes<T> extremes = extremesOf(search, src, width, height, stride);
+    const auto listPlaces = [&](Places & least, Places & greatest) __attribute__((always_inline))
+    {
+        const Lists<T> lists = {search, least, greatest};
+        for (size_t y = 0; y < height; ++y)
+            lists.addRow(rowOf(src, stride, y), width, y);
+    };
+    return reportAll(extremes, minValue, maxValue, minXY, maxXY, capacity, minCount, maxCount, listPlaces);
+}
+
+// ---- sums ----
+
+// Loaded `n` bytes before its end, it keeps the last n bytes of a vector.
+struct LastBytes {
+    uint8_t bytes[2 * kBytes] = {};
+
+    constexpr LastBytes()
+    {
+        for (uint32_t i = kBytes; i < 2 * kBytes; ++i)
+            bytes[i] = 255;
+    }
+};
+static constexpr LastBytes kLastBytes;
+
+// Lanes are added up before all of them together exceed 32 bits.
+ODX_INLINE Sums sumsOf(const uint8_t* src, size_t stride, uint32_t width, uint32_t height)
+{
+    Sums sums = {0, 0};
+    u32v pixels = {}, squares0 = {}, squares1 = {};
+    const auto flush = [&]() __attribute__((always_inline))
+    {
+        sums.pixels += sumOfLanes(pixels);
+        sums.squares += sumOfLanes(squares0 + squares1);
+        pixels = squares0 = squares1 = u32v{};
+    };
+    uint32_t taken = 0;
+    for (size_t y = 0; y < height; ++y) {
+        const uint8_t* p = rowOf(src, stride, y);
+        for (uint32_t left = width, n; left != 0; left -= n, p += n) {
+            n = left < kFitting ? left : kFitting;
+            if (n > kFitting - taken) {
+                flush();
+                taken = 0;
+            }
+            taken += n;
+            uint32_t x = 0;
+            for (; n - x >= 2 * kBytes; x += 2 * kBytes) {
+                const u8v v = load<u8v>(p + x), w = load<u8v>(p + x + kBytes);
+                pixels = addBytes(addBytes(pixels, v), w);
+                squares0 = addProducts(squares0, v, v);
+                squares1 = addProducts(squares1, w, w);
+            }
+            for (; n - x >= kBytes; x += kBytes) {
+                const u8v v = load<u8v>(p + x);
+                pixels = addBytes(pixels, v);
+                squares0 = addProducts(squares0, v, v);
+            }
+            if (x != n && n >= kBytes) {
+                const u8v v = load<u8v>(p + n - kBytes) & load<u8v>(kLastBytes.bytes + (n - x));
+                pixels = addBytes(pixels, v);
+                squares1 = addProducts(squares1, v, v);
+            } else {
+                for (; x < n; ++x) {
+                    sums.pixels += p[x];
+                    sums.squares += (uint32_t)p[x] * p[x];
+                }
+            }
+        }
+    }
+    flush();
+    return sums;
+}
+
+odxStatus odxImageIntensityStats_v2V(const uint8_t* src, unsigned int, unsigned int, unsigned int srcStride,
+                                     unsigned int x, unsigned int y, unsigned int width, unsigned int height,
+                                     float* mean, float* variance, odxVarianceEstimator estimator)
+{
+    report(sumsOf(rowOf(src, srcStride, y) + x, srcStride, width, height), width, height, estimator, mean,
+           variance);
+    return ONDRIX_SUCCESS;
+}
+void odxImageIntensityStatsV(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
+                             unsigned int srcStride, unsigned int x, unsigned int y, unsigned int width,
+                             unsigned int height, float* mean, float* variance)
+{
+    odxImageIntensityStats_v2V(src, srcWidth, srcHeight, srcStride, x, y, width, height, mean, variance,
+                               ONDRIX_VARIANCE_POPULATION);
+}
+
+void odxImageHistogramEqualizeu8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
+                                  unsigned int srcStride, uint8_t* dst, unsigned int dstStride)
+{
+    equalize(src, srcWidth, srcHeight, srcStride, dst, dstStride, odxTableLookupu8V);
+}
+
+// ---- the reference's loops, in this target's vectors ----
+
+odxStatus odxNormalizeLocalBoxu8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
+                                  unsigned int srcStride, unsigned int N, uint8_t* dst, unsigned int dstStride,
+                                  unsigned int deviation, unsigned int minDeviation)
+{
+    const Plane<uint8_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
+    return normalization::normalize(normalization::Bytes(N, deviation, minDeviation), N, plane);
+}
+odxStatus odxNormalizeLocalBoxf32V(const float* src, unsigned int srcWidth, unsigned int srcHeight,
+                                   unsigned int srcStride, unsigned int N, float* dst, unsigned int dstStride,
+                                   float minDeviation)
+{
+    const Plane<float> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
+    return normalization::normalize(normalization::Floats(N, minDeviation), N, plane);
+}
+
+// clang-format off
+#define ODX_MIN_MAX(name, T) \
+    void name##V(const T* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride, T* minValue, \
+                 T* maxValue, uint32_t* minXY, uint32_t* maxXY) \
+    { \
+        minMaxLoc(src, srcWidth, srcHeight, srcStride, minValue, maxValue, minXY, maxXY); \
+    }
+#define ODX_ALL_MIN_MAX(name, T) \
+    odxStatus name##V(const T* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride, \
+                      T* minValue, T* maxValue, uint32_t* minXY, uint32_t* maxXY, unsigned int capacity, \
+                      uint32_t* minCount, uint32_t* maxCount) \
+    { \
+        return allMinMaxLoc(src, srcWidth, srcHeight, srcStride, minValue, maxValue, minXY, maxXY, capacity, \
+                            minCount, maxCount); \
+    }
+#define ODX_BAND(name, T) \
+    void name##V(const T* src, uint32_t stride, uint32_t width, uint32_t height, uint32_t binary, \
+                 moments::Powers<double>& sums) \
+    { \
+        moments::band(src, stride, width, height, binary, sums); \
+    }
+// clang-format on
+
+ODX_MIN_MAX(odxMinMaxLocu8, uint8_t)
+ODX_MIN_MAX(odxMinMaxLocs16, int16_t)
+ODX_MIN_MAX(odxMinMaxLocu16, uint16_t)
+ODX_MIN_MAX(odxMinMaxLocs32, int32_t)
+ODX_MIN_MAX(odxMinMaxLocu32, uint32_t)
+ODX_MIN_MAX(odxMinMaxLocf32, float)
+ODX_ALL_MIN_MAX(odxMinMaxLocu8_v2, uint8_t)
+ODX_ALL_MIN_MAX(odxMinMaxLocs16_v2, int16_t)
+ODX_ALL_MIN_MAX(odxMinMaxLocu16_v2, uint16_t)
+ODX_ALL_MIN_MAX(odxMinMaxLocs32_v2, int32_t)
+ODX_ALL_MIN_MAX(odxMinMaxLocu32_v2, uint32_t)
+ODX_ALL_MIN_MAX(odxMinMaxLocf32_v2, float)
+ODX_BAND(momentsOfBandu8, uint8_t)
+ODX_BAND(momentsOfBands32, int32_t)
+ODX_BAND(momentsOfBandf32, float)
+
+} // namespace odx::ODX_TARGET

@@ -1,0 +1,179 @@
+#include "operations/shapes.h"
+
+#include "ondrix/statistics.h"
+
+#include <string.h>
+
+namespace odx::test
+{
+
+namespace
+{
+
+// Floats with not-a-numbers, infinities, zeros of both signs and denormal numbers among them, few or many; images
+// of few values, whose extremes are in many places.
+template <class T>
+Image<T> elements(Draw& draw)
+{
+    const Image<T> image = draw.source<T>("src", draw.extent());
+    if (draw.measures()) return image;
+    constexpr uint32_t kPatterns[] = {0x7FC00000, 0xFFFFFFFF, 0x80000000, 0x7F800000, 0x00000000, 0xFF800000,
+                                      0x7F800001, 0x00000001, 0x80000001, 0xFF800001, 0x007FFFFF, 0x7F7FFFFF};
+    const uint32_t step = draw.pick("special every", {0u, 0u, 1u, 3u, 40u}),
+                   kinds = draw.pick("kinds", {2u, 5u, 12u}), values = draw.pick("values", {0u, 0u, 2u, 3u});
+    for (uint32_t i = 0; i < image.width * image.height; ++i) {
+        T& v = image.at(i % image.width, i / image.width);
+        if constexpr (std::is_floating_point_v<T>) {
+            if (step != 0 && i % step == 0) memcpy(&v, &kPatterns[i / step * 7 % kinds], sizeof v);
+        } else if (values != 0) {
+            v = static_cast<T>(T(~T{0}) / 2 + v % static_cast<T>(values));
+        }
+    }
+    return image;
+}
+
+template <class T, auto* operation>
+void extremes(Draw& draw)
+{
+    const auto src = elements<T>(draw);
+    auto* const values = draw.destinationArray<T>("values", 2);
+    auto* const places = draw.destinationArray<uint32_t>("places", 4);
+    const uint32_t left = draw.pick("left out", {4U, 4U, 0U, 1U, 2U, 3U});
+    const auto unless = [left](uint32_t i, auto* p) { return left == i ? nullptr : p; };
+    draw.run([&] {
+        operation(src.pixels, src.width, src.height, src.strideArgument(), unless(0, values),
+                  unless(1, values + 1), unless(2, places), unless(3, places + 2));
+    });
+}
+
+template <class T, auto* operation>
+void allExtremes(Draw& draw)
+{
+    const auto src = elements<T>(draw);
+    const uint32_t capacity = draw.pick("capacity", {40U, 1U, 0U, 2U, 1000U});
+    auto* const values = draw.destinationArray<T>("values", 2);
+    auto* const places = draw.destinationArray<uint32_t>("places", 4 * capacity + 2);
+    uint32_t* const second = capacity == 0 ? nullptr : places + 2 * capacity;
+    draw.run([&] {
+        return operation(src.pixels, src.width, src.height, src.strideArgument(), values, values + 1,
+                         capacity == 0 ? nullptr : places, second, capacity, places + 4 * capacity,
+                         places + 4 * capacity + 1);
+    });
+}
+
+void intensityHistogram(Draw& draw)
+{
+    const auto src = draw.source<uint8_t>("src", draw.extent());
+    auto* const histogram = draw.destinationArray<uint32_t>("histogram", 256);
+    draw.run(
+        [&] { odxImageIntensityHistogram(src.pixels, src.width, src.height, src.strideArgument(), histogram); });
+}
+
+template <bool hasBins>
+void spatialHistogram(Draw& draw)
+{
+    const auto src = draw.source<uint8_t>("src", draw.extent());
+    const uint32_t cellsX = draw.number("cellsX", 1u, std::min(src.width, 9u), 8u),
+                   cellsY = draw.number("cellsY", 1u, std::min(src.height, 9u), 8u),
+                   range = hasBins ? draw.number("range", 1u, 256u, 59u) : 256,
+                   bins = hasBins ? draw.number("bins", 1u, range, range) : 256;
+    auto* const histograms = draw.destinationArray<uint32_t>("histograms", cellsX * cellsY * bins);
+    draw.run([&] {
+        if constexpr (hasBins) {
+            odxImageSpatialHistogramu8_v2(src.pixels, src.width, src.height, src.strideArgument(), cellsX, cellsY,
+                                          bins, range, histograms);
+        } else {
+            odxImageSpatialHistogramu8(src.pixels, src.width, src.height, src.strideArgument(), cellsX, cellsY,
+                                       histograms);
+        }
+    });
+}
+
+void equalized(Draw& draw)
+{
+    const Extent extent = draw.extent();
+    const auto src = draw.source<uint8_t>("src", extent);
+    const bool inPlace = !draw.measures() && draw.pick("in place", {0, 1}) == 1;
+    if (inPlace) draw.writesInPlace(src);
+    const auto dst = inPlace ? src : draw.destination<uint8_t>("dst", extent);
+    draw.run([&] {
+        odxImageHistogramEqualizeu8(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
+                                    dst.strideArgument());
+    });
+}
+
+template <auto* operation, auto... estimator>
+void meanAndVariance(Draw& draw)
+{
+    const auto src = draw.source<uint8_t>("src", draw.extent(1, 1, 0));
+    const auto part = [&](const char* name, uint32_t size) { return draw.number(name, 0u, size, 0u); };
+    const uint32_t x = part("x", src.width - 1), y = part("y", src.height - 1),
+                   width = src.width - x - part("right", src.width - x - 1),
+                   height = src.height - y - part("below", src.height - y - 1);
+    auto* const results = draw.destinationArray<float>("results", 2);
+    runWith<estimator...>(draw, [&](auto... value) {
+        return operation(src.pixels, src.width, src.height, src.strideArgument(), x, y, width, height, results,
+                         results + 1, value...);
+    });
+}
+
+template <class T, auto* operation>
+void moments(Draw& draw)
+{
+    const auto src = draw.source<T>("src", draw.extent(1, 1, 0));
+    const uint32_t binary = draw.pick("binary", {0u, 0u, 1u});
+    auto* const results = reinterpret_cast<odxMoments*>(draw.destinationArray<double>("moments", 24));
+    draw.run([&] { operation(src.pixels, src.width, src.height, src.strideArgument(), binary, results); });
+}
+
+template <class T, auto* operation, auto... rest>
+void normalized(Draw& draw)
+{
+    const Extent extent = draw.extent(1, 1, 0);
+    const auto src = draw.source<T>("src", extent);
+    const auto dst = draw.destination<T>("dst", extent);
+    const uint32_t N = 2 * draw.number("N / 2", 1u, 15u, 3u) + 1;
+    runWith<rest...>(draw, [&](auto... value) {
+        return operation(src.pixels, extent.width, extent.height, src.strideArgument(), N, dst.pixels,
+                         dst.strideArgument(), value...);
+    });
+}
+float leastDeviation(Draw& draw)
+{
+    return draw.pick("exponent", {0, 1}) == 0 ? draw.real("deviation", 0.01F, 3, 1) : 1e-30F;
+}
+
+} // namespace
+
+std::vector<Row> statisticsRows()
+{
+    return {
+        {"odxMinMaxLocu8", extremes<uint8_t, odxMinMaxLocu8>, true},
+        {"odxMinMaxLocs16", extremes<int16_t, odxMinMaxLocs16>},
+        {"odxMinMaxLocu16", extremes<uint16_t, odxMinMaxLocu16>},
+        {"odxMinMaxLocs32", extremes<int32_t, odxMinMaxLocs32>},
+        {"odxMinMaxLocu32", extremes<uint32_t, odxMinMaxLocu32>},
+        {"odxMinMaxLocf32", extremes<float, odxMinMaxLocf32>},
+        {"odxMinMaxLocu8_v2", allExtremes<uint8_t, odxMinMaxLocu8_v2>, true},
+        {"odxMinMaxLocs16_v2", allExtremes<int16_t, odxMinMaxLocs16_v2>},
+        {"odxMinMaxLocu16_v2", allExtremes<uint16_t, odxMinMaxLocu16_v2>},
+        {"odxMinMaxLocs32_v2", allExtremes<int32_t, odxMinMaxLocs32_v2>},
+        {"odxMinMaxLocu32_v2", allExtremes<uint32_t, odxMinMaxLocu32_v2>},
+        {"odxMinMaxLocf32_v2", allExtremes<float, odxMinMaxLocf32_v2>},
+        {"odxImageIntensityHistogram", intensityHistogram, true},
+        {"odxImageSpatialHistogramu8", spatialHistogram<false>, true},
+        {"odxImageSpatialHistogramu8_v2", spatialHistogram<true>, true},
+        {"odxImageHistogramEqualizeu8", equalized, true},
+        {"odxImageIntensityStats", meanAndVariance<odxImageIntensityStats>},
+        {"odxImageIntensityStats_v2",
+         meanAndVariance<odxImageIntensityStats_v2, oneOf<ONDRIX_VARIANCE_POPULATION, ONDRIX_VARIANCE_SAMPLE>>},
+        {"odxImageMomentsu8", moments<uint8_t, odxImageMomentsu8>},
+        {"odxImageMomentss32", moments<int32_t, odxImageMomentss32>},
+        {"odxImageMomentsf32", moments<float, odxImageMomentsf32>},
+        {"odxNormalizeLocalBoxu8",
+         normalized<uint8_t, odxNormalizeLocalBoxu8, between<1u, 127u, 50u>, between<1u, 127u, 5u>>},
+        {"odxNormalizeLocalBoxf32", normalized<float, odxNormalizeLocalBoxf32, leastDeviation>},
+    };
+}
+
+} // namespace odx::test
