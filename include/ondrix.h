@@ -25,6 +25,7 @@
 #include "ondrix/fastCorners.h"
 #include "ondrix/gradients.h"
 #include "ondrix/harrisCorners.h"
+#include "ondrix/integrals.h"
 #include "ondrix/memory.h"
 #include "ondrix/modes.h"
 #include "ondrix/morphology.h"

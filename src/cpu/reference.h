@@ -13,6 +13,7 @@
 #include "cpu/ondrixEdgeC.h"
 #include "cpu/ondrixFastC.h"
 #include "cpu/ondrixHarrisC.h"
+#include "cpu/ondrixIntegralC.h"
 #include "cpu/ondrixMorphC.h"
 #include "cpu/ondrixMserFxpC.h"
 #include "cpu/ondrixNCCPatchC.h"

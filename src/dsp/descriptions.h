@@ -10,6 +10,7 @@
 #include "dsp/ondrixEdgeX.h"
 #include "dsp/ondrixFastX.h"
 #include "dsp/ondrixHarrisX.h"
+#include "dsp/ondrixIntegralX.h"
 #include "dsp/ondrixMorphX.h"
 #include "dsp/ondrixOpticalFlowX.h"
 #include "dsp/ondrixReorderX.h"

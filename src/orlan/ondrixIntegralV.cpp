@@ -1,0 +1,113 @@
+// SIMD integral images.
+#include "cpu/ondrixIntegral.h"
+#include "cpu/ondrixIntegralC.h"
+#include "orlan/simd/prefix.h"
+
+#define ODX_FAMILY_LIST "frame/operations/integrals.def"
+#include "orlan/family.h"
+
+namespace odx::ODX_TARGET
+{
+using namespace simd;
+
+namespace
+{
+
+constexpr uint32_t kPixels = kBytes / 2; // at a time
+
+// The running sums of so many pixels; those of their values fit 16 bits.
+ODX_INLINE u32p runningSums(integral::Pixel, u16v v)
+{
+    return widenInOrder(simd::runningSums(v));
+}
+ODX_INLINE u32p runningSums(integral::Square, u16v v)
+{
+    const u32p squares = widenInOrder(v * v);
+    const u32v first = simd::runningSums(squares.a);
+    return {first, simd::runningSums(squares.b) + lastLane(first)};
+}
+
+// The next entries, from the sum of the terms so far, modulo 2^32.
+template <class Term, class T>
+ODX_INLINE uint32_t nextEntries(const uint8_t* src, uint32_t count, uint32_t sum, const T* above, T* dst)
+{
+    u32v before = u32v{} + sum;
+    uint32_t i = 0;
+    for (; count - i >= kPixels; i += kPixels) {
+        u32p sums = runningSums(Term(), loadWiden(src + i));
+        sums.a += before;
+        sums.b += before;
+        storeAdded(dst + i, above + i, sums.a);
+        storeAdded(dst + i + kPixels / 2, above + i + kPixels / 2, sums.b);
+        before = lastLane(sums.b);
+    }
+    sum = before[0];
+    for (; i < count; ++i) {
+        sum += Term::of(src[i]);
+        dst[i] = above[i] + sum;
+    }
+    return sum;
+}
+
+struct Lines {
+    template <class Term>
+    static uint32_t next(const uint8_t* src, uint32_t count, uint32_t sum, const uint32_t* above, uint32_t* dst)
+    {
+        return nextEntries<Term>(src, count, sum, above, dst);
+    }
+    // So many squares have a sum of 32 bits; what came before is added where rows are longer.
+    template <class Term>
+    static uint64_t next(const uint8_t* src, uint32_t count, uint64_t sum, const uint64_t* above, uint64_t* dst)
+    {
+        constexpr uint32_t kMost = 65536;
+        for (uint32_t n; count != 0; count -= n, src += n, above += n, dst += n) {
+            n = count < kMost ? count : kMost;
+            const uint32_t all = nextEntries<Term>(src, n, 0, above, dst);
+            for (uint32_t i = 0; sum != 0 && i < n; ++i)
+                dst[i] += sum;
+            sum += all;
+        }
+        return sum;
+    }
+    static void separate(const uint8_t* pairs, uint32_t count, uint8_t* first, uint8_t* second)
+    {
+        uint32_t i = 0;
+        for (; count - i >= kBytes; i += kBytes) {
+            const u8x2 v = load2(pairs + 2 * i);
+            store(first + i, v.a);
+            store(second + i, v.b);
+        }
+        for (; i < count; ++i) {
+            first[i] = pairs[2 * i];
+            second[i] = pairs[2 * i + 1];
+        }
+    }
+};
+
+} // namespace
+
+#define ODX_COLUMN(name) name##V
+#include "cpu/ondrixIntegralOperations.inc"
+
+void tiltedRowV(const uint8_t* src, const uint8_t* srcAbove, uint32_t width, const uint32_t* above,
+                const uint32_t* twoAbove, uint32_t* dst)
+{
+    const uint32_t inner = width - 1; // entries 1 to inner have neighbours on both sides
+    if (inner < kPixels) return tiltedRowC(src, srcAbove, width, above, twoAbove, dst);
+    const auto entries = [=](uint32_t x, u32v pixels) __attribute__((always_inline))
+    {
+        const u32v both = load<u32v>(above + x) + load<u32v>(above + x + 2);
+        store(dst + x + 1, both - load<u32v>(twoAbove + x + 1) + pixels);
+    };
+    dst[0] = above[1];
+    // The last ones may have been there before.
+    for (uint32_t i = 0; i < inner; i += kPixels) {
+        const uint32_t x = i < inner - kPixels ? i : inner - kPixels;
+        const u32p pixels = widenInOrder(loadWiden(src + x) + loadWiden(srcAbove + x));
+        entries(x, pixels.a);
+        entries(x + kPixels / 2, pixels.b);
+    }
+    dst[width] = above[inner] + src[inner] + srcAbove[inner];
+}
+
+} // namespace odx::ODX_TARGET
