@@ -20,6 +20,7 @@
 #include "ondrix/bilateral.h"
 #include "ondrix/colorFromRgb.h"
 #include "ondrix/colorToRgb.h"
+#include "ondrix/convolution.h"
 #include "ondrix/correlation.h"
 #include "ondrix/descriptors.h"
 #include "ondrix/fastCorners.h"

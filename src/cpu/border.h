@@ -17,8 +17,6 @@
 
 #include "cpu/image.h"
 
-#include <string.h>
-
 namespace odx::border
 {
 
@@ -31,10 +29,10 @@ struct Outside {
 
 constexpr uint32_t kOutputs = 256; // computed at a time
 
-// Pixels [x, x + count) of row y, some or all of which may be outside the image.
-template <class T, class D>
+// Pixels [x, x + count) of row y, some or all of which may be outside the image, as wide as the line's.
+template <class T, class D, class L>
 static inline void copyLine(const Plane<T, D>& plane, const Outside<T>& outside, int64_t x, int64_t y,
-                            uint32_t count, T* line)
+                            uint32_t count, L* line)
 {
     const int64_t w = plane.width, h = plane.height, end = x + count;
     if (!outside.replicate && (y < 0 || y >= h)) {
@@ -49,7 +47,8 @@ static inline void copyLine(const Plane<T, D>& plane, const Outside<T>& outside,
         *line++ = left;
     const int64_t inside = (end < w ? end : w) - x;
     if (inside > 0) {
-        memcpy(line, row + x, sizeof(T) * static_cast<size_t>(inside));
+        for (int64_t i = 0; i < inside; ++i)
+            line[i] = row[x + i];
         line += inside;
         x += inside;
     }

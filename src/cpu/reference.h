@@ -8,6 +8,7 @@
 #include "cpu/ondrixChannelC.h"
 #include "cpu/ondrixColorC.h"
 #include "cpu/ondrixColorFromRgbC.h"
+#include "cpu/ondrixConvC.h"
 #include "cpu/ondrixCorrC.h"
 #include "cpu/ondrixDotC.h"
 #include "cpu/ondrixEdgeC.h"

@@ -5,6 +5,7 @@
 #include "dsp/ondrixArithmX.h"
 #include "dsp/ondrixBlurX.h"
 #include "dsp/ondrixColorX.h"
+#include "dsp/ondrixConvX.h"
 #include "dsp/ondrixCorrX.h"
 #include "dsp/ondrixDotX.h"
 #include "dsp/ondrixEdgeX.h"

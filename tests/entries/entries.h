@@ -10,6 +10,7 @@
 #ifndef ODX_TESTS_ENTRIES_ENTRIES_H
 #define ODX_TESTS_ENTRIES_ENTRIES_H
 
+#include <algorithm>
 #include <functional>
 #include <stdint.h>
 #include <string>
@@ -44,6 +45,7 @@ struct Argument {
         accepted.clear();
         return std::move(*this);
     }
+    bool fails(double v) const { return std::count(failing.begin(), failing.end(), v) != 0; }
     std::vector<double> failing = {};
 };
 

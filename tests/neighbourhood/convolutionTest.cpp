@@ -1,0 +1,277 @@
+// The convolutions against their definition.
+#include "ondrix.h"
+#include "smoothing/models.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+using namespace odx::test;
+
+namespace
+{
+
+class Convolution : public testing::Test
+{
+protected:
+    Convolution() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
+};
+
+using Kernel = Grid<int64_t>; // as it meets the pixels of a window
+
+// The low 32 bits of a sum, rounded and shifted.
+int64_t scaled(int64_t sum, unsigned shift)
+{
+    const int64_t half = shift != 0 ? int64_t{1} << (shift - 1) : 0;
+    return int64_t{static_cast<int32_t>(static_cast<uint32_t>(sum + half))} >> shift;
+}
+
+template <class T>
+T clampedTo(int64_t value)
+{
+    return static_cast<T>(
+        std::clamp<int64_t>(value, std::numeric_limits<T>::min(), std::numeric_limits<T>::max()));
+}
+
+// The pixel whose window begins at left, top.
+template <class D, class S>
+D filtered(const Grid<S>& src, const Kernel& kernel, int left, int top, unsigned shift, Outside outside = {})
+{
+    int64_t sum = 0;
+    for (int i = 0; i < kernel.height; ++i) {
+        for (int j = 0; j < kernel.width; ++j)
+            sum += kernel.at(j, i) * sample(src, left + j, top + i, outside);
+    }
+    return clampedTo<D>(scaled(sum, shift));
+}
+
+template <class T>
+Kernel kernelOf(const std::vector<T>& across, const std::vector<T>& down)
+{
+    Kernel kernel(static_cast<int>(across.size()), static_cast<int>(down.size()));
+    for (int i = 0; i < kernel.height; ++i) {
+        for (int j = 0; j < kernel.width; ++j)
+            kernel.at(j, i) = int64_t{across[static_cast<size_t>(j)]} * down[static_cast<size_t>(i)];
+    }
+    return kernel;
+}
+
+Kernel turned(const Kernel& kernel)
+{
+    Kernel result = kernel;
+    std::reverse(result.pixels.begin(), result.pixels.end());
+    return result;
+}
+
+std::vector<int16_t> weights(int count, int most)
+{
+    return noise<int16_t>(count, 1, -most - 1, most).pixels;
+}
+
+// All pixels of an image filtered with a border type, the window being that of the kernel.
+template <class D, class S>
+void expectBordered(const Grid<S>& src, const Kernel& kernel, unsigned shift, odxBorderType type, S value,
+                    const Grid<D>& dst)
+{
+    const int r = kernel.width / 2, s = kernel.height / 2;
+    for (int y = 0; y < src.height; ++y) {
+        for (int x = 0; x < src.width; ++x) {
+            const bool inside = x >= r && y >= s && x < src.width - r && y < src.height - s;
+            const D expected =
+                !inside && type == ONDRIX_BORDER_UNDEFINED
+                    ? D{77}
+                    : filtered<D>(src, kernel, x - r, y - s, shift, {type == ONDRIX_BORDER_REPLICATE, value});
+            ASSERT_EQ(expected, dst.at(x, y))
+                << kernel.width << "x" << kernel.height << " of " << src.width << "x" << src.height << ", type "
+                << type << ", shift " << shift << " at " << x << "," << y;
+        }
+    }
+}
+
+constexpr odxBorderType kBorders[] = {ONDRIX_BORDER_UNDEFINED, ONDRIX_BORDER_CONSTANT, ONDRIX_BORDER_REPLICATE};
+
+} // namespace
+
+TEST_F(Convolution, RoundsBetweenThePassesOfFixedSizes)
+{
+    const struct {
+        int size;
+        decltype(odxFilterCorrSep9x9s16)* packed;
+        decltype(odxFilterCorrSep9x9s16_v2)* strided;
+    } sizes[] = {{9, odxFilterCorrSep9x9s16, odxFilterCorrSep9x9s16_v2},
+                 {11, odxFilterCorrSep11x11s16, odxFilterCorrSep11x11s16_v2},
+                 {13, odxFilterCorrSep13x13s16, odxFilterCorrSep13x13s16_v2},
+                 {15, odxFilterCorrSep15x15s16, odxFilterCorrSep15x15s16_v2},
+                 {17, odxFilterCorrSep17x17s16, odxFilterCorrSep17x17s16_v2},
+                 {3, nullptr, nullptr},
+                 {31, nullptr, nullptr}};
+    for (const auto& [n, packed, strided] : sizes) {
+        for (const int most : {32768 / n, 32767}) { // sums wrap with the latter
+            const std::vector<int16_t> across = weights(n, most), down = weights(n, most);
+            const Kernel row = kernelOf<int16_t>(across, {1}), column = kernelOf<int16_t>({1}, down);
+            const Grid<int16_t> src = noise<int16_t>(n + 300 % n, n + 4, -32768, 32767);
+            Grid<int16_t> expected(src.width, src.height, 77), between = expected, dst = expected, any = expected;
+            for (int y = n / 2; y < src.height - n / 2; ++y) {
+                for (int x = 0; x < src.width; ++x)
+                    between.at(x, y) = filtered<int16_t>(src, column, x, y - n / 2, 15);
+                for (int x = n / 2; x < src.width - n / 2; ++x)
+                    expected.at(x, y) = filtered<int16_t>(between, row, x - n / 2, y, 15);
+            }
+            odxFilterCorrSepNxNs16(across.data(), down.data(), static_cast<unsigned>(n), src.data(), src.w(),
+                                   src.h(), 0, any.data(), 0);
+            EXPECT_EQ(expected, any) << n;
+            if (packed == nullptr) continue;
+            packed(across.data(), down.data(), src.data(), src.w(), src.h(), dst.data());
+            EXPECT_EQ(expected, dst) << n;
+            dst = Grid<int16_t>(src.width, src.height, 77);
+            strided(across.data(), down.data(), src.data(), src.w(), src.h(), 0, dst.data(), 0);
+            EXPECT_EQ(expected, dst) << n;
+        }
+    }
+    // 1000 * 32767 / 32768 is 1000 when rounded, and -32768 * -32768 / 32768 does not fit.
+    std::vector<int16_t> centre(9, 0), negative(9, 0);
+    centre[4] = 32767;
+    negative[4] = -32768;
+    Grid<int16_t> dst(9, 9, 77);
+    odxFilterCorrSep9x9s16(centre.data(), centre.data(), Grid<int16_t>(9, 9, 1000).data(), 9, 9, dst.data());
+    EXPECT_EQ(1000, dst.at(4, 4));
+    odxFilterCorrSep9x9s16(centre.data(), negative.data(), Grid<int16_t>(9, 9, -32768).data(), 9, 9, dst.data());
+    EXPECT_EQ(32766, dst.at(4, 4));
+    EXPECT_EQ(77, dst.at(3, 4));
+}
+
+TEST_F(Convolution, TurnsKernelsWhereCorrelationDoesNot)
+{
+    const std::vector<int16_t> nine = {1, 2, 3, 4, 5, 6, 7, 8, 9}, across = {1, 2, 3}, down = {1, 10, 100};
+    Grid<uint8_t> point(5, 5, 0), dst(5, 5, 77);
+    point.at(2, 2) = 1;
+    EXPECT_EQ(0, odxFilterConvolveMxNu8(nine.data(), 3, 3, 0, point.data(), 5, 5, 0, dst.data(), 0,
+                                        ONDRIX_BORDER_CONSTANT, 0));
+    EXPECT_EQ((std::vector<uint8_t>{0, 0, 0, 0, 0, 0, 1, 2, 3, 0, 0, 4, 5, 6, 0, 0, 7, 8, 9, 0, 0, 0, 0, 0, 0}),
+              dst.pixels);
+    EXPECT_EQ(0, odxFilterCorrSepMxNu8(across.data(), 3, down.data(), 3, 0, point.data(), 5, 5, 0, dst.data(), 0,
+                                       ONDRIX_BORDER_UNDEFINED, 0));
+    EXPECT_EQ((std::vector<uint8_t>{255, 200, 100, 30, 20, 10, 3, 2, 1}),
+              (std::vector<uint8_t>{dst.at(1, 1), dst.at(2, 1), dst.at(3, 1), dst.at(1, 2), dst.at(2, 2),
+                                    dst.at(3, 2), dst.at(1, 3), dst.at(2, 3), dst.at(3, 3)}));
+}
+
+TEST_F(Convolution, SumsOfBytesAreExact)
+{
+    for (const auto& [m, n] : {std::pair{1, 1}, {3, 3}, {15, 1}, {1, 9}, {5, 15}}) {
+        const auto M = static_cast<unsigned>(m), N = static_cast<unsigned>(n);
+        for (const auto& [width, height] : {std::pair{1, 1}, {m + 2, n + 1}, {270, 37}}) {
+            const Grid<uint8_t> src = noise<uint8_t>(width, height, 0, 255);
+            const unsigned shift = width == 1 ? 0 : 15;
+            for (const odxBorderType type : kBorders) {
+                const std::vector<int16_t> all = weights(m * n, width == 1 ? 200 : 32767),
+                                           across = weights(m, 300), down = weights(n, type == 1 ? 20 : 300);
+                Kernel kernel(m, n);
+                std::copy(all.begin(), all.end(), kernel.pixels.begin());
+                Grid<uint8_t> dst(width, height, 77), separable = dst;
+                Grid<int16_t> wide(width, height, 77);
+                EXPECT_EQ(0, odxFilterConvolveMxNu8(all.data(), M, N, shift, src.data(), src.w(), src.h(), 0,
+                                                    dst.data(), 0, type, 256 + 99));
+                expectBordered<uint8_t, uint8_t>(src, turned(kernel), shift, type, 99, dst);
+                EXPECT_EQ(0, odxFilterConvolveMxNu8s16(all.data(), M, N, shift, src.data(), src.w(), src.h(), 0,
+                                                       wide.data(), 0, type, 256 + 99));
+                expectBordered<int16_t, uint8_t>(src, turned(kernel), shift, type, 99, wide);
+                EXPECT_EQ(0, odxFilterCorrSepMxNu8(across.data(), M, down.data(), N, shift, src.data(), src.w(),
+                                                   src.h(), 0, separable.data(), 0, type, 256 + 99));
+                expectBordered<uint8_t, uint8_t>(src, kernelOf(across, down), shift, type, 99, separable);
+            }
+        }
+    }
+}
+
+TEST_F(Convolution, SumsOfWordsWrap)
+{
+    for (const auto& [m, n] : {std::pair{1, 1}, {3, 5}, {31, 7}, {1, 31}}) {
+        const auto M = static_cast<unsigned>(m), N = static_cast<unsigned>(n);
+        const Grid<int16_t> src = noise<int16_t>(m + 4, n + 3, -32768, 32767);
+        for (const unsigned shift : {0u, 1u, 16u, 30u, 31u}) {
+            for (const uint32_t symmetry : {0u, 1u, 2u}) {
+                std::vector<int16_t> across = weights(m, shift < 16 ? 3 : 32766), down = weights(n, 3);
+                for (size_t i = 0; i < across.size() && symmetry != 0; ++i) {
+                    const size_t mirrored = across.size() - 1 - i;
+                    if (symmetry == 2 && i == mirrored) across[i] = 0;
+                    if (i > mirrored)
+                        across[i] = static_cast<int16_t>(symmetry == 1 ? across[mirrored] : -across[mirrored]);
+                }
+                const Kernel kernel = turned(kernelOf(across, down));
+                // What is not to be read.
+                std::vector<int16_t> given = across;
+                for (size_t i = across.size() / 2 + (symmetry == 1 ? 1 : 0); i < across.size() && symmetry != 0;
+                     ++i)
+                    given[i] = 1234;
+                const auto convolve = [&](odxFilterRegion region, odxBorderType type, Grid<int16_t>& dst) {
+                    EXPECT_EQ(0, odxFilterConvSepMxNs16(given.data(), M, static_cast<odxKernelSymmetry>(symmetry),
+                                                        down.data(), N, ONDRIX_KERNEL_GENERAL, shift, src.data(),
+                                                        src.w(), src.h(), 0, dst.data(), 0, region, type,
+                                                        0x10000 - 99));
+                };
+                for (const odxBorderType type : kBorders) {
+                    Grid<int16_t> dst(src.width, src.height, 77);
+                    convolve(ONDRIX_FILTER_SAME, type, dst);
+                    expectBordered<int16_t, int16_t>(src, kernel, shift, type, -99, dst);
+                }
+                Grid<int16_t> expected(5, 4), dst = expected;
+                for (int y = 0; y < 4; ++y) {
+                    for (int x = 0; x < 5; ++x)
+                        expected.at(x, y) = filtered<int16_t>(src, kernel, x, y, shift);
+                }
+                convolve(ONDRIX_FILTER_VALID, ONDRIX_BORDER_REPLICATE, dst);
+                EXPECT_EQ(expected, dst);
+            }
+        }
+    }
+}
+
+TEST_F(Convolution, KernelsOfAnySizeStayInside)
+{
+    for (const auto& [m, n] : {std::pair{1, 1}, {2, 2}, {4, 3}, {1, 6}, {700, 2}}) {
+        const auto M = static_cast<unsigned>(m), N = static_cast<unsigned>(n);
+        const Grid<int16_t> src = noise<int16_t>(m + 5, n + 2, -32768, 32767);
+        for (const unsigned shift : {0u, 14u, 31u}) {
+            const std::vector<int16_t> all = weights(m * n, shift == 0 ? 2 : 32767);
+            Kernel kernel(m, n);
+            std::copy(all.begin(), all.end(), kernel.pixels.begin());
+            Grid<int16_t> expected(6, 3), dst = expected;
+            for (int y = 0; y < 3; ++y) {
+                for (int x = 0; x < 6; ++x)
+                    expected.at(x, y) = filtered<int16_t>(src, turned(kernel), x, y, shift);
+            }
+            odxConvValids16(all.data(), M, N, shift, src.data(), src.w(), src.h(), 0, dst.data(), 0);
+            EXPECT_EQ(expected, dst) << m << "x" << n;
+        }
+    }
+}
+
+// The large Sobel filters are this convolution, with the kernels from right to left and from below upwards.
+TEST_F(Convolution, MakesTheSobelFilters)
+{
+    const Grid<uint8_t> src = noise<uint8_t>(40, 21, 0, 255);
+    Grid<int16_t> wide(40, 21);
+    std::copy(src.pixels.begin(), src.pixels.end(), wide.pixels.begin());
+    const struct {
+        std::vector<int16_t> derivative, smoothing;
+        decltype(odxFilterSobel5x5u8s16)* sobel;
+    } filters[] = {{{1, 2, 0, -2, -1}, {1, 4, 6, 4, 1}, odxFilterSobel5x5u8s16},
+                   {{1, 4, 5, 0, -5, -4, -1}, {1, 6, 15, 20, 15, 6, 1}, odxFilterSobel7x7u8s16}};
+    for (const auto& [derivative, smoothing, sobel] : filters) {
+        const auto n = static_cast<unsigned>(derivative.size());
+        for (const odxBorderType type : kBorders) {
+            Grid<int16_t> dx(40, 21, 77), dy = dx, ours = dx;
+            EXPECT_EQ(0, sobel(src.data(), 40, 21, 0, dx.data(), dy.data(), 0, type, 120));
+            const auto convolve = [&](const std::vector<int16_t>& across, odxKernelSymmetry symmetryX,
+                                      const std::vector<int16_t>& down, odxKernelSymmetry symmetryY) {
+                EXPECT_EQ(0, odxFilterConvSepMxNs16(across.data(), n, symmetryX, down.data(), n, symmetryY, 0,
+                                                    wide.data(), 40, 21, 0, ours.data(), 0, ONDRIX_FILTER_SAME,
+                                                    type, 120));
+                return ours;
+            };
+            EXPECT_EQ(dx, convolve(derivative, ONDRIX_KERNEL_ANTISYMMETRIC, smoothing, ONDRIX_KERNEL_SYMMETRIC));
+            EXPECT_EQ(dy, convolve(smoothing, ONDRIX_KERNEL_SYMMETRIC, derivative, ONDRIX_KERNEL_ANTISYMMETRIC));
+        }
+    }
+}

@@ -1,0 +1,153 @@
+#include "ondrix/convolution.h"
+
+#include "operations/shapes.h"
+
+namespace odx::test
+{
+
+namespace
+{
+
+// Weights whose sums fit 16 bits, others, and any.
+const int16_t* kernel(Draw& draw, const char* name, uint32_t count)
+{
+    auto* const weights = const_cast<int16_t*>(draw.sourceArray<int16_t>(name, std::max(count, 1u)));
+    const int range = draw.pick("range", {12, 1, 300, 4000, 32767, 32768});
+    for (uint32_t i = 0; i < count && range != 32768; ++i)
+        weights[i] = static_cast<int16_t>(weights[i] % (range + 1));
+    return weights;
+}
+
+uint32_t oddSize(Draw& draw, uint32_t most)
+{
+    return std::min(draw.pick("size", {7u, 9u, 1u, 3u, 5u, 15u, 29u, 31u}), most);
+}
+
+// The borders' windows need no place inside an image.
+Extent extentFor(Draw& draw, uint32_t M, uint32_t N)
+{
+    return draw.extent(1, 1, std::max(M, N) - 1);
+}
+
+template <auto* operation, uint32_t K, bool strided>
+void rounded(Draw& draw)
+{
+    const Extent extent = draw.extent(K, K);
+    const int16_t *const x = kernel(draw, "kernelX", K), *const y = kernel(draw, "kernelY", K);
+    const auto src = draw.source<int16_t>("src", extent, !strided);
+    const auto dst = draw.destination<int16_t>("dst", extent, !strided);
+    draw.run([&] {
+        if constexpr (strided) {
+            operation(x, y, src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
+                      dst.strideArgument());
+        } else {
+            operation(x, y, src.pixels, extent.width, extent.height, dst.pixels);
+        }
+    });
+}
+
+void roundedNxN(Draw& draw)
+{
+    const uint32_t n = draw.pick("N", {21u, 3u, 5u, 7u, 17u, 31u});
+    const Extent extent = draw.extent(n, n);
+    const int16_t *const x = kernel(draw, "kernelX", n), *const y = kernel(draw, "kernelY", n);
+    const auto src = draw.source<int16_t>("src", extent), dst = draw.destination<int16_t>("dst", extent);
+    draw.run([&] {
+        odxFilterCorrSepNxNs16(x, y, n, src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
+                               dst.strideArgument());
+    });
+}
+
+template <class T, auto* operation>
+void anyKernel(Draw& draw)
+{
+    const uint32_t m = oddSize(draw, 15), n = oddSize(draw, 15);
+    const Extent extent = extentFor(draw, m, n);
+    const int16_t* const weights = kernel(draw, "kernel", m * n);
+    const auto shift = draw.number("shift", 0u, 15u, 7u);
+    const auto src = draw.source<uint8_t>("src", extent);
+    const auto dst = draw.destination<T>("dst", extent);
+    runWith<borderType, borderValue>(draw, [&](auto... border) {
+        return operation(weights, m, n, shift, src.pixels, extent.width, extent.height, src.strideArgument(),
+                         dst.pixels, dst.strideArgument(), border...);
+    });
+}
+
+void separableBytes(Draw& draw)
+{
+    const uint32_t m = oddSize(draw, 31), n = oddSize(draw, 31);
+    const Extent extent = extentFor(draw, m, n);
+    const int16_t *const x = kernel(draw, "kernelX", m), *const y = kernel(draw, "kernelY", n);
+    const auto shift = draw.number("shift", 0u, 31u, 7u);
+    const auto src = draw.source<uint8_t>("src", extent), dst = draw.destination<uint8_t>("dst", extent);
+    runWith<borderType, borderValue>(draw, [&](auto... border) {
+        return odxFilterCorrSepMxNu8(x, m, y, n, shift, src.pixels, extent.width, extent.height,
+                                     src.strideArgument(), dst.pixels, dst.strideArgument(), border...);
+    });
+}
+
+void separableWords(Draw& draw)
+{
+    const auto symmetry = oneOf<ONDRIX_KERNEL_GENERAL, ONDRIX_KERNEL_SYMMETRIC, ONDRIX_KERNEL_ANTISYMMETRIC>;
+    const auto given = [](odxKernelSymmetry symmetric, uint32_t size) {
+        return symmetric == 0 ? size : size / 2 + 2 - symmetric;
+    };
+    const uint32_t m = oddSize(draw, 31), n = oddSize(draw, 31);
+    const odxFilterRegion region = oneOf<ONDRIX_FILTER_SAME, ONDRIX_FILTER_VALID>(draw);
+    const bool same = region == ONDRIX_FILTER_SAME;
+    const Extent extent = same ? extentFor(draw, m, n) : draw.extent(m, n);
+    const odxKernelSymmetry symmetryX = symmetry(draw), symmetryY = symmetry(draw);
+    const int16_t* const x = kernel(draw, "kernelX", given(symmetryX, m));
+    const int16_t* const y = kernel(draw, "kernelY", given(symmetryY, n));
+    const auto shift = draw.number("shift", 0u, 31u, 7u);
+    const auto src = draw.source<int16_t>("src", extent);
+    const auto dst =
+        draw.destination<int16_t>("dst", same ? extent : Extent{extent.width - m + 1, extent.height - n + 1});
+    runWith<borderType, between<0u, 70000u, 0u>>(draw, [&](auto... border) {
+        return odxFilterConvSepMxNs16(x, m, symmetryX, y, n, symmetryY, shift, src.pixels, extent.width,
+                                      extent.height, src.strideArgument(), dst.pixels, dst.strideArgument(),
+                                      region, border...);
+    });
+}
+
+void inside(Draw& draw)
+{
+    // One that is wide, and one of more weights than kernels are made ready for.
+    const uint32_t m = draw.pick("M", {7u, 1u, 2u, 3u, 4u, 15u, 64u, 200u}),
+                   n = draw.pick("N", {7u, 1u, 2u, 3u, 6u, 33u});
+    const Extent extent = draw.extent(m, n, std::max(m, n) - 1);
+    const int16_t* const weights = kernel(draw, "kernel", m * n);
+    const auto shift = draw.number("shift", 0u, 31u, 7u);
+    const auto src = draw.source<int16_t>("src", extent);
+    const auto dst = draw.destination<int16_t>("dst", {extent.width - m + 1, extent.height - n + 1});
+    draw.run([&] {
+        odxConvValids16(weights, m, n, shift, src.pixels, extent.width, extent.height, src.strideArgument(),
+                        dst.pixels, dst.strideArgument());
+    });
+}
+
+} // namespace
+
+std::vector<Row> convolutionRows()
+{
+    return {
+        {"odxFilterCorrSep9x9s16", rounded<odxFilterCorrSep9x9s16, 9, false>},
+        {"odxFilterCorrSep9x9s16_v2", rounded<odxFilterCorrSep9x9s16_v2, 9, true>},
+        {"odxFilterCorrSep11x11s16", rounded<odxFilterCorrSep11x11s16, 11, false>},
+        {"odxFilterCorrSep11x11s16_v2", rounded<odxFilterCorrSep11x11s16_v2, 11, true>},
+        {"odxFilterCorrSep13x13s16", rounded<odxFilterCorrSep13x13s16, 13, false>},
+        {"odxFilterCorrSep13x13s16_v2", rounded<odxFilterCorrSep13x13s16_v2, 13, true>},
+        {"odxFilterCorrSep15x15s16", rounded<odxFilterCorrSep15x15s16, 15, false>},
+        {"odxFilterCorrSep15x15s16_v2", rounded<odxFilterCorrSep15x15s16_v2, 15, true>},
+        {"odxFilterCorrSep17x17s16", rounded<odxFilterCorrSep17x17s16, 17, false>},
+        {"odxFilterCorrSep17x17s16_v2", rounded<odxFilterCorrSep17x17s16_v2, 17, true>},
+        {"odxFilterCorrSepNxNs16", roundedNxN},
+        {"odxFilterConvolveMxNu8", anyKernel<uint8_t, odxFilterConvolveMxNu8>},
+        {"odxFilterConvolveMxNu8s16", anyKernel<int16_t, odxFilterConvolveMxNu8s16>},
+        {"odxFilterCorrSepMxNu8", separableBytes},
+        {"odxFilterConvSepMxNs16", separableWords},
+        {"odxConvValids16", inside},
+    };
+}
+
+} // namespace odx::test
