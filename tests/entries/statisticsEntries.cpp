@@ -8,14 +8,7 @@ namespace odx::test
 namespace
 {
 
-using Arguments = std::vector<Argument>;
 using Operation = std::function<Outcome(const std::vector<double>&)>;
-
-Arguments operator+(Arguments a, const Arguments& b)
-{
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
 
 const std::string kFits = "(srcStride >= srcWidth";
 
