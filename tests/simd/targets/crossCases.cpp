@@ -2,6 +2,7 @@
 
 namespace odx::ODX_TARGET
 {
+using namespace loops;
 
 namespace
 {

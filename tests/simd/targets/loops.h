@@ -9,13 +9,10 @@
 
 #include <type_traits>
 
-namespace odx::ODX_TARGET
+namespace odx::ODX_TARGET::loops
 {
 using namespace simd;
 using test::PrimitiveCase;
-
-namespace
-{
 
 typedef const uint8_t* In;
 typedef uint8_t* Out;
@@ -51,8 +48,6 @@ void storeAll(Out out, V... v)
     ((store(out, v), out += kBytes), ...);
 }
 
-} // namespace
-
-} // namespace odx::ODX_TARGET
+} // namespace odx::ODX_TARGET::loops
 
 #endif
