@@ -95,21 +95,9 @@ Entry combined(const char* name, Operation call, Outcome failure, uint32_t plane
 #define TAKEN_shift , {shift}, kShift
 #define TAKEN_depth , {depth}, kDepth
 #define TAKEN_depthPolicy , {depth, policy}, kDepth + kPolicy
-#define TAKEN_weights             \
-    ,                             \
-    {                             \
-        value(), value(), value() \
-    }
-#define TAKEN_value \
-    ,               \
-    {               \
-        value()     \
-    }
-#define TAKEN_scalar \
-    ,                \
-    {                \
-        value()      \
-    }
+#define TAKEN_weights , Arguments(3, value())
+#define TAKEN_value , Arguments(1, value())
+#define TAKEN_scalar , Arguments(1, value())
 #define TAKEN_scalarShift , {value(), shift}, kShift
 #define TAKEN_table , {buffer()}, "", " && table"
 
@@ -117,7 +105,7 @@ Entries arithmeticEntries()
 {
     const Argument channels = value(3, {0, 1, 17}, {2, 16});
     const std::string pixels = "(srcStride >= srcWidth*sizeof(uint8_t)*channels) && (dstStride >= srcWidth)",
-                      layout = "src && dst && srcWidth && srcHeight && channels >= 2 && channels <= ";
+                      layout = kImages + " && channels >= 2 && channels <= ";
     Entry crossProduct = {
         ODX_ENTRY(odxCrossProduct3x1f32), "src1 && src2 && dst", {buffer(8, 16), buffer(8, 16), buffer(8, 16)}};
     crossProduct.pixelSize = kNever;

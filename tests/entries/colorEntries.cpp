@@ -59,13 +59,8 @@ Entry conversion(const char* name, Operation* operation, const Layout& src, cons
 }
 
 // A conversion of one packed buffer to another.
-#define ODX_BUFFERS(name)                                          \
-    {                                                              \
-        ODX_ENTRY(name), "src && dst && width && height",          \
-        {                                                          \
-            buffer(8, 16), width(1, 1, 8), height(), buffer(8, 16) \
-        }                                                          \
-    }
+const Arguments buffers = {buffer(8, 16), width(1, 1, 8), height(), buffer(8, 16)};
+#define ODX_BUFFERS(name) ENTRY(name, "src && dst && width && height", buffers)
 #define ODX_CONVERSION(name, ...) conversion(#name, name, __VA_ARGS__)
 
 constexpr bool Planar = false, PseudoPlanar = true;
@@ -118,8 +113,7 @@ Entries colorEntries()
         ODX_BUFFERS(odxColorYCrCbH2V2toRGB888u8),
         ODX_BUFFERS(odxColorYCrCbH2V1toRGB888u8),
         ODX_BUFFERS(odxColorYCrCbH1V2toRGB888u8),
-        ENTRY(odxColorYCrCb420PseudoPlanarToRGB8888u8,
-              "src && dst && srcWidth && srcHeight && srcYStride && srcCStride && dstStride",
+        ENTRY(odxColorYCrCb420PseudoPlanarToRGB8888u8, kImages + " && srcYStride && srcCStride && dstStride",
               {buffer(8, 16), width(1, 1, 8), height(), looseStride(8).explicitly(), looseStride(8).explicitly(),
                buffer(8, 16), looseStride(8).explicitly()}),
     };

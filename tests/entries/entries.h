@@ -22,6 +22,8 @@ namespace odx::test
 {
 
 constexpr uint32_t kWidth = 192, kHeight = 144;
+const std::string kImages = "src && dst && srcWidth && srcHeight", // how most texts begin
+    kStrides = kImages + " && (srcStride >= srcWidth) && (dstStride >= srcWidth)";
 constexpr uint32_t kNever = ~0u; // in place of a size of pixels: never worth the way to a remote target
 
 struct Argument {

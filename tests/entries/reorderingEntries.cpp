@@ -21,7 +21,7 @@ Entries reorderingEntries()
     // Products of the checks that wrap, and two strides for one image.
     const std::vector<std::pair<size_t, double>> wide = {{1, 0x80000001}}, high = {{2, 0x80000001}},
                                                  twoStrides = {{0, 65536}, {4, 65536}, {5, 4000}};
-    const std::string transposed = "src && dst && srcWidth && srcHeight && ", dir = " && dir >= 1 && dir <= 3";
+    const std::string transposed = kImages + " && ", dir = " && dir >= 1 && dir <= 3";
     return {
         ENTRY(odxTransposeu8, transposed + "(srcStride >= srcWidth) && (dstStride >= srcHeight)", image(1, true)),
         ENTRY(odxTransposeu16, transposed + "(srcStride >= srcWidth*2) && (dstStride >= srcHeight*2)",

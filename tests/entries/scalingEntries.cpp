@@ -65,31 +65,30 @@ Entries scalingEntries()
               "src && dst && width && height && dstWidth && dstHeight && width >= dstWidth && height >= dstHeight",
               {buffer(8, 16), gpuMultiple(width(), 8), height(), buffer(8, 16), value(1, {0}), value(1, {0})}),
         ENTRY(odxScaleDownu8_v2,
-              "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstWidth && dstHeight && "
-              "(dstStride >= dstWidth) && srcWidth >= dstWidth && srcHeight >= dstHeight",
+              kImages + " && (srcStride >= srcWidth) && dstWidth && dstHeight && (dstStride >= dstWidth) && "
+                        "srcWidth >= dstWidth && srcHeight >= dstHeight",
               Arguments{buffer(8, 16), gpuMultiple(width(), 8), height(), stride(), buffer(8, 16),
                         value(1, {0}).errors({95}), value(1, {0}).errors({47}), value(200, {}, {0, 1})}
                   .refusing({{{5, 96}, {7, 95}}})),
         ENTRY(odxScaleDownMNu8,
-              "src && dst && srcWidth && srcHeight && dstWidth && dstHeight && (srcStride==0 || srcStride "
-              ">=srcWidth) && (dstStride == 0 || dstStride >= dstWidth) && dstWidth * 20 > srcWidth && dstHeight "
-              "* 20 > srcHeight",
+              kImages + " && dstWidth && dstHeight && (srcStride==0 || srcStride >=srcWidth) && (dstStride == 0 "
+                        "|| dstStride >= dstWidth) && dstWidth * 20 > srcWidth && dstHeight * 20 > srcHeight",
               groups),
         ENTRY(odxScaleDownMNInterleaveu8,
-              "src && dst && srcWidth && srcHeight && dstWidth && dstHeight && (srcStride==0 || srcStride "
-              ">=srcWidth*2) && (dstStride == 0 || dstStride >= dstWidth*2)",
+              kImages + " && dstWidth && dstHeight && (srcStride==0 || srcStride >=srcWidth*2) && (dstStride == 0 "
+                        "|| dstStride >= dstWidth*2)",
               resizing(2).refusing(wraps)),
         ENTRY(odxScaleDownBLu8,
               "src && srcWidth && srcHeight && (srcStride >= srcWidth) && dst && dstWidth && dstHeight && "
               "(dstStride >= dstWidth)",
               resizing(1)),
         ENTRY(odxScaleUpPolyu8,
-              "src && dst && srcWidth && srcHeight && (srcStride == 0 || srcStride >= srcWidth) && dstWidth && "
-              "dstHeight && (dstStride == 0 || dstStride >= dstWidth)",
+              kImages + " && (srcStride == 0 || srcStride >= srcWidth) && dstWidth && dstHeight && (dstStride == "
+                        "0 || dstStride >= dstWidth)",
               resizing(1)),
         ENTRY(odxScaleUpPolyInterleaveu8,
-              "src && dst && srcWidth && srcHeight && dstWidth && dstHeight && (srcStride==0 || srcStride "
-              ">=srcWidth*2) && (dstStride == 0 || dstStride >= dstWidth*2)",
+              kImages + " && dstWidth && dstHeight && (srcStride==0 || srcStride >=srcWidth*2) && (dstStride == 0 "
+                        "|| dstStride >= dstWidth*2)",
               resizing(2).refusing(wraps)),
         ENTRY(odxScaleDownNNu8, "", nearest.pixels(0)),
         ENTRY(odxScaleu8, "", status),
@@ -99,14 +98,14 @@ Entries scalingEntries()
               Arguments{buffer(), evenWidth, evenRows, buffer()}.pixels(
                   0)), // its other version is looked at more closely
         ENTRY(odxScaleDownBy2Gaussian5x5u8_v2,
-              "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= srcWidth/2)",
+              kImages + " && (srcStride >= srcWidth) && (dstStride >= srcWidth/2)",
               {buffer(), width(), height(), stride(), buffer(), stride(kWidth / 2)}),
         ENTRY(odxScaleDownBy2Gaussian5x5f32,
               "srcImg && width && height && ((width & 1) == 0 ) && ((height & 1) == 0)",
               {buffer(), multiple(width(), 2), multiple(height(), 2), buffer()}),
         ENTRY(odxScaleDownBy2Gaussian5x5f32_v2,
-              "src && dst && srcWidth && srcHeight && ((srcWidth & 1) == 0 ) && ((srcHeight & 1) == 0) && "
-              "(srcStride >= srcWidth*4) && (dstStride >= srcWidth*2)",
+              kImages + " && ((srcWidth & 1) == 0 ) && ((srcHeight & 1) == 0) && (srcStride >= srcWidth*4) && "
+                        "(dstStride >= srcWidth*2)",
               Arguments{buffer(), multiple(width(), 2), multiple(height(), 2), stride(4 * kWidth), buffer(),
                         stride(2 * kWidth)}
                   .refusing({{{1, 0x40000002}}, {{1, 0x80000002}}})),
@@ -115,8 +114,7 @@ Entries scalingEntries()
                   {{{1, 193}, {5, 96}}})),
         ENTRY(odxScaleUpBy2Gaussian5x5u8, "src && dst && width && height",
               {buffer(), width(), height(), buffer()}),
-        ENTRY(odxScaleUpBy2Gaussian5x5u8_v2,
-              "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= srcWidth*2)",
+        ENTRY(odxScaleUpBy2Gaussian5x5u8_v2, kImages + " && (srcStride >= srcWidth) && (dstStride >= srcWidth*2)",
               Arguments{buffer(), width(), height(), stride(), buffer(), stride(2 * kWidth)}.refusing(
                   {{{1, 0x80000001}, {3, 0x80000001}, {5, 2}}})),
         ENTRY(odxUpsampleVerticalu8,

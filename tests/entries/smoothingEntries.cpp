@@ -50,50 +50,44 @@ Entries smoothingEntries()
                   .fromRows(3)),
         ENTRY(odxFilterGaussian5x5u8, "src && dst && width && height && height > 4 && width > 4", packed(5, 5)),
         ENTRY(odxFilterGaussian5x5u8_v2,
-              "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstStride && srcHeight > 4 && "
-              "srcWidth > 4",
+              kImages + " && (srcStride >= srcWidth) && dstStride && srcHeight > 4 && srcWidth > 4",
               strided(5, 5, 1, false)),
         ENTRY(odxFilterGaussian11x11u8, "src && dst && width && height && height > 10 && width > 10",
               packed(11, 11)),
         ENTRY(odxFilterGaussian11x11u8_v2,
-              "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstStride && srcHeight > 10 && "
-              "srcWidth > 10",
+              kImages + " && (srcStride >= srcWidth) && dstStride && srcHeight > 10 && srcWidth > 10",
               strided(11, 11, 1, false)),
         ENTRY(odxFilterGaussian5x5s16, "src && dst && width && height && height > 1", packed(1, 2)),
         ENTRY(odxFilterGaussian5x5s16_v2,
-              "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth*sizeof(int16_t)) && (dstStride >= "
-              "srcWidth*sizeof(int16_t)) && srcHeight > 1",
+              kImages + " && (srcStride >= srcWidth*sizeof(int16_t)) && (dstStride >= srcWidth*sizeof(int16_t)) "
+                        "&& srcHeight > 1",
               strided(1, 2, 2, true)),
         ENTRY(odxFilterGaussian5x5s32, "src && dst && width && height && width > 4 && height > 4", packed(5, 5)),
         ENTRY(odxFilterGaussian5x5s32_v2,
-              "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth*sizeof(int32_t)) && (dstStride >= "
-              "srcWidth*sizeof(int32_t)) && srcWidth > 4 && srcHeight > 4",
+              kImages + " && (srcStride >= srcWidth*sizeof(int32_t)) && (dstStride >= srcWidth*sizeof(int32_t)) "
+                        "&& srcWidth > 4 && srcHeight > 4",
               strided(5, 5, 4, true)),
         ENTRY(odxBoxFilter3x3u8,
-              "src && dst && srcWidth && srcHeight && srcStride && dstStride && ( srcStride >=srcWidth ) && "
-              "srcWidth > 2 && srcHeight > 2",
+              kImages + " && srcStride && dstStride && ( srcStride >=srcWidth ) && srcWidth > 2 && srcHeight > 2",
               box(3)),
         ENTRY(odxBoxFilter3x3u8_v2, "",
               bordered({buffer(), width(), height(), looseStride(), buffer(), looseStride()})),
         ENTRY(odxBoxFilter5x5u8,
-              "src && dst && srcWidth && srcHeight && srcStride && dstStride && (srcStride >=srcWidth) && "
-              "srcWidth > 4 && srcHeight > 4",
+              kImages + " && srcStride && dstStride && (srcStride >=srcWidth) && srcWidth > 4 && srcHeight > 4",
               box(5)),
         ENTRY(odxBoxFilter11x11u8,
-              "src && dst && srcWidth && srcHeight && srcStride && dstStride && ( srcStride >=srcWidth) && "
-              "srcWidth > 10 && srcHeight > 10",
+              kImages + " && srcStride && dstStride && ( srcStride >=srcWidth) && srcWidth > 10 && srcHeight > 10",
               box(11)),
         ENTRY(odxBoxFilterNxNf32,
-              "src && dst && srcWidth && srcHeight && (N > 1) && ((src == dst && srcStride == dstStride) || (src "
-              "!= dst)) && (srcStride >=srcWidth*4) && (dstStride >=srcWidth*4) && srcWidth > 4 && srcHeight > 4",
+              kImages + " && (N > 1) && ((src == dst && srcStride == dstStride) || (src != dst)) && (srcStride "
+                        ">=srcWidth*4) && (dstStride >=srcWidth*4) && srcWidth > 4 && srcHeight > 4",
               Arguments{buffer(8), width(5), height(5), stride(4 * kWidth, 8), value(2, {0, 1}), buffer(),
                         stride(4 * kWidth)}
                   .pixels(4)
                   .refusing({{{0, 65536}, {5, 65536}, {6, 4092}}})),
         ENTRY(odxFilterMedian3x3u8, "src && dst && width && height",
               Arguments{buffer(8, 16), width(1, 8, 8), height(), buffer(8, 16)}.fromRows(4)),
-        ENTRY(odxFilterMedian3x3u8_v2,
-              "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstStride",
+        ENTRY(odxFilterMedian3x3u8_v2, kImages + " && (srcStride >= srcWidth) && dstStride",
               Arguments{buffer(8, 16), width(1, 8, 8), height(), stride(kWidth, 8), buffer(8, 16), looseStride(8)}
                   .fromRows(4)),
         ENTRY(odxFilterMedian3x3u8_v3, "",

@@ -43,24 +43,19 @@ Entries thresholdingEntries()
               "srcWidth)",
               adaptive(2, stride())),
         ENTRY(odxAdaptiveThresholdGaussian5x5u8,
-              "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstStride && srcHeight > 4 && "
-              "srcWidth > 4",
+              kImages + " && (srcStride >= srcWidth) && dstStride && srcHeight > 4 && srcWidth > 4",
               adaptive(5, looseStride())),
         ENTRY(odxAdaptiveThresholdGaussian11x11u8,
-              "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && dstStride && srcHeight > 10 && "
-              "srcWidth > 10",
+              kImages + " && (srcStride >= srcWidth) && dstStride && srcHeight > 10 && srcWidth > 10",
               adaptive(11, looseStride())),
         ENTRY(odxAdaptiveThresholdMean3x3u8,
-              "src && dst && srcWidth && srcHeight && srcStride && dstStride && ( srcStride >=srcWidth ) && "
-              "srcWidth > 2 && srcHeight > 2",
+              kImages + " && srcStride && dstStride && ( srcStride >=srcWidth ) && srcWidth > 2 && srcHeight > 2",
               adaptive(3, looseStride())),
         ENTRY(odxAdaptiveThresholdMean5x5u8,
-              "src && dst && srcWidth && srcHeight && srcStride && dstStride && (srcStride >=srcWidth) && "
-              "srcWidth > 4 && srcHeight > 4",
+              kImages + " && srcStride && dstStride && (srcStride >=srcWidth) && srcWidth > 4 && srcHeight > 4",
               adaptive(5, looseStride())),
         ENTRY(odxAdaptiveThresholdMean11x11u8,
-              "src && dst && srcWidth && srcHeight && srcStride && dstStride && ( srcStride >=srcWidth) && "
-              "srcWidth > 10 && srcHeight > 10",
+              kImages + " && srcStride && dstStride && ( srcStride >=srcWidth) && srcWidth > 10 && srcHeight > 10",
               adaptive(11, looseStride())),
     };
 }

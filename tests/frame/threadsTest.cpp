@@ -1,4 +1,5 @@
 // Calls from many threads at once, between selections of a mode. A race is the thread sanitizer's to find.
+#include "support/threads.h"
 #include "frame/hardware.h"
 #include "frame/log.h"
 #include "ondrix.h"
@@ -8,32 +9,16 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <thread>
 
 using namespace odx::test;
 
-namespace
-{
-
 constexpr unsigned kThreads = 8;
-
-template <class Body>
-void inThreads(Body body)
-{
-    std::vector<std::thread> threads;
-    for (unsigned i = 0; i < kThreads; ++i)
-        threads.emplace_back([&body, i] { body(i); });
-    for (std::thread& thread : threads)
-        thread.join();
-}
-
-} // namespace
 
 TEST(Threads, DetectTheProcessorTogether)
 {
     onProcessor(kArmSimd, [] {
         std::vector<unsigned> masks(kThreads);
-        inThreads([&](unsigned i) { masks[i] = odxAvailableHardware(ONDRIX_OP_CPU_PERFORMANCE); });
+        inThreads(kThreads, [&](unsigned i) { masks[i] = odxAvailableHardware(ONDRIX_OP_CPU_PERFORMANCE); });
         EXPECT_EQ(std::vector<unsigned>(kThreads, odxAvailableHardware(ONDRIX_OP_CPU_PERFORMANCE)), masks);
         EXPECT_TRUE(masks[0] & ONDRIX_HW_SIMD);
     });
@@ -57,7 +42,7 @@ TEST(Threads, CallBetweenSelections)
             ASSERT_EQ(0, odxSetOperationMode(mode));
             LogCapture log;
             std::vector<std::vector<uint8_t>> results(kThreads, std::vector<uint8_t>(kPixels));
-            inThreads([&](unsigned i) {
+            inThreads(kThreads, [&](unsigned i) {
                 for (int call = 0; call < kCalls; ++call) {
                     odxFilterGaussian5x5u8(src.data(), kWidth, kHeight, results[i].data(), 1);
                     odxFilterGaussian5x5u8(nullptr, kWidth, kHeight, results[i].data(), 1);

@@ -4,6 +4,7 @@
 #include "ondrix/modes.h"
 #include "ondrix/smoothing.h"
 #include "support/logCapture.h"
+#include "support/threads.h"
 
 #include <gtest/gtest.h>
 
@@ -383,16 +384,6 @@ TEST_F(ScratchPool, ReportsWhatItAllocates)
 }
 
 // ---- threads ----
-
-template <class F>
-void inThreads(unsigned count, F&& body)
-{
-    std::vector<std::thread> threads;
-    for (unsigned i = 0; i < count; ++i)
-        threads.emplace_back([&body, i] { body(i); });
-    for (std::thread& thread : threads)
-        thread.join();
-}
 
 // Takes some blocks at once, more than there are when all threads do; checks that nobody else writes to them.
 unsigned borrow(unsigned thread, std::mt19937& random)

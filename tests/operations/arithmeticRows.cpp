@@ -133,11 +133,10 @@ void setElements(Draw& draw)
 
 void packedDifference(Draw& draw)
 {
-    const Extent extent = draw.extent();
-    const auto src1 = draw.source<uint8_t>("src1", extent, true),
-               src2 = draw.source<uint8_t>("src2", extent, true),
-               dst = draw.destination<uint8_t>("dst", extent, true);
-    draw.call(odxImageDiffu8, src1.pixels, extent, src2.pixels, dst.pixels);
+    const auto src1 = draw.source<uint8_t>("src1", draw.extent(), true),
+               src2 = draw.source<uint8_t>("src2", src1.extent(), true),
+               dst = draw.destination<uint8_t>("dst", src1.extent(), true);
+    draw.call(odxImageDiffu8, src1.pixels, src1.extent(), src2.pixels, dst.pixels);
 }
 
 template <auto* operation, size_t... more>
@@ -189,10 +188,9 @@ void layout(Draw& draw)
 template <class T, auto* operation>
 void average(Draw& draw)
 {
-    const Extent extent = draw.extent();
-    const auto src = draw.source<T>("src", extent);
+    const auto src = draw.source<T>("src", draw.extent());
     float* const mean = draw.destinationArray<float>("average", 1);
-    draw.call(operation, sized(src, extent), mean);
+    draw.call(operation, sized(src), mean);
 }
 
 void crossProduct(Draw& draw)

@@ -38,11 +38,9 @@ void packed(Draw& draw)
 template <uint32_t size, auto* operation>
 void packedOrInPlace(Draw& draw)
 {
-    if (draw.measures() || draw.pick("in place", {0, 1}) == 0) return packed<size, size, operation>(draw);
     const Extent extent = draw.extent();
     const auto src = sourcePixels(draw, extent, size);
-    draw.writesInPlace(src);
-    draw.call(operation, sized(src, extent), src);
+    draw.call(operation, sized(src, extent), draw.destinationOr(src));
 }
 
 void yCrCb(Draw& draw)
@@ -71,25 +69,6 @@ Extent chroma(Extent extent)
     return {(extent.width + covers.width - 1) / covers.width, (extent.height + covers.height - 1) / covers.height};
 }
 
-template <uint32_t size, uint32_t subsampling, auto* operation>
-void rgbToPlanar(Draw& draw)
-{
-    const Extent extent = mostlyWhole<subsampling>(draw), samples = chroma<subsampling>(extent);
-    const auto src = sourcePixels(draw, extent, size), y = draw.destination<uint8_t>("dstY", extent);
-    const auto cb = draw.destination<uint8_t>("dstCb", samples), cr = draw.destination<uint8_t>("dstCr", samples);
-    draw.call(operation, sized(src, extent), y.pixels, cb.pixels, cr.pixels, y.strideArgument(),
-              cb.strideArgument(), cr.strideArgument());
-}
-
-template <uint32_t size, uint32_t subsampling, auto* operation>
-void rgbToPseudoPlanar(Draw& draw)
-{
-    const Extent extent = mostlyWhole<subsampling>(draw), samples = chroma<subsampling>(extent);
-    const auto src = sourcePixels(draw, extent, size), y = draw.destination<uint8_t>("dstY", extent);
-    const auto c = draw.destination<uint8_t>("dstC", {2 * samples.width, samples.height});
-    draw.call(operation, sized(src, extent), y.pixels, c.pixels, y.strideArgument(), c.strideArgument());
-}
-
 // The planes of a luma and chroma image, drawn by `plane(name, extent, packed)`; of interleaved chroma cr is not
 // used.
 struct Planes {
@@ -97,7 +76,7 @@ struct Planes {
 };
 
 template <uint32_t subsampling, bool interleaved, class Plane>
-Planes planes(Draw& draw, Extent extent, Plane plane)
+Planes planes(Draw& draw, Extent extent, Plane plane, bool wholePairs = false)
 {
     const Extent samples = chroma<subsampling>(extent);
     Planes all;
@@ -105,7 +84,7 @@ Planes planes(Draw& draw, Extent extent, Plane plane)
     if (!interleaved) {
         all.cb = plane("Cb", samples, false);
         all.cr = plane("Cr", samples, false);
-    } else if (subsampling == 444 || extent.width % 2 == 0) {
+    } else if (wholePairs || subsampling == 444 || extent.width % 2 == 0) {
         all.cb = plane("C", Extent{2 * samples.width, samples.height}, false);
     } else if (draw.pick("packed pairs", {0, 1}) == 1) { // a pair less
         all.cb = plane("C", Extent{extent.width, samples.height}, true);
@@ -116,6 +95,28 @@ Planes planes(Draw& draw, Extent extent, Plane plane)
     return all;
 }
 
+template <bool interleaved>
+auto pointers(const Planes& p)
+{
+    return std::tuple_cat(std::tuple(p.y.pixels, p.cb.pixels), when<!interleaved>(p.cr.pixels));
+}
+template <bool interleaved>
+auto strides(const Planes& p)
+{
+    return std::tuple_cat(std::tuple(p.y.strideArgument(), p.cb.strideArgument()),
+                          when<!interleaved>(p.cr.strideArgument()));
+}
+
+template <uint32_t size, uint32_t subsampling, bool pairs, auto* operation>
+void rgbToYCbCr(Draw& draw)
+{
+    const Extent extent = mostlyWhole<subsampling>(draw);
+    const auto src = sourcePixels(draw, extent, size);
+    const Planes d = planes<subsampling, pairs>(
+        draw, extent, [&](auto... plane) { return draw.destination<uint8_t>(plane...); }, true);
+    draw.call(operation, sized(src, extent), pointers<pairs>(d), strides<pairs>(d));
+}
+
 template <uint32_t fromSubsampling, bool fromPairs, uint32_t toSubsampling, bool toPairs, auto* operation>
 void yCbCr(Draw& draw)
 {
@@ -124,23 +125,8 @@ void yCbCr(Draw& draw)
         draw, extent, [&](auto... plane) { return draw.source<uint8_t>(plane...); });
     const Planes d = planes<toSubsampling, toPairs>(
         draw, extent, [&](auto... plane) { return draw.destination<uint8_t>(plane...); });
-    const auto call = [&](auto... source) {
-        if constexpr (toPairs) {
-            operation(source..., d.y.pixels, d.cb.pixels, d.y.strideArgument(), d.cb.strideArgument());
-        } else {
-            operation(source..., d.y.pixels, d.cb.pixels, d.cr.pixels, d.y.strideArgument(), d.cb.strideArgument(),
-                      d.cr.strideArgument());
-        }
-    };
-    draw.run([&] {
-        if constexpr (fromPairs) {
-            call(s.y.pixels, s.cb.pixels, extent.width, extent.height, s.y.strideArgument(),
-                 s.cb.strideArgument());
-        } else {
-            call(s.y.pixels, s.cb.pixels, s.cr.pixels, extent.width, extent.height, s.y.strideArgument(),
-                 s.cb.strideArgument(), s.cr.strideArgument());
-        }
-    });
+    draw.call(operation, pointers<fromPairs>(s), extent, strides<fromPairs>(s), pointers<toPairs>(d),
+              strides<toPairs>(d));
 }
 
 constexpr bool Planar = false, PseudoPlanar = true;
@@ -150,11 +136,11 @@ constexpr bool Planar = false, PseudoPlanar = true;
 std::vector<Row> colorFromRgbRows()
 {
     return {
-#define ODX_ROW(pixels, subsampling, source, rows)                                        \
-    {"odxColor" #pixels "ToYCbCr" #subsampling "Planaru8",                                \
-     rgbToPlanar<pixels, subsampling, odxColor##pixels##ToYCbCr##subsampling##Planaru8>}, \
-        {"odxColor" #pixels "ToYCbCr" #subsampling "PseudoPlanaru8",                      \
-         rgbToPseudoPlanar<pixels, subsampling, odxColor##pixels##ToYCbCr##subsampling##PseudoPlanaru8>},
+#define ODX_ROW(pixels, subsampling, source, rows)                                              \
+    {"odxColor" #pixels "ToYCbCr" #subsampling "Planaru8",                                      \
+     rgbToYCbCr<pixels, subsampling, false, odxColor##pixels##ToYCbCr##subsampling##Planaru8>}, \
+        {"odxColor" #pixels "ToYCbCr" #subsampling "PseudoPlanaru8",                            \
+         rgbToYCbCr<pixels, subsampling, true, odxColor##pixels##ToYCbCr##subsampling##PseudoPlanaru8>},
         ODX_RGB_TO_YCBCR(ODX_ROW)
 #undef ODX_ROW
 #define ODX_ROW(from, to) {"odxColor" #from "To" #to "u8", packed<from, to, odxColor##from##To##to##u8>},

@@ -40,10 +40,9 @@ void corr3x3(Draw& draw)
 template <class T, class Operation>
 void sized(Draw& draw, uint32_t n, Operation operation)
 {
-    const Extent extent = draw.extent(n + 1, n + 1, 2 * (n / 2));
-    const auto src = draw.source<uint8_t>("src", extent);
-    const auto dst = draw.destination<T>("dst", extent);
-    draw.call(operation, sized(src, extent), dst);
+    const auto src = draw.source<uint8_t>("src", draw.extent(n + 1, n + 1, 2 * (n / 2)));
+    const auto dst = draw.destination<T>("dst", src.extent());
+    draw.call(operation, sized(src), dst);
 }
 
 uint32_t size(Draw& draw)

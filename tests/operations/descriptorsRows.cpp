@@ -21,24 +21,8 @@ const float* inverseLengths(Draw& draw, uint32_t count)
     return lengths;
 }
 
-template <class T, uint32_t n>
-struct Vectors {
-    const T* at[5];
-
-    explicit Vectors(Draw& draw)
-    {
-        for (const T*& vector : at)
-            vector = draw.sourceArray<T>("vector", n);
-    }
-};
-
-// operation(a, b), of n elements each.
 template <class T, uint32_t n, auto* operation>
-void pair(Draw& draw)
-{
-    const T *const a = draw.sourceArray<T>("a", n), *const b = draw.sourceArray<T>("b", n);
-    draw.call(operation, a, b);
-}
+constexpr auto pair = taking<operation, array<T, n>, array<T, n>>;
 
 // operation(a, b, length).
 template <class T, auto* operation>
@@ -52,46 +36,28 @@ void arrays(Draw& draw)
 template <class T, auto* operation>
 void blocks(Draw& draw)
 {
-    const Extent extent = draw.extent();
-    const auto a = draw.source<T>("a", extent), b = draw.source<T>("b", extent);
-    draw.call(operation, sized(a, extent), b);
+    const auto a = draw.source<T>("a", draw.extent()), b = draw.source<T>("b", a.extent());
+    draw.call(operation, sized(a), b);
 }
 
 template <uint32_t n, auto* operation>
-void count(Draw& draw)
-{
-    const uint8_t* const src = draw.sourceArray<uint8_t>("src", n);
-    draw.call(operation, src);
-}
+constexpr auto count = taking<operation, array<uint8_t, n>>;
 
-// operation(a, b, c, d, counts).
+template <class T, uint32_t n>
+constexpr auto fourArrays = drawn<array<T, n>, array<T, n>, array<T, n>, array<T, n>>;
 template <uint32_t n, auto* operation>
-void fourCounts(Draw& draw)
-{
-    const Vectors<uint8_t, n> v(draw);
-    uint32_t* const counts = draw.destinationArray<uint32_t>("counts", 4);
-    draw.call(operation, v.at[0], v.at[1], v.at[2], v.at[3], counts);
-}
-
-// operation(a, b, c, d, e, results).
+constexpr auto fourCounts = taking<operation, fourArrays<uint8_t, n>, results<uint32_t, 4>>;
 template <class T, class Result, uint32_t n, auto* operation>
-void oneWithFour(Draw& draw)
-{
-    const Vectors<T, n> v(draw);
-    Result* const results = draw.destinationArray<Result>("results", 4);
-    draw.call(operation, v.at[0], v.at[1], v.at[2], v.at[3], v.at[4], results);
-}
+constexpr auto oneWithFour = taking<operation, array<T, n>, fourArrays<T, n>, results<Result, 4>>;
 
 // The same with inverse lengths.
-template <class T, uint32_t n, auto* operation>
-void normalised(Draw& draw)
+const float* fourLengths(Draw& draw)
 {
-    const Vectors<T, n> v(draw);
-    const float length = inverseLength(draw);
-    const float* const lengths = inverseLengths(draw, 4);
-    float* const results = draw.destinationArray<float>("results", 4);
-    draw.call(operation, v.at[0], length, v.at[1], v.at[2], v.at[3], v.at[4], lengths, results);
+    return inverseLengths(draw, 4);
 }
+template <class T, uint32_t n, auto* operation>
+constexpr auto normalised =
+    taking<operation, array<T, n>, inverseLength, fourArrays<T, n>, fourLengths, results<float, 4>>;
 
 template <class T>
 struct List {
@@ -130,31 +96,29 @@ void distances(Draw& draw)
         [&] { operation(list.a, list.length, n, list.vectors.data(), list.lengths, list.count, list.results); });
 }
 
-// operation(a, aStride, b, bStride), of patches.
-template <uint32_t width, uint32_t height, auto* operation>
-void patches(Draw& draw)
+template <uint32_t width, uint32_t height>
+Image<uint8_t> patch(Draw& draw)
 {
-    const auto a = draw.source<uint8_t>("a", {width, height}), b = draw.source<uint8_t>("b", {width, height});
-    draw.call(operation, a, b);
+    return draw.source<uint8_t>("patch", {width, height});
 }
+template <uint32_t width, uint32_t height, auto* operation>
+constexpr auto patches = taking<operation, patch<width, height>, patch<width, height>>;
 
 template <uint32_t n, auto* operation>
 void everywhere(Draw& draw)
 {
-    const Extent extent = draw.extent(n, n, n - 1);
-    const auto patch = draw.source<uint8_t>("patch", {n, n}), src = draw.source<uint8_t>("src", extent);
-    const auto dst = draw.destination<uint16_t>("dst", {extent.width - n + 1, extent.height - n + 1});
-    draw.call(operation, patch, sized(src, extent), dst);
+    const auto patch = draw.source<uint8_t>("patch", {n, n}),
+               src = draw.source<uint8_t>("src", draw.extent(n, n, n - 1));
+    const auto dst = draw.destination<uint16_t>("dst", {src.width - n + 1, src.height - n + 1});
+    draw.call(operation, patch, sized(src), dst);
 }
 
 void everywherePacked(Draw& draw)
 {
-    const Extent extent = draw.extent(8, 8, 7);
     const auto patch = draw.source<uint8_t>("patch", {8, 8}, true),
-               src = draw.source<uint8_t>("src", extent, true);
-    const auto dst = draw.destination<uint16_t>("dst", {extent.width - 7, extent.height - 7}, true);
-    draw.run(
-        [&] { odxSumOfAbsoluteDiffs8x8u8(patch.pixels, src.pixels, extent.width, extent.height, dst.pixels); });
+               src = draw.source<uint8_t>("src", draw.extent(8, 8, 7), true);
+    const auto dst = draw.destination<uint16_t>("dst", {src.width - 7, src.height - 7}, true);
+    draw.call(odxSumOfAbsoluteDiffs8x8u8, patch.pixels, src.pixels, src.extent(), dst.pixels);
 }
 
 void describe(Draw& draw)
@@ -291,7 +255,7 @@ struct TreeCase {
 void createTree(Draw& draw)
 {
     const TreeCase tree(draw);
-    draw.call(odxKDTreeDestroy36s8f32, tree.create());
+    draw.run([&] { return odxKDTreeDestroy36s8f32(tree.create()); });
 }
 
 void queryTree(Draw& draw)

@@ -70,6 +70,7 @@ struct Image {
     uint32_t stride;        // in bytes
     bool defaulted;         // pass 0 where the operation takes that for a packed row
 
+    Extent extent() const { return {width, height}; }
     uint32_t strideArgument() const { return defaulted ? 0 : stride; }
     T& at(uint32_t x, uint32_t y) const
     {
@@ -112,6 +113,16 @@ auto flat(const Image<T>& image)
 {
     return std::tuple(image.pixels, image.strideArgument());
 }
+// Arguments that only some operations take.
+template <bool taken, class... T>
+auto when(T... arguments)
+{
+    if constexpr (taken) {
+        return std::tuple(arguments...);
+    } else {
+        return std::tuple();
+    }
+}
 // An image with its size, in pixels, before its stride.
 template <class T>
 auto sized(const Image<T>& image, Extent extent)
@@ -121,7 +132,7 @@ auto sized(const Image<T>& image, Extent extent)
 template <class T>
 auto sized(const Image<T>& image)
 {
-    return sized(image, {image.width, image.height});
+    return sized(image, image.extent());
 }
 
 class Draw
@@ -205,6 +216,15 @@ public:
         for (size_t i = 0; i < buffers_.size(); ++i) {
             if (buffers_[i].memory->data() == reinterpret_cast<uint8_t*>(image.pixels)) outputs_.push_back(i);
         }
+    }
+
+    // A destination like a source, or the source itself.
+    template <class T>
+    Image<T> destinationOr(const Image<T>& source, bool packed = false)
+    {
+        if (measures() || pick("in place", {0, 1, 0}) == 0) return destination<T>("dst", source.extent(), packed);
+        writesInPlace(source);
+        return source;
     }
 
     // Calls the operation: once to compare it, many times to measure it. The result, if any, is part of the

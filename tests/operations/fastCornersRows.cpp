@@ -8,30 +8,6 @@ namespace odx::test
 namespace
 {
 
-// What all detectors take.
-struct Detection {
-    Image<uint8_t> src;
-    int32_t barrier;
-    uint32_t border, capacity;
-    uint32_t* xy;
-
-    template <auto* operation, class... Rest>
-    void run(Draw& draw, Rest... rest) const
-    {
-        uint32_t count = 0;
-        draw.call(operation, sized(src), barrier, border, xy, capacity, &count, rest...);
-        draw.result(count);
-    }
-    template <auto* operation, class... Rest>
-    void runScored(Draw& draw, Rest... rest) const
-    {
-        uint32_t* const scores = draw.destinationArray<uint32_t>("scores", std::max(capacity, 1u));
-        uint32_t count = 0;
-        draw.call(operation, sized(src), barrier, border, xy, scores, capacity, &count, rest...);
-        draw.result(count);
-    }
-};
-
 // A mask whose size is the image's, times 2^finer, divided by 2^coarser.
 struct Mask {
     uint32_t finer = 0, coarser = 0;
@@ -48,26 +24,6 @@ Extent drawExtent(Draw& draw, uint32_t& border)
     return extent;
 }
 
-Detection detection(Draw& draw, Extent extent, uint32_t border)
-{
-    Detection d{};
-    d.src = draw.source<uint8_t>("src", extent);
-    d.barrier =
-        draw.pick("barrier", {20, 20, 0, 1, 5, 60, 127, 128, 200, 253, 254, 255, 256, -1, -40, -255, -1000});
-    d.border = border;
-    const uint32_t pixels = extent.width * extent.height;
-    d.capacity = draw.pick("capacity", {pixels, pixels, pixels, pixels / 3, 40u, 7u, 1u, 0u});
-    d.xy = draw.destinationArray<uint32_t>("xy", 2 * std::max(d.capacity, 1u));
-    return d;
-}
-
-Detection detection(Draw& draw)
-{
-    uint32_t border;
-    const Extent extent = drawExtent(draw, border);
-    return detection(draw, extent, border);
-}
-
 Mask drawScale(Draw& draw, Extent& extent)
 {
     Mask mask;
@@ -81,71 +37,34 @@ Mask drawScale(Draw& draw, Extent& extent)
     return mask;
 }
 
-template <class Run>
-void masked(Draw& draw, Run run)
+// Detectors that look where a mask has bits, give scores, and suppress what is not the greatest around: with room
+// for that, or without.
+enum Kind : unsigned { kPlain, kMasked, kScored, kSuppressing = 4 };
+template <auto* operation, unsigned kind>
+void corners(Draw& draw)
 {
+    constexpr bool masked = (kind & kMasked) != 0;
     uint32_t border;
     Extent extent = drawExtent(draw, border);
-    Mask mask = drawScale(draw, extent);
-    const Detection d = detection(draw, extent, border);
-    mask.bits = draw.sourceArray<uint8_t>("mask", (mask.width + 7) / 8 * mask.height);
-    if (draw.pick("misfit", {0, 0, 0, 0, 0, 0, 0, 1}) == 1) mask.width -= 1;
-    run(d, mask);
-}
-
-// Room for a suppression, or nothing.
-uint32_t* temporary(Draw& draw, const Detection& d, uint32_t nmsEnabled)
-{
-    if (nmsEnabled == 0) return nullptr;
-    // Its content is nobody's business, so it is no source and no destination.
-    static thread_local std::vector<uint32_t> words;
-    words.assign(3 * size_t{d.capacity} + d.src.height, static_cast<uint32_t>(draw.number("seed", 0, 99, 0)));
-    return words.data();
-}
-
-template <auto* operation>
-void plain(Draw& draw)
-{
-    detection(draw).run<operation>(draw);
-}
-
-template <auto* operation>
-void inMask(Draw& draw)
-{
-    masked(draw, [&](const Detection& d, const Mask& mask) {
-        d.run<operation>(draw, mask.bits, mask.width, mask.height);
-    });
-}
-
-template <auto* operation>
-void scored(Draw& draw)
-{
-    detection(draw).runScored<operation>(draw);
-}
-
-template <auto* operation>
-void scoredInMask(Draw& draw)
-{
-    masked(draw, [&](const Detection& d, const Mask& mask) {
-        d.runScored<operation>(draw, mask.bits, mask.width, mask.height);
-    });
-}
-
-template <auto* operation>
-void suppressed(Draw& draw)
-{
-    const Detection d = detection(draw);
+    Mask mask;
+    if (masked) mask = drawScale(draw, extent);
+    const auto src = draw.source<uint8_t>("src", extent);
+    const int barrier =
+        draw.pick("barrier", {20, 20, 0, 1, 5, 60, 127, 128, 200, 253, 254, 255, 256, -1, -40, -255, -1000});
+    const uint32_t pixels = extent.width * extent.height,
+                   capacity = draw.pick("capacity", {pixels, pixels, pixels, pixels / 3, 40u, 7u, 1u, 0u});
+    uint32_t *const xy = draw.destinationArray<uint32_t>("xy", 2 * std::max(capacity, 1u)),
+                    *const scores = draw.destinationArray<uint32_t>("scores", std::max(capacity, 1u));
+    mask.bits = draw.sourceArray<uint8_t>("mask", masked ? (mask.width + 7) / 8 * mask.height : 1);
+    if (masked && draw.pick("misfit", {0, 0, 0, 0, 0, 0, 0, 1}) == 1) mask.width -= 1;
+    // Its content is nobody's business, so the room is no source and no destination.
     const uint32_t nms = draw.pick("nms", {1u, 0u, 7u});
-    d.runScored<operation>(draw, nms, temporary(draw, d, nms));
-}
-
-template <auto* operation>
-void suppressedInMask(Draw& draw)
-{
-    masked(draw, [&](const Detection& d, const Mask& mask) {
-        const uint32_t nms = draw.pick("nms", {1u, 0u, 7u});
-        d.runScored<operation>(draw, mask.bits, mask.width, mask.height, nms, temporary(draw, d, nms));
-    });
+    std::vector<uint32_t> room(3 * size_t{capacity} + extent.height, draw.number("seed", 0u, 99u, 0u));
+    uint32_t count = 0;
+    draw.call(operation, sized(src), barrier, border, xy, when<(kind & kScored) != 0>(scores), capacity, &count,
+              when<masked>(mask.bits, mask.width, mask.height),
+              when<(kind & kSuppressing) != 0>(nms, nms == 0 ? nullptr : room.data()));
+    draw.result(count);
 }
 
 } // namespace
@@ -153,16 +72,18 @@ void suppressedInMask(Draw& draw)
 std::vector<Row> fastCornersRows()
 {
     return {
-        {"odxCornerFast9u8", plain<odxCornerFast9u8>, true},
-        {"odxCornerFast10u8", plain<odxCornerFast10u8>, true},
-        {"odxCornerFast9InMasku8", inMask<odxCornerFast9InMasku8>, true},
-        {"odxCornerFast10InMasku8", inMask<odxCornerFast10InMasku8>, true},
-        {"odxCornerFast9Scoreu8", scored<odxCornerFast9Scoreu8>, true},
-        {"odxCornerFast9InMaskScoreu8", scoredInMask<odxCornerFast9InMaskScoreu8>, true},
-        {"odxCornerFast9Scoreu8_v2", suppressed<odxCornerFast9Scoreu8_v2>, true},
-        {"odxCornerFast9InMaskScoreu8_v2", suppressedInMask<odxCornerFast9InMaskScoreu8_v2>, true},
-        {"odxCornerFast10Scoreu8", suppressed<odxCornerFast10Scoreu8>, true},
-        {"odxCornerFast10InMaskScoreu8", suppressedInMask<odxCornerFast10InMaskScoreu8>, true},
+        {"odxCornerFast9u8", corners<odxCornerFast9u8, kPlain>, true},
+        {"odxCornerFast10u8", corners<odxCornerFast10u8, kPlain>, true},
+        {"odxCornerFast9InMasku8", corners<odxCornerFast9InMasku8, kMasked>, true},
+        {"odxCornerFast10InMasku8", corners<odxCornerFast10InMasku8, kMasked>, true},
+        {"odxCornerFast9Scoreu8", corners<odxCornerFast9Scoreu8, kScored>, true},
+        {"odxCornerFast9InMaskScoreu8", corners<odxCornerFast9InMaskScoreu8, kMasked | kScored>, true},
+        {"odxCornerFast9Scoreu8_v2", corners<odxCornerFast9Scoreu8_v2, kScored | kSuppressing>, true},
+        {"odxCornerFast9InMaskScoreu8_v2",
+         corners<odxCornerFast9InMaskScoreu8_v2, kMasked | kScored | kSuppressing>, true},
+        {"odxCornerFast10Scoreu8", corners<odxCornerFast10Scoreu8, kScored | kSuppressing>, true},
+        {"odxCornerFast10InMaskScoreu8", corners<odxCornerFast10InMaskScoreu8, kMasked | kScored | kSuppressing>,
+         true},
     };
 }
 

@@ -12,20 +12,18 @@ namespace
 template <class S, class T, bool pairs, auto* operation>
 void gradients(Draw& draw)
 {
-    const Extent extent = draw.extent(3, 3);
-    const auto src = draw.source<S>("src", extent);
+    const auto src = draw.source<S>("src", draw.extent(3, 3));
     const auto run = [&](auto... results) {
         constexpr bool packed = !std::is_invocable_v<decltype(operation), S*, uint32_t, uint32_t, uint32_t,
                                                      decltype(results)..., uint32_t>;
-        const Extent size =
-            pairs ? Extent{2 * extent.width - 4, extent.height - 2} : Extent{extent.width, 2 * extent.height};
+        const Extent size = pairs ? Extent{2 * src.width - 4, src.height - 2} : Extent{src.width, 2 * src.height};
         const auto out = draw.destination<T>("gradients", size, packed);
         uint32_t rows = 0;
-        ((results = &out.at(0, rows), rows += extent.height), ...);
+        ((results = &out.at(0, rows), rows += src.height), ...);
         if constexpr (packed) {
-            draw.call(operation, sized(src, extent), results...);
+            draw.call(operation, sized(src), results...);
         } else {
-            draw.call(operation, sized(src, extent), results..., out.strideArgument());
+            draw.call(operation, sized(src), results..., out.strideArgument());
         }
     };
     T* const none = nullptr;
@@ -54,31 +52,30 @@ auto optional(Draw& draw, Extent extent, int typical)
 template <uint32_t K, auto* operation>
 void sobel(Draw& draw)
 {
-    const Extent extent = draw.extent(1, 1, K - 1);
-    const auto src = draw.source<uint8_t>("src", extent);
-    const auto out = optional(draw, extent, 3);
-    draw.call(operation, sized(src, extent), out, drawn<borderType, borderValue>(draw));
+    const auto src = draw.source<uint8_t>("src", draw.extent(1, 1, K - 1));
+    const auto out = optional(draw, src.extent(), 3);
+    draw.call(operation, sized(src), out, drawn<borderType, borderValue>(draw));
 }
 
 void canny(Draw& draw)
 {
-    const Extent extent = draw.extent();
-    const auto src = draw.source<uint8_t>("src", extent), dst = draw.destination<uint8_t>("dst", extent);
-    const auto out = optional(draw, extent, 0);
+    const auto src = draw.source<uint8_t>("src", draw.extent()),
+               dst = draw.destination<uint8_t>("dst", src.extent());
+    const auto out = optional(draw, src.extent(), 0);
     const uint32_t kernel = draw.pick("kernel", {3u, 5u, 7u});
     const int32_t scale = kernel == 3 ? 1 : kernel == 5 ? 10 : 80;
     const int low = scale * draw.number("low", -300, 900, 80), high = scale * draw.number("high", -600, 1500, 200);
-    draw.call(odxFilterCannyu8, sized(src, extent), kernel, low, high,
-              drawn<oneOf<ONDRIX_NORM_L1, ONDRIX_NORM_L2>>(draw), dst, out);
+    draw.call(odxFilterCannyu8, sized(src), kernel, low, high, drawn<oneOf<ONDRIX_NORM_L1, ONDRIX_NORM_L2>>(draw),
+              dst, out);
 }
 
 constexpr auto low = between<-10, 60, 20>, high = between<60, 300, 60>;
 void differenceEdges(Draw& draw)
 {
-    const Extent extent = draw.extent(3, 3);
-    const auto src = draw.source<uint8_t>("src", extent), dst = draw.destination<uint8_t>("dst", extent);
-    const auto out = optional(draw, extent, 3);
-    draw.call(odxFilterCanny3x3u8_v3, sized(src, extent), dst, drawn<low, high>(draw), out);
+    const auto src = draw.source<uint8_t>("src", draw.extent(3, 3)),
+               dst = draw.destination<uint8_t>("dst", src.extent());
+    const auto out = optional(draw, src.extent(), 3);
+    draw.call(odxFilterCanny3x3u8_v3, sized(src), dst, drawn<low, high>(draw), out);
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "operations/draw.h"
+#include "operations/shapes.h"
 
 #include "ondrix/harrisCorners.h"
 
@@ -23,15 +23,8 @@ struct CornerList {
 };
 
 // Corners of noise everywhere, corners with contrast only, and a threshold that nearly all pixels exceed.
-int drawThreshold(Draw& draw)
-{
-    return draw.pick("threshold", {20000, 0, -100000000, 3000000});
-}
-
-uint32_t drawBorder(Draw& draw)
-{
-    return draw.pick("border", {0u, 5u, 6u, 9u, 40u});
-}
+constexpr auto threshold = oneOf<20000, 0, -100000000, 3000000>;
+constexpr auto border = oneOf<0u, 5u, 6u, 9u, 40u>, noBorder = oneOf<0u>;
 
 // Of which the responses leave out 6 columns and rows, and their maxima 4 more.
 Extent drawExtent(Draw& draw)
@@ -39,14 +32,17 @@ Extent drawExtent(Draw& draw)
     return draw.extent(5, 5, 10);
 }
 
+float quality(Draw& draw)
+{
+    return draw.real("quality", 0, 0.2f, 0.01f);
+}
+
+template <auto* operation, auto border, auto... rest>
 void corners(Draw& draw)
 {
-    const Extent extent = drawExtent(draw);
-    const auto src = draw.source<uint8_t>("src", extent);
+    const auto src = draw.source<uint8_t>("src", drawExtent(draw));
     const CornerList list(draw);
-    const uint32_t border = drawBorder(draw);
-    const int threshold = drawThreshold(draw);
-    draw.call(odxCornerHarrisu8, sized(src, extent), border, list.xy, list.capacity, list.count, threshold);
+    draw.call(operation, sized(src), border(draw), list.xy, list.capacity, list.count, drawn<rest...>(draw));
 }
 
 void cornersInMask(Draw& draw)
@@ -63,91 +59,63 @@ void cornersInMask(Draw& draw)
     const auto src = draw.source<uint8_t>("src", extent);
     const auto bits = draw.source<uint8_t>("bits", {(mask.width + 7) / 8, mask.height}, true);
     const CornerList list(draw);
-    const int threshold = drawThreshold(draw);
-    draw.call(odxCornerHarrisInMasku8, sized(src, extent), 0, list.xy, list.capacity, list.count, threshold,
+    draw.call(odxCornerHarrisInMasku8, sized(src, extent), 0, list.xy, list.capacity, list.count, threshold(draw),
               bits.pixels, mask.width, mask.height);
-}
-
-void strongest(Draw& draw)
-{
-    const Extent extent = drawExtent(draw);
-    const auto src = draw.source<uint8_t>("src", extent);
-    const CornerList list(draw);
-    const int threshold = drawThreshold(draw);
-    draw.call(odxCornerHarrisAdaptiveu8, sized(src, extent), 0, list.xy, list.capacity, list.count, threshold);
 }
 
 void scores(Draw& draw)
 {
-    const Extent extent = drawExtent(draw);
-    const auto src = draw.source<uint8_t>("src", extent);
+    const auto src = draw.source<uint8_t>("src", drawExtent(draw));
     const CornerList list(draw);
     int32_t* const responses = draw.destinationArray<int32_t>("scores", list.capacity);
-    const int threshold = drawThreshold(draw);
-    draw.call(odxCornerHarrisScoreu8, sized(src, extent), 0, list.xy, responses, list.capacity, list.count,
-              threshold);
+    draw.call(odxCornerHarrisScoreu8, sized(src), 0, list.xy, responses, list.capacity, list.count,
+              threshold(draw));
 }
 
 void localMaximum(Draw& draw)
 {
-    const Extent extent = draw.extent(7, 7);
-    const auto src = draw.source<uint8_t>("src", extent);
-    const uint32_t x = draw.number<uint32_t>("x", 0, extent.width, extent.width / 2),
-                   y = draw.number<uint32_t>("y", 0, extent.height, extent.height / 2),
+    const auto src = draw.source<uint8_t>("src", draw.extent(7, 7));
+    const uint32_t x = draw.number<uint32_t>("x", 0, src.width, src.width / 2),
+                   y = draw.number<uint32_t>("y", 0, src.height, src.height / 2),
                    radius = draw.pick("radius", {50u, 4u, 8u, 100u, 0xFFFFFFFFu});
     uint32_t* const at = draw.destinationArray<uint32_t>("at", 2);
     int32_t* const response = draw.destinationArray<int32_t>("response", 1);
-    draw.call(odxLocalHarrisMaxu8, sized(src, extent), x, y, radius, at, at + 1, response);
-}
-
-void goodFeatures(Draw& draw)
-{
-    const Extent extent = drawExtent(draw);
-    const auto src = draw.source<uint8_t>("src", extent);
-    const CornerList list(draw);
-    const float quality = draw.real("quality", 0, 0.2f, 0.01f);
-    const uint32_t distance = draw.pick("distance", {10u, 0u, 4u, 31u, 100000u});
-    draw.call(odxGoodFeatureToTracku8, sized(src, extent), 0, list.xy, list.capacity, list.count, quality,
-              distance);
+    draw.call(odxLocalHarrisMaxu8, sized(src), x, y, radius, at, at + 1, response);
 }
 
 void refine(Draw& draw)
 {
-    const Extent extent = draw.extent(12, 12);
-    const auto src = draw.source<uint8_t>("src", extent);
+    const auto src = draw.source<uint8_t>("src", draw.extent(12, 12));
     const uint32_t count = draw.number<uint32_t>("count", 0, 20, 1000);
     const Image<float> xy = draw.destination<float>("xy", {2 * count + 1, 1}, true);
     const uint32_t half = draw.number<uint32_t>("half", 1, 15, 5);
     std::vector<float> start;
     for (uint32_t i = 0; i < count; ++i) {
+        start.push_back(draw.real("x", -2, static_cast<float>(src.width) + 2, static_cast<float>(src.width) / 2));
         start.push_back(
-            draw.real("x", -2, static_cast<float>(extent.width) + 2, static_cast<float>(extent.width) / 2));
-        start.push_back(
-            draw.real("y", -2, static_cast<float>(extent.height) + 2, static_cast<float>(extent.height) / 2));
+            draw.real("y", -2, static_cast<float>(src.height) + 2, static_cast<float>(src.height) / 2));
     }
     draw.run([&] {
         std::copy(start.begin(), start.end(), xy.pixels);
-        odxCornerRefineSubPixu8(src.pixels, extent.width, extent.height, src.strideArgument(), xy.pixels, count,
-                                half, 10, 0.01f);
+        odxCornerRefineSubPixu8(src.pixels, src.width, src.height, src.strideArgument(), xy.pixels, count, half,
+                                10, 0.01f);
     });
 }
 
 void maximaAlongLine(Draw& draw)
 {
-    const Extent extent = draw.extent(20, 20);
-    const auto src = draw.source<uint8_t>("src", extent);
-    const float width = static_cast<float>(extent.width), height = static_cast<float>(extent.height);
+    const auto src = draw.source<uint8_t>("src", draw.extent(20, 20));
+    const float width = static_cast<float>(src.width), height = static_cast<float>(src.height);
     const float pos[2] = {draw.real("x", 0.4f * width, 0.6f * width, 0.5f * width),
                           draw.real("y", 0.4f * height, 0.6f * height, 0.5f * height)};
     const float dir[2] = {draw.real("dx", -1, 1, 0.6f), draw.real("dy", -1, 1, 0.8f)};
-    const uint32_t distance = draw.number<uint32_t>("distance", 0, std::min(extent.width, extent.height) / 4, 100);
+    const uint32_t distance = draw.number<uint32_t>("distance", 0, std::min(src.width, src.height) / 4, 100);
     const uint32_t capacity = draw.number<uint32_t>("capacity", 0, 9, 50);
     const int gradient = draw.pick("gradient", {10, 0, -50, 100});
     const float angle = draw.real("angle", 0, 1, 0.5f);
     float* const maxima = draw.destinationArray<float>("maxima", capacity);
     uint32_t* const count = draw.destinationArray<uint32_t>("count", 1);
-    draw.call(odxFindMultipleMaximau8, sized(src, extent), pos, dir, distance, capacity, gradient, angle, maxima,
-              count);
+    draw.call(odxFindMultipleMaximau8, sized(src), pos, dir, distance, capacity, gradient, angle, maxima, count);
 }
 
 } // namespace
@@ -156,12 +124,13 @@ std::vector<Row> harrisCornersRows()
 {
     constexpr bool contentMatters = true;
     return {
-        {"odxCornerHarrisu8", corners, contentMatters},
+        {"odxCornerHarrisu8", corners<odxCornerHarrisu8, border, threshold>, contentMatters},
         {"odxCornerHarrisInMasku8", cornersInMask, contentMatters},
-        {"odxCornerHarrisAdaptiveu8", strongest, contentMatters},
+        {"odxCornerHarrisAdaptiveu8", corners<odxCornerHarrisAdaptiveu8, noBorder, threshold>, contentMatters},
         {"odxCornerHarrisScoreu8", scores, contentMatters},
         {"odxLocalHarrisMaxu8", localMaximum},
-        {"odxGoodFeatureToTracku8", goodFeatures, contentMatters},
+        {"odxGoodFeatureToTracku8",
+         corners<odxGoodFeatureToTracku8, noBorder, quality, oneOf<10u, 0u, 4u, 31u, 100000u>>, contentMatters},
         {"odxCornerRefineSubPixu8", refine},
         {"odxFindMultipleMaximau8", maximaAlongLine},
     };

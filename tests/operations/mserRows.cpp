@@ -39,17 +39,16 @@ void handles(Draw& draw)
 }
 
 // extraction(handle, src, width, height, stride, maxContours, ...), of levels that are few enough for regions.
-// `extended` arrays of a number for each region follow, and a bounding box.
-template <class Count, auto* operation, bool eight = false, uint32_t extended = 0, bool box = false,
+// Of the `extended` ones arrays of a number for each region follow, and a bounding box.
+template <class Count, auto* operation, bool eight = false, bool extended = false, bool box = false,
           uint32_t counts = 1>
 void extraction(Draw& draw)
 {
-    const Extent extent = drawExtent(draw);
-    const auto src = draw.source<uint8_t>("src", extent);
-    const Handle handle(draw, extent, eight);
+    const auto src = draw.source<uint8_t>("src", drawExtent(draw));
+    const Handle handle(draw, src.extent(), eight);
     const int shift = draw.measures() ? 0 : draw.pick("shift", {5, 0, 4, 6});
-    for (uint32_t y = 0; y < extent.height; ++y) {
-        for (uint32_t x = 0; x < extent.width; ++x)
+    for (uint32_t y = 0; y < src.height; ++y) {
+        for (uint32_t x = 0; x < src.width; ++x)
             src.at(x, y) = static_cast<uint8_t>(src.at(x, y) >> shift);
     }
     const uint32_t most = draw.number("most", 0u, 2000u, 10000u),
@@ -62,19 +61,8 @@ void extraction(Draw& draw)
     uint32_t *const id = draw.destinationArray<uint32_t>("id", most),
                     *const counter = draw.destinationArray<uint32_t>("counter", most),
                     *const boxes = draw.destinationArray<uint32_t>("boxes", 4 * most);
-    draw.run([&] {
-        const auto call = [&](auto... more) {
-            return operation(handle.handle, src.pixels, extent.width, extent.height, src.strideArgument(), most,
-                             count, numPoints, mostPoints, points, more...);
-        };
-        if constexpr (box) {
-            return call(variation, polarity, id, counter, boxes);
-        } else if constexpr (extended != 0) {
-            return call(variation, polarity, id, counter);
-        } else {
-            return call();
-        }
-    });
+    draw.call(operation, handle.handle, sized(src), most, count, numPoints, mostPoints, points,
+              when<extended>(variation, polarity, id, counter), when<box>(boxes));
 }
 
 } // namespace
@@ -89,12 +77,12 @@ std::vector<Row> mserRows()
         {"odxMseru8", extraction<uint32_t, odxMseru8>, contentMatters},
         {"odxMseru8_v2", extraction<uint16_t, odxMseru8_v2>, contentMatters},
         {"odxMserNN8u8", extraction<uint16_t, odxMserNN8u8, true>, contentMatters},
-        {"odxMserExtu8", extraction<uint32_t, odxMserExtu8, false, 4>},
-        {"odxMserExtu8_v2", extraction<uint16_t, odxMserExtu8_v2, false, 4>},
-        {"odxMserExtNN8u8", extraction<uint16_t, odxMserExtNN8u8, true, 4>},
-        {"odxMserExtu8_v3", extraction<uint16_t, odxMserExtu8_v3, false, 4, true>},
-        {"odxMserSplitExtu8", extraction<uint16_t, odxMserSplitExtu8, false, 4, false, 2>},
-        {"odxMserSplitExtu8ST", extraction<uint16_t, odxMserSplitExtu8ST, false, 4, false, 2>, contentMatters},
+        {"odxMserExtu8", extraction<uint32_t, odxMserExtu8, false, true>},
+        {"odxMserExtu8_v2", extraction<uint16_t, odxMserExtu8_v2, false, true>},
+        {"odxMserExtNN8u8", extraction<uint16_t, odxMserExtNN8u8, true, true>},
+        {"odxMserExtu8_v3", extraction<uint16_t, odxMserExtu8_v3, false, true, true>},
+        {"odxMserSplitExtu8", extraction<uint16_t, odxMserSplitExtu8, false, true, false, 2>},
+        {"odxMserSplitExtu8ST", extraction<uint16_t, odxMserSplitExtu8ST, false, true, false, 2>, contentMatters},
     };
 }
 

@@ -24,13 +24,7 @@ void flip(Draw& draw)
     const Extent extent = draw.extent();
     const int dir = draw.pick("dir", {1, 3, 2});
     const auto src = draw.source<T>("src", {channels * extent.width, extent.height});
-    if (!draw.measures() && draw.pick("in place", {0, 1}) == 1) {
-        draw.writesInPlace(src);
-        draw.call(operation, src.pixels, extent, src.stride, src.pixels, src.stride, dir);
-        return;
-    }
-    const auto dst = draw.destination<T>("dst", {channels * extent.width, extent.height});
-    draw.call(operation, sized(src, extent), dst, dir);
+    draw.call(operation, sized(src, extent), draw.destinationOr(src), dir);
 }
 
 template <uint32_t channels, auto* operation>

@@ -1,4 +1,4 @@
-#include "operations/draw.h"
+#include "operations/shapes.h"
 
 #include "ondrix/pyramids.h"
 #include "ondrix/scaling.h"
@@ -29,10 +29,9 @@ Extent multiples(Draw& draw, uint32_t k)
 template <class T, uint32_t up, uint32_t down, auto* operation>
 void packed(Draw& draw)
 {
-    const Extent extent = multiples(draw, down);
-    const auto src = draw.source<T>("src", extent, true);
-    const auto dst = draw.destination<T>("dst", {extent.width / down * up, extent.height / down * up}, true);
-    draw.call(operation, src.pixels, extent, dst.pixels);
+    const auto src = draw.source<T>("src", multiples(draw, down), true);
+    const auto dst = draw.destination<T>("dst", {src.width / down * up, src.height / down * up}, true);
+    draw.call(operation, src.pixels, src.extent(), dst.pixels);
 }
 
 template <class T, uint32_t channels, auto* operation>
@@ -96,47 +95,29 @@ Extent drawnSize(Draw& draw, Extent from)
     return {outputSize(draw, "width", from.width), outputSize(draw, "height", from.height)};
 }
 
+template <auto* operation, auto... rest>
 void scale(Draw& draw)
 {
     const Extent from = draw.extent(), to = drawnSize(draw, from);
-    const auto type = draw.pick(
-        "type", {ONDRIX_INTERPOLATION_BILINEAR, ONDRIX_INTERPOLATION_AREA, ONDRIX_INTERPOLATION_NEAREST});
-    resize<1, odxScaleu8>(draw, from, to, type);
+    resize<1, operation>(draw, from, to, drawn<rest...>(draw));
 }
+constexpr auto bilinearFirst =
+                   oneOf<ONDRIX_INTERPOLATION_BILINEAR, ONDRIX_INTERPOLATION_AREA, ONDRIX_INTERPOLATION_NEAREST>,
+               areaFirst =
+                   oneOf<ONDRIX_INTERPOLATION_AREA, ONDRIX_INTERPOLATION_BILINEAR, ONDRIX_INTERPOLATION_NEAREST>;
 
-void scale_v2(Draw& draw)
-{
-    const Extent from = draw.extent(), to = drawnSize(draw, from);
-    const auto type = draw.pick(
-        "type", {ONDRIX_INTERPOLATION_AREA, ONDRIX_INTERPOLATION_BILINEAR, ONDRIX_INTERPOLATION_NEAREST});
-    const auto border =
-        draw.pick("border", {ONDRIX_BORDER_REPLICATE, ONDRIX_BORDER_CONSTANT, ONDRIX_BORDER_UNDEFINED});
-    resize<1, odxScaleu8_v2>(draw, from, to, type, border, draw.number<uint8_t>("value", 0, 255, 100));
-}
-
-struct Factors {
-    uint32_t x, y;
-};
-Factors factors(Draw& draw)
-{
-    const uint32_t x = draw.pick("kx", {3u, 1u, 2u, 4u, 5u, 17u});
-    return {x, draw.pick("ky", {3u, 2u, 1u, 4u, 7u})};
-}
-
+template <auto* operation, bool strided>
 void blocks(Draw& draw)
 {
-    const Factors k = factors(draw);
-    const Extent extent = draw.extent(k.x, k.y), to = {extent.width / k.x, extent.height / k.y};
-    const auto src = draw.source<uint8_t>("src", {to.width * k.x, to.height * k.y}, true),
-               dst = draw.destination<uint8_t>("dst", to, true);
-    draw.call(odxScaleDownu8, src.pixels, src.width, src.height, dst.pixels, to);
-}
-
-void blocks_v2(Draw& draw)
-{
-    const Factors k = factors(draw);
-    const Extent extent = draw.extent(k.x, k.y), to = {extent.width / k.x, extent.height / k.y};
-    resize<1, odxScaleDownu8_v2>(draw, {to.width * k.x, to.height * k.y}, to);
+    const uint32_t x = draw.pick("kx", {3u, 1u, 2u, 4u, 5u, 17u}), y = draw.pick("ky", {3u, 2u, 1u, 4u, 7u});
+    const Extent extent = draw.extent(x, y), to = {extent.width / x, extent.height / y},
+                 from = {to.width * x, to.height * y};
+    if constexpr (strided) {
+        resize<1, operation>(draw, from, to);
+    } else {
+        const auto src = draw.source<uint8_t>("src", from, true), dst = draw.destination<uint8_t>("dst", to, true);
+        draw.call(operation, src.pixels, from, dst.pixels, to);
+    }
 }
 
 // ---- pyramids: the levels' buffers are images; what becomes of the records counts as result ----
@@ -270,8 +251,8 @@ std::vector<Row> scalingRows()
         {"odxScaleDownBy4u8", packed<uint8_t, 1, 4, odxScaleDownBy4u8>},
         {"odxScaleDownBy4u8_v2", reduction<uint8_t, 4, odxScaleDownBy4u8_v2>},
         {"odxScaleDown3To2u8", threeToTwo},
-        {"odxScaleDownu8", blocks},
-        {"odxScaleDownu8_v2", blocks_v2},
+        {"odxScaleDownu8", blocks<odxScaleDownu8, false>},
+        {"odxScaleDownu8_v2", blocks<odxScaleDownu8_v2, true>},
         {"odxScaleDownMNu8", toAnySize<1, 20, odxScaleDownMNu8>},
         {"odxScaleDownMNInterleaveu8", toAnySize<2, 40, odxScaleDownMNInterleaveu8>},
         {"odxScaleDownBy2Gaussian5x5u8", packed<uint8_t, 1, 2, odxScaleDownBy2Gaussian5x5u8>},
@@ -291,8 +272,8 @@ std::vector<Row> scalingRows()
         {"odxScaleDownBLu8", toAnySize<1, 100, odxScaleDownBLu8>},
         {"odxScaleUpPolyu8", toAnySize<1, 100, odxScaleUpPolyu8>},
         {"odxScaleUpPolyInterleaveu8", toAnySize<2, 100, odxScaleUpPolyInterleaveu8>},
-        {"odxScaleu8", scale},
-        {"odxScaleu8_v2", scale_v2},
+        {"odxScaleu8", scale<odxScaleu8, bilinearFirst>},
+        {"odxScaleu8_v2", scale<odxScaleu8_v2, areaFirst, borderType, between<uint8_t{0}, 255, 100>>},
         {"odxPyramidAllocate", allocate, false, true},
         {"odxPyramidAllocate_v2", allocate_v2, false, true},
         {"odxPyramidAllocate_v3", allocate_v3, false, true},

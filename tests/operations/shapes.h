@@ -37,12 +37,31 @@ auto between(Draw& draw)
 constexpr auto borderType = oneOf<ONDRIX_BORDER_REPLICATE, ONDRIX_BORDER_CONSTANT, ONDRIX_BORDER_UNDEFINED>;
 constexpr auto borderValue = between<0u, 300u, 0u>;
 
+// Arrays of n elements, and results.
+template <class T, uint32_t n>
+const T* array(Draw& draw)
+{
+    return draw.sourceArray<T>("array", n);
+}
+template <class T, uint32_t n>
+T* results(Draw& draw)
+{
+    return draw.destinationArray<T>("results", n);
+}
+
 // ---- shapes ----
+
+template <auto* operation, auto... arguments>
+void taking(Draw& draw)
+{
+    draw.call(operation, drawn<arguments...>(draw));
+}
 
 template <auto... arguments>
 auto drawn(Draw& draw)
 {
-    return std::tuple{arguments(draw)...};
+    const std::tuple values{arguments(draw)...}; // in this order
+    return std::apply([](const auto&... value) { return std::tuple_cat(flat(value)...); }, values);
 }
 
 // call(rest...), with what each of `rest` draws.
@@ -56,30 +75,27 @@ void runWith(Draw& draw, Call call)
 template <class Source, class Destination, auto* operation, class Size = Size<>, auto... rest>
 void imageToImage(Draw& draw)
 {
-    const Extent extent = Size::draw(draw);
-    const auto src = draw.source<Source>("src", extent);
-    const auto dst = draw.destination<Destination>("dst", extent);
-    draw.call(operation, sized(src, extent), dst, drawn<rest...>(draw));
+    const auto src = draw.source<Source>("src", Size::draw(draw));
+    const auto dst = draw.destination<Destination>("dst", src.extent());
+    draw.call(operation, sized(src), dst, drawn<rest...>(draw));
 }
 
 // The same where a stride of 0 stands for nothing.
 template <class Source, class Destination, auto* operation, class Size = Size<>, auto... rest>
 void stridedToStrided(Draw& draw)
 {
-    const Extent extent = Size::draw(draw);
-    const auto src = draw.source<Source>("src", extent);
-    const auto dst = draw.destination<Destination>("dst", extent);
-    draw.call(operation, src.pixels, extent, src.stride, dst.pixels, dst.stride, drawn<rest...>(draw));
+    const auto src = draw.source<Source>("src", Size::draw(draw));
+    const auto dst = draw.destination<Destination>("dst", src.extent());
+    draw.call(operation, src.pixels, src.extent(), src.stride, dst.pixels, dst.stride, drawn<rest...>(draw));
 }
 
 // operation(src, width, height, dst, rest...), of packed rows.
 template <class Source, class Destination, auto* operation, class Size = Size<>, auto... rest>
 void packedToPacked(Draw& draw)
 {
-    const Extent extent = Size::draw(draw);
-    const auto src = draw.source<Source>("src", extent, true);
-    const auto dst = draw.destination<Destination>("dst", extent, true);
-    draw.call(operation, src.pixels, extent, dst.pixels, drawn<rest...>(draw));
+    const auto src = draw.source<Source>("src", Size::draw(draw), true);
+    const auto dst = draw.destination<Destination>("dst", src.extent(), true);
+    draw.call(operation, src.pixels, src.extent(), dst.pixels, drawn<rest...>(draw));
 }
 
 // result = operation(src, length).

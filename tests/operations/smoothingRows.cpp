@@ -22,16 +22,9 @@ constexpr auto withBorderType = imageToImage<uint8_t, uint8_t, operation, Size<1
 
 void boxNxN(Draw& draw)
 {
-    const Extent extent = draw.extent(5, 5);
     const uint32_t n = draw.number<uint32_t>("N", 2, 30, 5);
-    const auto src = draw.source<float>("src", extent);
-    if (!draw.measures() && draw.pick("in place", {0, 1, 0}) == 1) {
-        draw.writesInPlace(src);
-        draw.call(odxBoxFilterNxNf32, src.pixels, extent, src.stride, n, src.pixels, src.stride);
-        return;
-    }
-    const auto dst = draw.destination<float>("dst", extent);
-    draw.call(odxBoxFilterNxNf32, sized(src, extent), n, dst);
+    const auto src = draw.source<float>("src", draw.extent(5, 5));
+    draw.call(odxBoxFilterNxNf32, sized(src), n, draw.destinationOr(src));
 }
 
 void medianMxN(Draw& draw)

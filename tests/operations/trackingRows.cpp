@@ -34,17 +34,21 @@ struct WindowInPlace {
 template <class T, auto* operation, bool adaptive>
 void windowTracker(Draw& draw)
 {
-    const Extent extent = draw.extent(1, 1, 0);
-    const auto src = draw.source<T>("src", extent);
-    const WindowInPlace window(draw, extent);
+    const auto src = draw.source<T>("src", draw.extent(1, 1, 0));
+    const WindowInPlace window(draw, src.extent());
     const uint32_t limit = draw.pick("limit", {10u, 0u, 1u, 40u});
     const float epsilon = draw.real("epsilon", 0, 4, 1);
+    const auto track = [&](auto... ellipse) {
+        draw.run([&] {
+            return operation(src.pixels, src.width, src.height, src.strideArgument(), window.fresh(), limit,
+                             epsilon, ellipse...);
+        });
+    };
     if constexpr (adaptive) {
         auto* const ellipse = reinterpret_cast<odxTrackedEllipse*>(draw.destinationArray<float>("ellipse", 5));
-        const bool none = draw.pick("ellipse", {1, 1, 0}) == 0;
-        draw.call(operation, sized(src, extent), window.fresh(), limit, epsilon, none ? nullptr : ellipse);
+        track(draw.pick("ellipse", {1, 1, 0}) == 0 ? nullptr : ellipse);
     } else {
-        draw.call(operation, sized(src, extent), window.fresh(), limit, epsilon);
+        track();
     }
 }
 
@@ -103,15 +107,8 @@ void patchSearch(Draw& draw)
     auto* const score = draw.destinationArray<int32_t>("score", 1);
     const int subPixel = draw.pick("sub-pixel", {1, 0});
     auto* const sub = draw.destinationArray<float>("sub", 2);
-    draw.run([&] {
-        if constexpr (hasThreshold) {
-            return operation(patch, search.src.pixels, search.src.width, search.src.height, search.x, search.y,
-                             search.width, place, place + 1, score, subPixel, sub, sub + 1, search.threshold);
-        } else {
-            return operation(patch, search.src.pixels, search.src.width, search.src.height, search.x, search.y,
-                             search.width, place, place + 1, score, subPixel, sub, sub + 1);
-        }
-    });
+    draw.call(operation, patch, search.src.pixels, search.src.extent(), search.x, search.y, search.width, place,
+              place + 1, score, subPixel, sub, sub + 1, when<hasThreshold>(search.threshold));
 }
 
 void patchesOnRect(Draw& draw)
@@ -131,17 +128,16 @@ void patchesOnRect(Draw& draw)
 
 void blockMatching(Draw& draw)
 {
-    const Extent extent = draw.extent(16, 16, 15);
-    const auto src1 = draw.source<uint8_t>("src1", extent);
-    const auto src2 = draw.source<uint8_t>("src2", {src1.stride, extent.height}, true);
+    const auto src1 = draw.source<uint8_t>("src1", draw.extent(16, 16, 15));
+    const auto src2 = draw.source<uint8_t>("src2", {src1.stride, src1.height}, true);
     const uint32_t step = draw.pick("step", {16u, 11u, 40u, 0xFFFFFFFFu}),
                    radius = draw.measures() ? 8 : draw.pick("radius", {3u, 0u, 1u, 2u, 20u});
-    const uint32_t blocks = ((extent.width - 16) / step + 1) * ((extent.height - 16) / step + 1);
+    const uint32_t blocks = ((src1.width - 16) / step + 1) * ((src1.height - 16) / step + 1);
     auto* const flow = draw.destinationArray<int16_t>("flow", 2 * blocks);
     auto* const sums = draw.destinationArray<uint16_t>("sums", blocks);
     const bool none = draw.pick("sad", {1, 1, 0}) == 0;
-    draw.call(odxTrackBMOpticalFlow16x16u8, src1.pixels, src2.pixels, extent, src1.strideArgument(), step, radius,
-              flow, none ? nullptr : sums);
+    draw.call(odxTrackBMOpticalFlow16x16u8, src1.pixels, src2.pixels, src1.extent(), src1.strideArgument(), step,
+              radius, flow, none ? nullptr : sums);
 }
 
 } // namespace

@@ -119,49 +119,37 @@ void remap(Draw& draw)
 template <auto* operation>
 void patch(Draw& draw)
 {
-    const Extent extent = draw.extent(12, 12);
-    const auto src = draw.source<uint8_t>("src", extent);
+    const auto src = draw.source<uint8_t>("src", draw.extent(12, 12));
     const auto dst = draw.destination<uint8_t>(
         "patch", {draw.number<uint32_t>("width", 1, 12, 8), draw.number<uint32_t>("height", 1, 12, 8)});
-    const float position[] = {static_cast<float>(extent.width) / 2 + draw.real("x", -3, 3, 0.3f),
-                              static_cast<float>(extent.height) / 2 + draw.real("y", -3, 3, 0.6f)};
+    const float position[] = {static_cast<float>(src.width) / 2 + draw.real("x", -3, 3, 0.3f),
+                              static_cast<float>(src.height) / 2 + draw.real("y", -3, 3, 0.6f)};
     const float affine[] = {draw.real("a", -1.2f, 1.2f, 0.9f), draw.real("b", -0.5f, 0.5f, 0.1f),
                             draw.real("c", -0.5f, 0.5f, -0.1f), draw.real("d", -1.2f, 1.2f, 0.9f)};
-    draw.call(operation, sized(src, extent), position, affine, sized(dst));
+    draw.call(operation, sized(src), position, affine, sized(dst));
 }
 
 template <auto* operation>
 void patches(Draw& draw)
 {
-    const Extent extent = draw.extent(12, 12);
-    const auto src = draw.source<uint8_t>("src", extent);
+    const auto src = draw.source<uint8_t>("src", draw.extent(12, 12));
     const uint32_t count = draw.length(1, 64);
     auto* const positions = draw.sourceArray<float>("positions", 2 * count);
     auto* const affines = draw.sourceArray<float>("affines", 4 * count);
     auto* const dst = draw.destinationArray<uint8_t>("patches", 64 * count);
     for (uint32_t i = 0; i < count; ++i) {
         const float turn = static_cast<float>(i % 13) * 0.02f, at[] = {turn, 0.9f};
-        positions[2 * i] = static_cast<float>(extent.width) / 2 + at[0] * static_cast<float>(i % 5);
-        positions[2 * i + 1] = static_cast<float>(extent.height) / 2 - at[0];
+        positions[2 * i] = static_cast<float>(src.width) / 2 + at[0] * static_cast<float>(i % 5);
+        positions[2 * i + 1] = static_cast<float>(src.height) / 2 - at[0];
         const float affine[] = {at[1], turn, -turn, at[1]};
         std::copy(affine, affine + 4, affines + 4 * size_t{i});
     }
-    draw.call(operation, sized(src, extent), count, positions, affines, dst);
+    draw.call(operation, sized(src), count, positions, affines, dst);
 }
 
-void copyRotated(Draw& draw)
+float orientation(Draw& draw)
 {
-    const auto* const region = draw.sourceArray<uint8_t>("region", 25 * 25);
-    auto* const dst = draw.destinationArray<uint8_t>("patch", 17 * 17);
-    const float angle = draw.real("orientation", -7, 7, 0.5f);
-    draw.call(odxCopyRotated17x17u8, region, dst, angle);
-}
-
-void invert(Draw& draw)
-{
-    const auto* const affine = draw.sourceArray<float>("affine", 6);
-    auto* const inverse = draw.destinationArray<float>("inverse", 9);
-    draw.call(odxInvertAffineTransformf32, affine, inverse);
+    return draw.real("orientation", -7, 7, 0.5f);
 }
 
 void fourPoints(Draw& draw)
@@ -206,8 +194,9 @@ std::vector<Row> warpsRows()
         {"odxRemapRGBA8888BLu8", remap<4, odxRemapRGBA8888BLu8>},
         {"odxRemapu8", remap<1, odxRemapu8, interpolation>},
         {"odxRemapu8_v2", remap<1, odxRemapu8_v2, exactInterpolation, undefinedFirst, borderValue>},
-        {"odxCopyRotated17x17u8", copyRotated},
-        {"odxInvertAffineTransformf32", invert},
+        {"odxCopyRotated17x17u8",
+         taking<odxCopyRotated17x17u8, array<uint8_t, 25 * 25>, results<uint8_t, 17 * 17>, orientation>},
+        {"odxInvertAffineTransformf32", taking<odxInvertAffineTransformf32, array<float, 6>, results<float, 9>>},
         {"odxGetPerspectiveTransformf32", fourPoints},
     };
 }

@@ -26,14 +26,6 @@ Lines recovered()
     return started + reloading + loaded() + debug("Stub reloaded successfully.") + reinitializing + back;
 }
 
-odxStubBehaviour restarting(uint32_t every, uint32_t failedReturns = 0)
-{
-    odxStubBehaviour behaviour = {};
-    behaviour.restartEvery = every;
-    behaviour.failedReturns = failedReturns;
-    return behaviour;
-}
-
 } // namespace
 
 TEST(Recovery, ACallSurvivesARestart)

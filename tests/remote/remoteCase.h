@@ -48,6 +48,14 @@ void setEntry(void*& pointer, Entry* entry)
 {
     pointer = reinterpret_cast<void*>(entry);
 }
+// A stub that restarts at every so manieth call, and comes back after so many attempts.
+inline odxStubBehaviour restarting(uint32_t every, uint32_t failedReturns = 0)
+{
+    odxStubBehaviour behaviour = {};
+    behaviour.restartEvery = every;
+    behaviour.failedReturns = failedReturns;
+    return behaviour;
+}
 inline int countRemotely(uint32_t* words, uint32_t* count)
 {
     return entry<decltype(ondrixadsp_odxBitCountu32X)>(pFnX_odxBitCountu32X)(words, 1, 1, count);

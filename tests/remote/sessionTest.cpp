@@ -226,9 +226,7 @@ TEST(Session, OpensWithAProcessorThatDoesNotStart)
     withStub([](Stub& stub, LogCapture& log) {
         // Restarted behind the library's back, and not coming back: it cannot tell its version either.
         ODXAZ9_init(1, kVersion);
-        odxStubBehaviour behaviour = {};
-        behaviour.restartEvery = 1;
-        behaviour.failedReturns = 1;
+        odxStubBehaviour behaviour = restarting(1, 1);
         strcpy(behaviour.version, "9");
         stub.behaves(behaviour);
         uint32_t word = 1, count;
@@ -278,17 +276,5 @@ TEST(Session, SwitchesTheVariantsLog)
         ODXAZ9_init(1, kVersion);
         EXPECT_EQ(1, libLogPrintX);
         EXPECT_EQ(1, libLogPrint);
-    });
-}
-
-TEST(Session, SelectingTheProcessorDirectlyGivesOne)
-{
-    withStub([](Stub&, LogCapture&) {
-        EXPECT_EQ(1, odxSelectXDSP6Mode(2));
-        EXPECT_EQ(2, ODXAZ9_get_current_mode());
-        EXPECT_EQ(1u, XDSP_initflag);
-        ODXAZ9_deinit();
-        loader.stub.clear();
-        EXPECT_EQ(-1, odxSelectXDSP6Mode(2));
     });
 }

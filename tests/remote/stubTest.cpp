@@ -58,9 +58,7 @@ TEST(LoopbackStub, ALostCallLeavesItsBuffersAlone)
         };
         EXPECT_EQ(0, filter());
         EXPECT_EQ(0, dst[12]);
-        odxStubBehaviour restarting = {};
-        restarting.restartEvery = 1;
-        stub.behaves(restarting);
+        stub.behaves(restarting(1));
         EXPECT_EQ(104, filter());
         EXPECT_EQ(7, dst[12]);
     });

@@ -1,4 +1,5 @@
 // Restarts under the calls of several threads.
+#include "support/threads.h"
 #include "dsp/session.h"
 #include "dsp/stub.h"
 #include "frame/operations.h"
@@ -62,16 +63,11 @@ private:
 int wrongResults(int rounds)
 {
     std::atomic<int> wrong{0};
-    std::vector<std::thread> threads;
-    for (int i = 0; i < kThreads; ++i) {
-        threads.emplace_back([&wrong, rounds, i] {
-            Work work(static_cast<uint32_t>(i) + 1);
-            for (int round = 0; round < rounds; ++round)
-                wrong += work.run();
-        });
-    }
-    for (std::thread& thread : threads)
-        thread.join();
+    inThreads(kThreads, [&](unsigned i) {
+        Work work(i + 1);
+        for (int round = 0; round < rounds; ++round)
+            wrong += work.run();
+    });
     return wrong;
 }
 
@@ -83,9 +79,7 @@ TEST(RemoteThreads, EveryResultIsRightWhileTheProcessorRestarts)
         SCOPED_TRACE(every);
         const uint32_t period = every, failures = failedReturns;
         onRemote([&](Stub& stub, LogCapture& log) {
-            odxStubBehaviour behaviour = {};
-            behaviour.restartEvery = period;
-            behaviour.failedReturns = failures;
+            odxStubBehaviour behaviour = restarting(period, failures);
             behaviour.delayMicroseconds = 50;
             stub.behaves(behaviour);
             EXPECT_EQ(0, wrongResults(200));
@@ -152,9 +146,8 @@ TEST(RemoteThreads, ALateThreadFindsTheProcessorUp)
 {
     onRemote([](Stub& stub, LogCapture& log) {
         // All calls are under way when the processor restarts: one thread reloads it, the others find it up.
-        odxStubBehaviour behaviour = {};
+        odxStubBehaviour behaviour = restarting(kThreads);
         behaviour.delayMicroseconds = 200000;
-        behaviour.restartEvery = kThreads;
         stub.behaves(behaviour);
         std::atomic<int> right{0};
         std::vector<std::thread> threads;

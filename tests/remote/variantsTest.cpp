@@ -223,20 +223,6 @@ TEST(Variants, RunHereWhileTheStubIsReplaced)
     });
 }
 
-TEST(Variants, TellTheTraceWhereACallGoes)
-{
-    onRemote([](Stub& stub, LogCapture& log) {
-        const auto trace = [](const char* text) { return Lines{{6, "ondrix_runtime_log", text}}; };
-        libLogPrint = 1;
-        countBits();
-        EXPECT_EQ(trace("odxBitCountu32_XDSP"), log.take());
-        odxSetHWFlag(1);
-        countBits();
-        EXPECT_EQ(trace("odxBitCountu32_ORLAN"), log.take());
-        EXPECT_EQ(1u, stub.counts().calls);
-    });
-}
-
 TEST(Services, PassTheirArgumentsOn)
 {
     onRemote([](Stub&, LogCapture&) {
@@ -278,9 +264,7 @@ TEST(Services, ForwardToTheProcessor)
         EXPECT_EQ(0, odx_cache_flush_invalidateX(buffer, sizeof buffer));
         EXPECT_EQ(0u, odxUpdateDSPMsgFlagX(1));
 
-        odxStubBehaviour restarting = {};
-        restarting.restartEvery = 1;
-        stub.behaves(restarting);
+        stub.behaves(restarting(1));
         uint32_t word = 0, count;
         EXPECT_EQ(104, countRemotely(&word, &count)); // it is down now
         EXPECT_EQ(0, odxZ9GetClkX());
