@@ -9,7 +9,6 @@
 #include <functional>
 #include <memory>
 #include <random>
-#include <regex>
 
 using namespace odx::test;
 
@@ -358,19 +357,16 @@ TEST_F(ToRgb, StridesOfOneBuffer)
 TEST_F(ToRgb, OneColumnOfPairsEndsTheProcess)
 {
     const auto grey = [](uint32_t, uint32_t) { return 128; };
-    const std::regex line("[^]*ondrixColorC@[1-9][0-9]*: length > 1 Assertion failed\n[^]*");
     for (const odxOperationMode mode : {ONDRIX_OP_EXT_REFERENCE, ONDRIX_OP_EXT_CPU}) {
         for (const Conversion& conversion : conversions()) {
             if (!conversion.pairs()) continue;
             const auto source = conversion.make(2, 2, {grey, grey, grey});
             source->width = 1;
-            const ChildResult child = runInChild([&] {
+            expectEnd("ondrixColorC@[1-9][0-9]*: length > 1 Assertion failed\n", [&] {
                 EXPECT_EQ(0, odxSetOperationMode(mode));
                 Bytes dst(16);
                 conversion.convert(*source, dst.data(), 0);
             });
-            EXPECT_EQ(1, child.exitStatus) << conversion.name;
-            EXPECT_TRUE(std::regex_match(child.output, line)) << conversion.name << ": " << child.output;
         }
     }
 }

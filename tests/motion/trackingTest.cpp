@@ -238,10 +238,8 @@ TEST_F(Tracking, PatchSearchesHaveLimits)
     EXPECT_EQ(std::tuple(1, 0, 0), std::tuple(status[0], int{x}, score));
     // Squares from 12 on do not fit the tables.
     for (const unsigned width : {12u, 19u}) {
-        const ChildResult child = runInChild([&] { runSearch(odxNCCPatchOnSquare8x8u8_v2, s, width); });
-        EXPECT_EQ(1, child.exitStatus);
-        EXPECT_NE(std::string::npos, child.output.find("src/cpu/ondrixNCCPatchC@")) << child.output;
-        EXPECT_NE(std::string::npos, child.output.find("sumW <= ((2*5+1)+8) Assertion failed")) << child.output;
+        expectEnd("src/cpu/ondrixNCCPatchC@.*sumW <= \\(\\(2\\*5\\+1\\)\\+8\\) Assertion failed",
+                  [&] { runSearch(odxNCCPatchOnSquare8x8u8_v2, s, width); });
     }
 }
 

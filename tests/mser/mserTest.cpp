@@ -453,21 +453,19 @@ TEST(Mser, InitialisationFailsAsItSays)
     const float nan = NAN;
     const Settings fatal[] = {{0},          {256},          {2, 49 * 4},       {2, 3, 1},        {2, 3, 4},
                               {2, 3, 9, 0}, {2, 3, 9, nan}, {2, 3, 9, 1, 256}, {2, 3, 9, 1, nan}};
-    const std::string text =
-        ": ( ( pHandle->nStride&(32-1)) == 0 ) && ( pHandle->nStride <= ((1<<8)-1)*32) && ( 0<pHandle->nDelta && "
-        "pHandle->nDelta<256) && ( pHandle->nMinSize < pHandle->nNumPixels) && ( pHandle->nMaxSize > 1) && ( "
-        "pHandle->nMinSize+1 < pHandle->nMaxSize) && ( pHandle->nMaxVar > 0) && ( pHandle->nMinDiv < (1<<8)) "
-        "Assertion failed";
-    const auto expectEnd = [&](uint32_t width, const Settings& s) {
-        const ChildResult child = runInChild([&] { Handle(width, 6, s); });
-        EXPECT_EQ(1, child.exitStatus);
-        EXPECT_NE(std::string::npos, child.output.find("ondrixMserFxpC@"));
-        EXPECT_NE(std::string::npos, child.output.find(text));
+    const auto expectFatal = [](uint32_t width, const Settings& s) {
+        expectEnd("ondrixMserFxpC@.*: \\( \\( pHandle->nStride&\\(32-1\\)\\) == 0 \\) && \\( pHandle->nStride <= "
+                  "\\(\\(1<<8\\)-1\\)\\*32\\) && \\( 0<pHandle->nDelta && pHandle->nDelta<256\\) && \\( "
+                  "pHandle->nMinSize < "
+                  "pHandle->nNumPixels\\) && \\( pHandle->nMaxSize > 1\\) && \\( pHandle->nMinSize\\+1 < "
+                  "pHandle->nMaxSize\\) && \\( pHandle->nMaxVar > 0\\) && \\( pHandle->nMinDiv < \\(1<<8\\)\\) "
+                  "Assertion failed",
+                  [&] { Handle(width, 6, s); });
     };
     for (const Settings& s : fatal)
-        expectEnd(51, s);
-    expectEnd(8161, {});
-    expectEnd(65535, {});
+        expectFatal(51, s);
+    expectFatal(8161, {});
+    expectFatal(65535, {});
     EXPECT_EQ(1u, made(8160, 6));
     odxMserReleaseC(nullptr);
 }

@@ -283,11 +283,9 @@ TEST_F(Smoothing, WithoutTemporaryMemoryNothingIsWritten)
 
 TEST(SmoothingChecks, NarrowImagesEndTheProcessInTheReference)
 {
-    const ChildResult child = runInChild([] {
+    expectEnd("^6/ondrix_lib_log: ondrixBlurC@79: w6<=w_2 && w6>=w_2-5 Assertion failed\n\n$", [] {
         EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE));
         uint8_t src[60] = {}, dst[60];
         odxFilterGaussian3x3u8C(src, 5, 12, 5, dst, 5, 0);
     });
-    EXPECT_EQ(1, child.exitStatus);
-    EXPECT_EQ("6/ondrix_lib_log: ondrixBlurC@79: w6<=w_2 && w6>=w_2-5 Assertion failed\n\n", child.output);
 }

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <regex>
+
 #include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -34,6 +36,13 @@ ChildResult runInChild(const std::function<void()>& body)
     waitpid(child, &status, 0);
     result.exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
     return result;
+}
+
+void expectEnd(const std::string& text, const std::function<void()>& body)
+{
+    const ChildResult child = runInChild(body);
+    EXPECT_EQ(1, child.exitStatus);
+    EXPECT_TRUE(std::regex_search(child.output, std::regex(text))) << child.output;
 }
 
 } // namespace odx::test

@@ -18,6 +18,9 @@ struct ChildResult {
 // prints, GoogleTest's failure messages included, is the output.
 ChildResult runInChild(const std::function<void()>& body);
 
+// Expects the body to end the process with 1, with a text in the output: a regular expression.
+void expectEnd(const std::string& text, const std::function<void()>& body);
+
 } // namespace odx::test
 
 #endif
