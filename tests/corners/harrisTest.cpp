@@ -393,7 +393,7 @@ TEST_F(Harris, EdgesAlongALineAreThoseOfTheDefinition)
             const auto along = [&](int i) {
                 return static_cast<int>((pos[i] - r * dir[i]) + static_cast<float>(k) * dir[i] + 0.5f);
             };
-            return &image.pixels[static_cast<size_t>(along(1) * stride + along(0))];
+            return image.data() + along(1) * stride + along(0);
         };
         const auto slope = [&](int k) {
             const auto sample = [&](int i) {
