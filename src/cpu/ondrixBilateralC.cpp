@@ -70,6 +70,27 @@ Steps stepsOf(float sigmaColor, float sigmaSpace)
 
 // ---- windows ----
 
+template <uint32_t K>
+void filterLine(const uint8_t* const* lines, uint8_t* out, uint32_t count, const Weights& weights)
+{
+    constexpr int32_t r = K / 2;
+    for (uint32_t x = 0; x < count; ++x) {
+        const int32_t centre = lines[r][x + r];
+        uint32_t sum = 0, total = 0;
+        for (int32_t i = -r; i <= r; ++i) {
+            const uint8_t* const pixels = lines[r + i] + x + r;
+            for (int32_t j = -r; j <= r; ++j) {
+                const int32_t pixel = pixels[j], difference = pixel - centre;
+                const uint32_t weight = uint32_t{weights.range[difference < 0 ? -difference : difference]} *
+                                        weights.space[i * i + j * j];
+                sum += weight * static_cast<uint32_t>(pixel);
+                total += weight;
+            }
+        }
+        out[x] = static_cast<uint8_t>((sum + total / 2) / total);
+    }
+}
+
 void filterInterior(FilterLine* filterLine, const Plane<uint8_t>& plane, const Weights& weights)
 {
     const uint32_t K = weights.size, width = plane.interiorWidth(K), height = plane.interiorHeight(K);
@@ -123,9 +144,9 @@ struct Side {
     }
 };
 
-int32_t stepOver(const Steps& steps, int32_t difference)
+uint16_t stepOver(const Steps& steps, int32_t difference)
 {
-    return steps.low[difference] | steps.high[difference] << 8;
+    return static_cast<uint16_t>(steps.low[difference] | steps.high[difference] << 8);
 }
 
 void smooth(const Lines& lines, const Steps& steps)
@@ -134,10 +155,11 @@ void smooth(const Lines& lines, const Steps& steps)
     for (size_t i = 0; i < lines.length; ++i) {
         uint16_t* const taken = lines.taken + kLines * i;
         if (i != 0) {
-            const uint8_t* const guide = lines.guides + lines.guideStride * i;
+            const uint8_t *const last = lines.guides + lines.guideStride * (i - 1), *const guide =
+                                                                                        last + lines.guideStride;
             for (uint32_t k = 0; k < kLines; ++k) {
-                const int32_t difference = guide[k] - guide[k - lines.guideStride];
-                taken[k] = static_cast<uint16_t>(stepOver(steps, difference < 0 ? -difference : difference));
+                const int32_t difference = guide[k] - last[k];
+                taken[k] = stepOver(steps, difference < 0 ? -difference : difference);
             }
             left.step(taken, lines.values + lines.valueStride * i);
         }
@@ -233,27 +255,9 @@ extern "C" {
 
 void bilateralLineC(const uint8_t* const* lines, uint8_t* out, uint32_t count, const Weights& weights)
 {
-    const uint32_t K = weights.size;
-    const int32_t r = static_cast<int32_t>(K / 2);
-    uint8_t space[kMostSize * kMostSize];
-    for (int32_t i = -r, k = 0; i <= r; ++i) {
-        for (int32_t j = -r; j <= r; ++j)
-            space[k++] = weights.space[i * i + j * j];
-    }
-    for (uint32_t x = 0; x < count; ++x) {
-        const int32_t centre = lines[r][x + K / 2];
-        uint32_t sum = 0, total = 0;
-        for (uint32_t i = 0; i < K; ++i) {
-            for (uint32_t j = 0; j < K; ++j) {
-                const int32_t pixel = lines[i][x + j], difference = pixel - centre;
-                const uint32_t weight =
-                    uint32_t{weights.range[difference < 0 ? -difference : difference]} * space[K * i + j];
-                sum += weight * static_cast<uint32_t>(pixel);
-                total += weight;
-            }
-        }
-        out[x] = static_cast<uint8_t>((sum + total / 2) / total);
-    }
+    if (weights.size == 5) filterLine<5>(lines, out, count, weights);
+    if (weights.size == 7) filterLine<7>(lines, out, count, weights);
+    if (weights.size == 9) filterLine<9>(lines, out, count, weights);
 }
 
 // clang-format off

@@ -86,8 +86,9 @@ struct Sums {
     {
         const u8v half = u8v{} + weightByte(64);
         const u8x2 both = {half, half}, value = pairUp(valuesOf(centre, centre), valuesOf(centre, centre));
-        weights = addDots(weights, addWeights({}, both), {}, weight, 0);
-        if (!kNear) values = addDots(values, addWeighted({}, both, value), {}, weight, 0);
+        const s16p none = {};
+        weights = addDots(weights, addWeights(none, both), none, weight, 0);
+        if (!kNear) values = addDots(values, addWeighted(none, both, value), none, weight, 0);
     }
 
     // Two groups.
@@ -156,6 +157,7 @@ void bilateralLineV(const uint8_t* const* lines, uint8_t* out, uint32_t count, c
 {
     if (count < kBytes) return bilateralLineC(lines, out, count, weights);
     if (weights.reach < 64) return filterLine<64>(lines, out, count, weights);
+    if (weights.reach < 128) return filterLine<128>(lines, out, count, weights);
     filterLine<256>(lines, out, count, weights);
 }
 
@@ -211,6 +213,8 @@ static void smooth(const Lines& lines, const Steps& steps)
 {
     if (steps.reach < 64) {
         lookUp<64>(lines, steps);
+    } else if (steps.reach < 128) {
+        lookUp<128>(lines, steps);
     } else {
         lookUp<256>(lines, steps);
     }

@@ -1,5 +1,7 @@
 #include "simd/targets/loops.h"
 
+#include "orlan/simd/weighing.h"
+
 namespace odx::ODX_TARGET
 {
 using namespace loops;
@@ -90,7 +92,35 @@ const PrimitiveCase kCases[] = {
               [=](size_t i) { return (double)numerator[i] / (double)denominator[i]; });
      }},
     {"ByteTable of 64", 64 + kBytes, bytesOfTable<64>},
+    {"ByteTable of 128", 128 + kBytes, bytesOfTable<128>},
     {"ByteTable of 256", 256 + kBytes, bytesOfTable<256>},
+    {"distance, pairUp, addWeights, addWeighted, addDots and joinBytes", 3 * kBytes,
+     [](In in, Out out, Out expected) {
+         // The greatest weights, and the values that are furthest below.
+         const auto most = [=](size_t i) { return i % 3 == 0; };
+         const auto weightOf = [=](size_t i) { return most(i) ? 128 : in[i] % 129; };
+         const auto valueOf = [=](size_t i) { return most(i) ? -128 : (int8_t)in[kBytes + i]; };
+         uint8_t weights[kBytes], values[kBytes];
+         for (size_t i = 0; i < kBytes; ++i) {
+             weights[i] = weightByte((uint32_t)weightOf(i));
+             values[i] = (uint8_t)valueOf(i);
+         }
+         const u8v w = load<u8v>(weights), v = load<u8v>(values);
+         const s16p none = {}, weight = addWeights(addWeights(none, pairUp(w, w)), pairUp(w, w)),
+                    value = addWeighted(none, pairUp(w, w), pairUp(v, v));
+         const s32x4 sums = addDots(s32x4{}, value, weight, 200, -255);
+         store(out, joinBytes({sums.a & 255, sums.b & 255, sums.c & 255, sums.d & 255}));
+         store(out + kBytes,
+               joinBytes({sums.a >> 8 & 255, sums.b >> 8 & 255, sums.c >> 8 & 255, sums.d >> 8 & 255}));
+         store(out + 2 * kBytes, distance(load<u8v>(in), load<u8v>(in + kBytes)));
+         for (size_t i = 0; i < kBytes; ++i) {
+             const int sum = 200 * 2 * weightOf(i) * valueOf(i) - 255 * 4 * weightOf(i),
+                       d = in[i] - in[kBytes + i];
+             expected[i] = (uint8_t)sum;
+             expected[kBytes + i] = (uint8_t)(sum >> 8);
+             expected[2 * kBytes + i] = (uint8_t)(d < 0 ? -d : d);
+         }
+     }},
     {"storeInOrder", kBytes,
      [](In in, Out out, Out expected) {
          alignas(int32_t) uint8_t sums[2 * kBytes];
