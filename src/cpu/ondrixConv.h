@@ -79,7 +79,7 @@ struct Outputs {
 // Filters with a window of M columns and N rows work on 16-bit rows: filter(src, dst, width, height), where the
 // first output of `dst` has its uppermost leftmost tap at `src`. An image of other pixels, or with a border, is
 // given to them in blocks, which are at least kLeastColumns wide if the image is.
-constexpr uint32_t kColumns = 192, kLeastColumns = 64, kRows = 32;
+constexpr uint32_t kColumns = 192, kLeastColumns = 32, kRows = 32;
 
 [[gnu::always_inline]] static inline uint32_t columnsOf(uint32_t rest, uint32_t columns)
 {
@@ -90,29 +90,40 @@ template <class S, class D, class Filter>
 static inline void filterBlocks(const Plane<S, D>& plane, uint32_t M, uint32_t N, odxBorderType type,
                                 uint32_t borderValue, Filter filter)
 {
-    const Outputs outputs(plane, M, N, type);
     const Rows<D> dst = {plane.dst, plane.dstStride};
+    const border::Outside<S> outside = {type == ONDRIX_BORDER_REPLICATE, static_cast<S>(borderValue)};
+    const auto inBlocks = [&](uint32_t x0, uint32_t y0, uint32_t width, uint32_t height) {
+        constexpr uint32_t stride = kColumns + kLeastColumns + kMostTaps + 1;
+        int16_t block[(kRows + kMostTaps - 1) * stride];
+        for (uint32_t y = y0, rest = height, rows; rest != 0; rest -= rows, y += rows) {
+            rows = rest < kRows ? rest : kRows;
+            for (uint32_t x = 0, columns; x < width; x += columns) {
+                columns = columnsOf(width - x, kColumns);
+                for (uint32_t i = 0; i < rows + N - 1; ++i)
+                    border::copyLine(plane, outside, int64_t{x0} + x - M / 2, int64_t{y} + i - N / 2,
+                                     columns + M - 1, block + stride * i);
+                filter(Rows<const int16_t>{block, stride * sizeof(int16_t)}, dst.at(x0 + x, y), columns, rows);
+            }
+        }
+    };
+    const Outputs inside(plane, M, N, ONDRIX_BORDER_UNDEFINED);
+    const bool bordered = type != ONDRIX_BORDER_UNDEFINED;
     if constexpr (std::is_same_v<S, int16_t>) {
-        if (type == ONDRIX_BORDER_UNDEFINED) {
-            filter(Rows<const S>{plane.src, plane.srcStride}, dst.at(outputs.x, outputs.y), outputs.width,
-                   outputs.height);
+        // What is inside needs no blocks. Those of the border overlap it, where they are too narrow.
+        if (!bordered || (inside.width >= kLeastColumns && inside.height != 0)) {
+            filter(Rows<const S>{plane.src, plane.srcStride}, dst.at(inside.x, inside.y), inside.width,
+                   inside.height);
+            if (!bordered) return;
+            const uint32_t below = inside.y + inside.height;
+            inBlocks(0, 0, plane.width, inside.y);
+            inBlocks(0, below, plane.width, plane.height - below);
+            inBlocks(0, inside.y, kLeastColumns, inside.height);
+            inBlocks(plane.width - kLeastColumns, inside.y, kLeastColumns, inside.height);
             return;
         }
     }
-    constexpr uint32_t stride = kColumns + kLeastColumns + kMostTaps + 1;
-    int16_t block[(kRows + kMostTaps - 1) * stride];
-    const border::Outside<S> outside = {type == ONDRIX_BORDER_REPLICATE, static_cast<S>(borderValue)};
-    for (uint32_t y = 0, rows; y < outputs.height; y += rows) {
-        rows = outputs.height - y < kRows ? outputs.height - y : kRows;
-        for (uint32_t x = 0, columns; x < outputs.width; x += columns) {
-            columns = columnsOf(outputs.width - x, kColumns);
-            const int64_t left = int64_t{outputs.x} + x - M / 2, top = int64_t{outputs.y} + y - N / 2;
-            for (uint32_t i = 0; i < rows + N - 1; ++i)
-                border::copyLine(plane, outside, left, top + i, columns + M - 1, block + stride * i);
-            filter(Rows<const int16_t>{block, stride * sizeof(int16_t)}, dst.at(outputs.x + x, outputs.y + y),
-                   columns, rows);
-        }
-    }
+    const Outputs outputs(plane, M, N, type);
+    inBlocks(outputs.x, outputs.y, outputs.width, outputs.height);
 }
 
 } // namespace odx::conv
