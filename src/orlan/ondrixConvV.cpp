@@ -57,7 +57,7 @@ struct Exact {
     ODX_MEMBER static void keep(const u32p& sums, Line& line, uint32_t x)
     {
         const s16p both = halves(sums);
-        store(line.low + x, both.a ^ INT16_MIN);
+        store(line.low + x, both.a ^ (int16_t)INT16_MIN);
         if constexpr (kHigh) store(line.high + x, both.b);
     }
 };
