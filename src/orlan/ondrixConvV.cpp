@@ -38,6 +38,45 @@ ODX_INLINE void write(s16v v, uint8_t* out)
     storeNarrow(out, (u16v)min(max(v, s16v{}), s16v{} + 255));
 }
 
+// Sums of n vectors of windows side by side. (Of arrays of them not every compiler makes registers.)
+template <uint32_t n>
+struct RowSums {
+    u32p sums;
+    RowSums<n - 1> others;
+
+    ODX_MEMBER explicit RowSums(u32v start) : sums{start, start}, others(start) {}
+    ODX_MEMBER void add(const int16_t* p, s16v weights)
+    {
+        sums = addPairs(sums, neighbours(p), weights);
+        others.add(p + kLanes, weights);
+    }
+    // The upper halves of numbers whose lower ones were added before.
+    ODX_MEMBER void addTops(const int16_t* p, const Taps& taps)
+    {
+        u16v tops = {};
+        for (uint32_t j = 0; j < taps.count; ++j)
+            tops += load<u16v>(p + j) * (uint16_t)taps[j];
+        sums = sums + atTop((s16v)tops);
+        others.addTops(p + kLanes, taps);
+    }
+    template <class D>
+    ODX_MEMBER void write(int shift, D* out) const
+    {
+        ODX_TARGET::write(scaled(sums, shift), out);
+        others.write(shift, out + kLanes);
+    }
+};
+template <>
+struct RowSums<0> {
+    ODX_MEMBER explicit RowSums(u32v) {}
+    ODX_MEMBER void add(const int16_t*, s16v) {}
+    ODX_MEMBER void addTops(const int16_t*, const Taps&) {}
+    template <class D>
+    ODX_MEMBER void write(int, D*) const
+    {
+    }
+};
+
 // ---- separable kernels: two rows of outputs at a time, columns first ----
 
 constexpr uint32_t kTile = 1024; // of outputs: its rows stay in the first-level cache
@@ -72,60 +111,61 @@ struct Rounded {
     }
 };
 
-// The sums of n vectors of columns, of two outputs one above the other. Pairs of rows meet the taps from the first
-// one on for the upper output, and from the zero before it on for the lower. A single output has no row below its
-// window.
+// The sums of n vectors of columns, of two outputs one above the other.
+template <uint32_t n>
+struct ColumnSums {
+    u32p upper, lower;
+    ColumnSums<n - 1> others;
+
+    ODX_MEMBER explicit ColumnSums(u32v start) : upper{start, start}, lower{start, start}, others(start) {}
+    ODX_MEMBER void add(const int16_t* row, const int16_t* next, s16v weights, s16v below)
+    {
+        const s16p rows = interleave(load<s16v>(row), load<s16v>(next));
+        upper = addPairs(upper, rows, weights);
+        lower = addPairs(lower, rows, below);
+        others.add(row + kLanes, next + kLanes, weights, below);
+    }
+    template <class Between>
+    ODX_MEMBER void keep(const Between& between, Line* lines, uint32_t x) const
+    {
+        between.keep(upper, lines[0], x);
+        between.keep(lower, lines[1], x);
+        others.keep(between, lines, x + kLanes);
+    }
+};
+template <>
+struct ColumnSums<0> {
+    ODX_MEMBER explicit ColumnSums(u32v) {}
+    ODX_MEMBER void add(const int16_t*, const int16_t*, s16v, s16v) {}
+    template <class Between>
+    ODX_MEMBER void keep(const Between&, Line*, uint32_t) const
+    {
+    }
+};
+
+// Pairs of rows meet the taps from the first one on for the upper output, and from the zero before it on for the
+// lower. A single output has no row below its window.
 template <uint32_t n, class Between>
 ODX_INLINE void sumColumns(const Taps& taps, const Between& between, const int16_t* in, size_t stride, bool single,
                            Line* lines, uint32_t x)
 {
-    u32p upper[n], lower[n];
-    const u32v start = u32v{} + between.start;
-    for (uint32_t v = 0; v < n; ++v)
-        upper[v] = lower[v] = {start, start};
-    const auto addRows = [&](const int16_t* row, const int16_t* next, uint32_t i) {
-        const s16v weights = repeatPair(taps.padded + i + 1), below = repeatPair(taps.padded + i);
-        for (uint32_t v = 0; v < n; ++v) {
-            const s16p rows = interleave(load<s16v>(row + v * kLanes), load<s16v>(next + v * kLanes));
-            upper[v] = addPairs(upper[v], rows, weights);
-            lower[v] = addPairs(lower[v], rows, below);
-        }
-    };
+    ColumnSums<n> sums(u32v{} + between.start);
     uint32_t i = 0;
     for (; i + 1 < taps.count; i += 2, in = rowOf(in, stride, 2))
-        addRows(in, rowOf(in, stride, 1), i);
-    addRows(in, rowOf(in, stride, single ? 0 : 1), i);
-    for (uint32_t v = 0; v < n; ++v) {
-        between.keep(upper[v], lines[0], x + v * kLanes);
-        between.keep(lower[v], lines[1], x + v * kLanes);
-    }
+        sums.add(in, rowOf(in, stride, 1), repeatPair(taps.padded + i + 1), repeatPair(taps.padded + i));
+    sums.add(in, rowOf(in, stride, single ? 0 : 1), repeatPair(taps.padded + i + 1), repeatPair(taps.padded + i));
+    sums.keep(between, lines, x);
 }
 
 // n vectors of outputs from what is between the passes; sums begin with `start`.
 template <uint32_t n, class Between, class D>
 ODX_INLINE void sumRow(const Taps& taps, const Line& line, uint32_t x, uint32_t start, int shift, D* out)
 {
-    u32p sums[n];
-    u16v tops[n];
-    for (uint32_t v = 0; v < n; ++v) {
-        sums[v] = {u32v{} + start, u32v{} + start};
-        tops[v] = u16v{};
-    }
-    for (uint32_t j = 0; j < taps.count; j += 2) {
-        const s16v weights = repeatPair(taps.padded + j + 1);
-        for (uint32_t v = 0; v < n; ++v)
-            sums[v] = addPairs(sums[v], neighbours(line.low + x + j + v * kLanes), weights);
-    }
-    if constexpr (Between::kHigh) {
-        for (uint32_t j = 0; j < taps.count; ++j) {
-            for (uint32_t v = 0; v < n; ++v)
-                tops[v] += load<u16v>(line.high + x + j + v * kLanes) * (uint16_t)taps[j];
-        }
-        for (uint32_t v = 0; v < n; ++v)
-            sums[v] = sums[v] + atTop((s16v)tops[v]);
-    }
-    for (uint32_t v = 0; v < n; ++v)
-        write(scaled(sums[v], shift), out + v * kLanes);
+    RowSums<n> sums(u32v{} + start);
+    for (uint32_t j = 0; j < taps.count; j += 2)
+        sums.add(line.low + x + j, repeatPair(taps.padded + j + 1));
+    if constexpr (Between::kHigh) sums.addTops(line.high + x, taps);
+    sums.write(shift, out);
 }
 
 template <class D, class Between>
@@ -215,19 +255,12 @@ ODX_INLINE auto direct(const int16_t* kernel, uint32_t M, uint32_t N, Scale scal
             const int16_t* const in = src.at(0, y).pixels;
             D* const out = dst.at(0, y).pixels;
             forVectors<4>(width, [&](auto side, uint32_t x) {
-                constexpr uint32_t n = decltype(side)::value;
-                u32p sums[n];
-                for (uint32_t v = 0; v < n; ++v)
-                    sums[v] = {u32v{} + scale.half, u32v{} + scale.half};
+                RowSums<decltype(side)::value> sums(u32v{} + scale.half);
                 for (uint32_t k = 0; k < plan.count; ++k) {
-                    const Plan::Pair& pair = plan.pairs[k];
-                    const s16v weights = repeatPair(pair.weights);
-                    const auto* const p = (const int16_t*)((const char*)(in + x) + pair.offset);
-                    for (uint32_t v = 0; v < n; ++v)
-                        sums[v] = addPairs(sums[v], neighbours(p + v * kLanes), weights);
+                    const auto* const p = (const int16_t*)((const char*)(in + x) + plan.pairs[k].offset);
+                    sums.add(p, repeatPair(plan.pairs[k].weights));
                 }
-                for (uint32_t v = 0; v < n; ++v)
-                    write(scaled(sums[v], scale.shift), out + x + v * kLanes);
+                sums.write(scale.shift, out + x);
             });
         }
     };
