@@ -22,7 +22,7 @@ struct Powers {
 };
 
 // Of bytes, each of the sums over a column fits 16 bits: 255 * 7 * 8 * 9 * 10 / 24 = 53550; each of the 16 sums of
-// them 32 bits: 255 * 7 * (15^3 + 31^3 + ... + 95^3) < 2^32. Whole tiles take more.
+// them 32 bits: 255 * 7 * (15^3 + 31^3 + ... + 95^3) < 2^32. Only the sum of x^3 * v of a whole tile takes more.
 template <class T>
 using Column = std::conditional_t<std::is_same_v<T, uint8_t>, uint16_t, double>;
 template <class T>
@@ -85,9 +85,9 @@ ODX_MOMENTS_INLINE Powers<Whole<T>> tile(const T* const (&rows)[kRows])
         }
     }
     using W = Whole<T>;
-    const W a0 = total<W>(sums[0]), a1 = total<W>(sums[1]), a2 = total<W>(sums[2]), a3 = total<W>(sums[3]),
-            b0 = total<W>(sums[4]), b1 = total<W>(sums[5]), b2 = total<W>(sums[6]), c0 = total<W>(sums[7]),
-            c1 = total<W>(sums[8]), d0 = total<W>(sums[9]);
+    const W a0 = total<L>(sums[0]), a1 = total<L>(sums[1]), a2 = total<L>(sums[2]), a3 = total<W>(sums[3]),
+            b0 = total<L>(sums[4]), b1 = total<L>(sums[5]), b2 = total<L>(sums[6]), c0 = total<L>(sums[7]),
+            c1 = total<L>(sums[8]), d0 = total<L>(sums[9]);
     return {a0,
             a1,
             a2,

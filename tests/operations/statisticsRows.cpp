@@ -89,19 +89,6 @@ void spatialHistogram(Draw& draw)
     });
 }
 
-void equalized(Draw& draw)
-{
-    const Extent extent = draw.extent();
-    const auto src = draw.source<uint8_t>("src", extent);
-    const bool inPlace = !draw.measures() && draw.pick("in place", {0, 1}) == 1;
-    if (inPlace) draw.writesInPlace(src);
-    const auto dst = inPlace ? src : draw.destination<uint8_t>("dst", extent);
-    draw.run([&] {
-        odxImageHistogramEqualizeu8(src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
-                                    dst.strideArgument());
-    });
-}
-
 template <auto* operation, auto... estimator>
 void meanAndVariance(Draw& draw)
 {
@@ -163,7 +150,7 @@ std::vector<Row> statisticsRows()
         {"odxImageIntensityHistogram", intensityHistogram, true},
         {"odxImageSpatialHistogramu8", spatialHistogram<false>, true},
         {"odxImageSpatialHistogramu8_v2", spatialHistogram<true>, true},
-        {"odxImageHistogramEqualizeu8", equalized, true},
+        {"odxImageHistogramEqualizeu8", imageToImage<uint8_t, uint8_t, odxImageHistogramEqualizeu8>, true},
         {"odxImageIntensityStats", meanAndVariance<odxImageIntensityStats>},
         {"odxImageIntensityStats_v2",
          meanAndVariance<odxImageIntensityStats_v2, oneOf<ONDRIX_VARIANCE_POPULATION, ONDRIX_VARIANCE_SAMPLE>>},
