@@ -368,10 +368,10 @@ ODX_API int odxKDTreeCreate36s8f32(const int8_t* vectors, const float* invLength
 /// there are maxNNs results and the worst is below the bound. At a leaf the distance is computed and the vector
 /// becomes a result if there are fewer than maxNNs or if it is better than the worst: nearer, or as near with a
 /// lower index. Then the side with the least bound is next, until none is left, or until there are maxNNs results
-/// and maxChecks leaves were looked at; so maxChecks 0 still finds maxNNs. The order of sides with equal bounds is
-/// open.
+/// and maxChecks leaves were looked at; so maxChecks 0 still finds maxNNs. Of sides with equal
+/// bounds the one is next that comes first in the tree in depth-first order, left before right.
 ///
-/// The search marks the tree: a tree serves one query at a time. Several trees are independent.
+/// The search works in memory of the tree: a tree serves one query at a time. Several trees are independent.
 /// \param kdtree      from `odxKDTreeCreate36s8f32`
 /// \param queryInvLen inverse length of the query, at least 0
 /// \param maxNNs      room for results; may exceed the number of vectors
@@ -399,7 +399,11 @@ ODX_API int odxKDTreeDestroy36s8f32(odxKDTree36s8f32* kdtree);
 
 /// Sorts the descriptors of each target of a database by their target ids, in place.
 ///
-/// Descriptors, inverse lengths, ids and descDBOldIdx move together; the order of equal ids is open.
+/// Descriptors, inverse lengths, ids and descDBOldIdx move together. Equal ids have the order that a heap sort
+/// leaves: with places counted from 0, sink(i, end) exchanges i with the greater of its children 2i + 1 and 2i + 2
+/// below end, the first of equal ones, and goes on there, while it is below that child. From i = count / 2 - 1
+/// down to 0, sink(i, count); then for end = count - 1 down to 1, places 0 and end are exchanged, and
+/// sink(0, end).
 /// \return 0; -1 in silence for null pointers, and at the first target whose first + count exceeds numDBDesc (it
 ///         and the targets behind it are not sorted)
 ODX_API int odxLinearSearchPrepare8x36s8(uint32_t* dbLUT, unsigned int numDBLUT, int8_t* descDB,

@@ -14,7 +14,6 @@ namespace
 constexpr const char* kSource = "ondrixKDTree36s8f32C";
 constexpr int kLength = 36;
 constexpr int kNoChild = -1;
-constexpr int kFirstStamp = -1000;
 constexpr int kMostSampled = 100; // besides the first
 constexpr int kCandidates = 5;    // dimensions of high variance, of which one is drawn
 
@@ -39,26 +38,36 @@ int drawBelow(int count)
     return static_cast<int>(static_cast<double>(randValue(100)) / 2147483648.0 * count);
 }
 
-struct Record {
-    const int8_t* vector;
-    float invLength;
-
-    float at(int dimension) const { return invLength * static_cast<float>(vector[dimension]); }
-};
-
+// What a query touches stands close together: it waits for memory more than for anything else.
 struct Node {
+    float split;       // of a leaf: the inverse length of its vector
     int32_t dimension; // of a leaf: its vector
-    float split;
-    int32_t children[2];
+    int32_t right;     // the left child is the next node
 
-    bool isLeaf() const { return children[0] == kNoChild; } // then it has no other
+    bool isLeaf() const { return right == kNoChild; }
 };
 
-// Nodes that were passed by, as a heap by their bounds.
-struct Branch {
+// Nodes that were passed by, as a heap by their bounds and numbers: both in one number, as bounds are not
+// negative.
+typedef uint64_t Branch;
+
+Branch branchTo(float bound, int32_t node)
+{
+    uint32_t bits;
+    memcpy(&bits, &bound, sizeof bits);
+    return Branch{bits} << 32 | static_cast<uint32_t>(node);
+}
+float boundOf(Branch branch)
+{
+    const uint32_t bits = static_cast<uint32_t>(branch >> 32);
     float bound;
-    int32_t node;
-};
+    memcpy(&bound, &bits, sizeof bound);
+    return bound;
+}
+int32_t nodeOf(Branch branch)
+{
+    return static_cast<int32_t>(branch & 0xFFFFFFFF);
+}
 
 struct Found {
     int32_t index;
@@ -91,14 +100,19 @@ struct NodePool {
 
 struct odxKDTree36s8f32 {
     int count;
-    Record* records;
+    const int8_t* vectors;
+    float* invLengths;
     NodePool* pool;
     int32_t root;
     int32_t* indices;
     Branch* heap;
     int heapSize;
-    int32_t* stamps;
-    int32_t stamp;
+
+    const int8_t* vector(int32_t index) const { return vectors + kLength * static_cast<size_t>(index); }
+    float at(int32_t index, int dimension) const
+    {
+        return invLengths[index] * static_cast<float>(vector(index)[dimension]);
+    }
 };
 
 namespace
@@ -108,12 +122,11 @@ using Tree = odxKDTree36s8f32;
 
 void release(Tree* tree)
 {
-    heapFree(tree->stamps);
     heapFree(tree->heap);
     heapFree(tree->indices);
     if (tree->pool != nullptr) heapFree(tree->pool->nodes);
     heapFree(tree->pool);
-    heapFree(tree->records);
+    heapFree(tree->invLengths);
     heapFree(tree);
 }
 
@@ -151,16 +164,16 @@ void chooseSplit(const Tree& tree, int lo, int hi, Node& node)
     const float n = static_cast<float>(last - lo + 1);
     float mean[kLength] = {}, variance[kLength] = {};
     for (int i = lo; i <= last; ++i) {
-        const Record& record = tree.records[tree.indices[i]];
+        const int32_t index = tree.indices[i];
         for (int d = 0; d < kLength; ++d)
-            mean[d] += record.at(d);
+            mean[d] += tree.at(index, d);
     }
     for (float& m : mean)
         m /= n;
     for (int i = lo; i <= last; ++i) {
-        const Record& record = tree.records[tree.indices[i]];
+        const int32_t index = tree.indices[i];
         for (int d = 0; d < kLength; ++d) {
-            const float difference = record.at(d) - mean[d];
+            const float difference = tree.at(index, d) - mean[d];
             variance[d] += difference * difference;
         }
     }
@@ -186,7 +199,7 @@ int partition(Tree& tree, int lo, int hi, const Node& node)
 {
     int a = lo, b = hi;
     while (a <= b) {
-        if (tree.records[tree.indices[a]].at(node.dimension) < node.split) {
+        if (tree.at(tree.indices[a], node.dimension) < node.split) {
             ++a;
         } else {
             const int32_t swapped = tree.indices[a];
@@ -210,18 +223,17 @@ int buildIndex(Tree& tree)
     } callStack = {0, static_cast<int64_t>(2 * count), allocate<Frame>(2 * count)};
     tree.indices = allocate<int32_t>(count);
     tree.heap = allocate<Branch>(count + 1);
-    tree.stamps = allocate<int32_t>(count);
-    if (callStack.frames == nullptr || tree.indices == nullptr || tree.heap == nullptr || tree.stamps == nullptr) {
+    if (callStack.frames == nullptr || tree.indices == nullptr || tree.heap == nullptr) {
         heapFree(callStack.frames);
         return -1;
     }
-    memset(tree.stamps, 0, sizeof *tree.stamps * count);
     shuffleIndices(tree);
 
     const auto push = [&callStack](Frame frame) {
         ODX_FATAL_ASSERT(kSource, __LINE__, callStack.top < callStack.maxSize - 1);
         callStack.frames[callStack.top++] = frame;
     };
+    int32_t unused;
     push({0, tree.count - 1, &tree.root});
     while (callStack.top > 0) {
         const Frame frame = callStack.frames[--callStack.top];
@@ -229,14 +241,14 @@ int buildIndex(Tree& tree)
         Node& node = tree.pool->nodes[number];
         *frame.slot = number;
         if (frame.lo == frame.hi) {
-            node = {tree.indices[frame.lo], 0, {kNoChild, kNoChild}};
+            const int32_t index = tree.indices[frame.lo];
+            node = {tree.invLengths[index], index, kNoChild};
             continue;
         }
-        node = {0, 0, {kNoChild, kNoChild}};
         chooseSplit(tree, frame.lo, frame.hi, node);
         const int split = partition(tree, frame.lo, frame.hi, node);
-        push({split, frame.hi, &node.children[1]});
-        push({frame.lo, split - 1, &node.children[0]});
+        push({split, frame.hi, &node.right});
+        push({frame.lo, split - 1, &unused});
     }
     heapFree(callStack.frames);
     return 0;
@@ -247,7 +259,7 @@ int buildIndex(Tree& tree)
 void push(Tree& tree, Branch branch)
 {
     int i = tree.heapSize++;
-    for (; i > 0 && branch.bound < tree.heap[(i - 1) / 2].bound; i = (i - 1) / 2)
+    for (; i > 0 && branch < tree.heap[(i - 1) / 2]; i = (i - 1) / 2)
         tree.heap[i] = tree.heap[(i - 1) / 2];
     tree.heap[i] = branch;
 }
@@ -261,12 +273,12 @@ Branch pop(Tree& tree)
     const int size = --tree.heapSize;
     int hole = 0;
     for (int child = 1; child < size; child = 2 * hole + 1) {
-        child += heap[child + 1].bound < heap[child].bound ? 1 : 0; // the last one stands behind them
+        child += heap[child + 1] < heap[child] ? 1 : 0; // the last one stands behind them
         heap[hole] = heap[child];
         hole = child;
     }
     const Branch moved = heap[size];
-    for (; hole > 0 && moved.bound < heap[(hole - 1) / 2].bound; hole = (hole - 1) / 2)
+    for (; hole > 0 && moved < heap[(hole - 1) / 2]; hole = (hole - 1) / 2)
         heap[hole] = heap[(hole - 1) / 2];
     heap[hole] = moved;
     return least;
@@ -279,6 +291,7 @@ struct Query {
     int maxChecks;
     Found* results; // sorted
     int capacity, found, checks;
+    float scaled[kLength];
 
     bool full() const { return found == capacity; }
     float worst() const { return results[found - 1].distance; }
@@ -294,33 +307,49 @@ struct Query {
         results[place] = candidate;
     }
 
-    // A vector stands in one leaf, and its stamp keeps it from being looked at twice: it is never among the
-    // results.
-    void visit(int32_t index)
+    void visit(const Node& leaf)
     {
-        if (tree.stamps[index] == tree.stamp || isDone()) return;
+        if (isDone()) return;
         ++checks;
-        tree.stamps[index] = tree.stamp;
-        const Record& record = tree.records[index];
+        const int8_t* const candidate = tree.vector(leaf.dimension);
         float distance;
-        odxSumOfSquaredDiffs36xNs8(vector, invLength, &record.vector, &record.invLength, 1, &distance);
-        insert({index, distance});
+        odxSumOfSquaredDiffs36xNs8(vector, invLength, &candidate, &leaf.split, 1, &distance);
+        insert({leaf.dimension, distance});
     }
 
+    float difference(const Node& node) const { return scaled[node.dimension] - node.split; }
+
+    // Every vector stands in one leaf and is looked at once. The results change only there, at the end.
     void descend(Branch branch)
     {
-        while (!isBeyond(branch.bound)) {
-            const Node& node = tree.pool->nodes[branch.node];
-            if (node.isLeaf()) {
-                visit(node.dimension);
-                return;
+        const float bound = boundOf(branch);
+        if (isBeyond(bound)) return;
+        int32_t number = nodeOf(branch);
+        const Node* const nodes = tree.pool->nodes;
+        while (!nodes[number].isLeaf()) {
+            const Node& node = nodes[number];
+            const float difference = this->difference(node), farBound = bound + difference * difference;
+            const bool left = difference < 0;
+            const int32_t far = left ? node.right : number + 1;
+            if ((!full() || farBound < worst()) && tree.heapSize <= tree.count) {
+                __builtin_prefetch(nodes + far);
+                push(tree, branchTo(farBound, far));
             }
-            const float difference = static_cast<float>(vector[node.dimension]) * invLength - node.split;
-            const int side = difference < 0 ? 0 : 1;
-            const Branch far = {branch.bound + difference * difference, node.children[1 - side]};
-            if ((!full() || far.bound < worst()) && tree.heapSize <= tree.count) push(tree, far);
-            branch.node = node.children[side];
+            number = left ? number + 1 : node.right;
         }
+        visit(nodes[number]);
+    }
+
+    // The vector that a descent will end at is fetched while another one is under way.
+    void prefetch(Branch branch) const
+    {
+        int32_t number = nodeOf(branch);
+        const Node* const nodes = tree.pool->nodes;
+        while (!nodes[number].isLeaf())
+            number = difference(nodes[number]) < 0 ? number + 1 : nodes[number].right;
+        const int8_t* const candidate = tree.vector(nodes[number].dimension);
+        __builtin_prefetch(candidate);
+        __builtin_prefetch(candidate + kLength - 1);
     }
 };
 
@@ -331,15 +360,14 @@ int odxKDTreeCreate36s8f32C(const int8_t* vectors, const float* invLengths, int 
 {
     const size_t count = static_cast<size_t>(numVectors);
     Tree* const tree = allocate<Tree>(1);
-    Record* const records = allocate<Record>(count);
-    if (tree == nullptr || records == nullptr) {
-        heapFree(records);
+    float* const lengths = allocate<float>(count);
+    if (tree == nullptr || lengths == nullptr) {
+        heapFree(lengths);
         heapFree(tree);
         return 1;
     }
-    *tree = {numVectors, records, nullptr, kNoChild, nullptr, nullptr, 0, nullptr, kFirstStamp};
-    for (size_t i = 0; i < count; ++i)
-        records[i] = {vectors + kLength * i, invLengths[i]};
+    *tree = {numVectors, vectors, lengths, nullptr, kNoChild, nullptr, nullptr, 0};
+    memcpy(lengths, invLengths, count * sizeof *lengths);
     const int status = KDTrees36s8f32_Init(tree);
     if (status != 0) {
         release(tree);
@@ -365,18 +393,17 @@ int odxKDTreeQuery36s8f32C(odxKDTree36s8f32* kdtree, const int8_t* query, float 
     Found few[kFew];
     Found* const results = capacity <= kFew ? few : allocate<Found>(static_cast<size_t>(capacity));
     if (results == nullptr) return -1;
-    // When the counter has been through all numbers, the stamps begin anew.
-    if (tree.stamp == INT32_MIN) {
-        memset(tree.stamps, 0, sizeof *tree.stamps * static_cast<size_t>(tree.count));
-        tree.stamp = kFirstStamp;
-    }
-    --tree.stamp;
     tree.heapSize = 0;
-    Query search = {tree, query, queryInvLen, maxChecks, results, capacity, 0, 0};
-    search.descend({0, tree.root});
+    Query search = {tree, query, queryInvLen, maxChecks, results, capacity, 0, 0, {}};
+    for (int d = 0; d < kLength; ++d)
+        search.scaled[d] = static_cast<float>(query[d]) * queryInvLen;
+    search.descend(branchTo(0, tree.root));
     // Where the least bound is beyond the worst result, so are all.
-    while (tree.heapSize > 0 && !search.isDone() && !search.isBeyond(tree.heap[0].bound))
-        search.descend(pop(tree));
+    while (tree.heapSize > 0 && !search.isDone() && !search.isBeyond(boundOf(tree.heap[0]))) {
+        const Branch least = pop(tree);
+        if (tree.heapSize > 0) search.prefetch(tree.heap[0]);
+        search.descend(least);
+    }
 
     uint32_t written = 0;
     for (; written < static_cast<uint32_t>(search.found) && results[written].distance < maxDist; ++written) {
