@@ -9,6 +9,7 @@
 
 #include "frame/log.h"
 
+#include <algorithm>
 #include <math.h>
 #include <stddef.h>
 #include <stdint.h>
@@ -126,35 +127,33 @@ public:
         uint16_t* const mask = a_.mask;
         uint32_t* const order = a_.order;
         uint32_t finished = 0, pixel = first;
-        int32_t level = mask[pixel];
+        uint32_t level = mask[pixel];
         mask[pixel] |= kSeen;
         stack_[0].level = kLevels;
-        open(level, finished);
+        open(static_cast<int32_t>(level), finished);
         for (;;) {
             // Of the neighbours that were not seen, the darkest: the words of the others are above all levels.
+            // With their numbers in the lowest bits the comparison needs neither branches nor memory.
             uint16_t* const here = mask + pixel;
-            uint32_t words[neighbours], darkest = 0;
+            uint32_t words[neighbours], least = UINT32_MAX;
             for (uint32_t k = 0; k < neighbours; ++k)
                 words[k] = here[offset[k]];
-            for (uint32_t k = 1; k < neighbours; ++k)
-                darkest = words[k] < words[darkest] ? k : darkest;
-            if (static_cast<int32_t>(words[darkest]) < level) {
+            for (uint32_t k = 0; k < neighbours; ++k)
+                least = std::min(least, 8 * words[k] + k);
+            if (least / 8 < level) {
                 // Down there first; then here once more.
                 push(level, pixel);
-                here[offset[darkest]] |= kSeen;
-                level = static_cast<int32_t>(words[darkest]);
-                pixel += static_cast<uint32_t>(offset[darkest]);
-                open(level, finished);
+                const ptrdiff_t to = offset[least % 8];
+                here[to] |= kSeen;
+                level = least / 8;
+                pixel += static_cast<uint32_t>(to);
+                open(static_cast<int32_t>(level), finished);
                 continue;
             }
-            uint32_t fresh = 0;
-            for (uint32_t k = 0; k < neighbours; ++k)
-                fresh |= (words[k] < kSeen ? 1u : 0u) << k;
-            for (; fresh != 0; fresh &= fresh - 1) {
-                const ptrdiff_t to = offset[__builtin_ctz(fresh)];
-                const uint32_t grey = here[to];
-                here[to] = static_cast<uint16_t>(grey | kSeen);
-                push(static_cast<int32_t>(grey), pixel + static_cast<uint32_t>(to));
+            for (uint32_t k = 0; k < neighbours; ++k) {
+                if (words[k] >= kSeen) continue;
+                here[offset[k]] = static_cast<uint16_t>(words[k] | kSeen);
+                push(words[k], pixel + static_cast<uint32_t>(offset[k]));
             }
             order[finished++] = pixel;
 
@@ -162,7 +161,7 @@ public:
                 waiting_[level / 64] &= ~(uint64_t{1} << level % 64);
                 level = lowestWaiting(level);
                 if (level == kLevels) break;
-                rise(level, finished);
+                rise(static_cast<int32_t>(level), finished);
             }
             pixel = *--top_[level];
         }
@@ -171,18 +170,18 @@ public:
     }
 
 private:
-    void push(int32_t grey, uint32_t pixel)
+    void push(uint32_t grey, uint32_t pixel)
     {
         *top_[grey]++ = pixel;
         waiting_[grey / 64] |= uint64_t{1} << grey % 64;
     }
 
-    int32_t lowestWaiting(int32_t level) const
+    uint32_t lowestWaiting(uint32_t level) const
     {
-        int32_t word = level / 64;
+        uint32_t word = level / 64;
         while (word < 4 && waiting_[word] == 0)
             ++word;
-        return word == 4 ? int32_t{kLevels} : 64 * word + __builtin_ctzll(waiting_[word]);
+        return word == 4 ? kLevels : 64 * word + static_cast<uint32_t>(__builtin_ctzll(waiting_[word]));
     }
 
     void open(int32_t level, uint32_t finished) { *++c_ = {level, finished, kNone, 0, 0, 0, INFINITY, false}; }
