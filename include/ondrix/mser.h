@@ -5,8 +5,7 @@
 /// handle serves one call at a time; calls on distinct handles may run side by side.
 ///
 /// The regions
-/// - Of the image without its outermost rows and columns, all components of pixels with grey values <= g are
-/// taken,
+/// - Of the image without its outermost rows and columns, all components of pixels with grey values <= g are taken
 ///   for each level g from 0 to 255: connected by 4 neighbours, or by 8 with a handle of odxMserNN8Init. These are
 ///   the dark regions (also "plus"). The bright ones ("minus") are the same of the inverted image.
 /// - From one level to the next a component stays as it is, grows by itself, or unites with others. Its history is
@@ -24,6 +23,18 @@
 ///      minDiversity. In any case v becomes the last variation, and nothing is reported until the next step 3.
 ///   Divisions are of floats.
 ///
+/// The order of points and regions
+/// - Pixels are finished in the order of a flood, for the bright regions that of the inverted image. It begins at
+///   (1, 1). At a pixel it looks for the darkest neighbour that it has not met yet, the first of equal ones in the
+///   order right, below, left, above, then (of 8) below right, below left, above left, above right. If that one is
+///   darker than the pixel, the pixel is put aside and the neighbour is next. Else all neighbours not met yet are
+///   put aside, in the same order, and the pixel is finished. Pixels put aside wait in a stack for each level;
+///   next is the last one of the lowest level that has any.
+/// - The pixels of a component are finished one after the other, without others between them. The points of a
+///   region have this order.
+/// - A region is found when the component is complete that is tested with it at level g: regions have the order of
+///   the last pixels of those components, the smaller one first where that is the same pixel.
+///
 /// Working memory: 52 bytes for each pixel, and 4 more in rows that are rounded up to 32.
 ///
 /// Arguments of the extraction
@@ -31,18 +42,21 @@
 ///   floats, (maxArea / (width * height of the handle)) * srcWidth * srcHeight, rounded down. An image larger than
 ///   the handle's, or with a stride below its width, is refused in silence, and nothing is written. A side below 3
 ///   leaves no pixels, so no regions.
-/// - `numContours` receives the number of regions: first the dark ones, then the bright ones. Regions come before
-///   those of the same polarity that contain them; the order is not said otherwise, nor that of points.
+/// - `numContours` receives the number of regions: first the dark ones, then the bright ones, each in their order.
+///   Regions come before those of the same polarity that contain them.
 /// - `numPointsInContour` receives the number of points of each, and `pointsArray` the points of one after the
 ///   other, as pairs x, y: all pixels of the region, not only its outline. Counts of 16 bits are modulo 65536.
 /// - `maxContours` and `pointsArraySize` are the capacities, in regions and in points (pairs). When not everything
 ///   fits, an error line is logged, the outputs have the first regions that fit as a whole, and the result is 0.
 /// - `contourVariation`: the last variation of step 4. `contourPolarity`: 1 for dark regions, -1 for bright ones.
-/// - `contourNodeId`, `contourNodeCounter`: the place of the region in the tree of components. Region i contains
-///   region k of the same polarity exactly if id[i] <= id[k] and id[k] + counter[k] <= id[i] + counter[i]. The
-///   counter is the number of points, in 32 bits.
-/// - Null pointers are refused: with a line in the log ("Assertion failed @...") by the functions without a
-///   result, in silence and with the result 0 by the others.
+/// - `contourNodeId`, `contourNodeCounter`: the place of the region in the tree of components. The id
+///   is the number of pixels finished before the first one of the region, the counter the number of its points, in
+///   32 bits. So region i contains region k of the same polarity exactly if id[i] <= id[k] and
+///   id[k] + counter[k] <= id[i] + counter[i].
+/// - Null pointers are refused, in silence and with the result 0. The functions without a result log the line
+///   "Assertion failed @<operation>: <condition>": of odxMserRelease the condition is "mserHandle", of odxMseru8
+///   "mserHandle && srcPtr && numContours && numPointsInContour && pointsArray", and of odxMserExtu8 the same with
+///   " && contourVariation && contourPolarity && contourNodeId && contourNodeCounter" behind it.
 /// - The two polarities are found by two threads: the calling one, and one that the call starts and joins. Where
 ///   no thread can be had, the calling one does both.
 #ifndef ONDRIX_MSER_H

@@ -9,7 +9,7 @@
 /// - Buffers must not overlap, except where a function says so.
 /// - The solvers overwrite their matrix with its factors. A solver that fails leaves the matrix as far as it was
 ///   factored, and `x` unwritten.
-/// - "Refused" calls log a line ("Assertion failed @...") and write nothing.
+/// - "Refused" calls log the line "Assertion failed @<operation>: <condition>" and write nothing.
 #ifndef ONDRIX_SOLVERS_H
 #define ONDRIX_SOLVERS_H
 
@@ -18,7 +18,9 @@
 /// Product of two matrices of floats.
 /// dst(i, j) = src1(i, 0) * src2(0, j) + src1(i, 1) * src2(1, j) + ..., summed up from 0.0f on in this order.
 /// Strides that are no multiple of 4 are rounded down to one. Refused are null pointers, sizes of 0, and strides
-/// below the bytes of a row.
+/// below the bytes of a row: "src1 && src2 && dst && src1Width && src1Height && src2Width && (src1Stride >=
+/// src1Width*sizeof(float32_t)) && (src2Stride >= src2Width*sizeof(float32_t)) && (dstStride >=
+/// src2Width*sizeof(float32_t))", on one line.
 ///
 /// \param src1  `src1Height` rows of `src1Width` elements
 /// \param src2  `src1Width` rows of `src2Width` elements
@@ -29,7 +31,8 @@ ODX_API void odxMatrixMultiplyf32(const float* src1, unsigned int src1Width, uns
 
 /// Product of two matrices of signed bytes, with 32-bit sums.
 /// As odxMatrixMultiplyf32. `src1Width` is at most 131072, more is refused; the only sum beyond 32 bits, 131072
-/// times -128 * -128, becomes -2^31. The stride of `dst` is rounded down to a multiple of 4.
+/// times -128 * -128, becomes -2^31. The stride of `dst` is rounded down to a multiple of 4. The condition has no
+/// "*sizeof(float32_t)" for `src1` and `src2`, "int32_t" for `dst`, and ends with " && src1Width <= 131072".
 ODX_API void odxMatrixMultiplys8s32(const int8_t* src1, unsigned int src1Width, unsigned int src1Height,
                                     unsigned int src1Stride, const int8_t* src2, unsigned int src2Width,
                                     unsigned int src2Stride, int32_t* dst, unsigned int dstStride);
@@ -77,8 +80,8 @@ ODX_API uint32_t odxSolveLDLf32(float* A, const float* b, float* diag, unsigned 
 ///    A(c, j) /= A(c, c); then for k > c and j > c: A(k, j) -= A(k, c) * A(c, j).
 /// 3. For each i, upward: b[i] and b[pivot[i]] change places; t = b[i]; t -= A(i, j) * x[j] for j = 0 .. i - 1;
 ///    x[i] = t / A(i, i).
-/// 4. For each i, downward: b[i] and b[pivot[i]] change places back; x[i] -= A(i, j) * x[j] for j = i + 1 .. n
-/// - 1.
+/// 4. For each i, downward: b[i] and b[pivot[i]] change places back; x[i] -= A(i, j) * x[j] for j = i + 1 up to
+///    n - 1.
 ///
 /// Rows are kept as bytes: with n above 256 a row index r becomes r % 256, also in steps 1 and 2 (where `c` is
 /// compared with the byte), and the solution is not one. `b` is as it was after the call.
@@ -95,12 +98,12 @@ ODX_API odxStatus odxSolveLUf32(float* A, float* b, int n, uint8_t* pivot, float
 /// By the decomposition of odxSVDf32, which is called for it (the trace shows that call, too). With its U, w and
 /// Vt:
 /// 1. tolerance = (double)1.2e-6f * (w[0] + w[1] + ...), the sum in double precision.
-/// 2. x = 0; for each i, upward, with |w[i]| > tolerance, in double precision: c = (U(0, i) * b[0] + U(1, i) *
-/// b[1] +
-///    ...) / w[i]; x[j] = (float)(x[j] + c * Vt(i, j)) for each j.
+/// 2. x = 0; for each i, upward, with |w[i]| > tolerance, in double precision: c = (0.0 + U(0, i) * b[0] + U(1, i)
+///    * b[1] + ...) / w[i]; x[j] = (float)(x[j] + c * Vt(i, j)) for each j.
 /// So x has no part in the directions that A makes 0; for a matrix of zeros it is 0. Temporary memory: numRows x
 /// numCols floats twice, numCols x numCols floats twice, and numCols floats; without it x is not written. Refused
-/// are null pointers, sizes of 0, and fewer rows than columns.
+/// are null pointers, sizes of 0, and fewer rows than columns: "A && b && x && numRows && numCols && numRows >=
+/// numCols", on one line.
 ///
 /// \param A  `numRows` rows of `numCols` elements; unchanged
 /// \param b  `numRows` elements; unchanged
@@ -108,8 +111,10 @@ ODX_API odxStatus odxSolveLUf32(float* A, float* b, int n, uint8_t* pivot, float
 ODX_API void odxSolvef32(const float* A, unsigned int numCols, unsigned int numRows, const float* b, float* x);
 
 /// Singular value decomposition: A = U diag(w) Vt.
-/// One-sided Jacobi rotations. Refused are null pointers and sizes of 0. With "dot(p, q)" for the sum of products
-/// of doubles in eight parts (part k adds up elements k, k + 8, k + 16 ... from 0.0 on), which are added as
+/// One-sided Jacobi rotations. Refused are null pointers and sizes of 0: "(A != NULL) && (m > 0) && (n > 0) && (w
+/// != NULL) && (U != NULL) && (Vt != NULL) && (tmpU != NULL) && (tmpV != NULL)", on one line. With "dot(p, q)" for
+/// the sum of products of doubles in eight parts (part k adds up elements k, k + 8, k + 16 ... from 0.0 on), which
+/// are added as
 /// ((s0 + s4) + (s2 + s6)) + ((s1 + s5) + (s3 + s7)):
 /// 1. The columns of A are copied to the rows of tmpU (n rows of m elements), tmpV becomes the identity.
 /// 2. A sweep takes all pairs p < q of rows, p upward, for each p q upward. With a = dot(p, p), b = dot(q, q) and
@@ -121,8 +126,7 @@ ODX_API void odxSolvef32(const float* A, unsigned int numCols, unsigned int numR
 /// 4. w[j] = (float)sqrt(dot(j, j)). The largest of the remaining w (the first of equals) changes places with the
 ///    one at j, as do the rows of tmpU and tmpV, for j = 0 .. n - 2.
 /// 5. U(i, j) = (float)(tmpU(j, i) / sqrt(dot(j, j))), or 0 where that root is 0; Vt = tmpV. From j = m on, w and
-/// the
-///    columns of U are 0.
+///    the columns of U are 0.
 /// So singular values come in descending order and are not negative.
 ///
 /// \param A     m rows of n elements; unchanged
