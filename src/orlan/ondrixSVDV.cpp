@@ -25,17 +25,54 @@ constexpr size_t kLanes = kBytes / sizeof(float);
 constexpr size_t kRows = 4, kDepth = 256;
 
 // An arithmetic has the types of elements, sums and units; a step takes a unit of src1, kDeep elements, and as
-// many rows of src2.
+// many rows of src2. Where it takes four, sums begin with what stands for a panel.
 struct Floats {
     typedef float Source, Result, Unit;
     typedef f32v Vector, Sums;
     static constexpr size_t kDeep = 1;
 
-    ODX_MEMBER static Vector pair(const float* row, const float*) { return load<f32v>(row); }
+    ODX_MEMBER static Vector across(const float* const* rows, size_t j) { return load<f32v>(rows[0] + j); }
+    ODX_MEMBER static void fill(Unit* units, const float* src, size_t depth)
+    {
+        memcpy(units, src, depth * sizeof *src);
+    }
     ODX_MEMBER static Vector repeated(const Unit* unit) { return f32v{} + *unit; }
     ODX_MEMBER static Sums step(Sums sum, Vector v, Vector factor) { return sum + v * factor; }
 };
 
+#ifdef ODX_SIMD_QUADS
+// Elements of src1 are 128 greater, so that they have no sign; sums begin with what that is too much.
+struct Bytes {
+    typedef int8_t Source;
+    typedef int32_t Result;
+    typedef struct {
+        uint8_t at[4];
+    } Unit;
+    typedef u8v Vector;
+    typedef s32v Sums;
+    static constexpr size_t kDeep = 4;
+
+    ODX_MEMBER static Vector across(const int8_t* const* rows, size_t j) { return widenQuads(rows, j); }
+    ODX_MEMBER static void fill(Unit* units, const int8_t* src, size_t depth)
+    {
+        uint8_t* const bytes = units->at;
+        for (size_t k = 0; k < depth; ++k)
+            bytes[k] = static_cast<uint8_t>(src[k] ^ 0x80);
+        for (size_t k = depth; k % kDeep != 0; ++k)
+            bytes[k] = 0;
+    }
+    ODX_MEMBER static Sums beginning(const Vector* panel, size_t steps, size_t vectors)
+    {
+        const Unit excess = {{128, 128, 128, 128}};
+        Sums sum = {};
+        for (size_t k = 0; k < steps; ++k)
+            sum = step(sum, panel[k * vectors], repeated(&excess));
+        return -sum;
+    }
+    ODX_MEMBER static Vector repeated(const Unit* unit) { return repeatQuad(unit->at); }
+    ODX_MEMBER static Sums step(Sums sum, Vector v, Vector factor) { return addQuadProducts(sum, v, factor); }
+};
+#else
 struct Bytes {
     typedef int8_t Source;
     typedef int32_t Result;
@@ -46,10 +83,20 @@ struct Bytes {
     typedef s32v Sums;
     static constexpr size_t kDeep = 2;
 
-    ODX_MEMBER static Vector pair(const int8_t* row, const int8_t* next) { return widenPairs(row, next); }
+    ODX_MEMBER static Vector across(const int8_t* const* rows, size_t j)
+    {
+        return widenPairs(rows[0] + j, rows[1] + j);
+    }
+    ODX_MEMBER static void fill(Unit* units, const int8_t* src, size_t depth)
+    {
+        for (size_t k = 0; k + 1 < depth; k += 2)
+            units[k / 2] = {src[k], src[k + 1]};
+        if (depth % 2 != 0) units[depth / 2] = {src[depth - 1], 0};
+    }
     ODX_MEMBER static Vector repeated(const Unit* unit) { return repeatPair(&unit->first); }
     ODX_MEMBER static Sums step(Sums sum, Vector v, Vector factor) { return addPairProducts(sum, v, factor); }
 };
+#endif
 
 template <class T>
 struct Matrix {
@@ -69,6 +116,7 @@ struct Product {
     static constexpr size_t kDeep = Arithmetic::kDeep;
 
     Vector panel[kDepth / kDeep * 2];
+    Sums beginnings[2];
     Unit units[kRows][kDepth / kDeep];
 
     // `count` columns of `depth` rows. A step beyond the last row finds zeros.
@@ -89,19 +137,11 @@ struct Product {
                 }
             }
             for (size_t v = 0; v < vectors; ++v)
-                panel[k / kDeep * vectors + v] =
-                    Arithmetic::pair(row[0] + v * kLanes, row[kDeep - 1] + v * kLanes);
+                panel[k / kDeep * vectors + v] = Arithmetic::across(row, v * kLanes);
         }
-    }
-
-    ODX_MEMBER void fillUnits(size_t r, const Source* src, size_t depth)
-    {
-        if constexpr (kDeep == 1) {
-            memcpy(units[r], src, depth * sizeof(Source));
-        } else {
-            for (size_t k = 0; k + 1 < depth; k += 2)
-                units[r][k / 2] = {src[k], src[k + 1]};
-            if (depth % 2 != 0) units[r][depth / 2] = {src[depth - 1], 0};
+        if constexpr (kDeep == 4) {
+            for (size_t v = 0; v < vectors; ++v)
+                beginnings[v] = Arithmetic::beginning(panel + v, (depth + kDeep - 1) / kDeep, vectors);
         }
     }
 
@@ -117,6 +157,10 @@ struct Product {
         for (size_t r = 0; r < rows && !first; ++r) {
             for (size_t v = 0; v < vectors; ++v)
                 memcpy(&sums[r][v], dst.row(r) + v * kLanes, whole(v) ? sizeof(Sums) : rest);
+        }
+        for (size_t r = 0; r < rows && kDeep == 4; ++r) {
+            for (size_t v = 0; v < vectors; ++v)
+                sums[r][v] += beginnings[v];
         }
         for (size_t k = 0; k < steps; ++k) {
             for (size_t r = 0; r < rows; ++r) {
@@ -147,11 +191,11 @@ struct Product {
             size_t i = 0;
             for (; height - i >= kRows; i += kRows) {
                 for (size_t r = 0; r < kRows; ++r)
-                    fillUnits(r, src1.row(i + r) + k, now);
+                    Arithmetic::fill(units[r], src1.row(i + r) + k, now);
                 block<kRows, vectors>(steps, {dst.row(i), dst.stride}, count, k == 0);
             }
             for (; i < height; ++i) {
-                fillUnits(0, src1.row(i) + k, now);
+                Arithmetic::fill(units[0], src1.row(i) + k, now);
                 block<1, vectors>(steps, {dst.row(i), dst.stride}, count, k == 0);
             }
         }

@@ -11,8 +11,8 @@ static bool supported()
     return __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
            __builtin_cpu_supports("avx512cd") && __builtin_cpu_supports("avx512dq") &&
            __builtin_cpu_supports("avx512vl") && __builtin_cpu_supports("avx512vbmi") &&
-           __builtin_cpu_supports("avx512bitalg") && __builtin_cpu_supports("avx2") &&
-           __builtin_cpu_supports("bmi2") && __builtin_cpu_supports("fma");
+           __builtin_cpu_supports("avx512bitalg") && __builtin_cpu_supports("avx512vnni") &&
+           __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi2") && __builtin_cpu_supports("fma");
 #elif defined(__AVX2__)
     return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi2") && __builtin_cpu_supports("fma");
 #else
