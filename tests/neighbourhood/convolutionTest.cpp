@@ -1,6 +1,6 @@
 // The convolutions against their definition.
 #include "ondrix.h"
-#include "smoothing/models.h"
+#include "support/pictures.h"
 
 #include <gtest/gtest.h>
 
