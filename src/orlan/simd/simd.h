@@ -56,6 +56,9 @@
 //                                target's own order
 //   repeatPair(p)                two words in the place of each such pair
 //   addPairProducts(sum, v, w)   sum + both products of each of these pairs, of an s32v
+//   widenQuads, repeatQuad, addQuadProducts
+//                                the same for fours of bytes, signed ones from four rows and unsigned factors,
+//                                where ODX_SIMD_QUADS says that there are instructions for them
 //   mulHigh(v, k)                the upper halves of 16-bit products
 //   mulRound(v, k)               (v * k + 16384) >> 15 for v and k up to 32767, of u16v and s16v
 //   dotShift<n>(v, w, k, l, c)   (v * k + w * l + c) >> n of s16v, with 32-bit sums; for results that fit 16 bits
@@ -85,7 +88,7 @@
 //   joinSaturated(pair)          a pair of that order, clipped to 16 bits
 //   rootNear(v), ratioNear(v, w) of f32v, the square root to 2^-20 of itself, of 0 or of what is at least 1; and
 //                                v / w to 2^-12
-//   ByteTable<size>(p)           64 or 256 bytes, which stay as they are; table(v) has those at the places v of
+//   ByteTable<size>(p)           64, 128 or 256 bytes, which stay as they are; table(v) has those at the places v of
 //   u8v,
 //                                below the size
 //   any(v)                       whether any byte is not 0

@@ -1,4 +1,5 @@
-// The backend of AVX2 (32 bytes) and AVX-512 with VBMI and BITALG (64 bytes): the same instructions at two widths.
+// The backend of AVX2 (32 bytes) and AVX-512 with VBMI, BITALG and VNNI (64 bytes): the same instructions at two
+// widths.
 #ifndef ODX_ORLAN_SIMD_X86_H
 #define ODX_ORLAN_SIMD_X86_H
 
@@ -330,6 +331,34 @@ ODX_INLINE s32v addPairProducts(s32v sum, s16v v, s16v w)
     return sum + (s32v)ODX_MM(madd_epi16)((ODX_MI)v, (ODX_MI)w);
 }
 
+#if ODX_VECTOR_BYTES == 64 && !defined(ODX_EMULATE_AVX512)
+#define ODX_SIMD_QUADS
+ODX_INLINE u8v widenQuads(const int8_t* const* rows, size_t offset)
+{
+    const auto sixteen = [=](size_t i) __attribute__((always_inline))
+    {
+        return load<__m128i>(rows[i] + offset);
+    };
+    const __m128i low01 = _mm_unpacklo_epi8(sixteen(0), sixteen(1)),
+                  high01 = _mm_unpackhi_epi8(sixteen(0), sixteen(1)),
+                  low23 = _mm_unpacklo_epi8(sixteen(2), sixteen(3)),
+                  high23 = _mm_unpackhi_epi8(sixteen(2), sixteen(3));
+    const __m128i quads[4] = {_mm_unpacklo_epi16(low01, low23), _mm_unpackhi_epi16(low01, low23),
+                              _mm_unpacklo_epi16(high01, high23), _mm_unpackhi_epi16(high01, high23)};
+    return (u8v)load<__m512i>(quads);
+}
+ODX_INLINE u8v repeatQuad(const uint8_t* p)
+{
+    int32_t all;
+    memcpy(&all, p, sizeof all);
+    return (u8v)_mm512_set1_epi32(all);
+}
+ODX_INLINE s32v addQuadProducts(s32v sum, u8v v, u8v w)
+{
+    return (s32v)_mm512_dpbusd_epi32((__m512i)sum, (__m512i)w, (__m512i)v);
+}
+#endif
+
 ODX_INLINE u16v mulHigh(u16v v, uint16_t k)
 {
     return (u16v)ODX_MM(mulhi_epu16)((ODX_MI)v, ODX_MM(set1_epi16)((short)k));
@@ -588,6 +617,8 @@ struct ByteTable {
         const __m512i index = (__m512i)v;
         if constexpr (size == 64) {
             return (u8v)_mm512_permutexvar_epi8(index, part[0]);
+        } else if constexpr (size == 128) {
+            return (u8v)_mm512_permutex2var_epi8(part[0], index, part[1]);
         } else {
             const __m512i low = _mm512_permutex2var_epi8(part[0], index, part[1]),
                           high = _mm512_permutex2var_epi8(part[2], index, part[3]);
@@ -596,19 +627,29 @@ struct ByteTable {
     }
 };
 #else
+// Each part of 16 entries is a difference to the one before, so that those up to a value's part sum to its entry:
+// the others find a negative index, and give 0.
 template <uint32_t size>
 struct ByteTable {
-    const uint8_t* table;
+    __m256i part[size / 16];
 
-    ODX_MEMBER explicit ByteTable(const uint8_t* t) : table(t) {}
-    // Sixteen entries at a time: the high bit, which others have then, makes them 0.
+    ODX_MEMBER explicit ByteTable(const uint8_t* table)
+    {
+        for (uint32_t i = 0; i < size / 16; ++i) {
+            const __m128i own = _mm_loadu_si128((const __m128i*)(table + 16 * i));
+            part[i] = inEachLane(i % 8 == 0 ? own : own ^ _mm_loadu_si128((const __m128i*)(table + 16 * i - 16)));
+        }
+    }
     ODX_MEMBER u8v operator()(u8v v) const
     {
         u8v found = {};
-        for (uint32_t first = 0; first < size; first += 16) {
-            const __m256i part = _mm256_broadcastsi128_si256(_mm_loadu_si128((const __m128i*)(table + first)));
-            const u8v index = addSat(v - (uint8_t)first, u8v{} + 0x70);
-            found |= (u8v)_mm256_shuffle_epi8(part, (__m256i)index);
+        for (uint32_t half = 0; half < size; half += 128) {
+            const s8v index = (s8v)(v ^ (uint8_t)half); // negative in the other half
+            for (uint32_t i = 0; i < 8 && half + 16 * i < size; ++i) {
+                const s8v within =
+                    size <= 128 ? index - (int8_t)(16 * i) : subSat(index, s8v{} + (int8_t)(16 * i));
+                found ^= (u8v)_mm256_shuffle_epi8(part[half / 16 + i], (__m256i)within);
+            }
         }
         return found;
     }
