@@ -51,17 +51,18 @@ T* results(Draw& draw)
 
 // ---- shapes ----
 
-template <auto* operation, auto... arguments>
-void taking(Draw& draw)
-{
-    draw.call(operation, drawn<arguments...>(draw));
-}
-
 template <auto... arguments>
 auto drawn(Draw& draw)
 {
     const std::tuple values{arguments(draw)...}; // in this order
     return std::apply([](const auto&... value) { return std::tuple_cat(flat(value)...); }, values);
+}
+
+// operation(arguments...).
+template <auto* operation, auto... arguments>
+void taking(Draw& draw)
+{
+    draw.call(operation, drawn<arguments...>(draw));
 }
 
 // call(rest...), with what each of `rest` draws.
