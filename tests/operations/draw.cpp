@@ -223,20 +223,21 @@ void Draw::fillIntegers(uint8_t* row, uint32_t width, size_t elementSize, uint32
 
 double Draw::realPixel(uint32_t x, uint32_t y)
 {
-    std::uniform_real_distribution<double> unit(-1, 1);
+    // From -1 to below 1, and cheap under emulation.
+    const auto unit = [this] { return 0x1p-31 * static_cast<int32_t>(random_() >> 32); };
     switch (content_) {
     case 0:
-        return 255 * unit(random_);
+        return 255 * unit();
     case 1:
         return below(2) == 0 ? 0 : 1e6;
     case 2:
         return static_cast<double>(constant_ % 256);
     case 3:
-        return below(40) == 0 ? unit(random_) : 0;
+        return below(40) == 0 ? unit() : 0;
     case 4:
         return 0.25 * x - 0.5 * y;
     default: { // from far below one to far above, down to where differences are denormal
-        const double fraction = unit(random_);
+        const double fraction = unit();
         return std::ldexp(fraction, static_cast<int>(below(250)) - 125);
     }
     }
