@@ -77,6 +77,7 @@ constexpr uint32_t lanesFor(size_t size1, size_t size2, size_t size3)
 
 template <class S1, class S2, class D, class Operation>
 struct OfTwo : Lanes<lanesFor(sizeof(S1), sizeof(S2), sizeof(D))> {
+    static constexpr bool kIsShort = OfTwo::kLanes * sizeof(D) == kBytes;
     Operation operation;
 
     ODX_MEMBER explicit OfTwo(Operation o) : operation(o) {}
@@ -88,6 +89,7 @@ struct OfTwo : Lanes<lanesFor(sizeof(S1), sizeof(S2), sizeof(D))> {
 
 template <class S, class D, class Operation>
 struct OfOne : Lanes<lanesFor(sizeof(S), sizeof(S), sizeof(D))> {
+    static constexpr bool kIsShort = OfOne::kLanes * sizeof(D) == kBytes;
     Operation operation;
 
     ODX_MEMBER explicit OfOne(Operation o) : operation(o) {}
@@ -150,21 +152,16 @@ ODX_INLINE f32v product(f32v a, f32v b)
     return a * b;
 }
 
-// ---- absolute differences ----
-
-ODX_INLINE u8v absoluteDifference(u8v a, u8v b)
-{
-    return max(a, b) - min(a, b);
-}
-// What 31 bits do not hold has the sign bit set.
-ODX_INLINE s32v absoluteDifference(s32v a, s32v b)
-{
-    const s32v high = max(a, b), low = a ^ b ^ high, d = (s32v)((u32v)high - (u32v)low);
-    return (d | d >> 31) & INT32_MAX;
-}
 ODX_INLINE f32v absoluteDifference(f32v a, f32v b)
 {
-    return (f32v)((u32v)difference(a, b) & INT32_MAX);
+    if (kFlushesDenormals && !neverDenormal<27>(a, b))
+        return laneByLane(a, b, [](float x, float y) { return __builtin_fabsf(x - y); });
+    return distance(a, b);
+}
+template <class V>
+ODX_INLINE V absoluteDifference(V a, V b)
+{
+    return distance(a, b);
 }
 
 // ---- numbers of interleaved channels ----

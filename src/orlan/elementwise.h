@@ -44,6 +44,7 @@ using namespace simd;
 template <uint32_t lanes>
 struct Lanes {
     static constexpr uint32_t kLanes = lanes;
+    static constexpr bool kIsShort = false; // a kernel of few instructions, which stores whole vectors
 };
 
 // The elements of a kernel's image in a place of their own.
@@ -91,6 +92,27 @@ struct ElementRow {
         memcpy(destination, aside.elements, sizeof aside.elements);
     }
 
+    // Two at a time are loaded before one is stored where that makes pairs of vectors.
+    static constexpr bool kInPairs = kPairsVectors && Kernel::kIsShort;
+    ODX_MEMBER static void two(const Kernel& kernel, T*... p, Apart<T>... first, Apart<T>... second)
+    {
+        kernel(inPlaceOrAside(p, first)...);
+        kernel(inPlaceOrAside(p + kLanes, second)...);
+        (bring(first, p), ...);
+        (bring(second, p + kLanes), ...);
+    }
+    template <uint32_t times>
+    ODX_MEMBER static void several(const Kernel& kernel, T*... p)
+    {
+        constexpr uint32_t now = kInPairs ? 2 : 1;
+        if constexpr (kInPairs) {
+            two(kernel, p..., Apart<T>()..., Apart<T>()...);
+        } else {
+            kernel(p...);
+        }
+        if constexpr (times > now) several<times - now>(kernel, (p + now * kLanes)...);
+    }
+
     // A row of a vector or more, which begins `aligned` elements before a place to store vectors at.
     ODX_MEMBER static void walk(const Kernel& kernel, size_t n, size_t aligned, T*... p, Apart<T>... first,
                                 Apart<T>... last)
@@ -99,11 +121,13 @@ struct ElementRow {
         kernel(inPlaceOrAside(p, first)...);
         kernel(inPlaceOrAside(p + end, last)...);
         size_t i = aligned;
-        for (; n - i >= 4 * kLanes; i += 4 * kLanes) {
-            kernel((p + i)...);
-            kernel((p + i + kLanes)...);
-            kernel((p + i + 2 * kLanes)...);
-            kernel((p + i + 3 * kLanes)...);
+        if constexpr (kInPairs) {
+            const size_t stop = n - (n - i) % (8 * kLanes);
+            for (; i != stop; i += 8 * kLanes)
+                several<8>(kernel, (p + i)...);
+        } else {
+            for (; n - i >= 4 * kLanes; i += 4 * kLanes)
+                several<4>(kernel, (p + i)...);
         }
         for (; n - i >= kLanes; i += kLanes)
             kernel((p + i)...);

@@ -151,6 +151,7 @@ struct Directions : Lanes<kBytes> {
 
 template <class T, uint32_t channels>
 struct ToValues : Lanes<Pattern<T, channels>::kPixels>, Pattern<T, channels> {
+    static constexpr bool kIsShort = true;
     using Pattern<T, channels>::Pattern;
 
     ODX_MEMBER void operator()(const Pixel<T, channels>* in, Pixel<T, channels>* out) const
@@ -164,6 +165,7 @@ struct ToValues : Lanes<Pattern<T, channels>::kPixels>, Pattern<T, channels> {
 
 template <class T, uint32_t channels>
 struct SetAll : Lanes<Pattern<T, channels>::kPixels>, Pattern<T, channels> {
+    static constexpr bool kIsShort = true;
     using Pattern<T, channels>::Pattern;
 
     ODX_MEMBER void operator()(Pixel<T, channels>* out) const
@@ -403,6 +405,8 @@ odxStatus odxAdds16_v2V(ODX_TWO_IMAGES(int16_t, int16_t, int16_t, policy))
 
 void odxTableLookupu8V(ODX_ONE_IMAGE(uint8_t, uint8_t, table))
 {
+    if constexpr (!ByteTable<256>::kFast)
+        return odxTableLookupu8C(src, srcWidth, srcHeight, srcStride, table, dst, dstStride);
     const ByteTable<256> lookup(table);
     onOne(ODX_KERNEL((u8v v), lookup(v)), srcWidth, srcHeight, Rows{src, srcStride}, Rows{dst, dstStride});
 }

@@ -282,11 +282,7 @@ struct Repacking<repacked::RGB565, repacked::BGR565> {
 };
 template <>
 struct Repacking<repacked::RGBA8888, repacked::BGRA8888> {
-    ODX_INLINE void group(const uint8_t* in, uint8_t* out)
-    {
-        for (size_t quarter = 0; quarter < 4 * kBytes; quarter += kBytes)
-            store(out + quarter, mirrorQuads(load<u8v>(in + quarter)));
-    }
+    ODX_INLINE void group(const uint8_t* in, uint8_t* out) { mirror4(out, in); }
 };
 
 #define ODX_REPACK(name, from, to)                                                              \

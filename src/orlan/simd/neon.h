@@ -452,15 +452,10 @@ ODX_INLINE u8v fineSums(const uint8_t* p)
                             vrshrn_n_u16(vsraq_n_u16(upper.high, lower.high, 8), 8));
 }
 
-ODX_INLINE u8v mirrorQuads(u8v v)
+ODX_INLINE void mirror4(uint8_t* q, const uint8_t* p)
 {
-    const uint8x8_t table = vcreate_u8(0x0704050603000102);
-#if defined(__aarch64__)
-    return (u8v)vqtbl1q_u8((uint8x16_t)v, vcombine_u8(table, vadd_u8(table, vdup_n_u8(8))));
-#else
-    return (u8v)vcombine_u8(vtbl1_u8(vget_low_u8((uint8x16_t)v), table),
-                            vtbl1_u8(vget_high_u8((uint8x16_t)v), table));
-#endif
+    const u8x4 v = load4(p);
+    store4(q, v.c, v.b, v.a, v.d);
 }
 
 // ---- words of 5, 6 and 5 bits ----
@@ -481,6 +476,12 @@ ODX_INLINE void widen565(uint8_t* q, const uint8_t* p)
               third = (u8v)vsriq_n_u8(n.val[1], n.val[1], 5);
     store4(q, mirrored ? third : first, second, mirrored ? first : third, first | 255);
 }
+
+#if defined(__aarch64__)
+constexpr bool kPairsVectors = true;
+#else
+constexpr bool kPairsVectors = false;
+#endif
 
 constexpr bool kCountsBits = true;
 ODX_INLINE u8v popCount(u8v v)
@@ -608,6 +609,7 @@ ODX_INLINE f32v ratioNear(f32v v, f32v w)
 template <uint32_t size>
 struct ByteTable {
 #if defined(__aarch64__)
+    static constexpr bool kFast = true;
     uint8x16x4_t part[size / 64];
 
     ODX_MEMBER explicit ByteTable(const uint8_t* table)
@@ -625,6 +627,7 @@ struct ByteTable {
         return (u8v)found;
     }
 #else
+    static constexpr bool kFast = size == 64;
     const uint8_t* table;
 
     ODX_MEMBER explicit ByteTable(const uint8_t* t) : table(t) {}

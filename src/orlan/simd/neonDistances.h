@@ -15,6 +15,19 @@ ODX_INLINE u8v loadPart(const uint8_t* p)
     return (u8v)vsetq_lane_u32(word, vdupq_n_u32(0), 0);
 }
 
+ODX_INLINE u8v distance(u8v a, u8v b)
+{
+    return (u8v)vabdq_u8((uint8x16_t)a, (uint8x16_t)b);
+}
+ODX_INLINE s32v distance(s32v a, s32v b)
+{
+    return (s32v)vminq_u32((uint32x4_t)vabdq_s32((int32x4_t)a, (int32x4_t)b), vdupq_n_u32(INT32_MAX));
+}
+ODX_INLINE f32v distance(f32v a, f32v b)
+{
+    return (f32v)vabdq_f32((float32x4_t)a, (float32x4_t)b);
+}
+
 ODX_INLINE u32v addProducts(u32v sum, u8v a, u8v b)
 {
     const uint8x16_t m = (uint8x16_t)a, n = (uint8x16_t)b;

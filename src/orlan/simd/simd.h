@@ -13,8 +13,7 @@
 //   widen3<mirrored>(q, p)       kBytes pixels of 3 bytes at p as pixels of 4 at q, of which the last is 255
 //   narrow4<mirrored>(q, p)      the first 3 bytes of kBytes pixels of 4; mirrored: the first and the third
 //                                change places
-//   mirror3(q, p)                kBytes pixels of 3 bytes with the first and the third in each other's place
-//   mirrorQuads(v)               the same of pixels of 4 bytes
+//   mirror3(q, p), mirror4(q, p) kBytes pixels of 3 or 4 bytes with the first and the third in each other's place
 //   mirror565(v)                 the same of words of 5, 6 and 5 bits
 //   widen565<mirrored>(q, p)     kBytes words of 5, 6 and 5 bits, from the low ones up, as pixels of 4 bytes: each
 //                                with copies of its high bits below, and 255; mirrored: first and third change
@@ -88,9 +87,8 @@
 //   joinSaturated(pair)          a pair of that order, clipped to 16 bits
 //   rootNear(v), ratioNear(v, w) of f32v, the square root to 2^-20 of itself, of 0 or of what is at least 1; and
 //                                v / w to 2^-12
-//   ByteTable<size>(p)           64, 128 or 256 bytes, which stay as they are; table(v) has those at the places v of
-//   u8v,
-//                                below the size
+//   ByteTable<size>(p)           64, 128 or 256 bytes, which stay as they are; table(v) has those at the places v
+//                                of u8v, below the size; kFast: faster than one byte after the other
 //   any(v)                       whether any byte is not 0
 //   highest(v)                   the greatest byte
 //   loadOnce(p)                  load<u8v>(p) for values with several uses: it stays one load with every compiler
@@ -106,6 +104,8 @@
 //   addBytes(sum, v), addDifferences(sum, v, w)
 //                                the same with bytes, and with absolute differences of bytes
 //   sumOfLanes(v)                of a u32v
+//   distance(v, w)               |v - w| of u8v and f32v; of s32v, at most INT32_MAX
+//   kPairsVectors                two neighbouring vectors are loaded or stored by one instruction
 //   storeSums(p, a, b, c, d)     that of each of four
 //   addDifferencesOf8(sum, p, q) adds to each lane i of a u16v the absolute differences of p[i] to p[i + 7] and
 //   q[0] to

@@ -460,11 +460,14 @@ ODX_INLINE u16v mirror565(u16v v)
     return (v & 0x07E0) | v << 11 | v >> 11;
 }
 
-ODX_INLINE u8v mirrorQuads(u8v v)
+ODX_INLINE void mirror4(uint8_t* q, const uint8_t* p)
 {
     const __m128i table = _mm_setr_epi8(2, 1, 0, 3, 6, 5, 4, 7, 10, 9, 8, 11, 14, 13, 12, 15);
-    return (u8v)ODX_MM(shuffle_epi8)((ODX_MI)v, inEachLane(table));
+    for (uint32_t i = 0; i < 4 * kBytes; i += kBytes)
+        store(q + i, (u8v)ODX_MM(shuffle_epi8)((ODX_MI)load<u8v>(p + i), inEachLane(table)));
 }
+
+constexpr bool kPairsVectors = false;
 
 constexpr bool kCountsBits = ODX_VECTOR_BYTES == 64;
 ODX_INLINE u8v popCount(u8v v)
@@ -609,6 +612,7 @@ ODX_INLINE f32v ratioNear(f32v v, f32v w)
 #if ODX_VECTOR_BYTES == 64
 template <uint32_t size>
 struct ByteTable {
+    static constexpr bool kFast = true;
     __m512i part[size / 64];
 
     ODX_MEMBER explicit ByteTable(const uint8_t* table) { memcpy(part, table, size); }
@@ -631,6 +635,7 @@ struct ByteTable {
 // the others find a negative index, and give 0.
 template <uint32_t size>
 struct ByteTable {
+    static constexpr bool kFast = true;
     __m256i part[size / 16];
 
     ODX_MEMBER explicit ByteTable(const uint8_t* table)

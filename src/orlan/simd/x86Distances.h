@@ -23,6 +23,21 @@ ODX_INLINE u8v loadPart(const uint8_t* p)
 #endif
 }
 
+ODX_INLINE u8v distance(u8v a, u8v b)
+{
+    return max(a, b) - min(a, b);
+}
+// What 31 bits do not hold has the sign bit set.
+ODX_INLINE s32v distance(s32v a, s32v b)
+{
+    const s32v high = max(a, b), low = a ^ b ^ high, d = (s32v)((u32v)high - (u32v)low);
+    return (d | d >> 31) & INT32_MAX;
+}
+ODX_INLINE f32v distance(f32v a, f32v b)
+{
+    return (f32v)((u32v)(a - b) & INT32_MAX);
+}
+
 ODX_INLINE u32v addProducts(u32v sum, u8v a, u8v b)
 {
     const u16p p = split(a), q = split(b);

@@ -39,6 +39,7 @@ const PrimitiveCase kCases[] = {
     LANES(s16v, max(v, w), a < b ? b : a),
     LANES(s32v, min(v, w), a < b ? a : b),
     LANES(s32v, max(v, w), a < b ? b : a),
+    LANES(s32v, distance(v, w), clamped(a < b ? b - a : a - b, 0, INT32_MAX)),
     LANES(u16v, addSat(v, w), clamped(a + b, 0, 65535)),
     LANES(s16v, addSat(v, w), clamped(a + b, -32768, 32767)),
     LANES(u8v, addSat(v, w), clamped(a + b, 0, 255)),

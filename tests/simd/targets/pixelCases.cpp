@@ -122,10 +122,10 @@ const PrimitiveCase kCases[] = {
          mirror3(out, out);
          pixels<3, 3>(in, expected, [](In p, size_t c) { return p[2 - c]; });
      }},
-    {"mirrorQuads", kBytes,
+    {"mirror4", 4 * kBytes,
      [](In in, Out out, Out expected) {
-         store(out, mirrorQuads(load<u8v>(in)));
-         EACH(uint8_t, kBytes, in[i % 2 == 0 ? i ^ 2 : i]);
+         mirror4(out, in);
+         EACH(uint8_t, 4 * kBytes, in[i % 2 == 0 ? i ^ 2 : i]);
      }},
     {"widen565", 2 * kBytes, widened565<false>},
     {"widen565 mirrored", 2 * kBytes, widened565<true>},
