@@ -106,19 +106,26 @@ struct Block {
 
     ODX_MEMBER static void move(const uint8_t* src, ptrdiff_t srcStride, uint8_t* dst, ptrdiff_t dstStride)
     {
+        move(src, srcStride, dst, dstStride, std::make_index_sequence<kColumns>());
+    }
+
+private:
+    template <size_t... i>
+    ODX_MEMBER static void move(const uint8_t* src, ptrdiff_t srcStride, uint8_t* dst, ptrdiff_t dstStride,
+                                std::index_sequence<i...>)
+    {
+        asm("" : "+r"(src), "+r"(dst)); // one address at a time: compilers would keep those of all rows
         u8v v[kColumns];
-        for (size_t i = 0; i < kColumns; ++i)
-            v[i] = loadSixteens(src + srcStride * (ptrdiff_t)i, srcStride * (ptrdiff_t)kColumns);
+        ((v[i] = loadSixteens(src, srcStride * (ptrdiff_t)kColumns), src += srcStride), ...);
         transposeSquares<size>(v);
-        for (size_t i = 0; i < kColumns; ++i)
-            store(dst + dstStride * (ptrdiff_t)i, v[i]);
+        ((store(dst, v[i]), dst += dstStride), ...);
     }
 };
 
 // Strips of rows that become whole lines of the cache in the destination, in blocks of so many rows and columns
 // that the pages of both images are found again: each row of a large image lies on pages of its own.
 template <size_t size>
-static void transposeVectors(const reorder::Transposition& t)
+static void transposeVectors(const reorder::Transposition t)
 {
     using Block = ODX_TARGET::Block<size>;
     constexpr size_t kColumns = Block::kColumns, kRows = Block::kRows, kStrip = kBytes < 64 ? 64 / size : kRows;
