@@ -253,10 +253,19 @@ void writeSpread(const View& view, Candidate* candidates, uint32_t candidateCoun
     const Scratch<uint32_t> next(candidateCount);
     if (!cells || !next) return logNoCandidates("odxGoodFeatureToTracku8");
 
-    std::sort(candidates, candidates + candidateCount, stronger);
+    // The strongest ones are put in order as far as they are needed, each time twice as many.
+    const auto sortFrom = [=](uint32_t begin, uint64_t wanted) {
+        const auto end = static_cast<uint32_t>(std::min<uint64_t>(candidateCount, wanted));
+        if (end < candidateCount)
+            std::nth_element(candidates + begin, candidates + end, candidates + candidateCount, stronger);
+        std::sort(candidates + begin, candidates + end, stronger);
+        return end;
+    };
+    uint32_t sorted = sortFrom(0, std::max<uint64_t>(uint64_t{4} * output.capacity, 64));
     const double least = static_cast<double>(qualityLevel) * candidates[0].response;
     uint32_t count = 0;
     for (uint32_t i = 0; i < candidateCount && count < output.capacity; ++i) {
+        if (i == sorted) sorted = sortFrom(sorted, uint64_t{2} * sorted);
         if (candidates[i].response < least) break;
         if (!cells.add(candidates, next.get(), i)) continue;
         output.xy[2 * size_t{count}] = candidates[i].x;
