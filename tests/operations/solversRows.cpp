@@ -12,7 +12,7 @@ template <class Source, class Result, auto* operation>
 void product(Draw& draw)
 {
     const Extent extent = draw.extent(); // of the result
-    const uint32_t deep = draw.measures() ? extent.width : draw.pick("deep", {5u, 1u, 2u, 31u, 256u, 257u, 300u});
+    const uint32_t deep = draw.measures() ? 64 : draw.pick("deep", {5u, 1u, 2u, 31u, 256u, 257u, 300u});
     const auto src1 = draw.source<Source>("src1", {deep, extent.height});
     const auto src2 = draw.source<Source>("src2", {extent.width, deep});
     const auto dst = draw.destination<Result>("dst", extent);
