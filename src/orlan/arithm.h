@@ -154,8 +154,7 @@ ODX_INLINE f32v product(f32v a, f32v b)
 
 ODX_INLINE f32v absoluteDifference(f32v a, f32v b)
 {
-    if (kFlushesDenormals && !neverDenormal<27>(a, b))
-        return laneByLane(a, b, [](float x, float y) { return __builtin_fabsf(x - y); });
+    if (kFlushesDenormals) return (f32v)((u32v)difference(a, b) & INT32_MAX);
     return distance(a, b);
 }
 template <class V>
