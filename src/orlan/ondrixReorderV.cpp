@@ -55,8 +55,16 @@ struct Mirror {
                 reorder::setPixel(dst, x, reorder::pixelAt<size>(src, width - 1 - x));
             return;
         }
-        for (size_t x = 0; x < width - kPixels; x += kPixels)
+        const auto move = [=](size_t x) {
             Vector::load(src + size * (width - kPixels - x)).store(dst + size * x);
+        };
+        size_t x = 0;
+        for (; size < 3 && width - x > 4 * kPixels; x += 4 * kPixels) {
+            move(x), move(x + kPixels);
+            move(x + 2 * kPixels), move(x + 3 * kPixels);
+        }
+        for (; x < width - kPixels; x += kPixels)
+            move(x);
         Vector::load(src).store(dst + size * (width - kPixels));
     }
     ODX_MEMBER static void exchange(uint8_t* a, uint8_t* b, size_t width) { exchangeUpTo(a, b, width, width); }

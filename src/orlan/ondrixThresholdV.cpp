@@ -10,6 +10,7 @@ namespace odx::ODX_TARGET
 
 // Less than `low` wraps to what is beyond the span.
 struct MarkRange : Lanes<kBytes> {
+    static constexpr bool kIsShort = true;
     u8v low, span, inside, outside;
 
     ODX_MEMBER void operator()(const uint8_t* in, uint8_t* out) const
@@ -19,6 +20,7 @@ struct MarkRange : Lanes<kBytes> {
 };
 
 struct MarkDifference : Lanes<kBytes> {
+    static constexpr bool kIsShort = true;
     u8v limit, within, beyond;
 
     ODX_MEMBER void operator()(const uint8_t* from, const uint8_t* less, uint8_t* out) const

@@ -312,7 +312,7 @@ ODX_INLINE s32v reciprocal16(s32v v)
 ODX_INLINE u8v reverse(u8v v)
 {
     const uint8x16_t halves = vrev64q_u8((uint8x16_t)v);
-    return (u8v)vcombine_u8(vget_high_u8(halves), vget_low_u8(halves));
+    return (u8v)vextq_u8(halves, halves, 8);
 }
 
 template <int size>
