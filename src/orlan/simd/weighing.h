@@ -1,12 +1,11 @@
 // Primitives of weighted sums whose weights come from tables: bilateral filters. Weights are up to 128.
 //
-//   distance(v, w)               |v - w| of u8v
-//   pairUp(v, w)                 two vectors side by side, as the functions below take them, in the target's own
-//   order weightByte(w)                how a weight stands in a byte addWeights(sum, w)           sum + the
-//   weights of both vectors of a pair, for each place, of a s16p addWeighted(sum, w, v)       sum + these weights
-//   times the signed bytes of another pair addDots(sum, v, w, a, b)     sum + v * a + w * b in 32 bits, of these
-//   sums joinBytes(sum)               the bytes at the bottom of 32-bit sums, which are below 256, as a vector
-//   again
+//   pairUp(v, w)                 two vectors side by side, as the functions below take them, in the target's order
+//   weightByte(w)                how a weight stands in a byte
+//   addWeights(sum, w)           sum + the weights of both vectors of a pair, for each place, of a s16p
+//   addWeighted(sum, w, v)       sum + these weights times the signed bytes of another pair
+//   addDots(sum, v, w, a, b)     sum + v * a + w * b in 32 bits, of these sums
+//   joinBytes(sum)               the bytes at the bottom of 32-bit sums, which are below 256, as a vector again
 #ifndef ODX_ORLAN_SIMD_WEIGHING_H
 #define ODX_ORLAN_SIMD_WEIGHING_H
 
@@ -21,11 +20,6 @@ struct s32x4 {
 };
 
 #if defined(__AVX2__)
-
-ODX_INLINE u8v distance(u8v v, u8v w)
-{
-    return subSat(v, w) | subSat(w, v);
-}
 
 // Pairs are neighbouring bytes: what a and b begin with in each 16 bytes, and what they end with.
 ODX_INLINE u8x2 pairUp(u8v v, u8v w)
@@ -74,11 +68,6 @@ ODX_INLINE u8v joinBytes(const s32x4& v)
 }
 
 #elif defined(__ARM_NEON)
-
-ODX_INLINE u8v distance(u8v v, u8v w)
-{
-    return (u8v)vabdq_u8((uint8x16_t)v, (uint8x16_t)w);
-}
 
 ODX_INLINE u8x2 pairUp(u8v v, u8v w)
 {
