@@ -51,8 +51,6 @@ void showBilaterals(Stage& stage)
              blur(dst, stride);
              return ONDRIX_SUCCESS;
          });
-    show(stage, noisy, "Bilateral 5x5", "odxBilateralFilter5x5u8_v2",
-         with(odxBilateralFilter5x5u8_v2, kLevels, kFar, ONDRIX_BORDER_REPLICATE, 0U));
     show(stage, noisy, "Bilateral 9x9", "odxBilateralFilter9x9u8_v2",
          with(odxBilateralFilter9x9u8_v2, kLevels, kFar, ONDRIX_BORDER_REPLICATE, 0U));
     show(stage, noisy, "Recursive bilateral", "odxBilateralFilterRecursiveu8",
