@@ -79,7 +79,7 @@ TEST(Handles, LeaveNothingBehind)
     LogCapture log;
     const size_t before = heapReport().liveBlocks;
     const char* const text = getenv("ONDRIX_TEST_LIVES");
-    for (long left = text != nullptr ? atol(text) : 2000; left > 0; --left) {
+    for (long left = text != nullptr ? strtol(text, nullptr, 10) : 2000; left > 0; --left) {
         if (lives.below(2) != 0) {
             lives.ofRegions();
         } else {
