@@ -184,6 +184,23 @@ TEST_F(Convolution, SumsOfBytesAreExact)
     }
 }
 
+// 257 * 255 is the greatest sum of a column that has 16 bits.
+TEST_F(Convolution, ColumnsOfBytesMayHaveMoreThan16Bits)
+{
+    const std::vector<int16_t> one = {1};
+    const Grid<uint8_t> src(70, 3, 255);
+    for (const odxOperationMode mode : {ONDRIX_OP_EXT_REFERENCE, ONDRIX_OP_EXT_CPU}) {
+        EXPECT_EQ(0, odxSetOperationMode(mode));
+        for (const int middle : {85, 86, 87, -85, -86}) {
+            const std::vector<int16_t> down = {86, static_cast<int16_t>(middle), 86};
+            Grid<uint8_t> dst(70, 3, 77);
+            EXPECT_EQ(0, odxFilterCorrSepMxNu8(one.data(), 1, down.data(), 3, 9, src.data(), 70, 3, 0, dst.data(),
+                                               0, ONDRIX_BORDER_REPLICATE, 0));
+            EXPECT_EQ(Grid<uint8_t>(70, 3, static_cast<uint8_t>(((172 + middle) * 255 + 256) >> 9)), dst);
+        }
+    }
+}
+
 TEST_F(Convolution, SumsOfWordsWrap)
 {
     for (const auto& [m, n] : {std::pair{1, 1}, {3, 5}, {31, 7}, {1, 31}}) {
