@@ -43,6 +43,23 @@ ODX_MOMENTS_INLINE To total(const From (&lanes)[kLanes])
     return sums[0];
 }
 
+// From sums of x^p * s_q, where s are the running sums of columns.
+template <class Sum>
+ODX_MOMENTS_INLINE Powers<Sum> powers(Sum a0, Sum a1, Sum a2, Sum a3, Sum b0, Sum b1, Sum b2, Sum c0, Sum c1,
+                                      Sum d0)
+{
+    return {a0,
+            a1,
+            a2,
+            a3,
+            b0 - a0,
+            b1 - a1,
+            b2 - a2,
+            2 * c0 - 3 * b0 + a0,
+            2 * c1 - 3 * b1 + a1,
+            6 * d0 - 12 * c0 + 7 * b0 - a0};
+}
+
 // About the tile's corner.
 template <class T, bool binary>
 ODX_MOMENTS_INLINE Powers<Whole<T>> tile(const T* const (&rows)[kRows])
@@ -85,24 +102,14 @@ ODX_MOMENTS_INLINE Powers<Whole<T>> tile(const T* const (&rows)[kRows])
         }
     }
     using W = Whole<T>;
-    const W a0 = total<L>(sums[0]), a1 = total<L>(sums[1]), a2 = total<L>(sums[2]), a3 = total<W>(sums[3]),
-            b0 = total<L>(sums[4]), b1 = total<L>(sums[5]), b2 = total<L>(sums[6]), c0 = total<L>(sums[7]),
-            c1 = total<L>(sums[8]), d0 = total<L>(sums[9]);
-    return {a0,
-            a1,
-            a2,
-            a3,
-            b0 - a0,
-            b1 - a1,
-            b2 - a2,
-            2 * c0 - 3 * b0 + a0,
-            2 * c1 - 3 * b1 + a1,
-            6 * d0 - 12 * c0 + 7 * b0 - a0};
+    return powers<W>(total<L>(sums[0]), total<L>(sums[1]), total<L>(sums[2]), total<W>(sums[3]), total<L>(sums[4]),
+                     total<L>(sums[5]), total<L>(sums[6]), total<L>(sums[7]), total<L>(sums[8]),
+                     total<L>(sums[9]));
 }
 
-// At most kRows rows of any width, about their left end.
-template <class T, bool binary>
-ODX_MOMENTS_INLINE Powers<double> band(const T* src, size_t stride, uint32_t width, uint32_t height)
+// At most kRows rows of any width, about their left end; tileOf(rows) has the sums of a tile.
+template <class T, class TileOf>
+ODX_MOMENTS_INLINE Powers<double> band(const T* src, size_t stride, uint32_t width, uint32_t height, TileOf tileOf)
 {
     Powers<double> sums = {};
     T padded[kRows][kColumns];
@@ -118,7 +125,7 @@ ODX_MOMENTS_INLINE Powers<double> band(const T* src, size_t stride, uint32_t wid
                 if (y < height) memcpy(padded[y], rowOf(src, stride, y) + x0, (width - x0) * sizeof(T));
             }
         }
-        const Powers<Whole<T>> t = tile<T, binary>(rows);
+        const Powers<Whole<T>> t = tileOf(rows);
         const auto as = [](Whole<T> v) { return static_cast<double>(v); };
         const double u = static_cast<double>(x0), uu = u * u, uuu = uu * u;
         sums.s00 += as(t.s00);
@@ -139,7 +146,8 @@ template <class T>
 ODX_MOMENTS_INLINE void band(const T* src, uint32_t stride, uint32_t width, uint32_t height, uint32_t binary,
                              Powers<double>& sums)
 {
-    sums = binary != 0 ? band<T, true>(src, stride, width, height) : band<T, false>(src, stride, width, height);
+    sums = binary != 0 ? band(src, stride, width, height, tile<T, true>)
+                       : band(src, stride, width, height, tile<T, false>);
 }
 
 } // namespace odx::moments

@@ -340,6 +340,70 @@ void odxImageHistogramEqualizeu8V(const uint8_t* src, unsigned int srcWidth, uns
     equalize(src, srcWidth, srcHeight, srcStride, dst, dstStride, odxTableLookupu8V);
 }
 
+// ---- moments of bytes ----
+
+// Powers of columns in a tile, as 16 bits hold them: the third in two parts.
+struct ColumnPowers {
+    int16_t x[moments::kColumns] = {}, xx[moments::kColumns] = {}, low[moments::kColumns] = {},
+            high[moments::kColumns] = {};
+
+    constexpr ColumnPowers()
+    {
+        for (int i = 0; i < (int)moments::kColumns; ++i) {
+            x[i] = (int16_t)i;
+            xx[i] = (int16_t)(i * i);
+            low[i] = (int16_t)(i * i * i % 1024);
+            high[i] = (int16_t)(i * i * i / 1024);
+        }
+    }
+};
+static constexpr ColumnPowers kPowers;
+
+// The reference's running sums of columns fit 16 bits, only the last needs the sign bit, and so is moved by 2^15.
+template <bool binary>
+ODX_INLINE moments::Powers<int64_t> tileOfBytes(const uint8_t* const (&rows)[moments::kRows])
+{
+    constexpr uint32_t kLanes = kBytes / 2;
+    const s16v one = s16v{} + 1;
+    s32v a0 = {}, a1 = {}, a2 = {}, low = {}, high = {}, b0 = {}, b1 = {}, b2 = {}, c0 = {}, c1 = {}, d0 = {};
+    for (uint32_t i = 0; i < moments::kColumns; i += kLanes) {
+        u16v t0 = {}, t1 = {}, t2 = {}, t3 = {};
+        for (uint32_t y = moments::kRows; y-- > 0;) {
+            const u16v v = loadWiden(rows[y] + i);
+            t0 += binary ? (u16v)(v != 0) & 1 : v;
+            t1 += t0;
+            t2 += t1;
+            t3 += t2;
+        }
+        const s16v s0 = (s16v)t0, s1 = (s16v)t1, s2 = (s16v)t2, s3 = (s16v)(t3 ^ 0x8000);
+        const s16v x = load<s16v>(kPowers.x + i), xx = load<s16v>(kPowers.xx + i);
+        a0 = addProducts(a0, s0, one);
+        a1 = addProducts(a1, s0, x);
+        a2 = addProducts(a2, s0, xx);
+        low = addProducts(low, s0, load<s16v>(kPowers.low + i));
+        high = addProducts(high, s0, load<s16v>(kPowers.high + i));
+        b0 = addProducts(b0, s1, one);
+        b1 = addProducts(b1, s1, x);
+        b2 = addProducts(b2, s1, xx);
+        c0 = addProducts(c0, s2, one);
+        c1 = addProducts(c1, s2, x);
+        d0 = addProducts(d0, s3, one);
+    }
+    uint32_t sums[12];
+    storeSums(sums, (u32v)a0, (u32v)a1, (u32v)a2, (u32v)b0);
+    storeSums(sums + 4, (u32v)b1, (u32v)b2, (u32v)c0, (u32v)c1);
+    storeSums(sums + 8, (u32v)d0 + 32768 * moments::kColumns / (kBytes / 4), (u32v)low, (u32v)high, u32v{});
+    return moments::powers<int64_t>(sums[0], sums[1], sums[2], sums[9] + 1024 * (int64_t)sums[10], sums[3],
+                                    sums[4], sums[5], sums[6], sums[7], sums[8]);
+}
+
+void momentsOfBandu8V(const uint8_t* src, uint32_t stride, uint32_t width, uint32_t height, uint32_t binary,
+                      moments::Powers<double>& sums)
+{
+    sums = binary != 0 ? moments::band(src, stride, width, height, tileOfBytes<true>)
+                       : moments::band(src, stride, width, height, tileOfBytes<false>);
+}
+
 // ---- the reference's loops, in this target's vectors ----
 
 odxStatus odxNormalizeLocalBoxu8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
@@ -392,7 +456,6 @@ ODX_ALL_MIN_MAX(odxMinMaxLocu16_v2, uint16_t)
 ODX_ALL_MIN_MAX(odxMinMaxLocs32_v2, int32_t)
 ODX_ALL_MIN_MAX(odxMinMaxLocu32_v2, uint32_t)
 ODX_ALL_MIN_MAX(odxMinMaxLocf32_v2, float)
-ODX_BAND(momentsOfBandu8, uint8_t)
 ODX_BAND(momentsOfBands32, int32_t)
 ODX_BAND(momentsOfBandf32, float)
 

@@ -17,14 +17,16 @@ Image<T> elements(Draw& draw)
 {
     const Image<T> image = draw.source<T>("src", draw.extent());
     if (draw.measures()) return image;
-    constexpr uint32_t kPatterns[] = {0x7FC00000, 0xFFFFFFFF, 0x80000000, 0x7F800000, 0x00000000, 0xFF800000,
-                                      0x7F800001, 0x00000001, 0x80000001, 0xFF800001, 0x007FFFFF, 0x7F7FFFFF};
-    const uint32_t step = draw.pick("special every", {0u, 0u, 1u, 3u, 40u}),
-                   kinds = draw.pick("kinds", {2u, 5u, 12u}), values = draw.pick("values", {0u, 0u, 2u, 3u});
+    constexpr uint32_t kPatterns[] = {0x7FC00000, 0xFF800000, 0xFFFFFFFF, 0x7F800000, 0x80000000,
+                                      0x00000000, 0x7F800001, 0x00000001, 0x80000001, 0xFF800001,
+                                      0x007FFFFF, 0x7F7FFFFF, 0xFF7FFFFF};
+    const uint32_t step = draw.pick("special every", {0U, 0U, 1U, 3U, 40U}),
+                   kinds = draw.pick("kinds", {2U, 1U, 4U, 9U}), first = draw.pick("first", {0U, 2U, 4U}),
+                   values = draw.pick("values", {0U, 0U, 2U, 3U});
     for (uint32_t i = 0; i < image.width * image.height; ++i) {
         T& v = image.at(i % image.width, i / image.width);
         if constexpr (std::is_floating_point_v<T>) {
-            if (step != 0 && i % step == 0) memcpy(&v, &kPatterns[i / step * 7 % kinds], sizeof v);
+            if (step != 0 && i % step == 0) memcpy(&v, &kPatterns[first + i / step * 7 % kinds], sizeof v);
         } else if (values != 0) {
             v = static_cast<T>(T(~T{0}) / 2 + v % static_cast<T>(values));
         }
