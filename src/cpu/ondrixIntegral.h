@@ -2,8 +2,8 @@
 // brings what computes a line, and takes pairs of chroma apart:
 //
 //   sum = Lines::next<Term>(src, count, sum, above, dst)
-//                               for each pixel, its term is added to the sum, and dst is what is above plus the
-//                               sum
+//                               count + 1 entries of a row, from those above: each is the one above and the sum,
+//                               to which the term of a pixel is added after each
 //   Lines::separate(pairs, count, first, second)
 #ifndef ODX_CPU_ONDRIX_INTEGRAL_H
 #define ODX_CPU_ONDRIX_INTEGRAL_H
@@ -24,9 +24,31 @@ struct Square {
     static constexpr uint32_t of(uint32_t v) { return v * v; }
 };
 
-constexpr uint32_t kPiece = 256; // pixels that are taken apart, or get their border, at a time
+// Lines, pixel by pixel.
+template <class Term, class Sum, class T>
+[[gnu::always_inline]] static inline Sum entries(const uint8_t* src, uint32_t count, Sum sum, const T* above,
+                                                 T* dst)
+{
+    *dst++ = *above++ + sum;
+    for (uint32_t i = 0; i < count; ++i) {
+        sum += Term::of(src[i]);
+        dst[i] = above[i] + sum;
+    }
+    return sum;
+}
+[[gnu::always_inline]] static inline void takeApart(const uint8_t* pairs, uint32_t count, uint8_t* first,
+                                                    uint8_t* second)
+{
+    for (uint32_t i = 0; i < count; ++i) {
+        first[i] = pairs[2 * i];
+        second[i] = pairs[2 * i + 1];
+    }
+}
 
-// A table that is written from its first row down, each row in pieces; null, it takes them to no effect.
+constexpr uint32_t kPiece = 2048; // pixels that are taken apart, or get their border, at a time
+
+// A table that is written from its first row down, each row in pieces, which have the entry between
+// them in common; null, it takes them to no effect.
 template <class Lines, class Term, class T>
 class Table
 {
@@ -39,10 +61,8 @@ public:
     void beginRow()
     {
         if (row_ == nullptr) return;
-        above_ = row_ + 1;
-        row_ = rowOf(row_, stride_, 1);
-        *row_ = 0;
-        next_ = row_ + 1;
+        above_ = row_;
+        next_ = row_ = rowOf(row_, stride_, 1);
         sum_ = 0;
     }
     void append(const uint8_t* src, uint32_t count)
@@ -68,8 +88,7 @@ static inline void line(const uint8_t* src, uint32_t length, const uint32_t* abo
         memset(dst, 0, sizeof *dst * (size_t{length} + 1));
         above = dst;
     }
-    dst[0] = above[0];
-    Lines::template next<Pixel>(src, length, uint32_t{0}, above + 1, dst + 1);
+    Lines::template next<Pixel>(src, length, uint32_t{0}, above, dst);
 }
 
 // Both tables of an image, or of a part of one, either of which may be null.
@@ -86,19 +105,24 @@ static inline void image(Rows<const uint8_t> src, uint32_t width, uint32_t heigh
     }
 }
 
-// Those of interleaved chroma, of so many pairs.
+// Those of luma and of chroma in pairs. Two rows of luma go between a row of pairs and its planes, so that what
+// was stored of these has reached the cache before it is read in other parts.
 template <class Lines>
-static inline void chroma(Rows<const uint8_t> src, uint32_t width, uint32_t height, Rows<uint32_t> dstCb,
-                          Rows<uint32_t> dstCr)
+static inline void planes(Rows<const uint8_t> srcY, Rows<const uint8_t> srcC, uint32_t width, uint32_t height,
+                          Rows<uint32_t> dstY, Rows<uint32_t> dstCb, Rows<uint32_t> dstCr)
 {
-    Table<Lines, Pixel, uint32_t> cb(dstCb.pixels, width, dstCb.stride), cr(dstCr.pixels, width, dstCr.stride);
+    const uint32_t half = width / 2;
+    Table<Lines, Pixel, uint32_t> luma(dstY.pixels, width, dstY.stride), cb(dstCb.pixels, half, dstCb.stride),
+        cr(dstCr.pixels, half, dstCr.stride);
     uint8_t first[kPiece], second[kPiece];
-    for (uint32_t y = 0; y < height; ++y) {
-        const uint8_t* pairs = src.at(0, y).pixels;
+    for (uint32_t y = 0; y < height; y += 2) {
+        const uint8_t* pairs = srcC.at(0, y / 2).pixels;
         cb.beginRow(), cr.beginRow();
-        for (uint32_t x = 0, count; x < width; x += count, pairs += 2 * size_t{count}) {
-            count = width - x < kPiece ? width - x : kPiece;
+        for (uint32_t x = 0, count; x < half; x += count, pairs += 2 * size_t{count}) {
+            count = half - x < kPiece ? half - x : kPiece;
             Lines::separate(pairs, count, first, second);
+            for (uint32_t k = 0; x == 0 && k < 2; ++k)
+                luma.beginRow(), luma.append(srcY.at(0, y + k).pixels, width);
             cb.append(first, count), cr.append(second, count);
         }
     }

@@ -12,18 +12,11 @@ struct Lines {
     template <class Term, class T>
     static T next(const uint8_t* src, uint32_t count, T sum, const T* above, T* dst)
     {
-        for (uint32_t i = 0; i < count; ++i) {
-            sum += Term::of(src[i]);
-            dst[i] = above[i] + sum;
-        }
-        return sum;
+        return integral::entries<Term>(src, count, sum, above, dst);
     }
     static void separate(const uint8_t* pairs, uint32_t count, uint8_t* first, uint8_t* second)
     {
-        for (uint32_t i = 0; i < count; ++i) {
-            first[i] = pairs[2 * i];
-            second[i] = pairs[2 * i + 1];
-        }
+        integral::takeApart(pairs, count, first, second);
     }
 };
 

@@ -15,38 +15,62 @@ namespace
 
 constexpr uint32_t kPixels = kBytes / 2; // at a time
 
-// The running sums of so many pixels; those of their values fit 16 bits.
-ODX_INLINE u32p runningSums(integral::Pixel, u16v v)
+// Entries up to a number of pixels that vectors have done, and the sum there; pixel i stands between i and i + 1.
+struct Done {
+    uint32_t pixels, sum;
+};
+
+template <class T>
+ODX_INLINE Done vectors(integral::Pixel, const uint8_t* src, uint32_t count, uint32_t sum, const T* above, T* dst)
 {
-    return widenInOrder(simd::runningSums(v));
-}
-ODX_INLINE u32p runningSums(integral::Square, u16v v)
-{
-    const u32p squares = widenInOrder(v * v);
-    const u32v first = simd::runningSums(squares.a);
-    return {first, simd::runningSums(squares.b) + lastLane(first)};
+    uint8_t first[SumsBefore::kBefore + kPixels] = {}; // there is nothing in front of a row
+    memcpy(first + SumsBefore::kBefore, src, kPixels);
+    SumsBefore sums(sum);
+    u32p both;
+    const auto step = [&](const uint8_t* p, size_t i) __attribute__((always_inline))
+    {
+        both = sums.next(p);
+        storeAdded(dst + i, above + i, both.a);
+        storeAdded(dst + i + kPixels / 2, above + i + kPixels / 2, both.b);
+    };
+    step(first + SumsBefore::kBefore, 0);
+    size_t i = kPixels;
+    for (; count - i >= 2 * kPixels; i += 2 * kPixels) {
+        step(src + i, i);
+        step(src + i + kPixels, i + kPixels);
+    }
+    if (count - i >= kPixels) {
+        step(src + i, i);
+        i += kPixels;
+    }
+    return {(uint32_t)i, both.b[kPixels / 2 - 1] + src[i - 1]};
 }
 
-// The next entries, from the sum of the terms so far, modulo 2^32.
-template <class Term, class T>
-ODX_INLINE uint32_t nextEntries(const uint8_t* src, uint32_t count, uint32_t sum, const T* above, T* dst)
+template <class T>
+ODX_INLINE Done vectors(integral::Square, const uint8_t* src, uint32_t count, uint32_t sum, const T* above, T* dst)
 {
+    dst[0] = above[0] + sum;
     u32v before = u32v{} + sum;
     uint32_t i = 0;
     for (; count - i >= kPixels; i += kPixels) {
-        u32p sums = runningSums(Term(), loadWiden(src + i));
-        sums.a += before;
-        sums.b += before;
-        storeAdded(dst + i, above + i, sums.a);
-        storeAdded(dst + i + kPixels / 2, above + i + kPixels / 2, sums.b);
-        before = lastLane(sums.b);
+        const u16v pixels = loadWiden(src + i);
+        const u32p squares = widenInOrder(pixels * pixels);
+        const u32v first = runningSums(squares.a), second = runningSums(squares.b) + lastLane(first);
+        storeAdded(dst + i + 1, above + i + 1, first + before);
+        storeAdded(dst + i + 1 + kPixels / 2, above + i + 1 + kPixels / 2, second + before);
+        before += lastLane(second);
     }
-    sum = before[0];
-    for (; i < count; ++i) {
-        sum += Term::of(src[i]);
-        dst[i] = above[i] + sum;
-    }
-    return sum;
+    return {i, before[0]};
+}
+
+// As Lines::next, of sums of 32 bits.
+template <class Term, class T>
+ODX_INLINE uint32_t nextEntries(const uint8_t* src, uint32_t count, uint32_t sum, const T* above, T* dst)
+{
+    Done done = {0, sum};
+    if (count >= kPixels) done = vectors(Term(), src, count, sum, above, dst);
+    return integral::entries<Term>(src + done.pixels, count - done.pixels, done.sum, above + done.pixels,
+                                   dst + done.pixels);
 }
 
 struct Lines {
@@ -63,7 +87,7 @@ struct Lines {
         for (uint32_t n; count != 0; count -= n, src += n, above += n, dst += n) {
             n = count < kMost ? count : kMost;
             const uint32_t all = nextEntries<Term>(src, n, 0, above, dst);
-            for (uint32_t i = 0; sum != 0 && i < n; ++i)
+            for (uint32_t i = 0; sum != 0 && i <= n; ++i)
                 dst[i] += sum;
             sum += all;
         }
@@ -77,10 +101,7 @@ struct Lines {
             store(first + i, v.a);
             store(second + i, v.b);
         }
-        for (; i < count; ++i) {
-            first[i] = pairs[2 * i];
-            second[i] = pairs[2 * i + 1];
-        }
+        integral::takeApart(pairs + 2 * i, count - i, first + i, second + i);
     }
 };
 

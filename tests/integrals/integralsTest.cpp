@@ -84,10 +84,11 @@ TEST_F(Integrals, LinesGoOnFromTheRowAbove)
     const Image src = noise<uint8_t>(64, 1, 0, 255);
     Grid<uint32_t> above(65, 1), expected(65, 1), start(65, 1);
     uint32_t sum = 0;
-    for (int i = 0; i <= 64; sum += i < 64 ? src.at(i, 0) : 0, ++i) {
+    for (int i = 0; i <= 64; ++i) {
         above.at(i, 0) = 0xFFFFFFFF - static_cast<uint32_t>(i * i); // entries wrap
         expected.at(i, 0) = above.at(i, 0) + sum;
         start.at(i, 0) = sum;
+        if (i < 64) sum += src.at(i, 0);
     }
     Grid<uint32_t> dst(65, 1, 77), dst64 = dst;
     odxIntegrateImageLineu8(src.data(), 64, above.data(), dst.data());

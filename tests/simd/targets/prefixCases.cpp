@@ -8,13 +8,6 @@ namespace odx::ODX_TARGET
 namespace
 {
 
-template <class V, class T>
-void summed(In in, Out out, Out expected)
-{
-    store(out, runningSums(load<V>(in)));
-    T sum = 0;
-    EACH(T, kBytes / sizeof(T), sum = (T)(sum + at<T>(in, i)));
-}
 template <class T>
 void added(In in, Out out, Out expected)
 {
@@ -24,10 +17,24 @@ void added(In in, Out out, Out expected)
     memcpy(out, sums, sizeof sums);
     EACH(T, kBytes / 4, above[i] + at<uint32_t>(in, i));
 }
-
 const PrimitiveCase kCases[] = {
-    {"runningSums of u16v", kBytes, summed<u16v, uint16_t>},
-    {"runningSums of u32v", kBytes, summed<u32v, uint32_t>},
+    {"SumsBefore, in two steps along bytes with nothing in front", kBytes,
+     [](In in, Out out, Out expected) {
+         uint8_t bytes[SumsBefore::kBefore + kBytes] = {};
+         memcpy(bytes + SumsBefore::kBefore, in, kBytes);
+         uint32_t sum = 4294967290;
+         SumsBefore sums(sum);
+         const u32p first = sums.next(bytes + SumsBefore::kBefore),
+                    second = sums.next(bytes + SumsBefore::kBefore + kBytes / 2);
+         storeAll(out, first.a, first.b, second.a, second.b);
+         EACH(uint32_t, kBytes, sum += i == 0 ? 0 : in[i - 1]);
+     }},
+    {"runningSums", kBytes,
+     [](In in, Out out, Out expected) {
+         store(out, runningSums(load<u32v>(in)));
+         uint32_t sum = 0;
+         EACH(uint32_t, kBytes / 4, sum += at<uint32_t>(in, i));
+     }},
     {"storeAdded of 32 bits", 2 * kBytes, added<uint32_t>},
     {"storeAdded of 64 bits", 3 * kBytes, added<uint64_t>},
     {"lastLane", kBytes,
