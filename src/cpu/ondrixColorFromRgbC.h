@@ -7,18 +7,19 @@
 
 // ---- the conversions, as tables ----
 
-// X(pixels, subsampling, source, rows); each exists to planar and to pseudo-planar images. The row routines are
-// <source>2<rows>p for planar and <source>2<rows> for interleaved chroma, <source>2y for luma alone.
-#define ODX_RGB_TO_YCBCR(X)      \
-    X(RGB565, 444, rgb565, yuv)  \
-    X(RGB565, 422, rgb565, yyuv) \
-    X(RGB565, 420, rgb565, yyuv) \
-    X(RGB888, 444, rgb888, yuv)  \
-    X(RGB888, 422, rgb888, yyuv) \
-    X(RGB888, 420, rgb888, yyuv) \
-    X(RGBA8888, 444, rgba, yuv)  \
-    X(RGBA8888, 422, rgba, yyuv) \
-    X(RGBA8888, 420, rgba, yyuv)
+// X(pixels, subsampling); each exists to planar and to pseudo-planar images. The row routines are <source>2yuvp
+// and, where two pixels share their chroma, <source>2yyuvp for planar, without the p for interleaved chroma;
+// <source>2y for luma.
+#define ODX_RGB_TO_YCBCR(X) \
+    X(RGB565, 444)          \
+    X(RGB565, 422)          \
+    X(RGB565, 420)          \
+    X(RGB888, 444)          \
+    X(RGB888, 422)          \
+    X(RGB888, 420)          \
+    X(RGBA8888, 444)        \
+    X(RGBA8888, 422)        \
+    X(RGBA8888, 420)
 
 // X(source, pixels): the sources of the row routines.
 #define ODX_RGB_SOURCES(X) \
@@ -134,7 +135,7 @@ ODX_CHROMA_ROWS(ODX_DECLARE)
 
 // ---- operations ----
 
-#define ODX_DECLARE(pixels, subsampling, source, rows)                                                            \
+#define ODX_DECLARE(pixels, subsampling)                                                                          \
     decltype(odxColor##pixels##ToYCbCr##subsampling##Planaru8) odxColor##pixels##ToYCbCr##subsampling##Planaru8C; \
     decltype(odxColor##pixels##ToYCbCr##subsampling##PseudoPlanaru8)                                              \
         odxColor##pixels##ToYCbCr##subsampling##PseudoPlanaru8C;

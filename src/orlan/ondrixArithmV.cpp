@@ -45,7 +45,7 @@ ODX_INLINE s16v scaledProduct(s16v a, s16v b, uint32_t shift)
 {
     const s32p products = mulWide(a, b);
     const int32_t half = (1 << shift) >> 1;
-    return joinSaturated({(products.a + half) >> (int32_t)shift, (products.b + half) >> (int32_t)shift});
+    return joinWideSat({(products.a + half) >> (int32_t)shift, (products.b + half) >> (int32_t)shift});
 }
 
 ODX_INLINE u16v narrowed(s16v v, odxOverflow policy)

@@ -107,7 +107,7 @@ struct Rounded {
     ODX_MEMBER static uint32_t offset() { return 0; }
     ODX_MEMBER static void keep(const u32p& sums, Line& line, uint32_t x)
     {
-        store(line.low + x, joinSaturated({(s32v)sums.a >> 15, (s32v)sums.b >> 15}));
+        store(line.low + x, joinWideSat({(s32v)sums.a >> 15, (s32v)sums.b >> 15}));
     }
 };
 

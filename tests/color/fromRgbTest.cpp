@@ -319,8 +319,8 @@ const struct {
          odxColor##pixels##ToYCbCr##subsampling##chroma##u8(                                            \
              src.data(), d.width, d.height, 0, ODX_##chroma##_ARGUMENTS(d), ODX_##chroma##_STRIDES(d)); \
      }},
-#define ODX_CASE(pixels, subsampling, source, rows) \
-    ODX_LAYOUT(pixels, subsampling, Planar)         \
+#define ODX_CASE(pixels, subsampling)       \
+    ODX_LAYOUT(pixels, subsampling, Planar) \
     ODX_LAYOUT(pixels, subsampling, PseudoPlanar)
     ODX_RGB_TO_YCBCR(ODX_CASE)
 #undef ODX_CASE

@@ -84,7 +84,7 @@ Entries colorEntries()
         ODX_CASE(444) ODX_CASE(422) ODX_CASE(420)
 #undef ODX_CASE
 #undef ODX_CASE_TO
-#define ODX_CASE(pixels, subsampling, ...)                                                     \
+#define ODX_CASE(pixels, subsampling)                                                          \
     ODX_CONVERSION(odxColor##pixels##ToYCbCr##subsampling##Planaru8, packed(pixels),           \
                    yuv(subsampling, Planar, true)),                                            \
         ODX_CONVERSION(odxColor##pixels##ToYCbCr##subsampling##PseudoPlanaru8, packed(pixels), \

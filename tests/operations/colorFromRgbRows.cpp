@@ -136,7 +136,7 @@ constexpr bool Planar = false, PseudoPlanar = true;
 std::vector<Row> colorFromRgbRows()
 {
     return {
-#define ODX_ROW(pixels, subsampling, source, rows)                                              \
+#define ODX_ROW(pixels, subsampling)                                                            \
     {"odxColor" #pixels "ToYCbCr" #subsampling "Planaru8",                                      \
      rgbToYCbCr<pixels, subsampling, false, odxColor##pixels##ToYCbCr##subsampling##Planaru8>}, \
         {"odxColor" #pixels "ToYCbCr" #subsampling "PseudoPlanaru8",                            \

@@ -582,7 +582,7 @@ ODX_INLINE s32p mulWide(s16v v, s16v w)
     return {(s32v)vmull_s16(vget_low_s16(a), vget_low_s16(b)),
             (s32v)vmull_s16(vget_high_s16(a), vget_high_s16(b))};
 }
-ODX_INLINE s16v joinSaturated(const s32p& p)
+ODX_INLINE s16v joinWideSat(const s32p& p)
 {
     return (s16v)vcombine_s16(vqmovn_s32((int32x4_t)p.a), vqmovn_s32((int32x4_t)p.b));
 }
@@ -603,131 +603,6 @@ ODX_INLINE f32v ratioNear(f32v v, f32v w)
 {
     const float32x4_t r = vrecpeq_f32((float32x4_t)w);
     return (f32v)vmulq_f32((float32x4_t)v, vmulq_f32(r, vrecpsq_f32((float32x4_t)w, r)));
-}
-
-// Tables beyond the range of an index leave what earlier ones found.
-template <uint32_t size>
-struct ByteTable {
-#if defined(__aarch64__)
-    static constexpr bool kFast = true;
-    uint8x16x4_t part[size / 64];
-
-    ODX_MEMBER explicit ByteTable(const uint8_t* table)
-    {
-        for (uint32_t i = 0; i < size / 64; ++i) {
-            const uint8_t* const p = table + 64 * i;
-            part[i] = {{vld1q_u8(p), vld1q_u8(p + 16), vld1q_u8(p + 32), vld1q_u8(p + 48)}};
-        }
-    }
-    ODX_MEMBER u8v operator()(u8v v) const
-    {
-        uint8x16_t found = vqtbl4q_u8(part[0], (uint8x16_t)v);
-        for (uint32_t i = 1; i < size / 64; ++i)
-            found = vqtbx4q_u8(found, part[i], (uint8x16_t)(v - (uint8_t)(64 * i)));
-        return (u8v)found;
-    }
-#else
-    static constexpr bool kFast = size == 64;
-    const uint8_t* table;
-
-    ODX_MEMBER explicit ByteTable(const uint8_t* t) : table(t) {}
-    ODX_MEMBER u8v operator()(u8v v) const
-    {
-        uint8x8_t low = vdup_n_u8(0), high = low;
-        for (uint32_t first = 0; first < size; first += 32) {
-            const uint8_t* const p = table + first;
-            const uint8x8x4_t part = {{vld1_u8(p), vld1_u8(p + 8), vld1_u8(p + 16), vld1_u8(p + 24)}};
-            const uint8x16_t index = (uint8x16_t)(v - (uint8_t)first);
-            low = vtbx4_u8(low, part, vget_low_u8(index));
-            high = vtbx4_u8(high, part, vget_high_u8(index));
-        }
-        return (u8v)vcombine_u8(low, high);
-    }
-#endif
-};
-
-// 32-bit NEON has no reduction of whole vectors, but one of neighbours.
-ODX_INLINE uint8_t highest(u8v v)
-{
-#if defined(__aarch64__)
-    return vmaxvq_u8((uint8x16_t)v);
-#else
-    uint8x8_t half = vpmax_u8(vget_low_u8((uint8x16_t)v), vget_high_u8((uint8x16_t)v));
-    half = vpmax_u8(half, half);
-    half = vpmax_u8(half, half);
-    return vget_lane_u8(vpmax_u8(half, half), 0);
-#endif
-}
-
-ODX_INLINE bool any(u8v v)
-{
-#if defined(__aarch64__)
-    return vmaxvq_u32((uint32x4_t)v) != 0;
-#else
-    const uint64x2_t halves = (uint64x2_t)v;
-    return vget_lane_u64(vorr_u64(vget_low_u64(halves), vget_high_u64(halves)), 0) != 0;
-#endif
-}
-
-ODX_INLINE u8v loadOnce(const uint8_t* p)
-{
-    return load<u8v>(p);
-}
-
-ODX_INLINE u8v loadHalves(const uint8_t* p, const uint8_t* q)
-{
-    return (u8v)vcombine_u8(vld1_u8(p), vld1_u8(q));
-}
-
-ODX_INLINE u8v repeat(uint64_t low, uint64_t high)
-{
-    return (u8v)vcombine_u64(vcreate_u64(low), vcreate_u64(high));
-}
-
-template <int n>
-ODX_INLINE u8v rotate(u8v v)
-{
-    return (u8v)vextq_u8((uint8x16_t)v, (uint8x16_t)v, n);
-}
-
-// A test of a whole vector takes several instructions, and a way from one register file to the other.
-constexpr bool kGroupsVectors = true;
-ODX_INLINE uint64_t anyAbove(u8v a, u8v b, u8v c, u8v d, u8v limit)
-{
-#if defined(__aarch64__)
-    const uint8x16_t ab = vpmaxq_u8((uint8x16_t)a, (uint8x16_t)b), cd = vpmaxq_u8((uint8x16_t)c, (uint8x16_t)d),
-                     abcd = vpmaxq_u8(ab, cd);
-    const uint8x8_t highest = vget_low_u8(vpmaxq_u8(abcd, abcd));
-#else
-    const auto half = [](u8v v) { return vpmax_u8(vget_low_u8((uint8x16_t)v), vget_high_u8((uint8x16_t)v)); };
-    const uint8x8_t highest = vpmax_u8(vpmax_u8(half(a), half(b)), vpmax_u8(half(c), half(d)));
-#endif
-    return vget_lane_u64(vreinterpret_u64_u8(vqsub_u8(highest, vget_low_u8((uint8x16_t)limit))), 0);
-}
-
-ODX_INLINE void storePoints(uint32_t* p, const uint8_t* bytes, uint32_t x, uint32_t y)
-{
-    const uint16x8_t eight = vmovl_u8(vld1_u8(bytes));
-    const uint32x4_t first = vdupq_n_u32(x);
-    const uint32x4x2_t low = {{vaddw_u16(first, vget_low_u16(eight)), vdupq_n_u32(y)}},
-                       high = {{vaddw_u16(first, vget_high_u16(eight)), vdupq_n_u32(y)}};
-    vst2q_u32(p, low);
-    vst2q_u32(p + 8, high);
-}
-
-// Each byte keeps the bit of its place among eight, and neighbours are added up.
-ODX_INLINE uint64_t laneBits(s8v mask)
-{
-    const uint8x16_t places = {1, 2, 4, 8, 16, 32, 64, 128, 1, 2, 4, 8, 16, 32, 64, 128};
-    const uint8x16_t bits = vandq_u8((uint8x16_t)mask, places);
-#if defined(__aarch64__)
-    uint8x8_t sums = vget_low_u8(vpaddq_u8(bits, bits));
-#else
-    uint8x8_t sums = vpadd_u8(vget_low_u8(bits), vget_high_u8(bits));
-#endif
-    sums = vpadd_u8(sums, sums);
-    sums = vpadd_u8(sums, sums);
-    return vget_lane_u16(vreinterpret_u16_u8(sums), 0);
 }
 
 } // namespace odx::ODX_TARGET::simd

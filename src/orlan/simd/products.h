@@ -4,7 +4,7 @@
 //   neighbours(p)                lanes p[i] and p[i + 1], the same way
 //   addPairs(sums, pairs, w)     adds the products with both words of w (of repeatPair) to a u32p: sums of
 //   interleaved
-//                                vectors are in the order of mulWide and joinSaturated, those of neighbours in the
+//                                vectors are in the order of mulWide and joinWideSat, those of neighbours in the
 //                                order of split and joinSat
 //   halves(sums)                 the lower and the upper halves of a u32p in mulWide's order, as an s16p in order
 //   atTop(v)                     the lanes of an s16v times 65536, in split's order

@@ -84,7 +84,7 @@
 //   addProducts(v, a, b)         v, a s32v, and the products of two s16v, two in each lane
 //   addSat(v, w), subSat(v, w)   v + w of u8v, u16v and s16v, v - w of these and s8v, clipped to what lanes hold
 //   mulWide(v, w)                32-bit products of s16v, as a pair in an order of its own
-//   joinSaturated(pair)          a pair of that order, clipped to 16 bits
+//   joinWideSat(pair)            a pair of that order, clipped to 16 bits
 //   rootNear(v), ratioNear(v, w) of f32v, the square root to 2^-20 of itself, of 0 or of what is at least 1; and
 //                                v / w to 2^-12
 //   ByteTable<size>(p)           64, 128 or 256 bytes, which stay as they are; table(v) has those at the places v
@@ -206,9 +206,11 @@ ODX_INLINE Pair<V> operator<<(const Pair<V>& p, int n)
 #if defined(__AVX2__)
 #include "orlan/simd/x86.h"
 #include "orlan/simd/x86Distances.h"
+#include "orlan/simd/x86Search.h"
 #elif defined(__ARM_NEON)
 #include "orlan/simd/neon.h"
 #include "orlan/simd/neonDistances.h"
+#include "orlan/simd/neonSearch.h"
 #endif
 
 #endif

@@ -45,7 +45,7 @@ const PrimitiveCase kCases[] = {
     LANES(u8v, addSat(v, w), clamped(a + b, 0, 255)),
     LANES(s8v, subSat(v, w), clamped(a - b, -128, 127)),
     LANES(s16v, subSat(v, w), clamped(a - b, -32768, 32767)),
-    LANES(s16v, joinSaturated(ofHalves<s32p>(mulWide(v, w), [](s32v half) { return half >> 5; })),
+    LANES(s16v, joinWideSat(ofHalves<s32p>(mulWide(v, w), [](s32v half) { return half >> 5; })),
           clamped(a* b >> 5, -32768, 32767)),
     LANES(u8v, subSat(v, w), clamped(a - b, 0, 255)),
     LANES(u16v, subSat(v, w), clamped(a - b, 0, 65535)),

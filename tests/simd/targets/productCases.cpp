@@ -18,7 +18,7 @@ const PrimitiveCase kCases[] = {
          const s16p both = halves(sums);
          store(out, both.a);
          store(out + kBytes, both.b);
-         store(out + 2 * kBytes, joinSaturated({(s32v)sums.a >> 7, (s32v)sums.b >> 7}));
+         store(out + 2 * kBytes, joinWideSat({(s32v)sums.a >> 7, (s32v)sums.b >> 7}));
          for (size_t i = 0; i < kBytes / 2; ++i) {
              const uint32_t sum = 12345 + (uint32_t)(v[i] * pair[0]) + (uint32_t)(w[i] * pair[1]);
              put<uint16_t>(expected, i, sum);
