@@ -6,19 +6,16 @@
 /// - Images are row-major. Widths and heights are in pixels, strides in bytes; a stride of 0 means the packed row.
 ///   Every pixel of the destination is computed and written, and nothing else: there are no borders.
 /// - Refused are null pointers, sizes of 0, strides shorter than a packed row (whose length is computed as a
-/// size_t),
-///   and what an operation names: that is logged ("Assertion failed @...") and nothing is written. Nothing is
-///   returned, except by odxAdds16_v2.
+///   size_t), and what an operation names: that is logged ("Assertion failed @...") and nothing is written.
+///   Nothing is returned, except by odxAdds16_v2.
 /// - In place: the destination may be any source whose pixels have the same size, with the same stride. Two
-/// sources
-///   may be the same image. All other overlaps, also of a table, value or mask with the destination, give results
-///   without meaning. The channel operations do not work in place at all.
+///   sources may be the same image. All other overlaps, also of a table, value or mask with the destination, give
+///   results without meaning. The channel operations do not work in place at all.
 /// - a and b stand for the pixels of src1 and src2, v for those of src. Integers are exact before they are stored.
 ///   "Saturated" clips to the numbers that the destination's type holds; "wrapped" keeps the low bits. A shift of
 ///   a negative number to the right rounds toward minus infinity.
 /// - scaled(x) is (x + half) >> shift, saturated, where half is 0 for a shift of 0 and 1 << (shift - 1) otherwise,
-/// and
-///   shift is at most 15. So weights of 0 to 128 with a shift of 7 leave pixels of weight 128 as they are.
+///   and shift is at most 15. So weights of 0 to 128 with a shift of 7 leave pixels of weight 128 as they are.
 /// - Floats are IEEE single precision, rounded to nearest even after each operation, with infinities and subnormal
 ///   numbers. The sign and payload of a computed not-a-number are not defined.
 #ifndef ONDRIX_ARITHMETIC_H

@@ -7,8 +7,7 @@
 /// - Images are bytes, row-major, of one channel. Widths and heights are in pixels, strides in bytes; a stride of
 ///   0 means the packed row. Source and destination have the same size, and must not overlap.
 /// - sigmaColor is the deviation of grey levels, sigmaSpace that of distances in pixels. Both may be infinite:
-/// then
-///   all levels, or all pixels, count alike.
+///   then all levels, or all pixels, count alike.
 /// - Refused are null pointers, a width or height of 0, strides less than the width, a sigma that is not above 0
 ///   (so that NaN is refused, too), and what a function adds. That is logged ("Assertion failed @...") and nothing
 ///   is written; functions with a status return ONDRIX_BAD_PARAMETER.

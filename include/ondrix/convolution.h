@@ -12,18 +12,15 @@
 /// - Correlation takes a kernel as it is stored: weight (i, j) multiplies the pixel at x - M/2 + j, y - N/2 + i.
 ///   Convolution turns it by half a turn: weight (i, j) multiplies the pixel at x + M/2 - j, y + N/2 - i.
 /// - Border types: with ONDRIX_BORDER_UNDEFINED pixels whose window reaches outside the image are not written;
-/// with
-///   ONDRIX_BORDER_CONSTANT pixels outside are the border value (its low 8 bits for bytes; its low 16 bits as a
-///   signed number for 16-bit images); with ONDRIX_BORDER_REPLICATE the nearest pixel of the edge. Functions
+///   with ONDRIX_BORDER_CONSTANT pixels outside are the border value (its low 8 bits for bytes; its low 16 bits as
+///   a signed number for 16-bit images); with ONDRIX_BORDER_REPLICATE the nearest pixel of the edge. Functions
 ///   without a border type write as with ONDRIX_BORDER_UNDEFINED. An image that is smaller than the window has
 ///   only border.
 /// - Sums are signed numbers of 32 bits: of larger ones the low 32 bits count, before and after the rounding term
-/// is
-///   added. Shifts to the right round down.
+///   is added. Shifts to the right round down.
 /// - Refused arguments are logged and nothing is written; functions with a status return ONDRIX_BAD_PARAMETER.
-/// What
-///   is refused: null pointers, images without pixels, strides that are less than the packed row, unknown border
-///   types, and what each function says.
+///   What is refused: null pointers, images without pixels, strides that are less than the packed row, unknown
+///   border types, and what each function says.
 #ifndef ONDRIX_CONVOLUTION_H
 #define ONDRIX_CONVOLUTION_H
 

@@ -6,8 +6,7 @@
 ///   pixels (x, y) with x < X and y < Y, so that the first row and the first column are 0. The pixels with
 ///   x0 <= x < x1 and y0 <= y < y1 have the sum (x1, y1) - (x0, y1) - (x1, y0) + (x0, y0).
 /// - Entries are sums modulo 2^32 (modulo 2^64 where they have 64 bits): also where entries wrap, that difference
-/// is
-///   right for every rectangle whose own sum fits.
+///   is right for every rectangle whose own sum fits.
 /// - Images are bytes, row-major. Widths and heights are in pixels, strides in bytes; where a function takes
 ///   strides, 0 means the packed row: the width for pixels, and one entry more than it for tables. Strides of
 ///   tables are multiples of the size of an entry, which is not checked.

@@ -15,7 +15,7 @@
 ///   is written.
 /// - With 0 levels every status is 1, and the estimates are the result.
 /// - Refused arguments are logged ("Assertion failed @...") and nothing is written: null pointers and even
-/// windows.
+///   windows.
 /// - Temporary memory: 40 bytes for each pixel of the window and 64 for each level, roughly. Without it nothing is
 ///   written.
 /// - 0 as a stride means packed rows; any other stride is at least the width, which nobody checks.

@@ -3,7 +3,7 @@
 ///
 /// Conventions of this page
 /// - A pyramid is an array of numLevels level records that belongs to the caller. Level 0 is the picture, the
-/// base.
+///   base.
 /// - First a pyramid is allocated, then created, any number of times from pictures of one size, at last deleted.
 ///   Level 0 is either the caller's picture (borrowed, and never freed as long as deleting begins at level 1) or a
 ///   buffer of the pyramid (owned). Levels from 1 on own their buffers, which are aligned to 16 bytes and come

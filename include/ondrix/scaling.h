@@ -3,15 +3,13 @@
 ///
 /// Conventions of this page
 /// - Images are row-major with one channel, except where a name says "Interleave": there a pixel is a pair of
-/// bytes,
-///   widths count pairs, and both channels are scaled apart from each other. Widths and heights are in pixels,
-///   strides in bytes. Functions without strides work on packed rows.
+///   bytes, widths count pairs, and both channels are scaled apart from each other. Widths and heights are in
+///   pixels, strides in bytes. Functions without strides work on packed rows.
 /// - A stride of 0 means the packed row, of the source or of the output (its width in pixels times the bytes of a
 ///   pixel). Any other stride is at least the row; smaller ones are refused.
 /// - Source and destination must not overlap. Only the pixels of the output are written, nothing between its rows.
 /// - s(x, y) is a source pixel, d(x, y) an output. Whole numbers are unsigned, >> drops the remainder; trunc is
-/// the
-///   whole part of a number that is not negative. Float means single precision, each operation rounded.
+///   the whole part of a number that is not negative. Float means single precision, each operation rounded.
 /// - Functions with an int return 0, and -1 for refused arguments. Those with a status return
 ///   ONDRIX_BAD_PARAMETER. Neither logs. Functions without a result log refused arguments ("Assertion failed
 ///   @..."). Null pointers and sizes of 0 are refused everywhere.

@@ -4,19 +4,16 @@
 ///
 /// Conventions of this page
 /// - Images are row-major with one channel. Widths and heights are in pixels, strides in bytes; a stride of 0
-/// means
-///   packed rows. (x, y) is a column and a row.
+///   means packed rows. (x, y) is a column and a row.
 /// - Refused arguments (null pointers, sizes of 0, strides shorter than a packed row, and what an operation names)
-/// are
-///   logged ("Assertion failed @..."); nothing is written, and operations with a status return
+///   are logged ("Assertion failed @..."); nothing is written, and operations with a status return
 ///   ONDRIX_BAD_PARAMETER.
 /// - Results are overwritten, never added to. They must not overlap the source, nor each other, except where an
 ///   operation works in place.
 /// - Integer results are exact. Images have fewer than 2^32 pixels: counts are modulo 2^32. n is the number of
-/// pixels.
+///   pixels.
 /// - Double precision: every operation is rounded once, and the results are the same on all processors; the sign
-/// and
-///   payload of a computed not-a-number are not defined.
+///   and payload of a computed not-a-number are not defined.
 #ifndef ONDRIX_STATISTICS_H
 #define ONDRIX_STATISTICS_H
 

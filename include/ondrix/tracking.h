@@ -5,9 +5,8 @@
 /// - Images have one channel; strides are in bytes, 0 means packed rows. Refused arguments are logged ("Assertion
 ///   failed @...") and nothing is written.
 /// - Mean shift and the adaptive trackers work on images of weights: how much each pixel belongs to the object, as
-/// a
-///   back-projected histogram tells. Weights may be bytes, signed integers or floats; NaN and infinite weights in
-///   the window end the search as a window without weight does.
+///   a back-projected histogram tells. Weights may be bytes, signed integers or floats; NaN and infinite weights
+///   in the window end the search as a window without weight does.
 #ifndef ONDRIX_TRACKING_H
 #define ONDRIX_TRACKING_H
 
@@ -104,16 +103,13 @@ ODX_API unsigned int odxConAdaTrackf32(const float* src, unsigned int srcWidth, 
 ///   varP = Qp - ((Sp * Sp) >> 6), varW = Qw - ((Sw * Sw) >> 6), n = C - ((Sw * Sp) >> 6): 64 times variances and
 ///   covariance.
 /// - The best candidate, in order of dy, then dx, from the first with n >= 1 on: a later one with n >= 1 replaces
-/// it
-///   when (float)n * n * (best varW) > (best n * n) * varW, in single precision from left to right.
+///   it when (float)n * n * (best varW) > (best n * n) * varW, in single precision from left to right.
 /// - Its score is the correlation in 1/128: n * 128 / sqrt((float)varP * varW), in single precision, rounded,
-/// halves
-///   away from zero. When rounded sums of nearly flat patches make it exceed 128, an error line is logged and the
-///   process ends.
+///   halves away from zero. When rounded sums of nearly flat patches make it exceed 128, an error line is logged
+///   and the process ends.
 /// - Sub-pixel place: where -r < dx < r - 1 and both neighbours in x have n >= 1, with their scores l and h and
-/// the
-///   score m, subX = (float)(h - l) / (float)(4 * m - 2 * (l + h)), 0 for a divisor of 0; else 0. subY alike, with
-///   dy. When a neighbour's score exceeds m, an error line is logged and the process ends.
+///   the score m, subX = (float)(h - l) / (float)(4 * m - 2 * (l + h)), 0 for a divisor of 0; else 0. subY alike,
+///   with dy. When a neighbour's score exceeds m, an error line is logged and the process ends.
 ///
 /// \param patch        64 pixels, row by row
 /// \param searchWidth  up to 11; 12 to 19 end the process with an error line

@@ -10,39 +10,33 @@
 ///       numX = M2 + M1 * y,  numY = M5 + M4 * y,  den = M8 + M7 * y        (the product first)
 ///   and M0, M3 and M6 are added from one column to the next. With w = 1 / den, sx = numX * w and sy = numY * w.
 /// - Affine matrix: 6 floats A0 .. A5. A row begins with sx = A2 + A1 * y, sy = A5 + A4 * y; A0 and A3 are added
-/// from
-///   one column to the next.
+///   from one column to the next.
 /// - Maps: the floats at column x and row y of mapX and mapY.
 /// - A position that is not a number, is infinite or lies beyond 32-bit integers is outside the source.
 ///
 /// Samples, of each channel for itself; whole parts are rounded toward minus infinity
 /// - Nearest: the pixel (floor(sx + 0.5), floor(sy + 0.5)), if the source has it.
 /// - Bilinear: with ix = floor(sx), iy = floor(sy), fx = sx - ix, fy = sy - iy, and the pixels p00, p01 (right of
-/// it),
-///   p10 (below it), p11: top = p00 + fx * (p01 - p00), bottom = p10 + fx * (p11 - p10), and the result is
-///   fy * (bottom - top) + top without its fraction. It exists where all four pixels do: ix in 0 .. srcWidth - 2,
-///   iy in 0 .. srcHeight - 2. The last row and column are therefore never inside, and a source that is one pixel
+///   it), p10 (below it), p11: top = p00 + fx * (p01 - p00), bottom = p10 + fx * (p11 - p10), and the result is fy
+///   * (bottom - top) + top without its fraction. It exists where all four pixels do: ix in 0 .. srcWidth - 2, iy
+///   in 0 .. srcHeight - 2. The last row and column are therefore never inside, and a source that is one pixel
 ///   wide or high has no inside at all.
 /// - Fixed-point bilinear (clipped transforms): fx and fy are integers, 65536 times the fractions, without what is
-/// left
-///   of them, at most 65535. If fy is 0, the result is p00 + ((fx * (p01 - p00) + 32768) >> 16); if only fx is 0,
-///   the same with fy and p10; else
+///   left of them, at most 65535. If fy is 0, the result is p00 + ((fx * (p01 - p00) + 32768) >> 16); if only fx
+///   is 0, the same with fy and p10; else
 ///       top = 128 * p00 + ((fx * (p01 - p00) + 256) >> 9), bottom from p10 and p11 likewise,
 ///       (top + ((fy * (bottom - top) + 32768) >> 16) + 64) >> 7
 ///
 /// Outside
 /// - Warps and remaps write the border value there, which is 0 unless the border type is ONDRIX_BORDER_CONSTANT.
-/// With
-///   that type bilinear samples exist for ix in -1 .. srcWidth - 1 and iy in -1 .. srcHeight - 1, too: pixels that
-///   the source does not have count as the border value. The low 8 bits of a border value count.
+///   With that type bilinear samples exist for ix in -1 .. srcWidth - 1 and iy in -1 .. srcHeight - 1, too: pixels
+///   that the source does not have count as the border value. The low 8 bits of a border value count.
 ///
 /// Everywhere
 /// - Images are row-major. Widths and heights are in pixels, strides in bytes, those of maps too. A stride of 0
-/// means
-///   packed rows: width times channels, for maps 4 * dstWidth. Other strides have any alignment.
+///   means packed rows: width times channels, for maps 4 * dstWidth. Other strides have any alignment.
 /// - Every pixel of a destination is written, except where something else is stated, and nothing between its rows.
-/// A
-///   destination must not overlap what is read.
+///   A destination must not overlap what is read.
 /// - Refused arguments are logged ("Assertion failed @...") and nothing is written; functions with a status return
 ///   ONDRIX_BAD_PARAMETER in silence instead. Interpolations above ONDRIX_INTERPOLATION_AREA are refused;
 ///   ONDRIX_INTERPOLATION_AREA is bilinear, except where it is refused.
