@@ -2,6 +2,8 @@
 #ifndef ODX_ORLAN_SIMD_X86_DISTANCES_H
 #define ODX_ORLAN_SIMD_X86_DISTANCES_H
 
+#include "orlan/simd/x86Search.h"
+
 namespace odx::ODX_TARGET::simd
 {
 
