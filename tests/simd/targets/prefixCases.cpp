@@ -4,6 +4,7 @@
 
 namespace odx::ODX_TARGET
 {
+using namespace loops;
 
 namespace
 {
