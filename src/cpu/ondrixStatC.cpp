@@ -47,6 +47,7 @@ Extremes<T> extremesOf(const T* src, uint32_t width, uint32_t height, uint32_t s
         }
         if (first || high > all.greatest.value) {
             const uint32_t x = firstOf(row, width, high);
+            if (x == width) continue;
             all.greatest = {row[x], x, y};
         }
         all.found = true;

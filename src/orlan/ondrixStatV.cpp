@@ -166,8 +166,9 @@ struct Search {
             }
             const Keys<V> k = O::keys(p);
             const uint64_t bits = laneBits((s8v)(least ? k.low == low : k.high == high));
-            if (bits == 0) continue;
-            const size_t lane = (size_t)__builtin_ctzll(bits) / sizeof(T), x = in.x + i + lane;
+            if (bits == 0 && i + kLanes < in.n) continue;
+            // There are bits, unless the image has changed since.
+            const size_t lane = bits == 0 ? 0 : (size_t)__builtin_ctzll(bits) / sizeof(T), x = in.x + i + lane;
             return {p[lane], (uint32_t)(x % width), (uint32_t)(in.y + x / width)};
         }
     }
