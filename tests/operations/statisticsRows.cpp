@@ -22,11 +22,11 @@ Image<T> elements(Draw& draw)
                                       0x007FFFFF, 0x7F7FFFFF, 0xFF7FFFFF};
     const uint32_t step = draw.pick("special every", {0U, 0U, 1U, 3U, 40U}),
                    kinds = draw.pick("kinds", {2U, 1U, 4U, 9U}), first = draw.pick("first", {0U, 2U, 4U}),
-                   values = draw.pick("values", {0U, 0U, 2U, 3U});
+                   values = draw.pick("values", {0U, 0U, 2U, 3U}), run = draw.pick("run", {1U, image.width});
     for (uint32_t i = 0; i < image.width * image.height; ++i) {
         T& v = image.at(i % image.width, i / image.width);
         if constexpr (std::is_floating_point_v<T>) {
-            if (step != 0 && i % step == 0) memcpy(&v, &kPatterns[first + i / step * 7 % kinds], sizeof v);
+            if (step != 0 && i % step == 0) memcpy(&v, &kPatterns[first + i / step / run * 7 % kinds], sizeof v);
         } else if (values != 0) {
             v = static_cast<T>(T(~T{0}) / 2 + v % static_cast<T>(values));
         }
