@@ -26,11 +26,12 @@ Grid<T> tableOf(int width, int height, bool squared, PixelAt pixelAt, int column
     Grid<T> table(std::max(width + 1, columns), height + 1, 77);
     for (int Y = 0; Y <= height; ++Y) {
         for (int X = 0; X <= width; ++X) {
-            T& sum = table.at(X, Y) = 0;
-            for (int y = 0; y < Y; ++y) {
-                for (int x = 0; x < X; ++x)
-                    sum += static_cast<T>(squared ? pixelAt(x, y) * pixelAt(x, y) : pixelAt(x, y));
+            T sum = X == 0 ? 0 : table.at(X - 1, Y);
+            for (int y = 0; X > 0 && y < Y; ++y) {
+                const auto pixel = static_cast<T>(pixelAt(X - 1, y));
+                sum += squared ? pixel * pixel : pixel;
             }
+            table.at(X, Y) = sum;
         }
     }
     return table;
@@ -42,7 +43,7 @@ Grid<T> tableOf(const Image& src, bool squared, int columns = 0)
         src.width, src.height, squared, [&](int x, int y) { return src.at(x, y); }, columns);
 }
 
-const std::pair<int, int> kSizes[] = {{1, 1}, {1, 5}, {6, 1}, {2, 2}, {37, 9}};
+const std::pair<int, int> kSizes[] = {{1, 1}, {1, 5}, {6, 1}, {2, 2}, {37, 9}, {2100, 1}};
 
 } // namespace
 
@@ -144,15 +145,17 @@ TEST_F(Integrals, PatchesReachBeyondTheImage)
 {
     const Image src = noise<uint8_t>(11, 7, 0, 255);
     constexpr int kLeast = std::numeric_limits<int>::min(), kMost = std::numeric_limits<int>::max();
-    constexpr int kWidth = 9, kHeight = 6;
-    for (const int x : {kLeast, -kWidth, -4, 0, 2, 3, 11, kMost}) {
+    constexpr int kHeight = 6;
+    for (const int x : {kLeast, -9, -4, 0, 2, 3, 11, kMost}) {
         for (const int y : {kLeast, -kHeight, -1, 0, 1, 2, 7, kMost}) {
             for (const uint32_t type : {0u, 1u, 2u}) {
+                const int width = y == -1 ? 2061 : 9;
                 const bool inside = x >= 0 && y >= 0 && x <= 2 && y <= 1;
-                Grid<uint32_t> sums(kWidth + 3, kHeight + 1, 77), squares = sums;
-                const odxStatus status =
-                    odxIntegratePatchu8_v3(src.data(), 11, 7, 0, x, y, kWidth, kHeight, sums.data(), 48,
-                                           squares.data(), 48, static_cast<odxBorderType>(type), 0x1FE);
+                const unsigned stride = static_cast<unsigned>(width + 3) * 4;
+                Grid<uint32_t> sums(width + 3, kHeight + 1, 77), squares = sums;
+                const odxStatus status = odxIntegratePatchu8_v3(
+                    src.data(), 11, 7, 0, x, y, static_cast<unsigned>(width), kHeight, sums.data(), stride,
+                    squares.data(), stride, static_cast<odxBorderType>(type), 0x1FE);
                 EXPECT_EQ(type == 0 && !inside ? 3 : 0, status);
                 const auto pixelAt = [&](int u, int v) -> int {
                     const int64_t column = int64_t{x} + u, row = int64_t{y} + v;
@@ -162,9 +165,9 @@ TEST_F(Integrals, PatchesReachBeyondTheImage)
                     if (outside && type == 1) return 0xFE;
                     return src.at(static_cast<int>(nearestColumn), static_cast<int>(nearestRow));
                 };
-                const Grid<uint32_t> untouched(kWidth + 3, kHeight + 1, 77);
+                const Grid<uint32_t> untouched(width + 3, kHeight + 1, 77);
                 const auto expected = [&](bool squared) {
-                    return status == 0 ? tableOf<uint32_t>(kWidth, kHeight, squared, pixelAt, kWidth + 3)
+                    return status == 0 ? tableOf<uint32_t>(width, kHeight, squared, pixelAt, width + 3)
                                        : untouched;
                 };
                 ASSERT_EQ(expected(false), sums) << x << "," << y << ", border type " << type;
