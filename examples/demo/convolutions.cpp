@@ -16,9 +16,10 @@ using Weights = std::vector<int16_t>;
 Weights gaussian(int taps, float sigma, float sum, bool derivative = false)
 {
     std::vector<float> values;
+    const int reach = taps / 2;
     float total = 0;
-    for (int i = 0; i < taps; ++i) {
-        const auto x = static_cast<float>(i - taps / 2);
+    for (int i = -reach; i <= reach; ++i) {
+        const auto x = static_cast<float>(i);
         values.push_back(std::exp(-x * x / (2 * sigma * sigma)) * (derivative ? x : 1));
         total += std::abs(values.back());
     }
@@ -64,7 +65,7 @@ void showConvolutions(Stage& stage)
         return done(odxFilterCorrSep17x17s16_v2, across.data(), down.data(), wide.data(), wide.width(),
                     wide.height(), wide.stride(), slope.data(), slope.stride());
     });
-    stage.show("Derivative of a Gaussian, 17x17, 16 bits", outcome, pictureOf(slope, [](int16_t value) {
+    stage.show("Slope of a Gaussian, 17x17", outcome, pictureOf(slope, [](int16_t value) {
                    const uint8_t level =
                        nearestByte(std::clamp(128 + static_cast<float>(value) / 32, 0.0F, 255.0F));
                    return Rgb{level, level, level};
