@@ -24,10 +24,7 @@ T value(Draw& draw)
         return static_cast<T>(draw.number<int64_t>("value", INT32_MIN, INT32_MAX, 100));
     }
 }
-const uint8_t* table(Draw& draw)
-{
-    return draw.sourceArray<uint8_t>("table", 256);
-}
+constexpr auto table = array<uint8_t, 256>;
 float weight(Draw& draw)
 {
     return draw.pick("weight", {0, 0, 1}) == 0 ? draw.real("value", -2, 2, 0.5f)
@@ -86,7 +83,7 @@ void two(Draw& draw)
     const auto src2 = sourceOf<S2>(draw, "src2", extent);
     const auto dst = sizeof(S1) == sizeof(D) ? destinationOf<D>(draw, extent, src1, "in src1")
                                              : destinationOf<D>(draw, extent, src2, "in src2");
-    draw.call(operation, sized(src1, extent), src2, drawn<rest...>(draw), dst);
+    draw.call(operation, sized(src1, extent), src2, rest..., dst);
     settle(dst);
 }
 
@@ -96,7 +93,7 @@ void one(Draw& draw)
     const Extent extent = draw.extent();
     const auto src = sourceOf<S>(draw, "src", extent);
     const auto dst = destinationOf<D>(draw, extent, src, "in place");
-    draw.call(operation, sized(src, extent), drawn<rest...>(draw), dst);
+    draw.call(operation, sized(src, extent), rest..., dst);
     settle(dst);
 }
 
@@ -143,18 +140,12 @@ template <auto* operation, size_t... more>
 void combine(Draw& draw, std::index_sequence<more...>)
 {
     constexpr uint32_t planes = sizeof...(more) + 1;
-    constexpr const char* kNames[] = {"src1", "src2", "src3", "src4"};
+    constexpr const char* kNames[] = {"src2", "src3", "src4"};
     const Extent extent = draw.extent();
-    std::vector<Image<uint8_t>> src;
-    for (uint32_t i = 0; i < planes; ++i)
-        src.push_back(draw.source<uint8_t>(kNames[i], extent));
+    const std::tuple others{draw.source<uint8_t>(kNames[more], extent)...};
+    const auto src = draw.source<uint8_t>("src1", extent);
     const auto dst = draw.destination<uint8_t>("dst", {planes * extent.width, extent.height});
-    draw.run([&] {
-        std::apply(operation,
-                   std::tuple_cat(std::tuple(src[0].pixels, extent.width, extent.height, src[0].strideArgument()),
-                                  std::tuple(src[more + 1].pixels, src[more + 1].strideArgument())...,
-                                  std::tuple(dst.pixels, dst.strideArgument())));
-    });
+    draw.call(operation, sized(src), others, dst);
 }
 template <auto* operation, uint32_t planes>
 void combine(Draw& draw)
@@ -188,9 +179,7 @@ void layout(Draw& draw)
 template <class T, auto* operation>
 void average(Draw& draw)
 {
-    const auto src = draw.source<T>("src", draw.extent());
-    float* const mean = draw.destinationArray<float>("average", 1);
-    draw.call(operation, sized(src), mean);
+    draw.call(operation, sized(draw.source<T>("src", draw.extent())), results<float, 1>);
 }
 
 void crossProduct(Draw& draw)

@@ -1,4 +1,4 @@
-#include "operations/draw.h"
+#include "operations/shapes.h"
 
 #include "cpu/ondrixColorFromRgbC.h"
 
@@ -30,9 +30,8 @@ template <uint32_t sourceSize, uint32_t destinationSize, auto* operation>
 void packed(Draw& draw)
 {
     const Extent extent = draw.extent();
-    const auto src = sourcePixels(draw, extent, sourceSize),
-               dst = destinationPixels(draw, extent, destinationSize);
-    draw.call(operation, sized(src, extent), dst);
+    const auto src = sourcePixels(draw, extent, sourceSize);
+    draw.call(operation, sized(src, extent), destinationPixels(draw, extent, destinationSize));
 }
 
 template <uint32_t size, auto* operation>
@@ -47,9 +46,7 @@ void yCrCb(Draw& draw)
 {
     const Extent extent = draw.extent();
     const uint32_t bytes = 3 * extent.width * extent.height;
-    const uint8_t* src = draw.sourceArray<uint8_t>("src", bytes);
-    uint8_t* dst = draw.destinationArray<uint8_t>("dst", bytes);
-    draw.call(odxColorRGB888toYCrCbu8, src, extent, dst);
+    draw.call(odxColorRGB888toYCrCbu8, from<uint8_t>("src", bytes), extent, to<uint8_t>("dst", bytes));
 }
 
 // Even widths for the most part, where odd ones are left unwritten.
@@ -98,13 +95,12 @@ Planes planes(Draw& draw, Extent extent, Plane plane, bool wholePairs = false)
 template <bool interleaved>
 auto pointers(const Planes& p)
 {
-    return std::tuple_cat(std::tuple(p.y.pixels, p.cb.pixels), when<!interleaved>(p.cr.pixels));
+    return std::tuple(pixels(p.y, p.cb), when<!interleaved>(p.cr.pixels));
 }
 template <bool interleaved>
 auto strides(const Planes& p)
 {
-    return std::tuple_cat(std::tuple(p.y.strideArgument(), p.cb.strideArgument()),
-                          when<!interleaved>(p.cr.strideArgument()));
+    return std::tuple(test::strides(p.y, p.cb), when<!interleaved>(p.cr.strideArgument()));
 }
 
 template <uint32_t size, uint32_t subsampling, bool pairs, auto* operation>

@@ -1,4 +1,4 @@
-#include "operations/draw.h"
+#include "operations/shapes.h"
 
 #include "ondrix/colorToRgb.h"
 
@@ -31,8 +31,7 @@ void planar(Draw& draw)
     const auto y = draw.source<uint8_t>("srcY", rows);
     const auto cb = draw.source<uint8_t>("srcCb", chroma), cr = draw.source<uint8_t>("srcCr", chroma);
     const auto dst = draw.destination<uint8_t>("dst", packed<pixelSize>(rows));
-    draw.call(operation, y.pixels, cb.pixels, cr.pixels, extent, y.strideArgument(), cb.strideArgument(),
-              cr.strideArgument(), dst);
+    draw.call(operation, pixels(y, cb, cr), extent, strides(y, cb, cr), dst);
 }
 
 template <uint32_t across, uint32_t down, uint32_t pixelSize, auto* operation>
@@ -42,23 +41,17 @@ void pseudoPlanar(Draw& draw)
     const auto y = draw.source<uint8_t>("srcY", rows);
     const auto c = draw.source<uint8_t>("srcC", {2 * extent.width / across, rows.height / down});
     const auto dst = draw.destination<uint8_t>("dst", packed<pixelSize>(rows));
-    draw.call(operation, y.pixels, c.pixels, extent, y.strideArgument(), c.strideArgument(), dst);
+    draw.call(operation, pixels(y, c), extent, strides(y, c), dst);
 }
 
 // A packed plane of luma and one of chroma, whose last row has a byte more when the width is odd.
-const uint8_t* singleBuffer(Draw& draw, Extent extent)
-{
-    return draw.sourceArray<uint8_t>("src",
-                                     extent.width * (extent.height + (extent.height + 1) / 2) + extent.width % 2);
-}
-
 template <uint32_t pixelSize, auto* operation>
 void packedImage(Draw& draw)
 {
     const Extent extent = draw.extent();
-    const uint8_t* src = singleBuffer(draw, extent);
-    uint8_t* dst = draw.destinationArray<uint8_t>("dst", extent.width * extent.height * pixelSize);
-    draw.call(operation, src, extent, dst);
+    const uint32_t rows = extent.height + (extent.height + 1) / 2;
+    draw.call(operation, from<uint8_t>("src", extent.width * rows + extent.width % 2), extent,
+              to<uint8_t>("dst", extent.width * extent.height * pixelSize));
 }
 
 void stridedImage(Draw& draw)
@@ -67,16 +60,15 @@ void stridedImage(Draw& draw)
     const uint32_t yStride = extent.width + draw.number<uint32_t>("luma padding", 0, 40, 0);
     const uint32_t cStride = extent.width + draw.number<uint32_t>("chroma padding", 0, 40, 0);
     const uint32_t chromaRows = (extent.height + 1) / 2;
-    const uint8_t* src = draw.sourceArray<uint8_t>("src", yStride * extent.height + cStride * (chromaRows - 1) +
-                                                              (extent.width + 1) / 2 * 2);
+    const auto src =
+        from<uint8_t>("src", yStride * extent.height + cStride * (chromaRows - 1) + (extent.width + 1) / 2 * 2);
     // Rows may overlap, and strides that are no whole number of pixels are cut.
     const uint32_t rowPixels = draw.pick("pixels of a row", {1u, 1u, 1u, 0u}) != 0
                                    ? extent.width + draw.number<uint32_t>("padding", 0, 40, 0)
                                    : draw.number<uint32_t>("overlapping", 1, extent.width, 1);
     const uint32_t remainder = draw.number<uint32_t>("remainder", 0, 3, 0);
-    uint8_t* dst = draw.destinationArray<uint8_t>("dst", 4 * (rowPixels * (extent.height - 1) + extent.width));
-    draw.call(odxColorYCrCb420PseudoPlanarToRGB8888u8, src, extent, yStride, cStride, dst,
-              4 * rowPixels + remainder);
+    draw.call(odxColorYCrCb420PseudoPlanarToRGB8888u8, src, extent, yStride, cStride,
+              to<uint8_t>("dst", 4 * (rowPixels * (extent.height - 1) + extent.width)), 4 * rowPixels + remainder);
 }
 
 template <uint32_t across, uint32_t down, auto* operation>
@@ -89,9 +81,8 @@ void codedUnits(Draw& draw)
     // Where rows move on by whole blocks only, the last cut unit is the only one more.
     const bool wholeOnly = across == 1 && down == 1;
     const uint32_t step = wholeOnly ? extent.width / 8 : unitsWide;
-    const uint8_t* src = draw.sourceArray<uint8_t>("src", (step * (unitsHigh - 1) + unitsWide) * unitSize);
-    uint8_t* dst = draw.destinationArray<uint8_t>("dst", 3 * extent.width * extent.height);
-    draw.call(operation, src, extent, dst);
+    draw.call(operation, from<uint8_t>("src", (step * (unitsHigh - 1) + unitsWide) * unitSize), extent,
+              to<uint8_t>("dst", 3 * extent.width * extent.height));
 }
 
 } // namespace

@@ -33,57 +33,41 @@ template <auto* operation, uint32_t K, bool strided>
 void rounded(Draw& draw)
 {
     const Extent extent = draw.extent(K, K);
-    const int16_t *const x = kernel(draw, "kernelX", K), *const y = kernel(draw, "kernelY", K);
-    const auto src = draw.source<int16_t>("src", extent, !strided);
-    const auto dst = draw.destination<int16_t>("dst", extent, !strided);
-    draw.run([&] {
-        if constexpr (strided) {
-            operation(x, y, src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
-                      dst.strideArgument());
-        } else {
-            operation(x, y, src.pixels, extent.width, extent.height, dst.pixels);
-        }
-    });
+    const auto weights = [](Draw& d) { return kernel(d, "kernel", K); };
+    const auto src = draw.source<int16_t>("src", extent, !strided),
+               dst = draw.destination<int16_t>("dst", extent, !strided);
+    draw.call(operation, weights, weights, src.pixels, extent, when<strided>(src.strideArgument()), dst.pixels,
+              when<strided>(dst.strideArgument()));
 }
 
 void roundedNxN(Draw& draw)
 {
     const uint32_t n = draw.pick("N", {21u, 3u, 5u, 7u, 17u, 31u});
-    const Extent extent = draw.extent(n, n);
-    const int16_t *const x = kernel(draw, "kernelX", n), *const y = kernel(draw, "kernelY", n);
-    const auto src = draw.source<int16_t>("src", extent), dst = draw.destination<int16_t>("dst", extent);
-    draw.run([&] {
-        odxFilterCorrSepNxNs16(x, y, n, src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
-                               dst.strideArgument());
-    });
+    const auto src = draw.source<int16_t>("src", draw.extent(n, n)),
+               dst = draw.destination<int16_t>("dst", src.extent());
+    const auto weights = [=](Draw& d) { return kernel(d, "kernel", n); };
+    draw.call(odxFilterCorrSepNxNs16, weights, weights, n, sized(src), dst);
 }
+
+constexpr auto shift = between<0u, 31u, 7u>;
 
 template <class T, auto* operation>
 void anyKernel(Draw& draw)
 {
     const uint32_t m = oddSize(draw, 15), n = oddSize(draw, 15);
-    const Extent extent = extentFor(draw, m, n);
-    const int16_t* const weights = kernel(draw, "kernel", m * n);
-    const auto shift = draw.number("shift", 0u, 15u, 7u);
-    const auto src = draw.source<uint8_t>("src", extent);
-    const auto dst = draw.destination<T>("dst", extent);
-    runWith<borderType, borderValue>(draw, [&](auto... border) {
-        return operation(weights, m, n, shift, src.pixels, extent.width, extent.height, src.strideArgument(),
-                         dst.pixels, dst.strideArgument(), border...);
-    });
+    const auto src = draw.source<uint8_t>("src", extentFor(draw, m, n));
+    const auto dst = draw.destination<T>("dst", src.extent());
+    draw.call(operation, kernel(draw, "kernel", m * n), m, n, between<0u, 15u, 7u>, sized(src), dst, borderType,
+              borderValue);
 }
 
 void separableBytes(Draw& draw)
 {
     const uint32_t m = oddSize(draw, 31), n = oddSize(draw, 31);
-    const Extent extent = extentFor(draw, m, n);
+    const auto src = draw.source<uint8_t>("src", extentFor(draw, m, n)),
+               dst = draw.destination<uint8_t>("dst", src.extent());
     const int16_t *const x = kernel(draw, "kernelX", m), *const y = kernel(draw, "kernelY", n);
-    const auto shift = draw.number("shift", 0u, 31u, 7u);
-    const auto src = draw.source<uint8_t>("src", extent), dst = draw.destination<uint8_t>("dst", extent);
-    runWith<borderType, borderValue>(draw, [&](auto... border) {
-        return odxFilterCorrSepMxNu8(x, m, y, n, shift, src.pixels, extent.width, extent.height,
-                                     src.strideArgument(), dst.pixels, dst.strideArgument(), border...);
-    });
+    draw.call(odxFilterCorrSepMxNu8, x, m, y, n, shift, sized(src), dst, borderType, borderValue);
 }
 
 void separableWords(Draw& draw)
@@ -99,15 +83,11 @@ void separableWords(Draw& draw)
     const odxKernelSymmetry symmetryX = symmetry(draw), symmetryY = symmetry(draw);
     const int16_t* const x = kernel(draw, "kernelX", given(symmetryX, m));
     const int16_t* const y = kernel(draw, "kernelY", given(symmetryY, n));
-    const auto shift = draw.number("shift", 0u, 31u, 7u);
     const auto src = draw.source<int16_t>("src", extent);
     const auto dst =
         draw.destination<int16_t>("dst", same ? extent : Extent{extent.width - m + 1, extent.height - n + 1});
-    runWith<borderType, between<0u, 70000u, 0u>>(draw, [&](auto... border) {
-        return odxFilterConvSepMxNs16(x, m, symmetryX, y, n, symmetryY, shift, src.pixels, extent.width,
-                                      extent.height, src.strideArgument(), dst.pixels, dst.strideArgument(),
-                                      region, border...);
-    });
+    draw.call(odxFilterConvSepMxNs16, x, m, symmetryX, y, n, symmetryY, shift, sized(src), dst, region, borderType,
+              between<0u, 70000u, 0u>);
 }
 
 void inside(Draw& draw)
@@ -115,15 +95,9 @@ void inside(Draw& draw)
     // One that is wide, and one of more weights than kernels are made ready for.
     const uint32_t m = draw.pick("M", {7u, 1u, 2u, 3u, 4u, 15u, 64u, 200u}),
                    n = draw.pick("N", {7u, 1u, 2u, 3u, 6u, 33u});
-    const Extent extent = draw.extent(m, n, std::max(m, n) - 1);
-    const int16_t* const weights = kernel(draw, "kernel", m * n);
-    const auto shift = draw.number("shift", 0u, 31u, 7u);
-    const auto src = draw.source<int16_t>("src", extent);
-    const auto dst = draw.destination<int16_t>("dst", {extent.width - m + 1, extent.height - n + 1});
-    draw.run([&] {
-        odxConvValids16(weights, m, n, shift, src.pixels, extent.width, extent.height, src.strideArgument(),
-                        dst.pixels, dst.strideArgument());
-    });
+    const auto src = draw.source<int16_t>("src", draw.extent(m, n, std::max(m, n) - 1));
+    const auto dst = draw.destination<int16_t>("dst", {src.width - m + 1, src.height - n + 1});
+    draw.call(odxConvValids16, kernel(draw, "kernel", m * n), m, n, shift, sized(src), dst);
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "ondrix/correlation.h"
 
-#include "operations/draw.h"
+#include "operations/shapes.h"
 
 namespace odx::test
 {
@@ -24,30 +24,23 @@ void corr3x3(Draw& draw)
 {
     const Extent extent = draw.extent();
     const int8_t* const kernel = integerKernel(draw, 3);
-    const auto src = draw.source<uint8_t>("src", extent, !strided);
-    const auto dst = draw.destination<uint8_t>("dst", extent, !strided);
-    draw.run([&] {
-        if constexpr (strided) {
-            operation(kernel, src.pixels, extent.width, extent.height, src.strideArgument(), dst.pixels,
-                      dst.strideArgument());
-        } else {
-            operation(kernel, src.pixels, extent.width, extent.height, dst.pixels);
-        }
-    });
-}
-
-// operation(src, srcStride, dst, dstStride) of an image that is larger than n.
-template <class T, class Operation>
-void sized(Draw& draw, uint32_t n, Operation operation)
-{
-    const auto src = draw.source<uint8_t>("src", draw.extent(n + 1, n + 1, 2 * (n / 2)));
-    const auto dst = draw.destination<T>("dst", src.extent());
-    draw.call(operation, sized(src), dst);
+    const auto src = draw.source<uint8_t>("src", extent, !strided),
+               dst = draw.destination<uint8_t>("dst", extent, !strided);
+    draw.call(operation, kernel, src.pixels, extent, when<strided>(src.strideArgument()), dst.pixels,
+              when<strided>(dst.strideArgument()));
 }
 
 uint32_t size(Draw& draw)
 {
     return draw.pick("N", {7u, 1u, 2u, 3u, 4u, 5u, 6u, 9u, 31u, 32u});
+}
+
+// operation(arguments..., src, width, height, srcStride, dst, dstStride) of an image that is larger than n.
+template <class T, auto* operation, class... Arguments>
+void larger(Draw& draw, uint32_t n, Arguments... arguments)
+{
+    const auto src = draw.source<uint8_t>("src", draw.extent(n + 1, n + 1, 2 * (n / 2)));
+    draw.call(operation, arguments..., sized(src), draw.destination<T>("dst", src.extent()));
 }
 
 template <class T, auto* operation>
@@ -58,7 +51,7 @@ void shifted(Draw& draw)
     const int32_t shift = draw.pick("anyhow", {0, 0, 0, 1}) == 0
                               ? draw.number("shift", -4, 12, 5)
                               : draw.pick("shift", {-31, -32, 31, 32, INT32_MIN});
-    sized<T>(draw, n, [=](auto... images) { return operation(kernel, n, shift, images...); });
+    larger<T, operation>(draw, n, kernel, n, shift);
 }
 
 void real(Draw& draw)
@@ -68,7 +61,7 @@ void real(Draw& draw)
     const float scale = draw.pick("scale", {0, 0, 1, 2}) == 1 ? 1e-38F : 0.1F;
     for (uint32_t i = 0; i < n * n; ++i)
         kernel[i] = static_cast<float>(draw.measures() ? 1 : static_cast<int>(i * 7 % 11) - 5) * scale;
-    sized<float>(draw, n, [=](auto... images) { return odxFilterCorrNxNu8f32(kernel, n, images...); });
+    larger<float, odxFilterCorrNxNu8f32>(draw, n, kernel, n);
 }
 
 } // namespace

@@ -29,8 +29,7 @@ template <class T, auto* operation>
 void arrays(Draw& draw)
 {
     const uint32_t length = draw.length(0, sizeof(T));
-    const T *const a = draw.sourceArray<T>("a", length), *const b = draw.sourceArray<T>("b", length);
-    draw.call(operation, a, b, length);
+    draw.call(operation, from<T>("a", length), from<T>("b", length), length);
 }
 
 template <class T, auto* operation>
@@ -42,58 +41,32 @@ void blocks(Draw& draw)
 
 template <uint32_t n, auto* operation>
 constexpr auto count = taking<operation, array<uint8_t, n>>;
-
-template <class T, uint32_t n>
-constexpr auto fourArrays = drawn<array<T, n>, array<T, n>, array<T, n>, array<T, n>>;
-template <uint32_t n, auto* operation>
-constexpr auto fourCounts = taking<operation, fourArrays<uint8_t, n>, results<uint32_t, 4>>;
-template <class T, class Result, uint32_t n, auto* operation>
-constexpr auto oneWithFour = taking<operation, array<T, n>, fourArrays<T, n>, results<Result, 4>>;
+template <uint32_t n, auto* operation, auto array = test::array<uint8_t, n>>
+constexpr auto fourCounts = taking<operation, array, array, array, array, results<uint32_t, 4>>;
+template <class T, class Result, uint32_t n, auto* operation, auto array = test::array<T, n>>
+constexpr auto oneWithFour = taking<operation, array, array, array, array, array, results<Result, 4>>;
 
 // The same with inverse lengths.
 const float* fourLengths(Draw& draw)
 {
     return inverseLengths(draw, 4);
 }
-template <class T, uint32_t n, auto* operation>
+template <class T, uint32_t n, auto* operation, auto array = test::array<T, n>>
 constexpr auto normalised =
-    taking<operation, array<T, n>, inverseLength, fourArrays<T, n>, fourLengths, results<float, 4>>;
+    taking<operation, array, inverseLength, array, array, array, array, fourLengths, results<float, 4>>;
 
-template <class T>
-struct List {
-    uint32_t count;
-    const T* a;
-    float length;
-    std::vector<const T*> vectors;
-    const float* lengths;
-    float* results;
-
-    List(Draw& draw, uint32_t n, uint32_t typical)
-        : count(draw.number<uint32_t>("vectors", 0, 20, typical)), a(draw.sourceArray<T>("a", n)),
-          length(inverseLength(draw))
-    {
-        for (uint32_t i = 0; i < count; ++i)
-            vectors.push_back(draw.measures() && i != 0 ? vectors[0] : draw.sourceArray<T>("vector", n));
-        vectors.push_back(nullptr); // so that a list of none has an address
-        lengths = inverseLengths(draw, count);
-        results = draw.destinationArray<float>("results", count);
-    }
-};
-
-void distances36(Draw& draw)
-{
-    const List<int8_t> list(draw, 36, 11);
-    draw.call(odxSumOfSquaredDiffs36xNs8, list.a, list.length, list.vectors.data(), list.lengths, list.count,
-              list.results);
-}
-
-template <class T, auto* operation>
+// operation(a, invLengthA, bList, invLengthsB, number, distances), with the length of vectors where it is not
+// fixed.
+template <class T, auto* operation, uint32_t fixed = 0>
 void distances(Draw& draw)
 {
-    const uint32_t n = draw.length(0, 64);
-    const List<T> list(draw, n, 9);
-    draw.run(
-        [&] { operation(list.a, list.length, n, list.vectors.data(), list.lengths, list.count, list.results); });
+    const uint32_t n = fixed != 0 ? fixed : draw.length(0, 64), count = draw.number("vectors", 0u, 20u, 11u);
+    std::vector<const T*> vectors;
+    for (uint32_t i = 0; i < count; ++i)
+        vectors.push_back(draw.measures() && i != 0 ? vectors[0] : draw.sourceArray<T>("vector", n));
+    vectors.push_back(nullptr); // so that a list of none has an address
+    draw.call(operation, from<T>("a", n), inverseLength, when<fixed == 0>(n), vectors.data(),
+              inverseLengths(draw, count), count, to<float>("distances", count));
 }
 
 template <uint32_t width, uint32_t height>
@@ -104,42 +77,30 @@ Image<uint8_t> patch(Draw& draw)
 template <uint32_t width, uint32_t height, auto* operation>
 constexpr auto patches = taking<operation, patch<width, height>, patch<width, height>>;
 
-template <uint32_t n, auto* operation>
+// operation(patch, patchStride, src, srcWidth, srcHeight, srcStride, dst, dstStride): packed images have no
+// strides.
+template <uint32_t n, auto* operation, bool strided = true>
 void everywhere(Draw& draw)
 {
-    const auto patch = draw.source<uint8_t>("patch", {n, n}),
-               src = draw.source<uint8_t>("src", draw.extent(n, n, n - 1));
-    const auto dst = draw.destination<uint16_t>("dst", {src.width - n + 1, src.height - n + 1});
-    draw.call(operation, patch, sized(src), dst);
-}
-
-void everywherePacked(Draw& draw)
-{
-    const auto patch = draw.source<uint8_t>("patch", {8, 8}, true),
-               src = draw.source<uint8_t>("src", draw.extent(8, 8, 7), true);
-    const auto dst = draw.destination<uint16_t>("dst", {src.width - 7, src.height - 7}, true);
-    draw.call(odxSumOfAbsoluteDiffs8x8u8, patch.pixels, src.pixels, src.extent(), dst.pixels);
+    const auto patch = draw.source<uint8_t>("patch", {n, n}, !strided),
+               src = draw.source<uint8_t>("src", draw.extent(n, n, n - 1), !strided);
+    const auto dst = draw.destination<uint16_t>("dst", {src.width - n + 1, src.height - n + 1}, !strided);
+    const auto stride = [](const auto& image) { return when<strided>(image.strideArgument()); };
+    draw.call(operation, patch.pixels, stride(patch), src.pixels, src.extent(), stride(src), dst.pixels,
+              stride(dst));
 }
 
 void describe(Draw& draw)
 {
-    const auto src = draw.source<uint8_t>("src", {17, 17});
-    int8_t* const dst = draw.destinationArray<int8_t>("dst", 36);
-    float* const length = draw.destinationArray<float>("length", 1);
-    const bool wanted = draw.pick("length wanted", {1, 0}) != 0;
-    draw.run(
-        [&] { odxDescriptor17x17u8To36s8(src.pixels, src.strideArgument(), dst, wanted ? length : nullptr); });
+    draw.call(odxDescriptor17x17u8To36s8, patch<17, 17>, results<int8_t, 36>, maybe(results<float, 1>));
 }
 
 void normalise(Draw& draw)
 {
-    const uint32_t count = draw.length(1, 36 * 8);
+    const uint32_t count = draw.length(1, 36 * 8), stop = draw.pick("stop", {0u, 0u, 0u, 0u, 256u});
     const auto src = draw.source<int8_t>("src", {36, count});
-    const float* const lengths = inverseLengths(draw, count);
-    const float norm = draw.real("norm", -3, 300, 1);
-    float* const dst = draw.destinationArray<float>("dst", 36 * count);
-    const uint32_t stop = draw.pick("stop", {0u, 0u, 0u, 0u, 256u});
-    draw.call(odxVecNormalize36s8f32, src, lengths, count, norm, dst, &stop);
+    draw.call(odxVecNormalize36s8f32, src, inverseLengths(draw, count), count, draw.real("norm", -3, 300, 1),
+              to<float>("dst", 36 * count), &stop);
 }
 
 Random seeded(Draw& draw)
@@ -169,10 +130,8 @@ void meanAndVariance(Draw& draw)
     for (uint32_t i = 0; i < sample; ++i)
         indices[i] = static_cast<uint32_t>(random() % count);
     const bool all = draw.pick("indices", {1, 0}) == 0;
-    float *const mean = draw.destinationArray<float>("mean", 36), *const variance =
-                                                                      draw.destinationArray<float>("variance", 36);
     draw.call(odxDescriptorSampledMeanAndVar36f32, v.pixels, count, v.strideArgument(), all ? nullptr : indices,
-              sample, mean, variance);
+              sample, results<float, 36>, results<float, 36>);
 }
 
 void sort8(Draw& draw)
@@ -188,11 +147,14 @@ void sort8(Draw& draw)
     });
 }
 
-// operation(vectors, length..., and so on), which writes all, or what may be left out.
-template <class T, class Distance, class Sum, class Call>
-void cluster(Draw& draw, uint32_t length, Call call)
+// An operation that writes all, or what may be left out; it is told the length of vectors unless that is fixed.
+template <class T, class Distance, class Sum, auto* operation, uint32_t fixed = 0>
+void clusters(Draw& draw)
 {
-    const uint32_t count = draw.number<uint32_t>("vectors", 1, 40, 2000),
+    const uint32_t length = fixed != 0        ? fixed
+                            : draw.measures() ? 64
+                                              : draw.length(1),
+                   count = draw.number<uint32_t>("vectors", 1, 40, 2000),
                    numCenters = draw.number<uint32_t>("centers", 1, 9, 64);
     const auto make = [&](const char* name, uint32_t n) {
         if constexpr (std::is_same_v<T, float>) {
@@ -203,32 +165,17 @@ void cluster(Draw& draw, uint32_t length, Call call)
     };
     const auto v = make("vectors", count), centers = make("centers", numCenters);
     draw.writesInPlace(centers);
-    uint32_t* const labels = draw.destinationArray<uint32_t>("labels", count);
-    Distance* const distances = draw.destinationArray<Distance>("distances", count);
-    uint32_t* const counts = draw.destinationArray<uint32_t>("counts", numCenters);
-    Sum* const sums = draw.destinationArray<Sum>("sums", numCenters * length);
     T* const moved = draw.destinationArray<T>("new centers", centers.stride / sizeof(T) * numCenters);
-    const int results = draw.pick("results", {0, 1, 2, 3});
-    draw.call(call, v.pixels, count, v.strideArgument(), centers.pixels, numCenters, centers.strideArgument(),
-              labels, results == 1 ? nullptr : distances, results == 2 ? nullptr : counts,
-              results >= 2 ? nullptr : sums,
-              results >= 2   ? nullptr
-              : results == 1 ? centers.pixels
-                             : moved);
-}
-
-template <class T, class Distance, class Sum, auto* operation>
-void clusters(Draw& draw)
-{
-    const uint32_t length = draw.measures() ? 64 : draw.length(1);
-    cluster<T, Distance, Sum>(draw, length, [=](const T* v, uint32_t count, uint32_t stride, auto... rest) {
-        return operation(v, length, count, stride, rest...);
-    });
-}
-
-void clusters36(Draw& draw)
-{
-    cluster<float, float, double>(draw, 36, odxClusterEuclideanNormed36f32);
+    const int left = draw.pick("results", {0, 1, 2, 3});
+    const auto unless = [&](bool unwanted, auto drawn) { return unwanted ? nullptr : drawn(draw); };
+    draw.call(operation, v.pixels, when<fixed == 0>(length), count, v.strideArgument(), centers.pixels, numCenters,
+              centers.strideArgument(), to<uint32_t>("labels", count),
+              unless(left == 1, to<Distance>("distances", count)),
+              unless(left == 2, to<uint32_t>("counts", numCenters)),
+              unless(left >= 2, to<Sum>("sums", numCenters * length)),
+              left >= 2   ? nullptr
+              : left == 1 ? centers.pixels
+                          : moved);
 }
 
 // Vectors around a few centers, and a tree over them.
@@ -264,11 +211,9 @@ void queryTree(Draw& draw)
     odxKDTree36s8f32* const tree = made.create();
     const int room = draw.number<int>("room", 0, 90, 2), checks = draw.number<int>("checks", 0, 300, 128);
     const float most = draw.real("most", 0, 5, 5);
-    uint32_t* const found = draw.destinationArray<uint32_t>("found", 1);
-    int32_t* const indices = draw.destinationArray<int32_t>("indices", static_cast<uint32_t>(room));
-    float* const distances = draw.destinationArray<float>("distances", static_cast<uint32_t>(room));
-    draw.call(odxKDTreeQuery36s8f32, tree, made.query, made.length, room, most, checks, 0, found, indices,
-              distances);
+    const auto size = static_cast<uint32_t>(room);
+    draw.call(odxKDTreeQuery36s8f32, tree, made.query, made.length, room, most, checks, 0, results<uint32_t, 1>,
+              to<int32_t>("indices", size), to<float>("distances", size));
     odxKDTreeDestroy36s8f32(tree);
 }
 
@@ -328,20 +273,15 @@ void searchLinearly(Draw& draw)
     }
     const uint16_t ignore[2] = {3, 5};
     const uint32_t most = draw.pick("most", {0xFFFFFFFFu, 0x7FFFFFFFu});
-    uint32_t* results[3];
-    for (uint32_t*& result : results)
-        result = draw.destinationArray<uint32_t>("result", std::max(room, 1u));
-    uint32_t* const found = draw.destinationArray<uint32_t>("found", 1);
+    const auto result = to<uint32_t>("result", std::max(room, 1u));
     draw.call(odxLinearSearch8x36s8, all.lut, all.targets, all.descriptors, all.lengths, all.ids, all.count, src,
-              lengths, targets, sources, ignore, ignored, most, results[0], results[1], results[2], room, found);
+              lengths, targets, sources, ignore, ignored, most, result, result, result, room,
+              results<uint32_t, 1>);
 }
 
 void searchVocabulary(Draw& draw)
 {
     const uint32_t nodes = draw.number<uint32_t>("nodes", 1, 60, 111);
-    const int8_t *const centers = draw.sourceArray<int8_t>("centers", 360 * nodes), *const key =
-                                                                                        draw.sourceArray<int8_t>(
-                                                                                            "key", 36);
     uint32_t* const lengths = draw.destinationArray<uint32_t>("lengths", 10 * nodes);
     int32_t* const children = draw.destinationArray<int32_t>("children", 10 * nodes);
     uint8_t* const counts = draw.destinationArray<uint8_t>("counts", nodes);
@@ -352,7 +292,8 @@ void searchVocabulary(Draw& draw)
         lengths[i] = static_cast<uint32_t>(random());
         counts[i / 10] = static_cast<uint8_t>(draw.measures() ? 10 : random() % 12);
     }
-    draw.call(odxKMeansTreeSearch36x10s8, centers, lengths, children, counts, nodes, key);
+    draw.call(odxKMeansTreeSearch36x10s8, from<int8_t>("centers", 360 * nodes), lengths, children, counts, nodes,
+              array<int8_t, 36>);
 }
 
 } // namespace
@@ -398,7 +339,7 @@ std::vector<Row> descriptorsRows()
         {"odxHammingDistance64x4u8", oneWithFour<uint8_t, uint32_t, 64, odxHammingDistance64x4u8>},
         {"odxHammingDistance64x4u8a4", oneWithFour<uint8_t, uint32_t, 64, odxHammingDistance64x4u8a4>},
         {"odxSumOfSquaredDiffs36x4s8", normalised<int8_t, 36, odxSumOfSquaredDiffs36x4s8>},
-        {"odxSumOfSquaredDiffs36xNs8", distances36},
+        {"odxSumOfSquaredDiffs36xNs8", distances<int8_t, odxSumOfSquaredDiffs36xNs8, 36>},
         {"odxSumOfSquaredDiffss8", distances<int8_t, odxSumOfSquaredDiffss8>},
         {"odxSumOfSquaredDiffsu8", distances<uint8_t, odxSumOfSquaredDiffsu8>},
         {"odxSumOfSquaredDiffsf32", distances<float, odxSumOfSquaredDiffsf32>},
@@ -406,7 +347,7 @@ std::vector<Row> descriptorsRows()
         {"odxSumOfAbsoluteDiff16x16u8", patches<16, 16, odxSumOfAbsoluteDiff16x16u8>},
         {"odxDotProduct8x8u8", patches<8, 8, odxDotProduct8x8u8>},
         {"odxDotProduct11x12u8", patches<11, 12, odxDotProduct11x12u8>},
-        {"odxSumOfAbsoluteDiffs8x8u8", everywherePacked},
+        {"odxSumOfAbsoluteDiffs8x8u8", everywhere<8, odxSumOfAbsoluteDiffs8x8u8, false>},
         {"odxSumOfAbsoluteDiffs8x8u8_v2", everywhere<8, odxSumOfAbsoluteDiffs8x8u8_v2>},
         {"odxSumOfAbsoluteDiffs16x16u8", everywhere<16, odxSumOfAbsoluteDiffs16x16u8>},
         {"odxDescriptor17x17u8To36s8", describe},
@@ -416,7 +357,7 @@ std::vector<Row> descriptorsRows()
         {"odxClusterEuclideanu8", clusters<uint8_t, uint32_t, uint32_t, odxClusterEuclideanu8>},
         {"odxClusterEuclideanf32", clusters<float, float, double, odxClusterEuclideanf32>},
         {"odxClusterEuclideanNormedf32", clusters<float, float, double, odxClusterEuclideanNormedf32>},
-        {"odxClusterEuclideanNormed36f32", clusters36},
+        {"odxClusterEuclideanNormed36f32", clusters<float, float, double, odxClusterEuclideanNormed36f32, 36>},
         {"odxKDTreeCreate36s8f32", createTree, false, true},
         {"odxKDTreeDestroy36s8f32", createTree, false, true},
         {"odxKDTreeQuery36s8f32", queryTree},

@@ -99,11 +99,6 @@ auto flat(const T& argument)
 {
     return std::tuple(argument);
 }
-template <class... T>
-auto flat(const std::tuple<T...>& arguments)
-{
-    return arguments;
-}
 inline auto flat(Extent extent)
 {
     return std::tuple(extent.width, extent.height);
@@ -112,6 +107,11 @@ template <class T>
 auto flat(const Image<T>& image)
 {
     return std::tuple(image.pixels, image.strideArgument());
+}
+template <class... T>
+auto flat(const std::tuple<T...>& arguments)
+{
+    return std::apply([](const auto&... argument) { return std::tuple_cat(flat(argument)...); }, arguments);
 }
 // Arguments that only some operations take.
 template <bool taken, class... T>
@@ -241,12 +241,22 @@ public:
         }
     }
     // run(operation(...)) of these arguments, where an image stands for its pixels and its stride, an extent for
-    // its sides, and a tuple for its elements.
+    // its sides, a tuple for its elements, and a function for what it draws.
     template <class Operation, class... Arguments>
     void call(Operation operation, const Arguments&... arguments)
     {
-        const auto all = std::tuple_cat(flat(arguments)...);
+        const std::tuple<decltype(drawn(arguments))...> values{drawn(arguments)...}; // in this order
+        const auto all = flat(values);
         run([&] { return std::apply(operation, all); });
+    }
+    template <class T>
+    auto drawn(const T& argument)
+    {
+        if constexpr (std::is_invocable_v<const T&, Draw&>) {
+            return argument(*this);
+        } else {
+            return argument;
+        }
     }
     // A value that the operation returned or wrote through a pointer.
     template <class T>

@@ -14,24 +14,15 @@ void gradients(Draw& draw)
 {
     const auto src = draw.source<S>("src", draw.extent(3, 3));
     const auto run = [&](auto... results) {
-        constexpr bool packed = !std::is_invocable_v<decltype(operation), S*, uint32_t, uint32_t, uint32_t,
+        constexpr bool strided = std::is_invocable_v<decltype(operation), S*, uint32_t, uint32_t, uint32_t,
                                                      decltype(results)..., uint32_t>;
         const Extent size = pairs ? Extent{2 * src.width - 4, src.height - 2} : Extent{src.width, 2 * src.height};
-        const auto out = draw.destination<T>("gradients", size, packed);
+        const auto out = draw.destination<T>("gradients", size, !strided);
         uint32_t rows = 0;
         ((results = &out.at(0, rows), rows += src.height), ...);
-        if constexpr (packed) {
-            draw.call(operation, sized(src), results...);
-        } else {
-            draw.call(operation, sized(src), results..., out.strideArgument());
-        }
+        draw.call(operation, sized(src), results..., when<strided>(out.strideArgument()));
     };
-    T* const none = nullptr;
-    if constexpr (pairs) {
-        run(none);
-    } else {
-        run(none, none);
-    }
+    std::apply(run, std::tuple_cat(std::tuple<T*>(), when<!pairs>(static_cast<T*>(nullptr))));
 }
 template <class T, auto* operation>
 constexpr auto pairs = gradients<uint8_t, T, true, operation>;
@@ -54,7 +45,7 @@ void sobel(Draw& draw)
 {
     const auto src = draw.source<uint8_t>("src", draw.extent(1, 1, K - 1));
     const auto out = optional(draw, src.extent(), 3);
-    draw.call(operation, sized(src), out, drawn<borderType, borderValue>(draw));
+    draw.call(operation, sized(src), out, borderType, borderValue);
 }
 
 void canny(Draw& draw)
@@ -65,8 +56,7 @@ void canny(Draw& draw)
     const uint32_t kernel = draw.pick("kernel", {3u, 5u, 7u});
     const int32_t scale = kernel == 3 ? 1 : kernel == 5 ? 10 : 80;
     const int low = scale * draw.number("low", -300, 900, 80), high = scale * draw.number("high", -600, 1500, 200);
-    draw.call(odxFilterCannyu8, sized(src), kernel, low, high, drawn<oneOf<ONDRIX_NORM_L1, ONDRIX_NORM_L2>>(draw),
-              dst, out);
+    draw.call(odxFilterCannyu8, sized(src), kernel, low, high, oneOf<ONDRIX_NORM_L1, ONDRIX_NORM_L2>, dst, out);
 }
 
 constexpr auto low = between<-10, 60, 20>, high = between<60, 300, 60>;
@@ -75,7 +65,7 @@ void differenceEdges(Draw& draw)
     const auto src = draw.source<uint8_t>("src", draw.extent(3, 3)),
                dst = draw.destination<uint8_t>("dst", src.extent());
     const auto out = optional(draw, src.extent(), 3);
-    draw.call(odxFilterCanny3x3u8_v3, sized(src), dst, drawn<low, high>(draw), out);
+    draw.call(odxFilterCanny3x3u8_v3, sized(src), dst, low, high, out);
 }
 
 } // namespace

@@ -42,7 +42,7 @@ void corners(Draw& draw)
 {
     const auto src = draw.source<uint8_t>("src", drawExtent(draw));
     const CornerList list(draw);
-    draw.call(operation, sized(src), border(draw), list.xy, list.capacity, list.count, drawn<rest...>(draw));
+    draw.call(operation, sized(src), border(draw), list.xy, list.capacity, list.count, rest...);
 }
 
 void cornersInMask(Draw& draw)
@@ -67,9 +67,8 @@ void scores(Draw& draw)
 {
     const auto src = draw.source<uint8_t>("src", drawExtent(draw));
     const CornerList list(draw);
-    int32_t* const responses = draw.destinationArray<int32_t>("scores", list.capacity);
-    draw.call(odxCornerHarrisScoreu8, sized(src), 0, list.xy, responses, list.capacity, list.count,
-              threshold(draw));
+    draw.call(odxCornerHarrisScoreu8, sized(src), 0, list.xy, to<int32_t>("scores", list.capacity), list.capacity,
+              list.count, threshold);
 }
 
 void localMaximum(Draw& draw)
@@ -78,9 +77,8 @@ void localMaximum(Draw& draw)
     const uint32_t x = draw.number<uint32_t>("x", 0, src.width, src.width / 2),
                    y = draw.number<uint32_t>("y", 0, src.height, src.height / 2),
                    radius = draw.pick("radius", {50u, 4u, 8u, 100u, 0xFFFFFFFFu});
-    uint32_t* const at = draw.destinationArray<uint32_t>("at", 2);
-    int32_t* const response = draw.destinationArray<int32_t>("response", 1);
-    draw.call(odxLocalHarrisMaxu8, sized(src), x, y, radius, at, at + 1, response);
+    draw.call(odxLocalHarrisMaxu8, sized(src), x, y, radius, results<uint32_t, 1>, results<uint32_t, 1>,
+              results<int32_t, 1>);
 }
 
 void refine(Draw& draw)
@@ -89,12 +87,10 @@ void refine(Draw& draw)
     const uint32_t count = draw.number<uint32_t>("count", 0, 20, 1000);
     const Image<float> xy = draw.destination<float>("xy", {2 * count + 1, 1}, true);
     const uint32_t half = draw.number<uint32_t>("half", 1, 15, 5);
+    const float size[] = {static_cast<float>(src.width), static_cast<float>(src.height)};
     std::vector<float> start;
-    for (uint32_t i = 0; i < count; ++i) {
-        start.push_back(draw.real("x", -2, static_cast<float>(src.width) + 2, static_cast<float>(src.width) / 2));
-        start.push_back(
-            draw.real("y", -2, static_cast<float>(src.height) + 2, static_cast<float>(src.height) / 2));
-    }
+    for (uint32_t i = 0; i < 2 * count; ++i)
+        start.push_back(draw.real("at", -2, size[i % 2] + 2, size[i % 2] / 2));
     draw.run([&] {
         std::copy(start.begin(), start.end(), xy.pixels);
         odxCornerRefineSubPixu8(src.pixels, src.width, src.height, src.strideArgument(), xy.pixels, count, half,
@@ -111,11 +107,8 @@ void maximaAlongLine(Draw& draw)
     const float dir[2] = {draw.real("dx", -1, 1, 0.6f), draw.real("dy", -1, 1, 0.8f)};
     const uint32_t distance = draw.number<uint32_t>("distance", 0, std::min(src.width, src.height) / 4, 100);
     const uint32_t capacity = draw.number<uint32_t>("capacity", 0, 9, 50);
-    const int gradient = draw.pick("gradient", {10, 0, -50, 100});
-    const float angle = draw.real("angle", 0, 1, 0.5f);
-    float* const maxima = draw.destinationArray<float>("maxima", capacity);
-    uint32_t* const count = draw.destinationArray<uint32_t>("count", 1);
-    draw.call(odxFindMultipleMaximau8, sized(src), pos, dir, distance, capacity, gradient, angle, maxima, count);
+    draw.call(odxFindMultipleMaximau8, sized(src), pos, dir, distance, capacity, oneOf<10, 0, -50, 100>,
+              draw.real("angle", 0, 1, 0.5f), to<float>("maxima", capacity), results<uint32_t, 1>);
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "operations/draw.h"
+#include "operations/shapes.h"
 
 #include "ondrix/mser.h"
 

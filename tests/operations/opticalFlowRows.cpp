@@ -1,4 +1,4 @@
-#include "operations/draw.h"
+#include "operations/shapes.h"
 
 #include "ondrix/opticalFlow.h"
 
@@ -53,6 +53,8 @@ struct Flow {
     }
 
     uint32_t pairs() const { return static_cast<uint32_t>(std::max(count, 1)); }
+    auto images() const { return std::tuple(src1.pixels, src2.pixels, src1.extent()); }
+    auto rest() const { return std::tuple(features, out, status, count, window[0], window[1], limit, levels); }
     uint32_t width() const { return src1.width; }
     uint32_t height() const { return src1.height; }
 
@@ -100,17 +102,13 @@ template <auto* operation>
 void withGradients(Draw& draw)
 {
     const Flow f(draw, true);
-    draw.call(operation, f.src1.pixels, f.src2.pixels, f.width(), f.height(), f.packed[0], f.packed[1], nullptr,
-              nullptr, f.features, f.out, f.status, f.count, f.window[0], f.window[1], f.limit, f.levels, 1, 2,
-              3.0F, 4);
+    draw.call(operation, f.images(), f.packed[0], f.packed[1], nullptr, nullptr, f.rest(), 1, 2, 3.0F, 4);
 }
 
 void strided(Draw& draw)
 {
     const Flow f(draw, true);
-    draw.call(odxTrackLKOpticalFlowu8_v2, f.src1.pixels, f.src2.pixels, f.width(), f.height(),
-              f.src1.strideArgument(), f.packed[0], f.packed[1], f.features, f.out, f.status, f.count, f.window[0],
-              f.window[1], f.limit, f.levels);
+    draw.call(odxTrackLKOpticalFlowu8_v2, f.images(), f.src1.strideArgument(), f.packed[0], f.packed[1], f.rest());
 }
 
 void estimated(Draw& draw)
@@ -122,9 +120,8 @@ void estimated(Draw& draw)
         estimates[i] = f.features[i] + draw.real("by", -3, 3, 0);
     const int use = draw.pick("use", {0, 1}), mode = draw.pick("mode", {0, 1, 2, -1});
     const float epsilon = draw.real("epsilon", -0.1F, 0.1F, 0.0009F);
-    draw.call(odxTrackLKOpticalFlowu8_v3, f.src1.pixels, f.src2.pixels, f.width(), f.height(),
-              f.src1.strideArgument(), f.strided[0], f.strided[1], f.features, f.out, f.status, f.count,
-              f.window[0], f.window[1], f.limit, f.levels, estimates, use, epsilon, mode);
+    draw.call(odxTrackLKOpticalFlowu8_v3, f.images(), f.src1.strideArgument(), f.strided[0], f.strided[1],
+              f.rest(), estimates, use, epsilon, mode);
 }
 
 } // namespace

@@ -49,20 +49,14 @@ void reduction(Draw& draw)
     withStrides<T, 1, operation>(draw, extent, {extent.width / down, extent.height / down});
 }
 
-template <uint32_t upX, uint32_t upY, uint32_t channels, auto* operation>
-void enlargement(Draw& draw)
-{
-    const Extent extent = draw.extent();
-    withStrides<uint8_t, channels, operation>(draw, extent, {upX * extent.width, upY * extent.height});
-}
-
-// Sizes that need not be even.
-template <uint32_t least, uint32_t roundsUp, auto* operation>
-void halving(Draw& draw)
+// Sizes that need not be multiples: n pixels become (up * n + rounds) / down.
+template <auto* operation, uint32_t upX, uint32_t upY, uint32_t channels = 1, uint32_t least = 1,
+          uint32_t down = 1, uint32_t rounds = 0>
+void rescaling(Draw& draw)
 {
     const Extent extent = draw.extent(least, least);
-    withStrides<uint8_t, 1, operation>(draw, extent,
-                                       {(extent.width + roundsUp) / 2, (extent.height + roundsUp) / 2});
+    withStrides<uint8_t, channels, operation>(
+        draw, extent, {(upX * extent.width + rounds) / down, (upY * extent.height + rounds) / down});
 }
 
 void threeToTwo(Draw& draw)
@@ -99,7 +93,7 @@ template <auto* operation, auto... rest>
 void scale(Draw& draw)
 {
     const Extent from = draw.extent(), to = drawnSize(draw, from);
-    resize<1, operation>(draw, from, to, drawn<rest...>(draw));
+    resize<1, operation>(draw, from, to, rest...);
 }
 constexpr auto bilinearFirst =
                    oneOf<ONDRIX_INTERPOLATION_BILINEAR, ONDRIX_INTERPOLATION_AREA, ONDRIX_INTERPOLATION_NEAREST>,
@@ -112,12 +106,10 @@ void blocks(Draw& draw)
     const uint32_t x = draw.pick("kx", {3u, 1u, 2u, 4u, 5u, 17u}), y = draw.pick("ky", {3u, 2u, 1u, 4u, 7u});
     const Extent extent = draw.extent(x, y), to = {extent.width / x, extent.height / y},
                  from = {to.width * x, to.height * y};
-    if constexpr (strided) {
-        resize<1, operation>(draw, from, to);
-    } else {
-        const auto src = draw.source<uint8_t>("src", from, true), dst = draw.destination<uint8_t>("dst", to, true);
-        draw.call(operation, src.pixels, from, dst.pixels, to);
-    }
+    const auto src = draw.source<uint8_t>("src", from, !strided),
+               dst = draw.destination<uint8_t>("dst", to, !strided);
+    draw.call(operation, src.pixels, from, when<strided>(src.strideArgument()), dst.pixels, to,
+              when<strided>(dst.strideArgument()));
 }
 
 // ---- pyramids: the levels' buffers are images; what becomes of the records counts as result ----
@@ -150,14 +142,7 @@ void halves(Draw& draw)
     std::vector<Level> levels(kLevels);
     for (uint32_t i = 1; i < kLevels; ++i)
         levels[i].ptr = draw.destination<T>("level", {extent.width >> i, extent.height >> i}, true).pixels;
-    draw.run([&] {
-        if constexpr (strided) {
-            return operation(base.pixels, extent.width, extent.height, base.strideArgument(), kLevels,
-                             levels.data());
-        } else {
-            return operation(base.pixels, extent.width, extent.height, kLevels, levels.data());
-        }
-    });
+    draw.call(operation, base.pixels, extent, when<strided>(base.strideArgument()), kLevels, levels.data());
     report(draw, levels, base.pixels);
 }
 
@@ -199,15 +184,19 @@ void gradients(Draw& draw)
     report(draw, levels[2], nullptr);
 }
 
-// Allocation and deletion: what the records hold between them.
-template <class Level, auto* remove, class Allocate>
-void allocation(Draw& draw, Allocate allocate)
+// Allocation of 5 levels and deletion: what the records hold between them.
+template <class Level, auto* remove, auto* allocate, bool hasStride, bool hasScale>
+void allocation(Draw& draw)
 {
     const Extent extent = draw.extent();
     const uint32_t owned = draw.pick("owned", {1u, 0u});
+    const auto scale = when<hasScale>(draw.pick("scaleFlag", {0u, 1u}));
+    const auto stride = when<hasStride>(hasScale ? 0 : extent.width * 4 + 8);
     std::vector<Level> levels(5);
+    const auto arguments =
+        flat(std::tuple(levels.data(), extent, stride, hasScale ? 1 : 4, when<hasScale>(24), 5, scale, owned));
     draw.run([&] {
-        const auto result = allocate(levels.data(), extent, owned);
+        const auto result = std::apply(allocate, arguments);
         for (const Level& level : levels) {
             draw.result(level.width);
             draw.result(level.height);
@@ -218,28 +207,11 @@ void allocation(Draw& draw, Allocate allocate)
         return result;
     });
 }
-
-void allocate(Draw& draw)
-{
-    allocation<odxPyrLevel, odxPyramidDelete>(draw, [](odxPyrLevel* levels, Extent e, uint32_t owned) {
-        return odxPyramidAllocate(levels, e.width, e.height, 4, 5, owned);
-    });
-}
-void allocate_v2(Draw& draw)
-{
-    allocation<odxPyrLevelStrided, odxPyramidDelete_v2>(
-        draw, [](odxPyrLevelStrided* levels, Extent e, uint32_t owned) {
-            return odxPyramidAllocate_v2(levels, e.width, e.height, e.width * 4 + 8, 4, 5, owned);
-        });
-}
-void allocate_v3(Draw& draw)
-{
-    const uint32_t octaves = draw.pick("scaleFlag", {0u, 1u});
-    allocation<odxPyrLevelStrided, odxPyramidDelete_v2>(
-        draw, [=](odxPyrLevelStrided* levels, Extent e, uint32_t owned) {
-            return odxPyramidAllocate_v3(levels, e.width, e.height, 0, 1, 24, 5, octaves, owned);
-        });
-}
+constexpr auto allocate = allocation<odxPyrLevel, odxPyramidDelete, odxPyramidAllocate, false, false>,
+               allocate_v2 =
+                   allocation<odxPyrLevelStrided, odxPyramidDelete_v2, odxPyramidAllocate_v2, true, false>,
+               allocate_v3 =
+                   allocation<odxPyrLevelStrided, odxPyramidDelete_v2, odxPyramidAllocate_v3, true, true>;
 
 } // namespace
 
@@ -256,18 +228,18 @@ std::vector<Row> scalingRows()
         {"odxScaleDownMNu8", toAnySize<1, 20, odxScaleDownMNu8>},
         {"odxScaleDownMNInterleaveu8", toAnySize<2, 40, odxScaleDownMNInterleaveu8>},
         {"odxScaleDownBy2Gaussian5x5u8", packed<uint8_t, 1, 2, odxScaleDownBy2Gaussian5x5u8>},
-        {"odxScaleDownBy2Gaussian5x5u8_v2", halving<2, 0, odxScaleDownBy2Gaussian5x5u8_v2>},
+        {"odxScaleDownBy2Gaussian5x5u8_v2", rescaling<odxScaleDownBy2Gaussian5x5u8_v2, 1, 1, 1, 2, 2, 0>},
         {"odxScaleDownBy2Gaussian5x5f32", packed<float, 1, 2, odxScaleDownBy2Gaussian5x5f32>},
         {"odxScaleDownBy2Gaussian5x5f32_v2", reduction<float, 2, odxScaleDownBy2Gaussian5x5f32_v2>},
-        {"odxScaleDownBy2Gaussian3x3u8", halving<3, 1, odxScaleDownBy2Gaussian3x3u8>},
+        {"odxScaleDownBy2Gaussian3x3u8", rescaling<odxScaleDownBy2Gaussian3x3u8, 1, 1, 1, 3, 2, 1>},
         {"odxScaleUpBy2Gaussian5x5u8", packed<uint8_t, 2, 1, odxScaleUpBy2Gaussian5x5u8>},
-        {"odxScaleUpBy2Gaussian5x5u8_v2", enlargement<2, 2, 1, odxScaleUpBy2Gaussian5x5u8_v2>},
-        {"odxUpsampleVerticalu8", enlargement<1, 2, 1, odxUpsampleVerticalu8>},
-        {"odxUpsampleHorizontalu8", enlargement<2, 1, 1, odxUpsampleHorizontalu8>},
-        {"odxUpsample2Du8", enlargement<2, 2, 1, odxUpsample2Du8>},
-        {"odxUpsampleVerticalInterleavedu8", enlargement<1, 2, 2, odxUpsampleVerticalInterleavedu8>},
-        {"odxUpsampleHorizontalInterleavedu8", enlargement<2, 1, 2, odxUpsampleHorizontalInterleavedu8>},
-        {"odxUpsample2DInterleavedu8", enlargement<2, 2, 2, odxUpsample2DInterleavedu8>},
+        {"odxScaleUpBy2Gaussian5x5u8_v2", rescaling<odxScaleUpBy2Gaussian5x5u8_v2, 2, 2, 1>},
+        {"odxUpsampleVerticalu8", rescaling<odxUpsampleVerticalu8, 1, 2, 1>},
+        {"odxUpsampleHorizontalu8", rescaling<odxUpsampleHorizontalu8, 2, 1, 1>},
+        {"odxUpsample2Du8", rescaling<odxUpsample2Du8, 2, 2, 1>},
+        {"odxUpsampleVerticalInterleavedu8", rescaling<odxUpsampleVerticalInterleavedu8, 1, 2, 2>},
+        {"odxUpsampleHorizontalInterleavedu8", rescaling<odxUpsampleHorizontalInterleavedu8, 2, 1, 2>},
+        {"odxUpsample2DInterleavedu8", rescaling<odxUpsample2DInterleavedu8, 2, 2, 2>},
         {"odxScaleDownNNu8", toAnySize<1, 100, odxScaleDownNNu8>},
         {"odxScaleDownBLu8", toAnySize<1, 100, odxScaleDownBLu8>},
         {"odxScaleUpPolyu8", toAnySize<1, 100, odxScaleUpPolyu8>},

@@ -37,39 +37,46 @@ auto between(Draw& draw)
 constexpr auto borderType = oneOf<ONDRIX_BORDER_REPLICATE, ONDRIX_BORDER_CONSTANT, ONDRIX_BORDER_UNDEFINED>;
 constexpr auto borderValue = between<0u, 300u, 0u>;
 
-// Arrays of n elements, and results.
-template <class T, uint32_t n>
-const T* array(Draw& draw)
+// Arrays of n elements to read, and to write.
+template <class T>
+auto from(const char* name, uint32_t n)
 {
-    return draw.sourceArray<T>("array", n);
+    return [=](Draw& draw) -> const T* { return draw.sourceArray<T>(name, n); };
+}
+template <class T>
+auto to(const char* name, uint32_t n)
+{
+    return [=](Draw& draw) { return draw.destinationArray<T>(name, n); };
 }
 template <class T, uint32_t n>
-T* results(Draw& draw)
+constexpr auto array = +[](Draw& draw) -> const T* { return draw.sourceArray<T>("array", n); };
+template <class T, uint32_t n>
+constexpr auto results = +[](Draw& draw) { return draw.destinationArray<T>("results", n); };
+// What need not be given.
+template <class Drawn>
+auto maybe(Drawn drawn)
 {
-    return draw.destinationArray<T>("results", n);
+    return [=](Draw& draw) { return draw.pick("given", {1, 1, 0}) == 1 ? drawn(draw) : nullptr; };
+}
+
+template <class... I>
+auto pixels(const I&... images)
+{
+    return std::tuple(images.pixels...);
+}
+template <class... I>
+auto strides(const I&... images)
+{
+    return std::tuple(images.strideArgument()...);
 }
 
 // ---- shapes ----
-
-template <auto... arguments>
-auto drawn(Draw& draw)
-{
-    const std::tuple values{arguments(draw)...}; // in this order
-    return std::apply([](const auto&... value) { return std::tuple_cat(flat(value)...); }, values);
-}
 
 // operation(arguments...).
 template <auto* operation, auto... arguments>
 void taking(Draw& draw)
 {
-    draw.call(operation, drawn<arguments...>(draw));
-}
-
-// call(rest...), with what each of `rest` draws.
-template <auto... rest, class Call>
-void runWith(Draw& draw, Call call)
-{
-    draw.call(call, drawn<rest...>(draw));
+    draw.call(operation, arguments...);
 }
 
 // operation(src, width, height, srcStride, dst, dstStride, rest...); 0 stands for packed rows.
@@ -78,7 +85,7 @@ void imageToImage(Draw& draw)
 {
     const auto src = draw.source<Source>("src", Size::draw(draw));
     const auto dst = draw.destination<Destination>("dst", src.extent());
-    draw.call(operation, sized(src), dst, drawn<rest...>(draw));
+    draw.call(operation, sized(src), dst, rest...);
 }
 
 // The same where a stride of 0 stands for nothing.
@@ -87,7 +94,7 @@ void stridedToStrided(Draw& draw)
 {
     const auto src = draw.source<Source>("src", Size::draw(draw));
     const auto dst = draw.destination<Destination>("dst", src.extent());
-    draw.call(operation, src.pixels, src.extent(), src.stride, dst.pixels, dst.stride, drawn<rest...>(draw));
+    draw.call(operation, src.pixels, src.extent(), src.stride, dst.pixels, dst.stride, rest...);
 }
 
 // operation(src, width, height, dst, rest...), of packed rows.
@@ -96,7 +103,7 @@ void packedToPacked(Draw& draw)
 {
     const auto src = draw.source<Source>("src", Size::draw(draw), true);
     const auto dst = draw.destination<Destination>("dst", src.extent(), true);
-    draw.call(operation, src.pixels, src.extent(), dst.pixels, drawn<rest...>(draw));
+    draw.call(operation, src.pixels, src.extent(), dst.pixels, rest...);
 }
 
 // result = operation(src, length).
@@ -104,8 +111,7 @@ template <class Source, auto* operation>
 void arrayToResult(Draw& draw)
 {
     const uint32_t length = draw.length(1, sizeof(Source));
-    const Source* const src = draw.sourceArray<Source>("src", length);
-    draw.call(operation, src, length);
+    draw.call(operation, from<Source>("src", length), length);
 }
 
 } // namespace odx::test

@@ -1,4 +1,4 @@
-#include "operations/draw.h"
+#include "operations/shapes.h"
 
 #include "ondrix/solvers.h"
 
@@ -77,13 +77,12 @@ Extent smallExtent(Draw& draw)
 
 void decomposition(Draw& draw)
 {
-    const Extent extent = smallExtent(draw), square = {extent.width, extent.width};
+    const Extent extent = smallExtent(draw);
     const auto A = draw.source<float>("A", extent, true);
-    float* const w = draw.destinationArray<float>("w", extent.width);
-    const auto U = draw.destination<float>("U", extent, true), Vt = draw.destination<float>("Vt", square, true),
-               tmpU = draw.destination<float>("tmpU", extent, true),
-               tmpV = draw.destination<float>("tmpV", square, true);
-    draw.call(odxSVDf32, A.pixels, extent.height, extent.width, w, U.pixels, Vt.pixels, tmpU.pixels, tmpV.pixels);
+    const auto tall = to<float>("U", extent.width * extent.height),
+               wide = to<float>("Vt", extent.width * extent.width);
+    draw.call(odxSVDf32, A.pixels, extent.height, extent.width, to<float>("w", extent.width), tall, wide, tall,
+              wide);
 }
 
 void leastSquares(Draw& draw)
@@ -91,9 +90,7 @@ void leastSquares(Draw& draw)
     Extent extent = smallExtent(draw);
     extent.height = std::max(extent.height, extent.width);
     const auto A = draw.source<float>("A", extent, true);
-    const float* const b = draw.sourceArray<float>("b", extent.height);
-    float* const x = draw.destinationArray<float>("x", extent.width);
-    draw.call(odxSolvef32, A.pixels, extent, b, x);
+    draw.call(odxSolvef32, A.pixels, extent, from<float>("b", extent.height), to<float>("x", extent.width));
 }
 
 } // namespace

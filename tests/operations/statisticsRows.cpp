@@ -38,14 +38,11 @@ template <class T, auto* operation>
 void extremes(Draw& draw)
 {
     const auto src = elements<T>(draw);
-    auto* const values = draw.destinationArray<T>("values", 2);
-    auto* const places = draw.destinationArray<uint32_t>("places", 4);
     const uint32_t left = draw.pick("left out", {4U, 4U, 0U, 1U, 2U, 3U});
-    const auto unless = [left](uint32_t i, auto* p) { return left == i ? nullptr : p; };
-    draw.run([&] {
-        operation(src.pixels, src.width, src.height, src.strideArgument(), unless(0, values),
-                  unless(1, values + 1), unless(2, places), unless(3, places + 2));
-    });
+    const auto unless = [=, &draw](uint32_t i, auto drawn) { return left == i ? nullptr : drawn(draw); };
+    const auto value = to<T>("value", 1);
+    const auto place = to<uint32_t>("place", 2);
+    draw.call(operation, sized(src), unless(0, value), unless(1, value), unless(2, place), unless(3, place));
 }
 
 template <class T, auto* operation>
@@ -53,25 +50,21 @@ void allExtremes(Draw& draw)
 {
     const auto src = elements<T>(draw);
     const uint32_t capacity = draw.pick("capacity", {40U, 1U, 0U, 2U, 1000U});
-    auto* const values = draw.destinationArray<T>("values", 2);
-    auto* const places = draw.destinationArray<uint32_t>("places", 4 * capacity + 2);
-    uint32_t* const second = capacity == 0 ? nullptr : places + 2 * capacity;
-    draw.run([&] {
-        return operation(src.pixels, src.width, src.height, src.strideArgument(), values, values + 1,
-                         capacity == 0 ? nullptr : places, second, capacity, places + 4 * capacity,
-                         places + 4 * capacity + 1);
-    });
+    const auto places = [=](Draw& d) {
+        return capacity == 0 ? nullptr : d.destinationArray<uint32_t>("places", 2 * capacity);
+    };
+    draw.call(operation, sized(src), results<T, 1>, results<T, 1>, places, places, capacity, results<uint32_t, 1>,
+              results<uint32_t, 1>);
 }
 
-void intensityHistogram(Draw& draw)
+// operation(src, width, height, srcStride, rest...).
+template <class T, auto* operation, auto... rest>
+void of(Draw& draw)
 {
-    const auto src = draw.source<uint8_t>("src", draw.extent());
-    auto* const histogram = draw.destinationArray<uint32_t>("histogram", 256);
-    draw.run(
-        [&] { odxImageIntensityHistogram(src.pixels, src.width, src.height, src.strideArgument(), histogram); });
+    draw.call(operation, sized(draw.source<T>("src", draw.extent(1, 1, 0))), rest...);
 }
 
-template <bool hasBins>
+template <auto* operation, bool hasBins>
 void spatialHistogram(Draw& draw)
 {
     const auto src = draw.source<uint8_t>("src", draw.extent());
@@ -79,16 +72,8 @@ void spatialHistogram(Draw& draw)
                    cellsY = draw.number("cellsY", 1u, std::min(src.height, 9u), 8u),
                    range = hasBins ? draw.number("range", 1u, 256u, 59u) : 256,
                    bins = hasBins ? draw.number("bins", 1u, range, range) : 256;
-    auto* const histograms = draw.destinationArray<uint32_t>("histograms", cellsX * cellsY * bins);
-    draw.run([&] {
-        if constexpr (hasBins) {
-            odxImageSpatialHistogramu8_v2(src.pixels, src.width, src.height, src.strideArgument(), cellsX, cellsY,
-                                          bins, range, histograms);
-        } else {
-            odxImageSpatialHistogramu8(src.pixels, src.width, src.height, src.strideArgument(), cellsX, cellsY,
-                                       histograms);
-        }
-    });
+    draw.call(operation, sized(src), cellsX, cellsY, when<hasBins>(bins, range),
+              to<uint32_t>("histograms", cellsX * cellsY * bins));
 }
 
 template <auto* operation, auto... estimator>
@@ -99,33 +84,21 @@ void meanAndVariance(Draw& draw)
     const uint32_t x = part("x", src.width - 1), y = part("y", src.height - 1),
                    width = src.width - x - part("right", src.width - x - 1),
                    height = src.height - y - part("below", src.height - y - 1);
-    auto* const results = draw.destinationArray<float>("results", 2);
-    runWith<estimator...>(draw, [&](auto... value) {
-        return operation(src.pixels, src.width, src.height, src.strideArgument(), x, y, width, height, results,
-                         results + 1, value...);
-    });
+    draw.call(operation, sized(src), x, y, width, height, results<float, 1>, results<float, 1>, estimator...);
 }
 
-template <class T, auto* operation>
-void moments(Draw& draw)
+constexpr auto binary = oneOf<0u, 0u, 1u>;
+odxMoments* sums(Draw& draw)
 {
-    const auto src = draw.source<T>("src", draw.extent(1, 1, 0));
-    const uint32_t binary = draw.pick("binary", {0u, 0u, 1u});
-    auto* const results = reinterpret_cast<odxMoments*>(draw.destinationArray<double>("moments", 24));
-    draw.run([&] { operation(src.pixels, src.width, src.height, src.strideArgument(), binary, results); });
+    return reinterpret_cast<odxMoments*>(draw.destinationArray<double>("moments", 24));
 }
 
 template <class T, auto* operation, auto... rest>
 void normalized(Draw& draw)
 {
-    const Extent extent = draw.extent(1, 1, 0);
-    const auto src = draw.source<T>("src", extent);
-    const auto dst = draw.destination<T>("dst", extent);
+    const auto src = draw.source<T>("src", draw.extent(1, 1, 0)), dst = draw.destination<T>("dst", src.extent());
     const uint32_t N = 2 * draw.number("N / 2", 1u, 15u, 3u) + 1;
-    runWith<rest...>(draw, [&](auto... value) {
-        return operation(src.pixels, extent.width, extent.height, src.strideArgument(), N, dst.pixels,
-                         dst.strideArgument(), value...);
-    });
+    draw.call(operation, sized(src), N, dst, rest...);
 }
 float leastDeviation(Draw& draw)
 {
@@ -149,16 +122,16 @@ std::vector<Row> statisticsRows()
         {"odxMinMaxLocs32_v2", allExtremes<int32_t, odxMinMaxLocs32_v2>},
         {"odxMinMaxLocu32_v2", allExtremes<uint32_t, odxMinMaxLocu32_v2>},
         {"odxMinMaxLocf32_v2", allExtremes<float, odxMinMaxLocf32_v2>},
-        {"odxImageIntensityHistogram", intensityHistogram, true},
-        {"odxImageSpatialHistogramu8", spatialHistogram<false>, true},
-        {"odxImageSpatialHistogramu8_v2", spatialHistogram<true>, true},
+        {"odxImageIntensityHistogram", of<uint8_t, odxImageIntensityHistogram, results<uint32_t, 256>>, true},
+        {"odxImageSpatialHistogramu8", spatialHistogram<odxImageSpatialHistogramu8, false>, true},
+        {"odxImageSpatialHistogramu8_v2", spatialHistogram<odxImageSpatialHistogramu8_v2, true>, true},
         {"odxImageHistogramEqualizeu8", imageToImage<uint8_t, uint8_t, odxImageHistogramEqualizeu8>, true},
         {"odxImageIntensityStats", meanAndVariance<odxImageIntensityStats>},
         {"odxImageIntensityStats_v2",
          meanAndVariance<odxImageIntensityStats_v2, oneOf<ONDRIX_VARIANCE_POPULATION, ONDRIX_VARIANCE_SAMPLE>>},
-        {"odxImageMomentsu8", moments<uint8_t, odxImageMomentsu8>},
-        {"odxImageMomentss32", moments<int32_t, odxImageMomentss32>},
-        {"odxImageMomentsf32", moments<float, odxImageMomentsf32>},
+        {"odxImageMomentsu8", of<uint8_t, odxImageMomentsu8, binary, sums>},
+        {"odxImageMomentss32", of<int32_t, odxImageMomentss32, binary, sums>},
+        {"odxImageMomentsf32", of<float, odxImageMomentsf32, binary, sums>},
         {"odxNormalizeLocalBoxu8",
          normalized<uint8_t, odxNormalizeLocalBoxu8, between<1u, 127u, 50u>, between<1u, 127u, 5u>>},
         {"odxNormalizeLocalBoxf32", normalized<float, odxNormalizeLocalBoxf32, leastDeviation>},

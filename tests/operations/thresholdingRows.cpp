@@ -30,7 +30,7 @@ void threshold(Draw& draw)
 {
     const auto src = draw.source<uint8_t>("src", draw.extent());
     const auto dst = draw.destinationOr(src);
-    draw.call(operation, sized(src), dst, drawn<rest...>(draw));
+    draw.call(operation, sized(src), dst, rest...);
 }
 
 template <uint32_t least, auto* operation>

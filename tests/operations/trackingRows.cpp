@@ -1,4 +1,4 @@
-#include "operations/draw.h"
+#include "operations/shapes.h"
 
 #include "ondrix/tracking.h"
 
@@ -38,18 +38,13 @@ void windowTracker(Draw& draw)
     const WindowInPlace window(draw, src.extent());
     const uint32_t limit = draw.pick("limit", {10u, 0u, 1u, 40u});
     const float epsilon = draw.real("epsilon", 0, 4, 1);
-    const auto track = [&](auto... ellipse) {
-        draw.run([&] {
-            return operation(src.pixels, src.width, src.height, src.strideArgument(), window.fresh(), limit,
-                             epsilon, ellipse...);
-        });
+    const auto ellipse = [](Draw& d) {
+        return reinterpret_cast<odxTrackedEllipse*>(d.destinationArray<float>("ellipse", 5));
     };
-    if constexpr (adaptive) {
-        auto* const ellipse = reinterpret_cast<odxTrackedEllipse*>(draw.destinationArray<float>("ellipse", 5));
-        track(draw.pick("ellipse", {1, 1, 0}) == 0 ? nullptr : ellipse);
-    } else {
-        track();
-    }
+    const auto given = when<adaptive>(maybe(ellipse)(draw));
+    draw.run([&] {
+        return std::apply(operation, flat(std::tuple(sized(src), window.fresh(), limit, epsilon, given)));
+    });
 }
 
 // ---- patches ----
@@ -103,12 +98,10 @@ void patchSearch(Draw& draw)
 {
     const PatchSearch search(draw);
     const uint8_t* const patch = search.patches(draw, 1);
-    auto* const place = draw.destinationArray<uint16_t>("place", 2);
-    auto* const score = draw.destinationArray<int32_t>("score", 1);
-    const int subPixel = draw.pick("sub-pixel", {1, 0});
-    auto* const sub = draw.destinationArray<float>("sub", 2);
+    const auto place = results<uint16_t, 1>;
+    const auto sub = results<float, 1>;
     draw.call(operation, patch, search.src.pixels, search.src.extent(), search.x, search.y, search.width, place,
-              place + 1, score, subPixel, sub, sub + 1, when<hasThreshold>(search.threshold));
+              place, results<int32_t, 1>, oneOf<1, 0>, sub, sub, when<hasThreshold>(search.threshold));
 }
 
 void patchesOnRect(Draw& draw)
@@ -117,13 +110,10 @@ void patchesOnRect(Draw& draw)
     const uint32_t count = draw.number<uint32_t>("count", 1, 5, 10),
                    height = draw.number<uint32_t>("height", 1, 12, 11);
     const uint8_t* const patches = search.patches(draw, count);
-    auto* const x = draw.destinationArray<uint16_t>("x", count);
-    auto* const y = draw.destinationArray<uint16_t>("y", count);
-    auto* const score = draw.destinationArray<int32_t>("score", count);
-    auto* const status = draw.destinationArray<int32_t>("status", count);
-    const bool none = draw.pick("status", {1, 1, 0}) == 0;
-    draw.call(odxNCCPatchesOnRectu8, patches, count, search.src.pixels, search.src.width, search.src.height,
-              search.x, search.y, search.width, height, search.threshold, x, y, score, none ? nullptr : status);
+    const auto place = to<uint16_t>("place", count);
+    const auto number = to<int32_t>("score, status", count);
+    draw.call(odxNCCPatchesOnRectu8, patches, count, search.src.pixels, search.src.extent(), search.x, search.y,
+              search.width, height, search.threshold, place, place, number, maybe(number));
 }
 
 void blockMatching(Draw& draw)
@@ -133,11 +123,8 @@ void blockMatching(Draw& draw)
     const uint32_t step = draw.pick("step", {16u, 11u, 40u, 0xFFFFFFFFu}),
                    radius = draw.measures() ? 8 : draw.pick("radius", {3u, 0u, 1u, 2u, 20u});
     const uint32_t blocks = ((src1.width - 16) / step + 1) * ((src1.height - 16) / step + 1);
-    auto* const flow = draw.destinationArray<int16_t>("flow", 2 * blocks);
-    auto* const sums = draw.destinationArray<uint16_t>("sums", blocks);
-    const bool none = draw.pick("sad", {1, 1, 0}) == 0;
     draw.call(odxTrackBMOpticalFlow16x16u8, src1.pixels, src2.pixels, src1.extent(), src1.strideArgument(), step,
-              radius, flow, none ? nullptr : sums);
+              radius, to<int16_t>("flow", 2 * blocks), maybe(to<uint16_t>("sums", blocks)));
 }
 
 } // namespace

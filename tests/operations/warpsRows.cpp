@@ -49,61 +49,64 @@ Extent sourceExtent(Draw& draw, Extent to)
     return {draw.number<uint32_t>("source width", 1, 90, 90), draw.number<uint32_t>("source height", 1, 90, 90)};
 }
 
+// Two images, the second one of the size that is swept.
+template <uint32_t channels>
+struct Images {
+    Extent to, from;
+    Image<uint8_t> src, dst;
+
+    explicit Images(Draw& draw, bool packed = false)
+        : to(draw.extent()), from(sourceExtent(draw, to)),
+          src(draw.source<uint8_t>("src", {channels * from.width, from.height}, packed)),
+          dst(draw.destination<uint8_t>("dst", {channels * to.width, to.height}, packed))
+    {
+    }
+    auto sources() const { return sized(src, from); }
+    auto destinations() const { return sized(dst, to); }
+};
+
 template <uint32_t channels, auto* operation, auto... rest>
 void warp(Draw& draw)
 {
-    const Extent to = draw.extent(), from = sourceExtent(draw, to);
-    const auto src = draw.source<uint8_t>("src", {channels * from.width, from.height});
-    const auto dst = draw.destination<uint8_t>("dst", {channels * to.width, to.height});
-    const float* const m = matrix(draw, 9, from, to);
-    draw.call(operation, sized(src, from), sized(dst, to), m, drawn<rest...>(draw));
+    const Images<channels> i(draw);
+    draw.call(operation, i.sources(), i.destinations(), matrix(draw, 9, i.from, i.to), rest...);
 }
 
 template <uint32_t channels, auto* operation>
 void packedWarp(Draw& draw)
 {
-    const Extent to = draw.extent(), from = sourceExtent(draw, to);
-    const auto src = draw.source<uint8_t>("src", {channels * from.width, from.height}, true);
-    const auto dst = draw.destination<uint8_t>("dst", {channels * to.width, to.height}, true);
-    const float* const m = matrix(draw, 9, from, to);
-    draw.call(operation, src.pixels, from, dst.pixels, to, m);
+    const Images<channels> i(draw, true);
+    draw.call(operation, i.src.pixels, i.from, i.dst.pixels, i.to, matrix(draw, 9, i.from, i.to));
 }
 
 void twoPlanes(Draw& draw)
 {
-    const Extent to = draw.extent(), from = sourceExtent(draw, to);
-    const auto src1 = draw.source<uint8_t>("src1", from), src2 = draw.source<uint8_t>("src2", from);
-    const auto dst1 = draw.destination<uint8_t>("dst1", to), dst2 = draw.destination<uint8_t>("dst2", to);
-    const float* const m = matrix(draw, 9, from, to);
-    draw.call(odx2PlaneWarpPerspectiveu8, src1.pixels, src2.pixels, from, src1.strideArgument(),
-              src2.strideArgument(), dst1.pixels, dst2.pixels, to, dst1.strideArgument(), dst2.strideArgument(),
-              m);
+    const Images<1> i(draw);
+    const auto src2 = draw.source<uint8_t>("src2", i.from), dst2 = draw.destination<uint8_t>("dst2", i.to);
+    draw.call(odx2PlaneWarpPerspectiveu8, pixels(i.src, src2), i.from, strides(i.src, src2), pixels(i.dst, dst2),
+              i.to, strides(i.dst, dst2), matrix(draw, 9, i.from, i.to));
 }
 
 template <uint32_t channels, auto* operation, auto... rest>
 void clipped(Draw& draw)
 {
-    const Extent to = draw.extent(), from = sourceExtent(draw, to);
-    const auto src = draw.source<uint8_t>("src", {channels * from.width, from.height});
-    const auto dst = draw.destination<uint8_t>("dst", {channels * to.width, to.height});
-    auto* const dstBorder = channels == 3 || draw.pick("with border", {1, 1, 0}) == 1
-                                ? draw.destinationArray<uint32_t>("dstBorder", 2 * to.height)
-                                : nullptr;
-    const float* const m = matrix(draw, 6, from, to);
-    draw.call(operation, sized(src, from), m, sized(dst, to), dstBorder, drawn<rest...>(draw));
+    const Images<channels> i(draw);
+    const auto border = test::to<uint32_t>("dstBorder", 2 * i.to.height);
+    auto* const dstBorder = channels == 3 ? border(draw) : maybe(border)(draw);
+    draw.call(operation, i.sources(), matrix(draw, 6, i.from, i.to), i.destinations(), dstBorder, rest...);
 }
 
 // Positions near a matrix' ones, some of which are nowhere.
 template <uint32_t channels, auto* operation, auto... rest>
 void remap(Draw& draw)
 {
-    const Extent to = draw.extent(), from = sourceExtent(draw, to);
-    const auto src = draw.source<uint8_t>("src", {channels * from.width, from.height});
-    const auto dst = draw.destination<uint8_t>("dst", {channels * to.width, to.height});
+    const Images<channels> images(draw);
+    const Extent to = images.to;
     const auto mapX = draw.source<float>("mapX", to, true), mapY = draw.source<float>("mapY", to, true);
     const float shift = draw.real("shift", -3, 3, 0.3f), bend = draw.real("bend", -0.05f, 0.05f, 0.001f);
-    const float senseless[] = {
-        -0.0f, -1e-40f, 1e-40f, INFINITY, -INFINITY, NAN, 3e9f, -3e9f, static_cast<float>(from.width - 1)};
+    const float senseless[] = {-0.0f,    -1e-40f,   1e-40f,
+                               INFINITY, -INFINITY, NAN,
+                               3e9f,     -3e9f,     static_cast<float>(images.src.width / channels - 1)};
     const uint32_t every = draw.pick("senseless", {0u, 0u, 29u, 2u});
     for (uint32_t y = 0, i = 0; y < to.height; ++y) {
         for (uint32_t x = 0; x < to.width; ++x, ++i) {
@@ -112,8 +115,7 @@ void remap(Draw& draw)
             if (every != 0 && i % every == 0) (i / every % 2 == 0 ? mapX : mapY).at(x, y) = senseless[i / 7 % 9];
         }
     }
-    draw.call(operation, sized(src, from), sized(dst, to), mapX.pixels, mapY.pixels, mapX.strideArgument(),
-              drawn<rest...>(draw));
+    draw.call(operation, images.sources(), images.destinations(), mapX.pixels, mapY, rest...);
 }
 
 template <auto* operation>
@@ -160,8 +162,7 @@ void fourPoints(Draw& draw)
         for (int i = 0; i < 8; ++i)
             p[i] = square[i] + draw.real("point", -20, 20, 5);
     }
-    auto* const m = draw.destinationArray<float>("matrix", 9);
-    draw.call(odxGetPerspectiveTransformf32, points[0], points[1], m);
+    draw.call(odxGetPerspectiveTransformf32, points[0], points[1], results<float, 9>);
 }
 
 constexpr auto interpolation =
