@@ -27,9 +27,10 @@ namespace
 
 bool processorCountFails = false;
 
-std::string field(const std::string& description, const char* name)
+std::string field(const std::string& description, size_t length = std::string::npos)
 {
-    char* value = extract_cpuinfo_field(description.data(), static_cast<int>(description.size()), name);
+    const size_t size = std::min(length, description.size());
+    char* value = extract_cpuinfo_field(description.data(), static_cast<int>(size), "Features");
     std::string text = value != nullptr ? value : "(absent)";
     free(value);
     return text;
@@ -51,82 +52,74 @@ extern "C" long __wrap__ZN3odx8platform16onlineProcessorsEv()
     return processorCountFails ? -1 : __real__ZN3odx8platform16onlineProcessorsEv();
 }
 
-TEST(ProcessorField, IsFoundWhereItStartsALine)
+TEST(ProcessorField, IsWhatFollowsItsNameAtTheStartOfALine)
 {
-    EXPECT_EQ("fp asimd", field("Features\t: fp asimd\n", "Features"));
-    EXPECT_EQ("fp", field("processor : 0\nmy Features : no\nFeatures : fp\nFeatures : later\n", "Features"));
-    EXPECT_EQ("(absent)", field("my Features : fp\n", "Features"));
-    EXPECT_EQ("(absent)", field("", "Features"));
-    EXPECT_EQ("(absent)", field("Feature", "Features"));
-}
-
-TEST(ProcessorField, EndsWithItsLineOrTheBuffer)
-{
-    EXPECT_EQ("fp", field("Features : fp", "Features"));
-    EXPECT_EQ("", field("Features : \nHardware : x\n", "Features"));
-    EXPECT_EQ("", field("Features : ", "Features"));
-    // Nothing beyond the given length is looked at.
-    char* value = extract_cpuinfo_field("Features : fp asimd\n", 13, "Features");
-    EXPECT_STREQ("fp", value);
-    free(value);
-    for (int length : {7, 8, 10}) {
-        EXPECT_EQ(nullptr, extract_cpuinfo_field("Features : fp\n", length, "Features")) << length;
+    const std::pair<std::string, std::string> rows[] = {
+        {"Features\t: fp asimd\n", "fp asimd"},
+        {"processor : 0\nmy Features : no\nFeatures : fp\nFeatures : later\n", "fp"},
+        {"my Features : fp\n", "(absent)"},
+        {"", "(absent)"},
+        {"Feature", "(absent)"},
+        {"Features : fp", "fp"}, // ends with the buffer
+        {"Features : \nHardware : x\n", ""},
+        {"Features : ", ""},
+        // There is a blank after the colon.
+        {"Features :fp\n", "(absent)"},
+        {"Features :\tfp\n", "(absent)"},
+        {"Features :", "(absent)"},
+        {"Features fp", "(absent)"},
+    };
+    for (const auto& [description, value] : rows) {
+        EXPECT_EQ(value, field(description));
+        EXPECT_EQ(value,
+                  field(description + "Features : more\n", description.size())); // nothing beyond the length
     }
+    for (const size_t length : {7u, 8u, 10u})
+        EXPECT_EQ("(absent)", field("Features : fp\n", length)) << length;
 }
 
-TEST(ProcessorField, NeedsABlankAfterTheColon)
+TEST(ProcessorDescription, TellsFeaturesImplementerAndChip)
 {
-    EXPECT_EQ("(absent)", field("Features :fp\n", "Features"));
-    EXPECT_EQ("(absent)", field("Features :\tfp\n", "Features"));
-    EXPECT_EQ("(absent)", field("Features :", "Features"));
-    EXPECT_EQ("(absent)", field("Features fp", "Features"));
-}
-
-TEST(ProcessorDescription, FeaturesAreWholeWords)
-{
-    EXPECT_EQ(ODX_CPU_VFP | ODX_CPU_SIMD, parse("Features : half thumb fastmult vfp edsp neon\n").features);
-    EXPECT_EQ(ODX_CPU_VFP | ODX_CPU_SIMD, parse("Features : asimd\tfp \n").features);
-    EXPECT_EQ(ODX_CPU_VFP, parse("Features : fp\n").features);
-    EXPECT_EQ(ODX_CPU_SIMD, parse("Features :  neon").features);
-    EXPECT_EQ(0, parse("Features : vfpv3 fphp asimddp asimdhp neonx\n").features);
-    EXPECT_EQ(0, parse("CPU part : 0xd03\n").features);
-}
-
-TEST(ProcessorDescription, ArchitectureIsADecimalNumberOfAtLeast7)
-{
-    for (const char* value : {"7", "8", " 9", "10", "7-A", "99999999999999999999"}) {
-        EXPECT_EQ(ODX_CPU_ARMV7, parse("CPU architecture: " + std::string(value) + "\n").features) << value;
+    constexpr int kBoth = ODX_CPU_VFP | ODX_CPU_SIMD;
+    const struct {
+        const char* name;
+        std::vector<const char*> values;
+        int features;
+        unsigned implementer = 0, cpuOnlyChip = 0;
+        bool flagsLine = false;
+    } rows[] = {
+        {"Features : ", {"half thumb fastmult vfp edsp neon\n", "asimd\tfp \n"}, kBoth},
+        {"Features : ", {"fp\n"}, ODX_CPU_VFP},
+        {"Features : ", {" neon"}, ODX_CPU_SIMD},
+        {"Features : ", {"vfpv3 fphp asimddp asimdhp neonx\n"}, 0}, // whole words
+        {"CPU architecture: ", {"7", "8", " 9", "10", "7-A", "99999999999999999999"}, ODX_CPU_ARMV7},
+        {"CPU architecture: ", {"6", "5TEJ", "AArch64", "", "-8", "0x8"}, 0}, // a decimal number
+        {"CPU implementer : ", {"0x51\n"}, 0, 0x51},
+        {"CPU implementer : ", {"65\n"}, 0, 65},
+        {"CPU implementer : ", {"010\n"}, 0, 8}, // in the notation of C
+        {"CPU implementer : ", {"ARM\n", "\nCPU implementer : 0x41\n"}, 0},
+        {"CPU part : ", {"0x41\n"}, 0},
+        {"Hardware\t: ", {"TKM200\n", "TKM210\n", "TKM100\n", "DELTA\n", "Board xDELTAx (flat)\n"}, 0, 0, 1},
+        {"Hardware\t: ", {"TKM300 delta\nmodel : TKM200\n"}, 0},
+        // A line of flags serves only where it is asked for and there are no features.
+        {"flags\t\t: ", {"fpu vme avx avx2\n"}, kBoth, 0, 0, true},
+        {"flags\t\t: ",
+         {"fpu avx avx2x\nvmx flags : avx2\n", "fpu avx2\nFeatures : vfp\n"},
+         ODX_CPU_VFP,
+         0,
+         0,
+         true},
+        {"flags\t\t: ", {"fpu avx2\nFeatures : \n"}, 0, 0, 0, true},
+        {"flags\t\t: ", {"fpu avx2\n"}, 0},
+    };
+    for (const auto& row : rows) {
+        for (const char* value : row.values) {
+            const ODX_CPU_INFO found = parse(row.name + std::string(value), row.flagsLine);
+            EXPECT_EQ(row.features, found.features) << row.name << value;
+            EXPECT_EQ(row.implementer, found.implementer) << row.name << value;
+            EXPECT_EQ(row.cpuOnlyChip, found.cpuOnlyChip) << row.name << value;
+        }
     }
-    for (const char* value : {"6", "5TEJ", "AArch64", "", "-8", "0x8"}) {
-        EXPECT_EQ(0, parse("CPU architecture: " + std::string(value) + "\n").features) << value;
-    }
-}
-
-TEST(ProcessorDescription, ImplementerIsANumberInCNotation)
-{
-    EXPECT_EQ(0x51u, parse("CPU implementer : 0x51\n").implementer);
-    EXPECT_EQ(65u, parse("CPU implementer : 65\n").implementer);
-    EXPECT_EQ(8u, parse("CPU implementer : 010\n").implementer);
-    EXPECT_EQ(0u, parse("CPU implementer : ARM\n").implementer);
-    EXPECT_EQ(0u, parse("CPU implementer : \nCPU implementer : 0x41\n").implementer);
-    EXPECT_EQ(0u, parse("CPU part : 0x41\n").implementer);
-}
-
-TEST(ProcessorDescription, CpuOnlyChipsAreNamedAnywhereInTheHardwareLine)
-{
-    for (const char* chip : {"TKM200", "TKM210", "TKM100", "DELTA", "Board xDELTAx (flat)"}) {
-        EXPECT_EQ(1u, parse("Hardware\t: " + std::string(chip) + "\n").cpuOnlyChip) << chip;
-    }
-    EXPECT_EQ(0u, parse("Hardware\t: TKM300 delta\nmodel : TKM200\n").cpuOnlyChip);
-}
-
-TEST(ProcessorDescription, FlagsLineServesOnlyWithoutFeatures)
-{
-    EXPECT_EQ(ODX_CPU_VFP | ODX_CPU_SIMD, parse("flags\t\t: fpu vme avx avx2\n", true).features);
-    EXPECT_EQ(ODX_CPU_VFP, parse("flags\t\t: fpu avx avx2x\nvmx flags : avx2\n", true).features);
-    EXPECT_EQ(0, parse("flags\t\t: fpu avx2\n", false).features);
-    EXPECT_EQ(ODX_CPU_VFP, parse("flags\t\t: fpu avx2\nFeatures : vfp\n", true).features);
-    EXPECT_EQ(0, parse("flags\t\t: fpu avx2\nFeatures : \n", true).features);
 }
 
 TEST(Detection, RunsOnceAndReadsTheStartOfTheDescription)
@@ -225,7 +218,7 @@ TEST(HardwareMask, TellsFeaturesAndVendor)
         kMobile = ONDRIX_HW_MOBILE
     };
     const struct {
-        const Processor& processor;
+        Processor processor;
         unsigned mask;
     } rows[] = {
         {kArmSimd, kRan | kSimd | kFloat | kV7 | kMobile},
@@ -235,6 +228,9 @@ TEST(HardwareMask, TellsFeaturesAndVendor)
         {kFloatOnly, kRan | kFloat | kMobile},
         {kNeither, kRan | kV7 | kMobile},
         {kUnreadable, kRan},
+#if defined(__x86_64__)
+        {{"x86-64", "vendor_id\t: x\nflags\t\t: fpu sse avx avx2\n", ""}, kRan | kSimd | kFloat},
+#endif
     };
     for (const auto& row : rows) {
         onProcessor(row.processor, [&] { EXPECT_EQ(row.mask, odxAvailableHardware(ONDRIX_OP_PERFORMANCE)); });
@@ -252,15 +248,6 @@ TEST(HardwareMask, KnowsTheVendorsBoardsByThreeLetters)
                     [] { EXPECT_FALSE(odxAvailableHardware(0) & ONDRIX_HW_MOBILE); });
     }
 }
-
-#if defined(__x86_64__)
-TEST(HardwareMask, OfAnX86Processor)
-{
-    onProcessor({"x86-64", "vendor_id\t: x\nflags\t\t: fpu sse avx avx2\n", ""}, [] {
-        EXPECT_EQ(unsigned{ONDRIX_HW_CPU_INFO | ONDRIX_HW_SIMD | ONDRIX_HW_VFP}, odxAvailableHardware(0));
-    });
-}
-#endif
 
 TEST(RemoteProbe, OpensASessionInThePowerModeOfTheMode)
 {
@@ -286,31 +273,22 @@ TEST(RemoteProbe, OpensASessionInThePowerModeOfTheMode)
     fakeRemote = {};
 }
 
-TEST(RemoteProbe, ReportsAnAbsentProcessor)
-{
-    fakeRemote = {};
-    EXPECT_EQ(0u, odxAvailableHWComponent(0));
-    EXPECT_EQ(0u, odxAvailableHWComponent(0));
-    EXPECT_EQ(4u, fakeRemote.takeEvents().size()); // each probe tries again
-    EXPECT_EQ((std::vector<unsigned>{0, 0}), fakeRemote.sharedMemoryFor);
-    fakeRemote = {};
-}
-
-TEST(RemoteProbe, LogsItsTimeWhenTheTraceIsOn)
+TEST(RemoteProbe, ReportsAnAbsentProcessorAndItsTime)
 {
     fakeRemote = {};
     LogCapture log;
-    odxAvailableHWComponent(0);
+    EXPECT_EQ(0u, odxAvailableHWComponent(0));
     EXPECT_EQ((std::vector<LogLine>{{3, "ondrix_lib_log", "Ondrix vendor library\n"}}), log.take());
     libLogPrint = 1;
-    odxAvailableHWComponent(0);
+    EXPECT_EQ(0u, odxAvailableHWComponent(0));
     libLogPrint = 0;
+    EXPECT_EQ(4u, fakeRemote.takeEvents().size()); // each probe tries again
+    EXPECT_EQ((std::vector<unsigned>{0, 0}), fakeRemote.sharedMemoryFor);
     const std::vector<LogLine> lines = log.take();
     ASSERT_EQ(2u, lines.size());
-    EXPECT_EQ(6, lines[1].priority);
-    EXPECT_EQ("ondrix_runtime_log", lines[1].tag);
     const std::string start = " Z9 Initialization Time : ";
-    ASSERT_EQ(start, lines[1].text.substr(0, start.size()));
+    EXPECT_EQ((LogLine{6, "ondrix_runtime_log", start}),
+              (LogLine{lines[1].priority, lines[1].tag, lines[1].text.substr(0, start.size())}));
     EXPECT_GT(60000000, std::stoll(lines[1].text.substr(start.size()))); // microseconds, not since 1970
     fakeRemote = {};
 }
@@ -396,20 +374,17 @@ TEST(PlatformServices, TimeIsTheWallClockInMicroseconds)
 
 TEST(PlatformServices, PropertiesAreNumbers)
 {
-    const struct {
-        const char* text;
-        int number;
-    } rows[] = {{"1", 1},
-                {"0", 0},
-                {"", 0},
-                {"-3", -3},
-                {"on", 0},
-                {"2x", 2},
-                {"4294967296", INT32_MAX},
-                {"-4294967296", INT32_MIN}};
-    for (const auto& row : rows) {
-        setenv("A_PROPERTY_9", row.text, 1);
-        EXPECT_EQ(row.number, platform::propertyNumber("a.property-9")) << row.text;
+    const std::pair<const char*, int> rows[] = {{"1", 1},
+                                                {"0", 0},
+                                                {"", 0},
+                                                {"-3", -3},
+                                                {"on", 0},
+                                                {"2x", 2},
+                                                {"4294967296", INT32_MAX},
+                                                {"-4294967296", INT32_MIN}};
+    for (const auto& [text, number] : rows) {
+        setenv("A_PROPERTY_9", text, 1);
+        EXPECT_EQ(number, platform::propertyNumber("a.property-9")) << text;
     }
     unsetenv("A_PROPERTY_9");
     EXPECT_EQ(0, platform::propertyNumber("a.property-9"));

@@ -17,163 +17,103 @@ const Lines started = debug("ADSP SSR cleanup sequence initiated.");
 const Lines alreadyUp = started + debug("Z9 already up. Skipping reload.");
 const Lines reloading = debug("Trying to reload Z9 stub.") + unloaded();
 const Lines reinitializing = debug("Trying to reinitialize DSP.");
+const Lines reloaded = debug("Stub reloaded successfully.");
 const Lines back = debug("DSP reinitialization success.");
 const Lines remoteAgain = debug("XDSP is available"); // the mode is selected again
 
 // A recovery that goes well.
 Lines recovered()
 {
-    return started + reloading + loaded() + debug("Stub reloaded successfully.") + reinitializing + back;
+    return started + reloading + loaded() + reloaded + reinitializing + back;
 }
 
 } // namespace
 
-TEST(Recovery, ACallSurvivesARestart)
+TEST(Recovery, ACallGetsItsResultWhateverFails)
 {
-    onRemote([](Stub& stub, LogCapture& log) {
-        stub.behaves(restarting(2));
-        EXPECT_EQ(kBits, countBits());
-        EXPECT_EQ(Lines{}, log.take());
-        EXPECT_EQ(kBits, countBits());
-        EXPECT_EQ(recovered() + remoteAgain, log.take());
-
-        const odxStubCounts counts = stub.counts();
-        EXPECT_EQ(3u, counts.calls); // the lost one was sent again
-        EXPECT_EQ(2u, counts.completed);
-        EXPECT_EQ(1u, counts.restarts);
-        EXPECT_EQ(2u, counts.initialisations);
-        EXPECT_EQ(2, counts.powerMode); // the session's attributes were kept
-        EXPECT_EQ(2, loader.opened);
-        EXPECT_EQ(1, loader.closed);
-        // The library is as it was.
-        EXPECT_EQ(ONDRIX_OP_EXT_XDSP, mode_globalVar);
-        EXPECT_EQ(2u, odxImplTable[op_odxBitCountu32]);
-        EXPECT_EQ(0u, HW_constraint_checks_enable);
-        EXPECT_EQ(1, ODXAZ9_is_ready());
-    });
-}
-
-TEST(Recovery, AProcessorThatIsUpAgainIsNotReloaded)
-{
-    onRemote([](Stub& stub, LogCapture& log) {
-        // It answers, but loses every call: after five more attempts the call stays here.
-        odxStubBehaviour losing = {};
-        losing.failure = 104;
-        stub.behaves(losing);
-        EXPECT_EQ(kBits, countBits());
-        EXPECT_EQ(times(5, alreadyUp) + remoteAgain, log.take());
-        EXPECT_EQ(6u, stub.counts().calls);
-        EXPECT_EQ(1, loader.opened);
-
-        stub.behaves({});
-        EXPECT_EQ(kBits, countBits());
-        EXPECT_EQ(Lines{}, log.take());
-        EXPECT_EQ(7u, stub.counts().calls);
-    });
-}
-
-TEST(Recovery, FivefoldAtMost)
-{
-    onRemote([](Stub& stub, LogCapture& log) {
-        stub.behaves(restarting(1)); // it comes back, and restarts again
-        EXPECT_EQ(kBits, countBits());
-        EXPECT_EQ(times(5, recovered()) + remoteAgain, log.take());
-        EXPECT_EQ(6u, stub.counts().restarts);
-        EXPECT_EQ(0u, stub.counts().completed);
-    });
-    // It comes back after some attempts.
-    for (const uint32_t failures : {1u, 4u, 5u}) {
+    const auto recoveries = [](int n) { return [n] { return times(n, recovered()) + remoteAgain; }; };
+    const auto withFailingLoads = [](int n) {
+        const Lines end = n < 10 ? reloading + loaded() + reloaded + reinitializing + back : Lines{};
+        return started + times(n, reloading + notLoaded()) + end + remoteAgain;
+    };
+    const auto withoutSymbol = [](const char* symbol, int n) {
+        const Lines end = n < 15 ? reinitializing + back : Lines{};
+        return started + reloading + loaded() + reloaded +
+               times(n, reinitializing + cannotLoad(symbol) + noSymbols()) + end + remoteAgain;
+    };
+    const auto failing = [](int code) {
+        odxStubBehaviour behaviour = {};
+        behaviour.failure = code;
+        return behaviour;
+    };
+    static constexpr char kFirst[] = "ondrixadsp_odxTrackLKOpticalFlowu8X", kOther[] = "ondrixadsp_odxBitCountu8X",
+                          kInit[] = "dspRT_initZ9_with_attributes";
+    // What fails under a call; with a restart at every second one, under the second.
+    const struct {
+        odxStubBehaviour stub;
+        uint32_t calls, completed;
+        std::function<Lines()> lines;
+        bool remoteAfterwards = true;
+        int failingOpens = 0;
+        const char* missing = "";
+        int lookups = 0, sleeps = 0;
+    } rows[] = {
+        {restarting(2), 3, 2, recoveries(1)}, // the lost one was sent again
+        // The processor comes back after some attempts; it restarts again and again.
+        {restarting(2, 1), 4, 2, recoveries(2)},
+        {restarting(2, 4), 7, 2, recoveries(5)},
+        {restarting(2, 5), 7, 1, recoveries(5)},
+        {restarting(1), 6, 0, recoveries(5)},
+        // It is up again each time, but loses the call; other failures are done here in silence.
+        {failing(104), 6, 0, [] { return times(5, alreadyUp) + remoteAgain; }},
+        {failing(1), 1, 0, [] { return Lines{}; }},
+        {failing(-1), 1, 0, [] { return Lines{}; }},
+        {failing(103), 1, 0, [] { return Lines{}; }},
+        {restarting(2), 3, 2, [&] { return withFailingLoads(9); }, true, 9},
+        {restarting(2), 2, 1, [&] { return withFailingLoads(10); }, false, 10},
+        {restarting(2), 3, 2, [&] { return withoutSymbol(kOther, 14); }, true, 0, kOther, 14, 14},
+        {restarting(2), 2, 1, [&] { return withoutSymbol(kOther, 15); }, false, 0, kOther, 15, 15},
+        {restarting(2), 3, 2, [&] { return withoutSymbol(kFirst, 1); }, true, 0, kFirst, 1, 1},
+        {restarting(2), 2, 1, [&] { return withoutSymbol(kFirst, 15); }, false, 0, kFirst, 15, 15},
+        {restarting(2), 4, 2,
+         [] {
+             return started + reloading + loaded() + reloaded + reinitializing + cannotLoad(kInit) + back +
+                    recovered() + remoteAgain;
+         },
+         true, 0, kInit, 1},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(&row - rows);
         onRemote([&](Stub& stub, LogCapture& log) {
-            stub.behaves(restarting(2, failures));
-            countBits();
+            stub.behaves(row.stub);
+            for (uint32_t call = 1; call < row.stub.restartEvery; ++call)
+                EXPECT_EQ(kBits, countBits());
+            EXPECT_EQ(Lines{}, log.take());
+            loader.failingOpens = row.failingOpens;
+            if (row.lookups != 0) loader.missing[row.missing] = row.lookups;
             EXPECT_EQ(kBits, countBits());
-            const int attempts = failures < 5 ? static_cast<int>(failures) + 1 : 5;
-            EXPECT_EQ(times(attempts, recovered()) + remoteAgain, log.take());
-            EXPECT_EQ(failures < 5 ? 2u : 1u, stub.counts().completed);
+            EXPECT_EQ(row.lines(), log.take());
+            EXPECT_EQ(row.calls, stub.counts().calls);
+            EXPECT_EQ(row.completed, stub.counts().completed);
+            EXPECT_EQ(row.sleeps, loader.sleeps);
+            // The library is as it was, and so are the session's attributes.
+            EXPECT_EQ(2, stub.counts().powerMode);
+            EXPECT_EQ(ONDRIX_OP_EXT_XDSP, mode_globalVar);
+            EXPECT_EQ(2u, odxImplTable[op_odxBitCountu32]);
+            EXPECT_EQ(0u, HW_constraint_checks_enable);
+            EXPECT_EQ(1, ODXAZ9_is_ready());
+            // Without a stub the calls stay here, until the session is opened anew.
+            stub.behaves({});
+            EXPECT_EQ(kBits, countBits());
+            EXPECT_EQ(row.completed + row.remoteAfterwards, stub.counts().completed);
+            log.take();
+            odxCleanUp();
+            EXPECT_EQ(loader.opened, loader.closed);
+            EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_XDSP));
+            EXPECT_EQ(kBits, countBits());
+            EXPECT_EQ(row.completed + row.remoteAfterwards + 1, stub.counts().completed);
         });
     }
-}
-
-TEST(Recovery, TriesTenTimesToReloadTheStub)
-{
-    onRemote([](Stub& stub, LogCapture& log) {
-        stub.behaves(restarting(2));
-        countBits();
-        loader.failingOpens = 9;
-        EXPECT_EQ(kBits, countBits());
-        EXPECT_EQ(started + times(9, reloading + notLoaded()) + reloading + loaded() +
-                      debug("Stub reloaded successfully.") + reinitializing + back + remoteAgain,
-                  log.take());
-        EXPECT_EQ(2u, stub.counts().completed);
-    });
-    onRemote([](Stub& stub, LogCapture& log) {
-        stub.behaves(restarting(2));
-        countBits();
-        loader.failingOpens = 10;
-        EXPECT_EQ(kBits, countBits());
-        EXPECT_EQ(started + times(10, reloading + notLoaded()) + remoteAgain, log.take());
-        EXPECT_EQ(1u, stub.counts().completed);
-        EXPECT_EQ(1, loader.closed);
-
-        // Without a stub the calls stay here, in silence, until the session is opened anew.
-        EXPECT_EQ(kBits, countBits());
-        EXPECT_EQ(Lines{}, log.take());
-        odxCleanUp();
-        EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_XDSP));
-        EXPECT_EQ(kBits, countBits());
-        EXPECT_EQ(2u, stub.counts().completed);
-    });
-}
-
-TEST(Recovery, TriesFifteenTimesToLoadTheSymbols)
-{
-    // Also the first of all.
-    const std::pair<const char*, int> lost[] = {{"ondrixadsp_odxBitCountu8X", 14},
-                                                {"ondrixadsp_odxBitCountu8X", 15},
-                                                {"ondrixadsp_odxTrackLKOpticalFlowu8X", 1},
-                                                {"ondrixadsp_odxTrackLKOpticalFlowu8X", 15}};
-    for (const auto& [symbol, failures] : lost) {
-        onRemote([&, symbol = symbol, failures = failures](Stub& stub, LogCapture& log) {
-            const Lines retried = reinitializing + cannotLoad(symbol) + noSymbols();
-            stub.behaves(restarting(2));
-            countBits();
-            loader.missing[symbol] = failures;
-            EXPECT_EQ(kBits, countBits());
-            const Lines reloaded = started + reloading + loaded() + debug("Stub reloaded successfully.");
-            const Lines end = failures < 15 ? reinitializing + back : Lines{};
-            EXPECT_EQ(reloaded + times(failures, retried) + end + remoteAgain, log.take());
-            EXPECT_EQ(failures, loader.sleeps);
-            EXPECT_EQ(failures < 15 ? 2u : 1u, stub.counts().completed);
-        });
-    }
-}
-
-TEST(Recovery, GoesOnWithoutTheEntryThatInitialises)
-{
-    onRemote([](Stub& stub, LogCapture& log) {
-        stub.behaves(restarting(2));
-        countBits();
-        loader.missing["dspRT_initZ9_with_attributes"] = 1;
-        EXPECT_EQ(kBits, countBits());
-        const Lines uninitialised = started + reloading + loaded() + debug("Stub reloaded successfully.") +
-                                    reinitializing + cannotLoad("dspRT_initZ9_with_attributes") + back;
-        EXPECT_EQ(uninitialised + recovered() + remoteAgain, log.take());
-    });
-}
-
-TEST(Recovery, AnyOtherFailureIsDoneHereInSilence)
-{
-    onRemote([](Stub& stub, LogCapture& log) {
-        odxStubBehaviour failing = {};
-        for (const int code : {1, -1, 103}) {
-            failing.failure = code;
-            stub.behaves(failing);
-            EXPECT_EQ(kBits, countBits());
-        }
-        EXPECT_EQ(Lines{}, log.take());
-        EXPECT_EQ(3u, stub.counts().calls);
-        EXPECT_EQ(0u, stub.counts().completed);
-    });
 }
 
 TEST(Recovery, WithoutASessionThereIsNothingToRecover)

@@ -9,6 +9,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string.h>
+
 using namespace odx;
 using namespace odx::test;
 
@@ -55,39 +58,45 @@ size_t symbolsSet()
 TEST(Session, OpensOnceForAPowerMode)
 {
     withStub([](Stub& stub, LogCapture& log) {
+        const auto expectClosed = [] {
+            EXPECT_EQ(0, ODXAZ9_is_ready());
+            EXPECT_EQ(-1, ODXAZ9_get_current_mode());
+            EXPECT_EQ(0u, symbolsSet()); // nobody may call into what was unloaded
+        };
+        expectClosed();
+        Lines before; // of the session that another one follows
+        // Modes beyond the known ones travel without an attribute.
+        for (const auto& [mode, told] : {std::pair{1, 1}, {2, 2}, {0, 0}, {3, -1}}) {
+            const uint32_t initialisations = stub.counts().initialisations;
+            for (const bool again : {false, true}) {
+                EXPECT_EQ(0, ODXAZ9_init(mode, kVersion));
+                EXPECT_EQ(again ? Lines{} : before + loaded() + initialized(mode), log.take());
+                EXPECT_EQ(1, ODXAZ9_is_ready());
+                EXPECT_EQ(mode, ODXAZ9_get_current_mode());
+                EXPECT_EQ(told, stub.counts().powerMode);
+                EXPECT_EQ(initialisations + 1, stub.counts().initialisations);
+                EXPECT_EQ(symbols().size(), symbolsSet());
+            }
+            before = closing() + unloaded();
+        }
+        EXPECT_EQ(0, odxZ9Initialize(3, std::string(kVersion).data()));
+        EXPECT_EQ(0, libLogPrintX);
+        for (const bool again : {false, true}) {
+            ODXAZ9_deinit();
+            EXPECT_EQ(again ? closing() : before, log.take());
+            expectClosed();
+            EXPECT_EQ(4, loader.opened);
+            EXPECT_EQ(4, loader.closed);
+        }
+        setenv("VENDOR_RUNTIME_ONDRIX_LOG", "1", 1);
+        EXPECT_EQ(0, ODXAZ9_init(-1, kVersion));
+        EXPECT_EQ(-1, stub.counts().powerMode);
+        EXPECT_EQ(1, libLogPrintX);
+        EXPECT_EQ(1, libLogPrint);
+        loader.failingOpens = 1;
+        EXPECT_EQ(-1, ODXAZ9_init(1, kVersion)); // neither the old one nor the new one
         EXPECT_EQ(0, ODXAZ9_is_ready());
         EXPECT_EQ(-1, ODXAZ9_get_current_mode());
-        EXPECT_EQ(0, ODXAZ9_init(1, kVersion));
-        EXPECT_EQ(loaded() + initialized(1), log.take());
-        EXPECT_EQ(1, ODXAZ9_is_ready());
-        EXPECT_EQ(1, ODXAZ9_get_current_mode());
-        EXPECT_EQ(1, stub.counts().powerMode);
-        EXPECT_EQ(symbols().size(), symbolsSet());
-
-        char version[] = "1.7.1";
-        EXPECT_EQ(0, ODXAZ9_init(1, kVersion));
-        EXPECT_EQ(0, odxZ9Initialize(1, version));
-        EXPECT_EQ(Lines{}, log.take());
-        EXPECT_EQ(1u, stub.counts().initialisations);
-    });
-}
-
-TEST(Session, AnotherPowerModeReopensIt)
-{
-    withStub([](Stub& stub, LogCapture& log) {
-        ODXAZ9_init(1, kVersion);
-        log.take();
-        EXPECT_EQ(0, ODXAZ9_init(2, kVersion));
-        EXPECT_EQ(closing() + unloaded() + loaded() + initialized(2), log.take());
-        EXPECT_EQ(2, ODXAZ9_get_current_mode());
-        EXPECT_EQ(2, stub.counts().powerMode);
-        EXPECT_EQ(2, loader.opened);
-        EXPECT_EQ(1, loader.closed);
-
-        loader.failingOpens = 1;
-        EXPECT_EQ(-1, ODXAZ9_init(1, kVersion));
-        EXPECT_EQ(-1, ODXAZ9_get_current_mode()); // neither the old one nor the new one
-        EXPECT_EQ(0, ODXAZ9_is_ready());
     });
 }
 
@@ -109,116 +118,69 @@ TEST(Session, TheStubStaysUntilItsLastUserLeaves)
     });
 }
 
-TEST(Session, PowerModesBeyondTheKnownOnesTravelWithoutAttribute)
+TEST(Session, OpensOrFailsWithWhatItFinds)
 {
-    withStub([](Stub& stub, LogCapture&) {
-        for (const auto& [mode, told] : {std::pair{0, 0}, {1, 1}, {2, 2}, {3, -1}, {-1, -1}}) {
-            ODXAZ9_deinit();
-            EXPECT_EQ(0, ODXAZ9_init(mode, kVersion));
-            EXPECT_EQ(told, stub.counts().powerMode);
-            EXPECT_EQ(mode, ODXAZ9_get_current_mode());
-        }
-    });
-}
-
-TEST(Session, Closes)
-{
-    withStub([](Stub&, LogCapture& log) {
-        ODXAZ9_init(2, kVersion);
-        log.take();
-        ODXAZ9_deinit();
-        EXPECT_EQ(closing() + unloaded(), log.take());
-        EXPECT_EQ(0, ODXAZ9_is_ready());
-        EXPECT_EQ(-1, ODXAZ9_get_current_mode());
-        EXPECT_EQ(0u, symbolsSet()); // nobody may call into what was unloaded
-        EXPECT_EQ(1, loader.closed);
-        ODXAZ9_deinit();
-        EXPECT_EQ(closing(), log.take());
-        EXPECT_EQ(1, loader.closed);
-    });
-}
-
-TEST(Session, FailsWithoutTheLibraryUntilItIsClosed)
-{
-    withStub([](Stub&, LogCapture& log) {
-        loader.failingOpens = 1;
-        EXPECT_EQ(-1, ODXAZ9_init(1, kVersion));
-        EXPECT_EQ(notLoaded() + cannotLoad(symbols()[0].name) + noSymbols() + disabled(), log.take());
-        EXPECT_EQ(0, ODXAZ9_is_ready());
-        EXPECT_EQ(-1, ODXAZ9_get_current_mode());
-
-        EXPECT_EQ(-1, ODXAZ9_init(1, kVersion)); // now there would be one
-        EXPECT_EQ(Lines{}, log.take());
-        ODXAZ9_deinit();
-        EXPECT_EQ(closing() + cannotLoad("dspRT_deinitZ9") + unloaded(), log.take());
-        EXPECT_EQ(0, ODXAZ9_init(1, kVersion));
-        EXPECT_EQ(loaded() + initialized(1), log.take());
-    });
-}
-
-TEST(Session, FailsAtTheFirstMissingSymbol)
-{
-    const std::vector<Symbol> all = symbols();
-    EXPECT_EQ("ondrixadsp_odxTrackLKOpticalFlowu8X", all[0].name);
-    EXPECT_EQ("ondrixadsp_odxTrackLKOpticalFlowf32X", all[1].name);
-    EXPECT_EQ("ondrixadsp_odxTrackLKOpticalFlowu8_v2X", all[2].name);
-    for (const size_t position : {size_t{0}, all.size() / 2, all.size() - 1}) {
-        withStub([&](Stub&, LogCapture& log) {
-            loader.missing[all[position].name] = kAlways;
-            EXPECT_EQ(-1, ODXAZ9_init(1, kVersion));
-            EXPECT_EQ(loaded() + cannotLoad(all[position].name) + noSymbols() + disabled(), log.take());
-            EXPECT_EQ(position, symbolsSet()); // those before it
-            ODXAZ9_deinit();
-            EXPECT_EQ(closing() + unloaded(), log.take());
-            EXPECT_EQ(loader.opened, loader.closed);
-        });
-    }
-}
-
-TEST(Session, FailsWithABuildOfTheStubThatLacksAnEntry)
-{
-    withStub([](Stub&, LogCapture& log) {
-        loader.stub = ODX_TEST_INCOMPLETE_STUB;
-        EXPECT_EQ(-1, ODXAZ9_init(1, kVersion));
-        EXPECT_EQ(loaded() + cannotLoad("ondrixadsp_odxFilterMedian3x3u8X") + noSymbols() + disabled(),
-                  log.take());
-    });
-}
-
-TEST(Session, OpensWithoutTheSessionsOwnEntries)
-{
-    withStub([](Stub& stub, LogCapture& log) {
-        loader.missing = {{"dspRT_initZ9_with_attributes", 1}, {"dspRT_deinitZ9", 1}};
-        EXPECT_EQ(0, ODXAZ9_init(1, kVersion));
-        EXPECT_EQ(loaded() + cannotLoad("dspRT_initZ9_with_attributes") +
-                      error("ondrixadsp_odxZ9SessionInit failed") + initialized(1),
-                  log.take());
-        EXPECT_EQ(1, ODXAZ9_is_ready());
-        EXPECT_EQ(0u, stub.counts().initialisations);
-        ODXAZ9_deinit();
-        EXPECT_EQ(closing() + cannotLoad("dspRT_deinitZ9") + unloaded(), log.take());
-    });
-}
-
-TEST(Session, OpensWithAnotherVersion)
-{
-    const auto opening = [](const char* local, const char* remote, const Lines& complaint) {
+    const auto opening = [](const char* local, const char* remote, const std::function<void()>& prepare,
+                            const Lines& complaint, int result = 0, size_t found = symbols().size(),
+                            const Lines& atClosing = {}) {
         withStub([&](Stub& stub, LogCapture& log) {
             odxStubBehaviour behaviour = {};
             strcpy(behaviour.version, remote);
             stub.behaves(behaviour);
+            prepare();
+            EXPECT_EQ(result, ODXAZ9_init(1, local));
+            EXPECT_EQ((loader.opened != 0 ? loaded() : notLoaded()) + complaint +
+                          (result == 0 ? initialized(1) : disabled()),
+                      log.take());
+            EXPECT_EQ(result + 1, ODXAZ9_is_ready());
+            EXPECT_EQ(found, symbolsSet());
+            // A failure stays, even where nothing would fail any more, until the session is closed.
+            loader.failingOpens = 0;
+            EXPECT_EQ(result, ODXAZ9_init(1, local));
+            EXPECT_EQ(Lines{}, log.take());
+            ODXAZ9_deinit();
+            EXPECT_EQ(closing() + atClosing + unloaded(), log.take());
+            EXPECT_EQ(loader.opened, loader.closed);
+            loader.missing.clear();
+            loader.stub = ODX_TEST_STUB;
             EXPECT_EQ(0, ODXAZ9_init(1, local));
-            EXPECT_EQ(loaded() + complaint + initialized(1), log.take());
         });
     };
+    const auto nothing = [] {};
     const auto unmatched = [](const std::string& remote) {
         return error("Unmatch CPU and Z9 major version. CPU version is 1.7.1, Z9 version is " + remote);
     };
-    opening(kVersion, "2.7.1", unmatched("2.7.1"));
-    opening(kVersion, "1_7", unmatched("1_7"));
-    opening(kVersion, "10.2.1234", unmatched("10.2.1234"));
-    opening(kVersion, "1.9.3", {});
-    opening(nullptr, "2.7.1", {});
+    for (const char* remote : {"2.7.1", "1_7", "10.2.1234"})
+        opening(kVersion, remote, nothing, unmatched(remote));
+    opening(kVersion, "1.9.3", nothing, {});
+    opening(nullptr, "2.7.1", nothing, {});
+
+    const std::vector<Symbol> all = symbols();
+    EXPECT_EQ("ondrixadsp_odxTrackLKOpticalFlowu8X", all[0].name);
+    EXPECT_EQ("ondrixadsp_odxTrackLKOpticalFlowf32X", all[1].name);
+    EXPECT_EQ("ondrixadsp_odxTrackLKOpticalFlowu8_v2X", all[2].name);
+    opening(
+        kVersion, kVersion, [] { loader.failingOpens = 1; }, cannotLoad(all[0].name) + noSymbols(), -1, 0,
+        cannotLoad("dspRT_deinitZ9"));
+    for (const size_t position : {size_t{0}, all.size() / 2, all.size() - 1}) {
+        const std::string& name = all[position].name;
+        opening(
+            kVersion, kVersion, [&] { loader.missing[name] = kAlways; }, cannotLoad(name) + noSymbols(), -1,
+            position); // those before it
+    }
+    const std::string lacking = "ondrixadsp_odxFilterMedian3x3u8X";
+    const auto place = std::find_if(all.begin(), all.end(), [&](const Symbol& s) { return s.name == lacking; });
+    opening(
+        kVersion, kVersion, [] { loader.stub = ODX_TEST_INCOMPLETE_STUB; }, cannotLoad(lacking) + noSymbols(), -1,
+        static_cast<size_t>(place - all.begin()));
+    // It opens without its own entries.
+    const char *const init = "dspRT_initZ9_with_attributes", *const deinit = "dspRT_deinitZ9";
+    opening(
+        kVersion, kVersion,
+        [&] {
+            loader.missing = {{init, 1}, {deinit, 1}};
+        },
+        cannotLoad(init) + error("ondrixadsp_odxZ9SessionInit failed"), 0, all.size(), cannotLoad(deinit));
 }
 
 TEST(Session, OpensWithAProcessorThatDoesNotStart)
@@ -263,18 +225,5 @@ TEST(Session, FollowsTheOperationMode)
         const Lines failure = notLoaded() + cannotLoad(symbols()[0].name) + noSymbols() + disabled();
         // The session is probed for the mode alone: the lists of the mode are not looked at without it.
         EXPECT_EQ(version + closing() + failure, log.take());
-    });
-}
-
-TEST(Session, SwitchesTheVariantsLog)
-{
-    withStub([](Stub&, LogCapture&) {
-        ODXAZ9_init(1, kVersion);
-        EXPECT_EQ(0, libLogPrintX);
-        ODXAZ9_deinit();
-        setenv("VENDOR_RUNTIME_ONDRIX_LOG", "1", 1);
-        ODXAZ9_init(1, kVersion);
-        EXPECT_EQ(1, libLogPrintX);
-        EXPECT_EQ(1, libLogPrint);
     });
 }
