@@ -5,6 +5,8 @@
 namespace odx::ODX_TARGET
 {
 
+using namespace loops;
+
 namespace
 {
 
