@@ -106,9 +106,9 @@ TEST_F(Descriptors, FloatsAreAddedInOrder)
 TEST_F(Descriptors, HammingDistancesCountBits)
 {
     const auto v = draw<uint8_t>(320);
-    const std::vector<uint8_t> none(64, 0);
+    const std::vector<uint8_t> none(320, 0);
     const uint8_t* const a = v.data();
-    uint32_t n[4], d32[4], d64[4], d64a[4], b32[4], b64[4];
+    uint32_t d32[4], d64[4], d64a[4], b32[4], b64[4];
     odxHammingDistance32x4u8a4(a, a + 64, a + 128, a + 192, a + 256, d32);
     odxHammingDistance64x4u8(a, a + 64, a + 128, a + 192, a + 256, d64);
     odxHammingDistance64x4u8a4(a, a + 64, a + 128, a + 192, a + 256, d64a);
@@ -126,8 +126,13 @@ TEST_F(Descriptors, HammingDistancesCountBits)
         for (const uint32_t d : {b64[k], odxBitCount64x1u8(b)})
             EXPECT_EQ(bitsOf(none.data(), b, 64), d);
     }
-    n[0] = odxHammingDistanceu8(a, a + 101, 99);
-    EXPECT_EQ(bitsOf(a, a + 101, 99), n[0]);
+    EXPECT_EQ(bitsOf(a, a + 101, 99), odxHammingDistanceu8(a, a + 101, 99));
+    for (const uint32_t n : {0u, 1u, 7u, 8u, 77u}) {
+        std::vector<uint32_t> words(n);
+        std::copy_n(a, 4 * n, reinterpret_cast<uint8_t*>(words.data()));
+        EXPECT_EQ(bitsOf(none.data(), a, n), odxBitCountu8(a, n));
+        EXPECT_EQ(bitsOf(none.data(), a, 4 * n), odxBitCountu32(words.data(), n));
+    }
 }
 
 TEST_F(Descriptors, NormalisedDistances)

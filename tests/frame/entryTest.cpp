@@ -3,7 +3,6 @@
 
 #include "ondrix.h"
 #include "support/logCapture.h"
-#include "support/processors.h"
 
 #include <gtest/gtest.h>
 
@@ -99,20 +98,4 @@ TEST_F(Entry, AnUnhandledStatusCallGoesToTheSimdColumn)
 
     EXPECT_EQ(ONDRIX_FAILURE, odxFilterMedian3x3u8_v3(buffer, 8, 1, 0, buffer, 9, ONDRIX_BORDER_CONSTANT, 77));
     EXPECT_EQ(2, simdCalls);
-}
-
-TEST(BitCount, EqualsAPlainLoop)
-{
-    onProcessor(kArmSimd, [] {
-        ASSERT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE));
-        const uint32_t words[] = {0x80000001, 0xFFFFFFFF, 0, 0x12345678, 0xFEDCBA98};
-        const auto* const bytes = reinterpret_cast<const uint8_t*>(words);
-        for (uint32_t length = 0, bits = 0; length < sizeof words; ++length) {
-            EXPECT_EQ(bits, odxBitCountu8(bytes, length));
-            if (length % 4 == 0) {
-                EXPECT_EQ(bits, odxBitCountu32(words, length / 4));
-            }
-            bits += static_cast<uint32_t>(__builtin_popcount(bytes[length]));
-        }
-    });
 }
