@@ -15,7 +15,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <numeric>
 #include <string.h>
 #include <unistd.h>
 
@@ -36,6 +35,12 @@ struct Indices {
 
     bool operator==(const Indices& other) const { return slots == other.slots && internal == other.internal; }
 };
+
+void setIndices(uint32_t index)
+{
+    std::fill(std::begin(odxImplTable), std::end(odxImplTable), index);
+    std::fill(std::begin(odxInternalImplTable), std::end(odxInternalImplTable), index);
+}
 
 enum Columns { kReference, kSimd };
 
@@ -157,6 +162,8 @@ TEST(Modes, SelectColumnsByProcessor)
 {
     const auto extended = [](uint32_t target) { return static_cast<odxOperationMode>(0x80000000u | target); };
     const auto standard = [](int mode) { return static_cast<odxOperationMode>(mode); };
+    const std::vector<odxOperationMode> known{standard(0), standard(1), standard(2), standard(3)},
+        targets{extended(1), extended(4), extended(8), extended(32), extended(1024)};
     const struct {
         std::vector<const Processor*> processors;
         std::vector<odxOperationMode> modes;
@@ -164,18 +171,12 @@ TEST(Modes, SelectColumnsByProcessor)
         Columns columns;
     } rows[] = {
         // Standard modes take the SIMD code on mobile targets only.
-        {{&kArmSimd, &kVendorSimd, &kOtherSimdOnVendorBoard},
-         {standard(0), standard(1), standard(2), standard(3)},
-         0,
-         kSimd},
-        {{&kOtherSimd, &kFloatOnly}, {standard(0), standard(1), standard(2), standard(3)}, 0, kReference},
+        {{&kArmSimd, &kVendorSimd, &kOtherSimdOnVendorBoard}, known, 0, kSimd},
+        {{&kOtherSimd, &kFloatOnly}, known, 0, kReference},
         {{&kArmSimd, &kOtherSimd}, {standard(4), standard(INT32_MAX)}, 0, kReference},
         // The extended modes take it wherever there is any.
-        {{&kArmSimd, &kOtherSimd},
-         {extended(1), extended(4), extended(8), extended(32), extended(1024)},
-         0,
-         kSimd},
-        {{&kFloatOnly}, {extended(1), extended(4), extended(8), extended(32), extended(1024)}, 0, kReference},
+        {{&kArmSimd, &kOtherSimd}, targets, 0, kSimd},
+        {{&kFloatOnly}, targets, 0, kReference},
         {{&kArmSimd, &kOtherSimd, &kFloatOnly}, {extended(2)}, 0, kReference},
         {{&kOtherSimd},
          {extended(3), extended(5), extended(6), extended(7), extended(9), extended(31), extended(0), extended(33),
@@ -225,25 +226,19 @@ TEST(Modes, BecomeCpuPerformanceOnACpuOnlyChip)
 {
     const std::vector<LogLine> warning{
         {6, "ondrix_lib_log", "DSP and GPU not present. Setting ONDRIX mode to ONDRIX_OP_CPU_PERFORMANCE.\n"}};
-    for (const odxOperationMode mode :
-         {ONDRIX_OP_LOW_POWER, ONDRIX_OP_CPU_PERFORMANCE, ONDRIX_OP_EXT_XDSP, kUnknownMode}) {
+    for (const odxOperationMode mode : {ONDRIX_OP_LOW_POWER, ONDRIX_OP_CPU_PERFORMANCE, ONDRIX_OP_EXT_XDSP,
+                                        kUnknownMode, ONDRIX_OP_EXT_REFERENCE}) {
         onProcessor(kCpuOnlyChip, [&] {
+            const bool kept = mode == ONDRIX_OP_EXT_REFERENCE;
             fakeRemote.openResult = 0;
             LogCapture log;
             EXPECT_EQ(0, odxSetOperationMode(mode));
-            EXPECT_EQ(warning, log.take());
-            EXPECT_EQ(ONDRIX_OP_CPU_PERFORMANCE, mode_globalVar);
-            EXPECT_TRUE(Indices() == expected(kSimd));
+            EXPECT_EQ(kept ? std::vector<LogLine>{} : warning, log.take());
+            EXPECT_EQ(kept ? mode : ONDRIX_OP_CPU_PERFORMANCE, mode_globalVar);
+            EXPECT_TRUE(Indices() == expected(kept ? kReference : kSimd));
             EXPECT_EQ(0u, fakeRemote.events.size());
         });
     }
-    onProcessor(kCpuOnlyChip, [&] {
-        LogCapture log;
-        EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE));
-        EXPECT_EQ(std::vector<LogLine>{}, log.take());
-        EXPECT_EQ(ONDRIX_OP_EXT_REFERENCE, mode_globalVar);
-        EXPECT_TRUE(Indices() == expected(kReference));
-    });
 }
 
 TEST(Modes, SimdIndicesAndNumbers)
@@ -266,16 +261,16 @@ TEST(Modes, ResetKeepsEmptySlotsAndTheBufferRegistration)
 {
     onProcessor(kArmSimd, [] {
         EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_CPU_PERFORMANCE));
-        for (uint32_t& index : odxImplTable)
-            index = 5;
-        for (uint32_t& index : odxInternalImplTable)
-            index = 5;
+        setIndices(5);
         Indices left = expected(kReference);
         for (uint32_t slot : kEmptySlots)
             left.slots[slot] = 5;
         left.internal[11] = 5;
         EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE));
         EXPECT_TRUE(Indices() == left);
+        EXPECT_EQ(0, odxSelectMode(ONDRIX_OP_CPU_PERFORMANCE)); // is not recorded
+        EXPECT_EQ(ONDRIX_OP_EXT_REFERENCE, mode_globalVar);
+        EXPECT_EQ(1u, odxImplTable[op_odxBitCountu8]);
     });
 }
 
@@ -345,32 +340,19 @@ TEST(Modes, HelperPointersFollowTheMode)
     });
 }
 
-TEST(Modes, SelectingInternallyDoesNotRecordTheMode)
-{
-    EXPECT_EQ(ONDRIX_OP_CPU_PERFORMANCE, mode_globalVar);
-    onProcessor(kArmSimd, [] {
-        EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE));
-        EXPECT_EQ(0, odxSelectMode(ONDRIX_OP_CPU_PERFORMANCE));
-        EXPECT_EQ(ONDRIX_OP_EXT_REFERENCE, mode_globalVar);
-        EXPECT_TRUE(Indices() == expected(kSimd));
-    });
-}
-
 TEST(Modes, ReadTheLogSwitch)
 {
     onProcessor(kFloatOnly, [] {
-        setenv("VENDOR_RUNTIME_ONDRIX_LOG", "2", 1);
-        odxSetOperationMode(ONDRIX_OP_EXT_CPU);
-        EXPECT_EQ(1, libLogPrint);
-        setenv("VENDOR_RUNTIME_ONDRIX_LOG", "0", 1);
-        odxSetOperationModeRemoteLib(ONDRIX_OP_EXT_CPU);
-        EXPECT_EQ(0, libLogPrint);
-        setenv("VENDOR_RUNTIME_ONDRIX_LOG", "1", 1);
-        odxAvailableHardware(ONDRIX_OP_EXT_CPU);
-        EXPECT_EQ(1, libLogPrint);
-        unsetenv("VENDOR_RUNTIME_ONDRIX_LOG");
-        odxSetOperationMode(ONDRIX_OP_EXT_CPU);
-        EXPECT_EQ(0, libLogPrint);
+        const std::pair<const char*, void (*)()> rows[] = {
+            {"2", [] { odxSetOperationMode(ONDRIX_OP_EXT_CPU); }},
+            {"0", [] { odxSetOperationModeRemoteLib(ONDRIX_OP_EXT_CPU); }},
+            {"1", [] { odxAvailableHardware(ONDRIX_OP_EXT_CPU); }},
+            {"", [] { odxSetOperationMode(ONDRIX_OP_EXT_CPU); }}};
+        for (const auto& [value, call] : rows) {
+            setenv("VENDOR_RUNTIME_ONDRIX_LOG", value, 1);
+            call();
+            EXPECT_EQ(*value > '0' ? 1 : 0, libLogPrint);
+        }
     });
 }
 
@@ -430,70 +412,64 @@ TEST(Version, IsCopiedWholeOrNotAtAll)
               std::to_string(numbers[0]) + "." + std::to_string(numbers[1]) + "." + std::to_string(numbers[2]));
 }
 
-TEST(RemoteModes, LowPower)
+TEST(RemoteModes, TakeWhatTheirListsName)
 {
-    onProcessor(kFloatOnly, [] {
-        fakeRemote.openResult = 0;
-        LogCapture log;
-        EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_LOW_POWER));
-        EXPECT_EQ((std::vector<LogLine>{{3, "ondrix_lib_log", "Ondrix vendor library\n"},
-                                        {3, "ondrix_lib_log", "XDSP is available"}}),
-                  log.take());
-        EXPECT_EQ((Names{"close", "open 1 for 1.7.1"}), fakeRemote.takeEvents());
-        EXPECT_EQ(listed('L'), setPointers());
-        EXPECT_EQ(remoteVariant(op_odxBoxFilter5x5u8), odxBoxFilter5x5u8R_);
-        EXPECT_EQ(remoteVariant(op_odxFilterMedian3x3u8), odxFilterMedian3x3u8_v2R_);
-        EXPECT_EQ(nullptr, odxBoxFilter3x3u8R_);
-        EXPECT_EQ(remoteColumn(referenceColumn()), column(ODX_IMPL_XDSP));
-
-        const Indices indices;
-        EXPECT_EQ((std::vector<uint32_t>{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 2, 2, 0, 0, 0, 0}), indices.internal);
-        EXPECT_EQ(2u, indices.slots[op_odxBoxFilter5x5u8]);
-        EXPECT_EQ(2u, indices.slots[op_odxFilterMedian3x3u8]);
-        EXPECT_EQ(0u, indices.slots[op_odxBoxFilter3x3u8]);
-        EXPECT_EQ(1u, XDSP_initflag);
-
-        GPU_initflag = 1;
-        EXPECT_EQ(0, odxCleanUp());
-        EXPECT_EQ(Names{"clean up"}, fakeRemote.takeEvents());
-        EXPECT_EQ(0u, XDSP_initflag);
-        EXPECT_EQ(0u, GPU_initflag);
-        EXPECT_EQ(1, odxImplTablesInitialized);
-        EXPECT_TRUE(Indices() == indices);
-    });
-}
-
-TEST(RemoteModes, PerformanceProbesTwicePowerModes)
-{
-    onProcessor(kArmSimd, [] {
-        fakeRemote.openResult = 0;
-        EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_PERFORMANCE));
+    const Names low{"close", "open 1 for 1.7.1"};
+    const struct {
+        odxOperationMode mode;
+        char letter;
+        Names events;
+        std::vector<uint32_t> remote, local;
+        uint32_t registration; // index of the buffer registration
+    } rows[] = {
+        {ONDRIX_OP_LOW_POWER,
+         'L',
+         low,
+         {op_odxBoxFilter5x5u8, op_odxFilterMedian3x3u8},
+         {op_odxBoxFilter3x3u8},
+         2},
         // The lists of a mode are set by a fresh probe in low power.
-        EXPECT_EQ((Names{"close", "open 2 for 1.7.1", "close", "open 1 for 1.7.1"}), fakeRemote.takeEvents());
-        EXPECT_EQ(listed('P'), setPointers());
-        EXPECT_EQ(remoteVariant(op_odxSumOfAbsoluteDiffs8x8u8), odxSumOfAbsoluteDiffs8x8u8_v2R_);
-        EXPECT_EQ(remoteVariant(op_odxFilterCanny3x3u8), odxFilterCanny3x3u8_v2R_);
-        const Indices indices;
-        EXPECT_EQ(2u, indices.slots[op_odxRemapRGBA8888BLu8]);
-        EXPECT_EQ(1u, indices.slots[op_odxBoxFilter5x5u8]);
-        EXPECT_EQ(2u, indices.internal[10]);
-        EXPECT_EQ(0u, indices.internal[11]);
-    });
-}
+        {ONDRIX_OP_PERFORMANCE,
+         'P',
+         {"close", "open 2 for 1.7.1", "close", "open 1 for 1.7.1"},
+         {op_odxRemapRGBA8888BLu8},
+         {op_odxBoxFilter5x5u8},
+         0},
+        {ONDRIX_OP_CPU_OFFLOAD, 'O', low, {op_odxTransposef32}, {op_odxTransposeu8}, 0},
+    };
+    for (const auto& row : rows) {
+        const bool simd = row.mode != ONDRIX_OP_LOW_POWER;
+        onProcessor(simd ? kArmSimd : kFloatOnly, [&] {
+            SCOPED_TRACE(row.letter);
+            fakeRemote.openResult = 0;
+            LogCapture log;
+            EXPECT_EQ(0, odxSetOperationMode(row.mode));
+            const std::vector<LogLine> lines = log.take();
+            EXPECT_EQ(1,
+                      std::count(lines.begin(), lines.end(), LogLine{3, "ondrix_lib_log", "XDSP is available"}));
+            EXPECT_EQ(row.events, fakeRemote.takeEvents());
+            EXPECT_EQ(listed(row.letter), setPointers());
+            EXPECT_EQ(remoteColumn(simd ? withSimd(referenceColumn()) : referenceColumn()), column(ODX_IMPL_XDSP));
+            const Indices indices;
+            for (const uint32_t operation : row.remote)
+                EXPECT_EQ(2u, indices.slots[operation]) << operation;
+            for (const uint32_t operation : row.local)
+                EXPECT_EQ(simd ? 1u : 0u, indices.slots[operation]) << operation;
+            Indices others = expected(simd ? kSimd : kReference);
+            others.internal[10] = 2;
+            others.internal[11] = row.registration;
+            EXPECT_EQ(others.internal, indices.internal);
+            EXPECT_EQ(1u, XDSP_initflag);
 
-TEST(RemoteModes, CpuOffload)
-{
-    onProcessor(kArmSimd, [] {
-        fakeRemote.openResult = 0;
-        EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_CPU_OFFLOAD));
-        EXPECT_EQ((Names{"close", "open 1 for 1.7.1"}), fakeRemote.takeEvents());
-        EXPECT_EQ(listed('O'), setPointers());
-        EXPECT_EQ(remoteVariant(op_odxFilterCorrSep11x11s16), odxFilterCorrSep11x11s16_v3R_);
-        const Indices indices;
-        EXPECT_EQ(2u, indices.slots[op_odxTransposef32]);
-        EXPECT_EQ(1u, indices.slots[op_odxTransposeu8]);
-        EXPECT_EQ(2u, indices.internal[10]);
-    });
+            GPU_initflag = 1;
+            EXPECT_EQ(0, odxCleanUp());
+            EXPECT_EQ(Names{"clean up"}, fakeRemote.takeEvents());
+            EXPECT_EQ(0u, XDSP_initflag);
+            EXPECT_EQ(0u, GPU_initflag);
+            EXPECT_EQ(1, odxImplTablesInitialized);
+            EXPECT_TRUE(Indices() == indices);
+        });
+    }
 }
 
 TEST(RemoteModes, ExtendedModeTakesAllThatIsRemote)
@@ -507,6 +483,11 @@ TEST(RemoteModes, ExtendedModeTakesAllThatIsRemote)
             EXPECT_EQ(0u, fakeRemote.constraintChecks);
             EXPECT_EQ(reachable(), setPointers());
             EXPECT_EQ(nullptr, odxTransposeu16R_);
+            // Pointers whose names are not those of their operations.
+            EXPECT_EQ(remoteVariant(op_odxFilterMedian3x3u8), odxFilterMedian3x3u8_v2R_);
+            EXPECT_EQ(remoteVariant(op_odxSumOfAbsoluteDiffs8x8u8), odxSumOfAbsoluteDiffs8x8u8_v2R_);
+            EXPECT_EQ(remoteVariant(op_odxFilterCanny3x3u8), odxFilterCanny3x3u8_v2R_);
+            EXPECT_EQ(remoteVariant(op_odxFilterCorrSep11x11s16), odxFilterCorrSep11x11s16_v3R_);
             const Indices indices;
             EXPECT_EQ(kPublicSlots - std::size(kEmptySlots) - 1, count(indices.slots, 2));
             EXPECT_EQ(1u, indices.slots[op_odxTransposeu16]);
@@ -595,47 +576,35 @@ TEST(Manager, IsRefusedIncomplete)
 {
     onProcessor(kArmSimd, [] {
         ODX_FUNC_MANAGER whole = managerOf(kPublicSlots, kInternalEntries, kImplementations);
-        EXPECT_EQ(1u, odxInitializeMasterFuncManager(nullptr));
-        ODX_FUNC_MANAGER parts[4] = {whole, whole, whole, whole};
+        ODX_FUNC_MANAGER parts[] = {whole, whole, whole, whole, whole};
         parts[0].implTable = parts[1].internalImplTable = nullptr;
         parts[2].funcTable = nullptr;
         parts[3].internalFuncTable = nullptr;
-        for (ODX_FUNC_MANAGER& part : parts)
-            EXPECT_EQ(1u, odxInitializeMasterFuncManager(&part));
+        parts[4].implementations = 2;
+        EXPECT_EQ(1u, odxInitializeMasterFuncManager(nullptr));
+        for (int i = 0; i < 4; ++i)
+            EXPECT_EQ(1u, odxInitializeMasterFuncManager(&parts[i]));
         EXPECT_EQ(nullptr, odxMasterFuncManager);
         EXPECT_EQ(0u, odxInitializeMasterFuncManager(&whole));
         EXPECT_EQ(&whole, odxMasterFuncManager);
-    });
-}
 
-TEST(Manager, IndexRoutinesRefuseWhatTheyCannotFill)
-{
-    onProcessor(kArmSimd, [] {
-        ODX_FUNC_MANAGER whole = managerOf(kPublicSlots, kInternalEntries, kImplementations);
-        ODX_FUNC_MANAGER noIndices = whole, noInternalIndices = whole, narrow = whole;
-        noIndices.implTable = nullptr;
-        noInternalIndices.internalImplTable = nullptr;
-        narrow.implementations = 2;
         EXPECT_EQ(1u, uXIndex(nullptr));
-        EXPECT_EQ(2u, uXIndex(&noIndices));
-        EXPECT_EQ(3u, uXIndex(&noInternalIndices));
-        EXPECT_EQ(4u, uXIndex(&narrow));
+        EXPECT_EQ(2u, uXIndex(&parts[0]));
+        EXPECT_EQ(3u, uXIndex(&parts[1]));
+        EXPECT_EQ(4u, uXIndex(&parts[4]));
         EXPECT_EQ(1u, uGIndex(nullptr));
         EXPECT_EQ(0u, uGIndex(&whole));
-
         for (auto* table : {uHWLowPowerModeTable, uHWPerformanceModeTable, uXCpuOffloadModeTable}) {
             fakeRemote = {};
             EXPECT_EQ(1u, table(&whole)); // no DSP
             fakeRemote.openResult = 0;
             EXPECT_EQ(1u, table(nullptr));
-            for (ODX_FUNC_MANAGER* part : {&noIndices, &noInternalIndices, &narrow})
-                EXPECT_EQ(1u, table(part));
+            for (const int i : {0, 1, 4})
+                EXPECT_EQ(1u, table(&parts[i]));
             EXPECT_TRUE(Indices() == expected(kReference));
             EXPECT_EQ(0u, table(&whole));
             EXPECT_EQ(2u, odxInternalImplTable[10]);
-            odxInternalImplTable[10] = odxInternalImplTable[11] = 0;
-            for (uint32_t& index : odxImplTable)
-                index = 0;
+            setIndices(0);
         }
     });
 }
@@ -647,12 +616,8 @@ TEST(Manager, ShorterTablesAreFilledAsFarAsTheyReach)
         for (const auto& [slots, entries] : {std::pair{0u, 0u}, {100u, 11u}, {396u, 12u}, {505u, 13u}}) {
             SCOPED_TRACE(slots);
             for (auto* fill : {uXIndex, uHWLowPowerModeTable, uHWPerformanceModeTable, uXCpuOffloadModeTable}) {
-                for (uint32_t& index : odxImplTable)
-                    index = 0;
-                for (uint32_t& index : odxInternalImplTable)
-                    index = 0;
-                ODX_FUNC_MANAGER part = {
-                    odxImplTable, slots, &odxFuncTable, odxInternalImplTable, entries, &odxInternalFuncTable, 3};
+                setIndices(0);
+                ODX_FUNC_MANAGER part = managerOf(slots, entries, 3);
                 EXPECT_EQ(0u, fill(&part));
                 const Indices filled;
                 part.publicSlots = kPublicSlots;

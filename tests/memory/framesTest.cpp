@@ -3,7 +3,6 @@
 #include "ondrix/memory.h"
 #include "ondrix/modes.h"
 #include "ondrix/pyramids.h"
-#include "ondrix/smoothing.h"
 #include "operations/draw.h"
 
 #include <gtest/gtest.h>
@@ -76,23 +75,6 @@ TEST(Pyramids, GiveBackWhatTheyTook)
         EXPECT_EQ(ONDRIX_NO_MEMORY, odxPyramidCreateu8_v3(picture.data(), 40, 24, 0, 4, 1, levels));
     }
     odxPyramidDelete_v2(levels, 4, 1);
-}
-
-TEST(FramesWithoutPool, AllocateAndFreeInEveryCall)
-{
-    const std::vector<float> src(40 * 30, 1);
-    std::vector<float> dst(src.size());
-    for (const Column& column : allColumns()) {
-        column.select();
-        for (int frame = 0; frame < 2; ++frame) {
-            const HeapReport before = heapReport();
-            const unsigned counted = allocationCount();
-            odxBoxFilterNxNf32(src.data(), 40, 30, 0, 5, dst.data(), 0);
-            EXPECT_EQ(counted + 1, allocationCount()) << column.name;
-            EXPECT_EQ(before.allocations + 1, heapReport().allocations) << column.name;
-            EXPECT_EQ(before.frees + 1, heapReport().frees) << column.name;
-        }
-    }
 }
 
 } // namespace
