@@ -4,6 +4,7 @@
 #include "frame/log.h"
 #include "ondrix.h"
 #include "support/logCapture.h"
+#include "support/pictures.h"
 #include "support/processors.h"
 
 #include <gtest/gtest.h>
@@ -27,13 +28,9 @@ TEST(Threads, DetectTheProcessorTogether)
 TEST(Threads, CallBetweenSelections)
 {
     onProcessor(kArmSimd, [] {
-        constexpr uint32_t kWidth = 96, kHeight = 40, kPixels = kWidth * kHeight;
         constexpr int kCalls = 10;
-        std::vector<uint8_t> src(kPixels);
-        uint32_t state = 1;
-        for (uint8_t& pixel : src)
-            pixel = static_cast<uint8_t>((state = state * 1664525 + 1013904223) >> 24);
-        std::vector<uint8_t> first;
+        const Grid<uint8_t> src = noise<uint8_t>(96, 40, 0, 255);
+        Grid<uint8_t> first(0, 0);
 
         setenv("VENDOR_RUNTIME_ONDRIX_LOG", "1", 1);
         EXPECT_EQ(1, odxMemInit());
@@ -41,11 +38,11 @@ TEST(Threads, CallBetweenSelections)
              {ONDRIX_OP_EXT_REFERENCE, ONDRIX_OP_EXT_CPU, ONDRIX_OP_CPU_PERFORMANCE}) {
             ASSERT_EQ(0, odxSetOperationMode(mode));
             LogCapture log;
-            std::vector<std::vector<uint8_t>> results(kThreads, std::vector<uint8_t>(kPixels));
+            std::vector<Grid<uint8_t>> results(kThreads, Grid<uint8_t>(96, 40));
             inThreads(kThreads, [&](unsigned i) {
                 for (int call = 0; call < kCalls; ++call) {
-                    odxFilterGaussian5x5u8(src.data(), kWidth, kHeight, results[i].data(), 1);
-                    odxFilterGaussian5x5u8(nullptr, kWidth, kHeight, results[i].data(), 1);
+                    odxFilterGaussian5x5u8(src.data(), 96, 40, results[i].data(), 1);
+                    odxFilterGaussian5x5u8(nullptr, 96, 40, results[i].data(), 1);
                 }
             });
             const std::vector<LogLine> lines = log.take();
@@ -53,8 +50,8 @@ TEST(Threads, CallBetweenSelections)
             const char* const column = mode == ONDRIX_OP_EXT_REFERENCE ? "_CPU" : "_ORLAN";
             const LogLine trace{6, ODX_RUNTIME_LOG, std::string("odxFilterGaussian5x5u8") + column};
             EXPECT_EQ(2 * kThreads * kCalls, std::count(lines.begin(), lines.end(), trace));
-            if (first.empty()) first = results[0];
-            for (const std::vector<uint8_t>& result : results)
+            if (first.width == 0) first = results[0];
+            for (const Grid<uint8_t>& result : results)
                 EXPECT_EQ(first, result);
             EXPECT_EQ(0, odxCleanUp());
         }

@@ -379,36 +379,30 @@ TEST(Mser, FormsAgree)
         Output ext;
         ext.extract(handle, image);
         ASSERT_GT(ext.count[0], 0u);
-        const auto plain16 = [&](auto* operation) {
+        const auto dark = uint32_t(std::count(ext.polarity.begin(), ext.polarity.begin() + ext.count[0], 1));
+        // How many points a region has is a number of 16 or of 32 bits.
+        const auto expectSame = [&](auto* operation, auto number, bool split, auto... further) {
             Output o;
-            EXPECT_EQ(1u, operation(handle.handle, image.pixels.data(), 60, 20, 0, o.maxContours, o.count.data(),
-                                    o.points.data(), o.maxPoints, o.array.data()));
-            EXPECT_TRUE(o.array == ext.array && o.points == ext.points && o.count[0] == ext.count[0]);
-        };
-        plain16(odxMseru8_v2), plain16(odxMserNN8u8);
-        const auto ext16 = [&](auto* operation, bool split) {
-            Output o;
-            EXPECT_EQ(1u, operation(handle.handle, image.pixels.data(), 60, 20, 0, o.maxContours, o.count.data(),
-                                    o.points.data(), o.maxPoints, o.array.data(), o.variation.data(),
-                                    o.polarity.data(), o.id.data(), o.counter.data()));
-            EXPECT_TRUE(o.array == ext.array && o.points == ext.points && o.polarity == ext.polarity &&
-                        o.variation == ext.variation && o.id == ext.id && o.counter == ext.counter);
-            const auto dark = uint32_t(std::count(ext.polarity.begin(), ext.polarity.begin() + ext.count[0], 1));
+            std::vector<decltype(number)> points(o.maxContours + 1, 77);
+            operation(handle.handle, image.pixels.data(), 60, 20, 0, o.maxContours, o.count.data(), points.data(),
+                      o.maxPoints, o.array.data(), (o.*further).data()...);
+            EXPECT_TRUE(o.array == ext.array && std::equal(points.begin(), points.end(), ext.points.begin()));
             EXPECT_EQ(split ? dark : ext.count[0], o.count[0]);
             EXPECT_EQ(split ? ext.count[0] - dark : 77, o.count[1]);
+            EXPECT_TRUE(((o.*further == ext.*further) && ...));
         };
-        ext16(odxMserExtu8_v2, false), ext16(odxMserExtNN8u8, false);
-        ext16(odxMserSplitExtu8, true), ext16(odxMserSplitExtu8ST, true);
-        std::vector<uint32_t> wide(ext.maxContours), wideToo(ext.maxContours);
-        Output o;
-        odxMseru8(handle.handle, image.pixels.data(), 60, 20, 0, o.maxContours, o.count.data(), wide.data(),
-                  o.maxPoints, o.array.data());
-        EXPECT_TRUE(o.array == ext.array);
-        odxMserExtu8(handle.handle, image.pixels.data(), 60, 20, 0, o.maxContours, o.count.data(), wideToo.data(),
-                     o.maxPoints, o.array.data(), o.variation.data(), o.polarity.data(), o.id.data(),
-                     o.counter.data());
-        EXPECT_TRUE(o.array == ext.array && wide == wideToo && o.id == ext.id);
-        EXPECT_EQ(ext.points[0], wide[0]);
+        const auto expectExtended = [&](auto* operation, auto number, bool split) {
+            expectSame(operation, number, split, &Output::variation, &Output::polarity, &Output::id,
+                       &Output::counter);
+        };
+        expectSame(odxMseru8, uint32_t{}, false);
+        expectSame(odxMseru8_v2, uint16_t{}, false);
+        expectSame(odxMserNN8u8, uint16_t{}, false);
+        expectExtended(odxMserExtu8, uint32_t{}, false);
+        expectExtended(odxMserExtu8_v2, uint16_t{}, false);
+        expectExtended(odxMserExtNN8u8, uint16_t{}, false);
+        expectExtended(odxMserSplitExtu8, uint16_t{}, true);
+        expectExtended(odxMserSplitExtu8ST, uint16_t{}, true);
     }
 }
 

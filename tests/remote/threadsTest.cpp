@@ -5,6 +5,7 @@
 #include "frame/operations.h"
 #include "remote/ion.h"
 #include "remote/remoteCase.h"
+#include "support/pictures.h"
 
 #include <algorithm>
 #include <atomic>
@@ -23,11 +24,8 @@ constexpr int kThreads = 4;
 class Work
 {
 public:
-    explicit Work(uint32_t seed) : source_(kWidth * kHeight), result_(source_.size()), expected_(source_.size())
+    Work() : source_(noise<uint8_t>(kWidth, kHeight, 0, 255).pixels), result_(source_.size()), expected_(result_)
     {
-        uint32_t state = seed;
-        for (uint8_t& pixel : source_)
-            pixel = static_cast<uint8_t>((state = state * 1664525 + 1013904223) >> 24);
         odxFilterGaussian5x5u8C(source_.data(), kWidth, kHeight, kWidth, expected_.data(), kWidth, 1);
         bits_ = odxBitCountu8C(source_.data(), kWidth * kHeight);
         expectedCorners_ = corners(odxCornerFast9Scoreu8C);
@@ -63,8 +61,9 @@ private:
 int wrongResults(int rounds)
 {
     std::atomic<int> wrong{0};
+    std::vector<Work> works(kThreads);
     inThreads(kThreads, [&](unsigned i) {
-        Work work(i + 1);
+        Work& work = works[i];
         for (int round = 0; round < rounds; ++round)
             wrong += work.run();
     });
