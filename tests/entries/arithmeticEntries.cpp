@@ -33,7 +33,7 @@ const Argument policy = value(1, {2, 0xFFFFFFFF}, {0}), shift = value(3, {16, 0x
 const std::string kPolicy = " && policy <= ONDRIX_OVERFLOW_SATURATE", kShift = " && shift <= 15",
                   kDepth = " && shift <= 7";
 
-using Operation = std::function<Outcome(const std::vector<double>&)>;
+using Operation = std::function<Outcome(const Values&)>;
 
 template <class S1, class S2, class D>
 Entry two(const char* name, Operation call, Outcome failure, const Arguments& takes = {},

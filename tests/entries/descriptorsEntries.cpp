@@ -13,11 +13,7 @@ namespace
 // A number of elements, of which there may be none.
 Argument length(uint32_t least = 0)
 {
-    Argument length = width(1);
-    length.good = 30000;
-    length.refused = least == 0 ? std::vector<double>{} : std::vector<double>{least - 1.0};
-    length.accepted = {double(least)};
-    return length;
+    return {Argument::kColumns, 30000, least == 0 ? Values() : Values{least - 1.0}, 1, 1, {double(least)}};
 }
 
 } // namespace
@@ -35,31 +31,20 @@ Entries descriptorsEntries()
                     listOf = Arguments{vector,   value(),           value(1, {}, {0}), buffer(),
                                        buffer(), value(1, {}, {0}), buffer()}
                                  .never();
-    const auto block = [=] {
-        Argument columns = width(1), rows = height(1);
-        columns.refused = rows.refused = {};
-        columns.accepted = rows.accepted = {0};
-        return Arguments{vector, columns, rows, looseStride(), vector, looseStride()};
-    };
+    const Arguments block = {vector, width().with({}, {0}), height().with({}, {0}), looseStride(),
+                             vector, looseStride()};
     const auto patches = [=](uint32_t n) {
         return Arguments{buffer(1, 16), stride(n), buffer(1, 16), stride(n)}.never();
     };
-    const auto clusters = [=](uint32_t size) {
-        return Arguments{buffer(8, 16),
-                         width(),
-                         height(),
-                         stride(size * kWidth, 8),
-                         buffer(8, 16),
-                         value(1, {0}),
-                         stride(size * kWidth, 8),
-                         buffer(),
-                         optional(),
-                         optional(),
-                         optional(),
-                         optional()};
+    // Vectors of some sizes, in rows of so many bytes; new centers without counts, and without sums, are refused.
+    const auto clusters = [=](const Arguments& sizes, uint32_t row) {
+        const size_t counts = 7 + sizes.size();
+        return (Arguments{buffer(8, 16)} + sizes +
+                Arguments{stride(row, 8), buffer(8, 16), value(1, {0}), stride(row, 8), buffer()} +
+                Arguments(4, optional()))
+            .refusing({{{counts, 0}}, {{counts + 1, 0}}});
     };
-    // New centers without counts, and without sums.
-    const auto withoutSums = [](size_t counts) { return Combinations{{{counts, 0}}, {{counts + 1, 0}}}; };
+    const Arguments floats = clusters({width(), height()}, 4 * kWidth).pixels(4), any = {value(1, {}, {0})};
     const char *const clustersOfFloats = "vectors && centers && labels && length && numVectors && numCenters && "
                                          "(vectorsStride >= length*sizeof(float)) && (centersStride >= "
                                          "length*sizeof(float)) && ((counts && sums) || !newCenters)",
@@ -75,8 +60,8 @@ Entries descriptorsEntries()
         ENTRY(odxBitCount64x1u8, "", one),
         ENTRY(odxBitCount32x4u8, counts, four),
         ENTRY(odxBitCount64x4u8, counts, four),
-        ENTRY(odxBlockDotProductu8, "", block()),
-        ENTRY(odxBlockDotProductf32, "", block()),
+        ENTRY(odxBlockDotProductu8, "", block),
+        ENTRY(odxBlockDotProductf32, "", block),
         ENTRY(odxDotProduct36x1s8, "", pair),
         ENTRY(odxDotProduct36x1u8, "", pair),
         ENTRY(odxDotProduct64x1s8, "", pair),
@@ -142,16 +127,13 @@ Entries descriptorsEntries()
               "vectors && centers && labels && length && numVectors && numCenters && (length <= 65536) && "
               "(numVectors <= 16777216) && (vectorsStride >= length) && (centersStride >= length) && ((counts && "
               "sums) || !newCenters)",
-              clusters(1).refusing(withoutSums(9))),
-        ENTRY(odxClusterEuclideanf32, clustersOfFloats, clusters(4).pixels(4).refusing(withoutSums(9))),
-        ENTRY(odxClusterEuclideanNormedf32, clustersOfFloats, clusters(4).pixels(4).refusing(withoutSums(9))),
+              clusters({width(), height()}, kWidth)),
+        ENTRY(odxClusterEuclideanf32, clustersOfFloats, floats),
+        ENTRY(odxClusterEuclideanNormedf32, clustersOfFloats, floats),
         ENTRY(odxClusterEuclideanNormed36f32,
               "vectors && centers && labels && numVectors && numCenters && (vectorsStride >= 36*sizeof(float)) && "
               "(centersStride >= 36*sizeof(float)) && ((counts && sums) || !newCenters)",
-              Arguments{buffer(8, 16), length(1), stride(144, 8), buffer(8, 16), value(1, {0}), stride(144, 8),
-                        buffer(), optional(), optional(), optional(), optional()}
-                  .pixels(144)
-                  .refusing(withoutSums(8))),
+              clusters({length(1)}, 144).pixels(144)),
         ENTRY(odxKDTreeCreate36s8f32, "", Arguments{vector, vector, value(9, {-1}, {0}), buffer()}.never()),
         ENTRY(odxKDTreeDestroy36s8f32, "", Arguments{buffer()}.never()),
         ENTRY(odxKDTreeQuery36s8f32, "",

@@ -26,29 +26,38 @@ const std::string kImages = "src && dst && srcWidth && srcHeight", // how most t
     kStrides = kImages + " && (srcStride >= srcWidth) && (dstStride >= srcWidth)";
 constexpr uint32_t kNever = ~0u; // in place of a size of pixels: never worth the way to a remote target
 
+using Values = std::vector<double>;
 struct Argument {
     enum Kind { kPointer, kColumns, kRows, kStride, kOther };
     Kind kind;
     double good;                  // holds addresses, sizes and numbers alike
-    std::vector<double> refused;  // by the argument check
+    Values refused;               // by the argument check
     uint32_t remote = 1, gpu = 1; // what it must be a multiple of to leave
-    std::vector<double> accepted = {};
+    Values accepted = {};
 
     // Values that fail the test that comes before everything else.
-    Argument errors(std::vector<double> values) &&
+    Argument errors(Values values) &&
     {
         failing = std::move(values);
         return std::move(*this);
     }
     // A stride of 0 stands for nothing.
-    Argument explicitly() &&
+    Argument explicitly() const
     {
-        refused.push_back(0);
-        accepted.clear();
-        return std::move(*this);
+        Argument changed = with(refused, {});
+        changed.refused.push_back(0);
+        return changed;
+    }
+    // The same of other values.
+    Argument with(Values nowRefused, Values nowAccepted) const
+    {
+        Argument changed = *this;
+        changed.refused = std::move(nowRefused);
+        changed.accepted = std::move(nowAccepted);
+        return changed;
     }
     bool fails(double v) const { return std::count(failing.begin(), failing.end(), v) != 0; }
-    std::vector<double> failing = {};
+    Values failing = {};
 };
 
 // A buffer; every one has an address of its own, which all targets take.
@@ -70,11 +79,9 @@ inline Argument height(uint32_t least = 1)
     return {Argument::kRows, kHeight, {least - 1.0}, 1, 1, {double(least)}};
 }
 // A size that must be a multiple of k.
-inline Argument multiple(Argument size, uint32_t k)
+inline Argument multiple(const Argument& size, uint32_t k)
 {
-    size.refused = {0, size.good + 1, size.good + k - 1};
-    size.accepted = {double(k)};
-    return size;
+    return size.with({0, size.good + 1, size.good + k - 1}, {double(k)});
 }
 // A stride that is compared with its row, of so many bytes.
 inline Argument stride(uint32_t row = kWidth, uint32_t remote = 1, uint32_t gpu = 1)
@@ -86,7 +93,7 @@ inline Argument looseStride(uint32_t remote = 1, uint32_t gpu = 1)
 {
     return {Argument::kStride, 4096, {}, remote, gpu, {0}};
 }
-inline Argument value(double good = 1, std::vector<double> refused = {}, std::vector<double> accepted = {})
+inline Argument value(double good = 1, Values refused = {}, Values accepted = {})
 {
     return {Argument::kOther, good, std::move(refused), 1, 1, std::move(accepted)};
 }
@@ -125,13 +132,33 @@ inline Arguments operator+(Arguments a, const Argument& b)
     return a;
 }
 
+// Texts of filters whose windows ask for more than `most` columns and rows.
+inline std::string gaussianText(int most)
+{
+    const std::string least = std::to_string(most);
+    return kImages + " && (srcStride >= srcWidth) && dstStride && srcHeight > " + least + " && srcWidth > " +
+           least;
+}
+inline std::string boxText(const std::string& stride, int most)
+{
+    const std::string least = std::to_string(most);
+    return kImages + " && srcStride && dstStride && (" + stride + ") && srcWidth > " + least + " && srcHeight > " +
+           least;
+}
+
+// An image of rows of so many bytes, in places that suit all targets.
+inline Arguments imageOf(uint32_t row = kWidth)
+{
+    return {buffer(8, 16), width(), height(), stride(row, 8)};
+}
+
 // What a call returned, where it returns something.
 using Outcome = double;
 constexpr Outcome kNothing = -1000;
 
 struct Entry {
     const char* name;
-    std::function<Outcome(const std::vector<double>&)> call;
+    std::function<Outcome(const Values&)> call;
     Outcome failure;
     std::string condition; // the text of the check; empty where it is silent
     std::vector<Argument> arguments;
@@ -155,7 +182,7 @@ T as(double number)
 template <class R, class... P, size_t... i>
 auto callWith(R (*operation)(P...), std::index_sequence<i...>)
 {
-    return [operation](const std::vector<double>& v) -> Outcome {
+    return [operation](const Values& v) -> Outcome {
         if (v.size() != sizeof...(P)) return kNothing - 1; // no outcome is like it
         if constexpr (std::is_void_v<R>) {
             operation(as<P>(v[i])...);

@@ -38,9 +38,9 @@ const Entries& allEntries()
     return all;
 }
 
-std::vector<double> goodArguments(const Entry& entry)
+Values goodArguments(const Entry& entry)
 {
-    std::vector<double> values;
+    Values values;
     for (const Argument& argument : entry.arguments)
         values.push_back(argument.good);
     return values;
@@ -92,7 +92,7 @@ protected:
     }
 
     // What a call says.
-    static std::vector<LogLine> lines(const Entry& entry, const std::vector<double>& arguments)
+    static std::vector<LogLine> lines(const Entry& entry, const Values& arguments)
     {
         LogCapture log;
         result_ = entry.call(arguments);
@@ -100,7 +100,7 @@ protected:
     }
 
     // The column that a call takes when one was selected, from its trace.
-    static std::string taken(const Entry& entry, uint32_t column, const std::vector<double>& arguments)
+    static std::string taken(const Entry& entry, uint32_t column, const Values& arguments)
     {
         const auto found = listed().find(entry.name);
         if (found == listed().end()) return "not listed";
@@ -113,7 +113,7 @@ protected:
         return said.empty() || said[0].text.rfind(prefix, 0) != 0 ? "nothing" : said[0].text.substr(prefix.size());
     }
 
-    static void expectRefused(const Entry& entry, const std::vector<double>& arguments, const std::string& what)
+    static void expectRefused(const Entry& entry, const Values& arguments, const std::string& what)
     {
         const std::string line = std::string("Assertion failed @") + entry.name + ": " + entry.condition + "\n";
         std::vector<LogLine> expected;
@@ -123,7 +123,7 @@ protected:
     }
 
     // A call that is accepted finds that there is no implementation yet.
-    static void expectAccepted(const Entry& entry, const std::vector<double>& arguments, const std::string& what)
+    static void expectAccepted(const Entry& entry, const Values& arguments, const std::string& what)
     {
         const std::string line = std::string("No operation mode selected @") + entry.name + "\n";
         EXPECT_EQ((std::vector<LogLine>{{6, "ondrix_lib_log", line}}), lines(entry, arguments))
@@ -136,12 +136,12 @@ protected:
 Outcome EntryPoints::result_;
 
 // Calls `check` with each argument in turn replaced by each of some values.
-template <class Values, class Check>
-void replacing(const Entry& entry, Values values, Check check)
+template <class Check>
+void replacing(const Entry& entry, Values Argument::*values, Check check)
 {
     for (size_t i = 0; i < entry.arguments.size(); ++i) {
         for (const double value : entry.arguments[i].*values) {
-            std::vector<double> arguments = goodArguments(entry);
+            Values arguments = goodArguments(entry);
             arguments[i] = value;
             check(entry, arguments, "argument " + std::to_string(i) + " is " + std::to_string(value));
         }
@@ -165,7 +165,7 @@ TEST_F(EntryPoints, RefuseWhatTheirCheckNames)
         replacing(entry, &Argument::accepted, expectAccepted);
         replacing(entry, &Argument::refused, expectRefused);
         for (const auto& combination : entry.alsoRefused) {
-            std::vector<double> arguments = goodArguments(entry);
+            Values arguments = goodArguments(entry);
             for (const auto& [i, value] : combination)
                 arguments[i] = value;
             expectRefused(entry, arguments, "a combination");
@@ -203,7 +203,7 @@ TEST_F(EntryPoints, SendWhatIsAligned)
     const auto check = [](const Entry& entry, uint32_t column, const char* name, uint32_t Argument::*multiple) {
         if (entry.pixelSize == kNever && column != ODX_IMPL_GPU) name = "ORLAN";
         if (column == ODX_IMPL_GPU && !entry.forGpu) {
-            std::vector<double> refused = goodArguments(entry);
+            Values refused = goodArguments(entry);
             refused[find(entry, Argument::kRows)] += 1;
             EXPECT_EQ("ORLAN", taken(entry, column, goodArguments(entry))) << entry.name;
             EXPECT_EQ(name, taken(entry, column, refused)) << entry.name;
@@ -214,7 +214,7 @@ TEST_F(EntryPoints, SendWhatIsAligned)
             const Argument& argument = entry.arguments[i];
             if (argument.kind == Argument::kOther) continue;
             for (const uint32_t step : {1u, 2u, 4u, 8u, 16u}) {
-                std::vector<double> arguments = goodArguments(entry);
+                Values arguments = goodArguments(entry);
                 arguments[i] += step;
                 if (argument.fails(arguments[i])) continue;
                 EXPECT_EQ(step % argument.*multiple == 0 ? name : "ORLAN", taken(entry, column, arguments))
@@ -230,7 +230,7 @@ TEST_F(EntryPoints, SendWhatIsAligned)
             check(entry, ODX_IMPL_GPU, "GPU", &Argument::gpu);
         }
         // Columns of this processor take everything.
-        std::vector<double> arguments = goodArguments(entry);
+        Values arguments = goodArguments(entry);
         for (size_t i = 0; i < arguments.size(); ++i)
             arguments[i] = entry.arguments[i].fails(0) ? arguments[i] : 0;
         EXPECT_EQ("CPU", taken(entry, ODX_IMPL_CPU, arguments)) << entry.name;
@@ -245,7 +245,7 @@ TEST_F(EntryPoints, SendWhatIsWorthIt)
         const bool flat = h == entry.arguments.size(); // a list has a length only
         for (const auto& [column, name] : kRemoteColumns) {
             const auto at = [&, column = column](double width, double height) {
-                std::vector<double> arguments = goodArguments(entry);
+                Values arguments = goodArguments(entry);
                 arguments[w] = width;
                 if (!flat) arguments[h] = height;
                 return taken(entry, column, arguments);
@@ -274,7 +274,7 @@ TEST_F(EntryPoints, SendEverythingWhereConstraintsAreOff)
     HW_constraint_checks_enable = 0;
     for (const Entry& entry : allEntries()) {
         for (const auto& [column, name] : kRemoteColumns) {
-            std::vector<double> arguments = goodArguments(entry);
+            Values arguments = goodArguments(entry);
             for (size_t i = 0; i < arguments.size(); ++i) {
                 if (entry.arguments[i].kind <= Argument::kStride) arguments[i] = 2 * (9 + double(i));
             }

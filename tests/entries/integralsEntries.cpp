@@ -17,134 +17,92 @@ Argument tableStride(uint32_t size = 4, uint32_t columns = kWidth)
     return stride((columns + 1) * size, 8);
 }
 
-// Coordinates of a patch of `side` in an image of the usual size.
-Argument place(uint32_t size, uint32_t side)
+// Patches of `width` by `height` at x and y of an image; fixed ones have no size.
+Arguments patches(const Argument& srcWidth, const Argument& srcHeight, uint32_t width, uint32_t height,
+                  const Arguments& size, bool strided)
 {
-    return value(8, {size - side + 1.0, kMost}, {0, double(size - side)});
+    const auto place = [](double most) { return value(8, {most + 1, kMost}, {0, most}); };
+    const Arguments strides = {stride(uint32_t(srcWidth.good), 8)};
+    return Arguments{image, srcWidth, srcHeight} + (strided ? strides : Arguments()) +
+           Arguments{place(srcWidth.good - width), place(srcHeight.good - height)} + size +
+           Arguments{image, maybe};
 }
-Argument atLeast(uint32_t good, uint32_t least)
+Arguments fixed(uint32_t side, bool strided)
 {
-    return value(good, {0, least - 1.0}, {double(least)});
+    const auto atLeast = [=](uint32_t good) { return value(good, {0, side + 7.0}, {side + 8.0}); };
+    return patches(atLeast(kWidth), atLeast(kHeight), side, side, {}, strided).never();
+}
+Arguments any(bool strided)
+{
+    return patches(value(1000, {0, 199}, {200}), value(1000, {0, 151}, {152}), kWidth, kHeight,
+                   {width().with({0, 1001, kMost}, {1, 992}), height().with({0, 1001, kMost}, {1, 992})}, strided);
 }
 
-std::string patchText(const std::string& side)
+std::string patchText(const std::string& begin, const std::string& columns, const std::string& rows, bool strided)
 {
-    return "src && sums && (srcWidth >= " + side + ") && (srcHeight >= " + side + ") && (x <= srcWidth - " + side +
-           ") && (y <= srcHeight - " + side + ")";
+    return "src && sums && " + begin + " && (x <= srcWidth - " + columns + ") && (y <= srcHeight - " + rows + ")" +
+           (strided ? " && (srcStride >= srcWidth)" : "");
 }
-std::vector<Argument> withStride(std::vector<Argument> arguments)
+std::string fixedText(const std::string& side, bool strided)
 {
-    arguments.insert(arguments.begin() + 3, stride(kWidth, 8));
-    return arguments;
+    return patchText("(srcWidth >= " + side + ") && (srcHeight >= " + side + ")", side, side, strided);
+}
+std::string anyText(bool strided)
+{
+    return patchText("patchWidth && patchHeight && (patchWidth <= srcWidth) && (patchHeight <= srcHeight)",
+                     "patchWidth", "patchHeight", strided);
 }
 
 } // namespace
 
 Entries integralsEntries()
 {
-    const std::string text = "src && dst && srcWidth && srcHeight",
-                      strides = text + " && (srcStride >= srcWidth) && (dstStride >= (srcWidth + 1)*sizeof(",
-                      stride_v2 = " && (srcStride >= srcWidth)";
-    const std::vector<Argument> toTable = {image, width(), height(), stride(kWidth, 8), image, tableStride()};
+    const std::string strides = kImages + " && (srcStride >= srcWidth) && (dstStride >= (srcWidth + 1)*sizeof(";
     // Rows of entries that 32 bits do not count.
-    const auto tooWide = [](size_t at) {
-        return std::vector<std::vector<std::pair<size_t, double>>>{{{1, 0x3FFFFFFF}, {3, kMost}, {at, 0}},
-                                                                   {{1, 0x40000000}, {3, kMost}, {at, 4096}}};
-    };
-    const auto fixed = [](uint32_t side) {
-        return std::vector<Argument>{image,
-                                     atLeast(kWidth, side + 8),
-                                     atLeast(kHeight, side + 8),
-                                     place(kWidth, side),
-                                     place(kHeight, side),
-                                     image,
-                                     maybe};
-    };
-    const Argument size = {Argument::kOther, 1000, {0, 199}, 1, 1, {200}}, from = value(8, {809, kMost}, {0, 808}),
-                   down = value(8, {857, kMost}, {0, 856});
-    const std::vector<Argument> any = {image,
-                                       size,
-                                       {Argument::kOther, 1000, {0, 151}, 1, 1, {152}},
-                                       from,
-                                       down,
-                                       {Argument::kColumns, kWidth, {0, 1001, kMost}, 1, 1, {1, 992}},
-                                       {Argument::kRows, kHeight, {0, 1001, kMost}, 1, 1, {1, 992}},
-                                       image,
-                                       maybe};
-    const std::string anyText = "src && sums && patchWidth && patchHeight && (patchWidth <= srcWidth) && "
-                                "(patchHeight <= srcHeight) && (x <= srcWidth - patchWidth) && "
-                                "(y <= srcHeight - patchHeight)";
-    std::vector<Argument> anyWithStride = any;
-    anyWithStride.insert(anyWithStride.begin() + 3, stride(1000, 8));
+    const auto toTable = (imageOf() + Arguments{image, tableStride()})
+                             .refusing({{{1, 0x3FFFFFFF}, {3, kMost}, {5, 0}}, {{1, 0x40000000}, {3, kMost}}});
     return {
-        {ODX_ENTRY(odxIntegrateImageu8),
-         text,
-         {image, width(), height(), image},
-         1,
-         1,
-         {{{1, 0x3FFFFFFF}}, {{1, kMost}}}},
-        {ODX_ENTRY(odxIntegrateImageu8_v2), strides + "uint32_t))", toTable, 1, 1, tooWide(5)},
-        {ODX_ENTRY(odxTiltedIntegralu8s32), strides + "int32_t))", toTable, 1, 1, tooWide(5)},
-        {ODX_ENTRY(odxIntegrateImageu8u64),
-         "src && (sums || squareSums) && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= "
-         "(srcWidth + 1)*sizeof(uint64_t))",
-         {image, width(), height(), stride(kWidth, 8), maybe, maybe, tableStride(8)},
-         1,
-         1,
-         {{{4, 0}, {5, 0}}, {{1, 0x1FFFFFFF}, {3, kMost}, {6, 0}}}},
-        {ODX_ENTRY(odxIntegrateImageYCbCr420PseudoPlanaru8),
-         "srcY && srcC && dstY && dstCb && dstCr && srcWidth && srcHeight && !(srcWidth & 1) && !(srcHeight & 1) "
-         "&& (srcYStride >= srcWidth) && (srcCStride >= srcWidth) && (dstYStride >= (srcWidth + "
-         "1)*sizeof(uint32_t)) && (dstCbStride >= (srcWidth/2 + 1)*sizeof(uint32_t)) && (dstCrStride >= "
-         "(srcWidth/2 + 1)*sizeof(uint32_t))",
-         {image,
-          image,
-          {Argument::kColumns, kWidth, {0, 1, 191}, 1, 1, {2}},
-          {Argument::kRows, kHeight, {0, 1, 143}, 1, 1, {2}},
-          stride(kWidth, 8),
-          stride(kWidth, 8),
-          image,
-          image,
-          image,
-          tableStride(),
-          tableStride(4, kWidth / 2),
-          tableStride(4, kWidth / 2)}},
-        {ODX_ENTRY(odxIntegrateImageLineu8),
-         "src && length && dst",
-         {image, {Argument::kColumns, 30000, {0}, 1, 1, {1}}, maybe, image}},
-        {ODX_ENTRY(odxIntegrateImageLine64u8), "src && dst", {image, maybe, image}, 1, kNever},
-        {ODX_ENTRY(odxIntegratePatch12x12u8), patchText("12"), fixed(12), 1, kNever},
-        {ODX_ENTRY(odxIntegratePatch18x18u8), patchText("18"), fixed(18), 1, kNever},
-        {ODX_ENTRY(odxIntegratePatch12x12u8_v2), patchText("12") + stride_v2, withStride(fixed(12)), 1, kNever},
-        {ODX_ENTRY(odxIntegratePatch18x18u8_v2), patchText("18") + stride_v2, withStride(fixed(18)), 1, kNever},
-        {ODX_ENTRY(odxIntegratePatchu8), anyText, any},
-        {ODX_ENTRY(odxIntegratePatchu8_v2), anyText + stride_v2, anyWithStride},
-        {ODX_ENTRY(odxIntegratePatchu8_v3),
-         "src && sums && srcWidth && srcHeight && patchWidth && patchHeight && (srcStride >= srcWidth) && "
-         "(sumsStride >= (patchWidth + 1)*sizeof(uint32_t)) && (squareSumsStride >= (patchWidth + "
-         "1)*sizeof(uint32_t)) && (borderType <= ONDRIX_BORDER_REPLICATE) && (borderType || inside)",
-         {image,
-          value(1000, {0}, {199}),
-          value(1000, {0}, {151}),
-          stride(1000, 8),
-          value(8, {}, {kNegative, 809, 2147483647}),
-          value(8, {}, {kNegative, 857, 2147483647}),
-          {Argument::kColumns, kWidth, {0, 0x40000000}, 1, 1, {1}},
-          {Argument::kRows, kHeight, {0}, 1, 1, {kMost}},
-          image,
-          tableStride(),
-          maybe,
-          tableStride(),
-          value(2, {3, kMost}, {0, 1}),
-          value()},
-         1,
-         1,
-         {{{12, 0}, {4, -1}},
-          {{12, 0}, {5, -1}},
-          {{12, 0}, {4, 809}},
-          {{12, 0}, {5, 857}},
-          {{12, 0}, {4, 2147483647}},
-          {{12, 0}, {7, kMost}}}},
+        ENTRY(odxIntegrateImageu8, kImages,
+              Arguments{image, width(), height(), image}.refusing({{{1, 0x3FFFFFFF}}, {{1, kMost}}})),
+        ENTRY(odxIntegrateImageu8_v2, strides + "uint32_t))", toTable),
+        ENTRY(odxTiltedIntegralu8s32, strides + "int32_t))", toTable),
+        ENTRY(odxIntegrateImageu8u64,
+              "src && (sums || squareSums) && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= "
+              "(srcWidth + 1)*sizeof(uint64_t))",
+              (imageOf() + Arguments{maybe, maybe, tableStride(8)})
+                  .refusing({{{4, 0}, {5, 0}}, {{1, 0x1FFFFFFF}, {3, kMost}, {6, 0}}})),
+        ENTRY(
+            odxIntegrateImageYCbCr420PseudoPlanaru8,
+            "srcY && srcC && dstY && dstCb && dstCr && srcWidth && srcHeight && !(srcWidth & 1) && !(srcHeight & "
+            "1) && (srcYStride >= srcWidth) && (srcCStride >= srcWidth) && (dstYStride >= (srcWidth + "
+            "1)*sizeof(uint32_t)) && (dstCbStride >= (srcWidth/2 + 1)*sizeof(uint32_t)) && (dstCrStride >= "
+            "(srcWidth/2 + 1)*sizeof(uint32_t))",
+            Arguments{image, image, width().with({0, 1, 191}, {2}), height().with({0, 1, 143}, {2})} +
+                Arguments(2, stride(kWidth, 8)) + Arguments(3, image) + tableStride() +
+                Arguments(2, tableStride(4, kWidth / 2))),
+        ENTRY(odxIntegrateImageLineu8, "src && length && dst",
+              {image, {Argument::kColumns, 30000, {0}, 1, 1, {1}}, maybe, image}),
+        ENTRY(odxIntegrateImageLine64u8, "src && dst", Arguments{image, maybe, image}.never()),
+        ENTRY(odxIntegratePatch12x12u8, fixedText("12", false), fixed(12, false)),
+        ENTRY(odxIntegratePatch18x18u8, fixedText("18", false), fixed(18, false)),
+        ENTRY(odxIntegratePatch12x12u8_v2, fixedText("12", true), fixed(12, true)),
+        ENTRY(odxIntegratePatch18x18u8_v2, fixedText("18", true), fixed(18, true)),
+        ENTRY(odxIntegratePatchu8, anyText(false), any(false)),
+        ENTRY(odxIntegratePatchu8_v2, anyText(true), any(true)),
+        ENTRY(odxIntegratePatchu8_v3,
+              "src && sums && srcWidth && srcHeight && patchWidth && patchHeight && (srcStride >= srcWidth) && "
+              "(sumsStride >= (patchWidth + 1)*sizeof(uint32_t)) && (squareSumsStride >= (patchWidth + "
+              "1)*sizeof(uint32_t)) && (borderType <= ONDRIX_BORDER_REPLICATE) && (borderType || inside)",
+              Arguments{image, value(1000, {0}, {199}), value(1000, {0}, {151}), stride(1000, 8),
+                        value(8, {}, {kNegative, 809, 2147483647}), value(8, {}, {kNegative, 857, 2147483647}),
+                        width().with({0, 0x40000000}, {1}), height().with({0}, {1, kMost}), image, tableStride(),
+                        maybe, tableStride(), value(2, {3, kMost}, {0, 1}), value()}
+                  .refusing({{{12, 0}, {4, -1}},
+                             {{12, 0}, {5, -1}},
+                             {{12, 0}, {4, 809}},
+                             {{12, 0}, {5, 857}},
+                             {{12, 0}, {4, 2147483647}},
+                             {{12, 0}, {7, kMost}}})),
     };
 }
 

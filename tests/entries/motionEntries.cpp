@@ -13,20 +13,12 @@ Entries opticalFlowEntries()
 {
     const std::string condition = "src1 && src2 && src1Pyr && src2Pyr && featureXY && featureXY_out && "
                                   "featureStatus && (windowWidth & 0x1) && (windowHeight & 0x1)";
-    const Argument anyWidth = {Argument::kColumns, kWidth, {}, 1, 1, {0}},
-                   anyHeight = {Argument::kRows, kHeight, {}, 1, 1, {0}};
-    const Arguments images = {buffer(8, 16), buffer(8, 16), anyWidth, anyHeight}, stride = {looseStride(8, 16)},
-                    pyramids = {buffer(), buffer()}, gradients = {optional(), optional()},
-                    features = {buffer(),
-                                buffer(),
-                                buffer(),
-                                value(5, {}, {-1, 0}),
-                                value(7, {6, 0}, {-1, 3, 5}),
-                                value(7, {8, 0}, {-1, 3, 9}),
-                                value(20, {}, {-1}),
-                                value(3, {}, {-1, 0})},
-                    tuning = {value(), value(), value(), value()},
-                    estimates = {optional(), value(0), value(0.01), value(0)};
+    const Arguments images = {buffer(8, 16), buffer(8, 16), width().with({}, {0}), height().with({}, {0})},
+                    stride = {looseStride(8, 16)}, pyramids(2, buffer()), gradients(2, optional()),
+                    features = Arguments(3, buffer()) +
+                               Arguments{value(5, {}, {-1, 0}), value(7, {6, 0}, {-1, 3, 5}),
+                                         value(7, {8, 0}, {-1, 3, 9}), value(20, {}, {-1}), value(3, {}, {-1, 0})},
+                    tuning(4, value()), estimates = {optional(), value(0), value(0.01), value(0)};
     return {
         ENTRY(odxTrackLKOpticalFlowu8, condition, images + pyramids + gradients + features + tuning),
         ENTRY(odxTrackLKOpticalFlowf32, condition, images + pyramids + gradients + features + tuning),
@@ -42,14 +34,14 @@ Entries trackingEntries()
                       patch = "patch && src && bestX && bestY && bestNCC && srcWidth && srcHeight && searchWidth "
                               "&& (!doSubPixel || (subX && subY))";
     const auto shift = [](uint32_t bytes) {
-        return Arguments{buffer(8, 16), width(1, 1, 8),     height(),         stride(kWidth * bytes, 8),
-                         buffer(),      value(10, {}, {0}), value(1, {}, {0})};
+        Arguments arguments = imageOf(kWidth * bytes) + Arguments{buffer(), value(10, {}, {0}), value(1, {}, {0})};
+        arguments[1].gpu = 8;
+        return arguments;
     };
-    const Arguments ellipse = {optional()},
-                    search = {buffer(),  buffer(8, 16),        width(1, 1, 8), height(), value(90),
-                              value(70), value(11, {0}, {20}), buffer(),       buffer(), buffer(),
-                              value(0),  optional(),           optional()},
-                    threshold = {value(5)};
+    const Arguments ellipse = {optional()}, threshold = {value(5)},
+                    search = Arguments{buffer(),  buffer(8, 16), width(1, 1, 8),      height(),
+                                       value(90), value(70),     value(11, {0}, {20})} +
+                             Arguments(3, buffer()) + Arguments{value(0), optional(), optional()};
     // It needs both places.
     const Combinations halfRefined = {{{10, 1}, {11, 0}}, {{10, 1}, {12, 0}}};
     return {

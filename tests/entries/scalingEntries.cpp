@@ -15,9 +15,9 @@ Argument gpuMultiple(Argument argument, uint32_t n)
 }
 
 // An output's size: any number but 0.
-Argument output(double good, std::vector<double> refused = {0})
+Argument output(double good)
 {
-    return value(good, std::move(refused), {1});
+    return value(good, {0}, {1});
 }
 
 } // namespace
@@ -39,16 +39,20 @@ Entries scalingEntries()
     const Combinations wraps = {{{1, 0x80000001}}};
     const Arguments status = resizing(1) + Arguments{value(1, {3, 0xFFFFFFFF}, {0, 2})},
                     status_v2 = status + Arguments{value(2, {3, 0xFFFFFFFF}, {0, 1}), value()};
-    Arguments groups = resizing(1);
-    groups[5].refused = {0, 9};
-    groups[5].accepted = {10};
-    groups[6].refused = {0, 7};
-    groups[6].accepted = {8};
-    Arguments nearest = resizing(1);
+    Arguments groups = resizing(1), nearest = groups;
+    groups[5] = output(100).with({0, 9}, {10});
+    groups[6] = output(90).with({0, 7}, {8});
     nearest[0] = nearest[4] = buffer(1, 16);
-    Argument evenWidth = multiple(width(), 2).errors({kWidth + 1.0}),
-             evenRows = multiple(height(), 2).errors({kHeight + 1.0});
-    evenWidth.refused = evenRows.refused = {0};
+    const Argument evenWidth = multiple(width(), 2).with({0}, {2}).errors({kWidth + 1.0}),
+                   evenRows = multiple(height(), 2).with({0}, {2}).errors({kHeight + 1.0});
+    const std::string pairs = kImages + " && dstWidth && dstHeight && (srcStride==0 || srcStride >=srcWidth*2) && "
+                                        "(dstStride == 0 || dstStride >= dstWidth*2)";
+    const auto interleaved = [](const std::string& dst) {
+        return "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth * 2) && (dstStride " + dst;
+    };
+    const auto upsampled = [](const std::string& dst) {
+        return "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth) && (dstStride " + dst;
+    };
     return {
         ENTRY(odxScaleDownBy2u8, "", packedReduction(2)),
         ENTRY(odxScaleDownBy4u8, "", packedReduction(4)),
@@ -74,10 +78,7 @@ Entries scalingEntries()
               kImages + " && dstWidth && dstHeight && (srcStride==0 || srcStride >=srcWidth) && (dstStride == 0 "
                         "|| dstStride >= dstWidth) && dstWidth * 20 > srcWidth && dstHeight * 20 > srcHeight",
               groups),
-        ENTRY(odxScaleDownMNInterleaveu8,
-              kImages + " && dstWidth && dstHeight && (srcStride==0 || srcStride >=srcWidth*2) && (dstStride == 0 "
-                        "|| dstStride >= dstWidth*2)",
-              resizing(2).refusing(wraps)),
+        ENTRY(odxScaleDownMNInterleaveu8, pairs, resizing(2).refusing(wraps)),
         ENTRY(odxScaleDownBLu8,
               "src && srcWidth && srcHeight && (srcStride >= srcWidth) && dst && dstWidth && dstHeight && "
               "(dstStride >= dstWidth)",
@@ -86,10 +87,7 @@ Entries scalingEntries()
               kImages + " && (srcStride == 0 || srcStride >= srcWidth) && dstWidth && dstHeight && (dstStride == "
                         "0 || dstStride >= dstWidth)",
               resizing(1)),
-        ENTRY(odxScaleUpPolyInterleaveu8,
-              kImages + " && dstWidth && dstHeight && (srcStride==0 || srcStride >=srcWidth*2) && (dstStride == 0 "
-                        "|| dstStride >= dstWidth*2)",
-              resizing(2).refusing(wraps)),
+        ENTRY(odxScaleUpPolyInterleaveu8, pairs, resizing(2).refusing(wraps)),
         ENTRY(odxScaleDownNNu8, "", nearest.pixels(0)),
         ENTRY(odxScaleu8, "", status),
         ENTRY(odxScaleu8_v2, "", status_v2),
@@ -117,24 +115,13 @@ Entries scalingEntries()
         ENTRY(odxScaleUpBy2Gaussian5x5u8_v2, kImages + " && (srcStride >= srcWidth) && (dstStride >= srcWidth*2)",
               Arguments{buffer(), width(), height(), stride(), buffer(), stride(2 * kWidth)}.refusing(
                   {{{1, 0x80000001}, {3, 0x80000001}, {5, 2}}})),
-        ENTRY(odxUpsampleVerticalu8,
-              "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth) && (dstStride >=srcWidth)",
-              upsampling(1, 1)),
-        ENTRY(odxUpsampleHorizontalu8,
-              "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth) && (dstStride >= (2 * srcWidth))",
-              upsampling(1, 2)),
-        ENTRY(odxUpsample2Du8,
-              "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth) && (dstStride >=(2 * srcWidth))",
-              upsampling(1, 2)),
-        ENTRY(odxUpsampleVerticalInterleavedu8,
-              "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth * 2) && (dstStride >=srcWidth * 2)",
-              upsampling(2, 2).refusing(wraps)),
-        ENTRY(odxUpsampleHorizontalInterleavedu8,
-              "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth * 2) && (dstStride >= srcWidth * 4)",
+        ENTRY(odxUpsampleVerticalu8, upsampled(">=srcWidth)"), upsampling(1, 1)),
+        ENTRY(odxUpsampleHorizontalu8, upsampled(">= (2 * srcWidth))"), upsampling(1, 2)),
+        ENTRY(odxUpsample2Du8, upsampled(">=(2 * srcWidth))"), upsampling(1, 2)),
+        ENTRY(odxUpsampleVerticalInterleavedu8, interleaved(">=srcWidth * 2)"), upsampling(2, 2).refusing(wraps)),
+        ENTRY(odxUpsampleHorizontalInterleavedu8, interleaved(">= srcWidth * 4)"),
               upsampling(2, 4).refusing(wraps)),
-        ENTRY(odxUpsample2DInterleavedu8,
-              "src && srcWidth && srcHeight && dst && (srcStride >= srcWidth * 2) && (dstStride >= srcWidth * 4)",
-              upsampling(2, 4).refusing(wraps)),
+        ENTRY(odxUpsample2DInterleavedu8, interleaved(">= srcWidth * 4)"), upsampling(2, 4).refusing(wraps)),
     };
 }
 

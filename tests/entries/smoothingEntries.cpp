@@ -8,10 +8,9 @@ namespace odx::test
 Entries smoothingEntries()
 {
     // Rows of the 3x3 Gaussian come in groups of six and a rest.
-    const std::vector<double> narrow = {2, 3, 4, 5, 6};
-    const std::vector<double> noBorderType = {3, 4, 0xFFFFFFFF};
-    const auto bordered = [&](const Arguments& image) {
-        return image + Arguments{value(2, noBorderType, {0, 1}), value()};
+    const Values narrow = {2, 3, 4, 5, 6};
+    const auto bordered = [](const Arguments& image) {
+        return image + Arguments{value(2, {3, 4, 0xFFFFFFFF}, {0, 1}), value()};
     };
     const auto packed = [](uint32_t leastWidth, uint32_t leastHeight) {
         return Arguments{buffer(), width(leastWidth), height(leastHeight), buffer(), value()};
@@ -27,15 +26,10 @@ Entries smoothingEntries()
         return Arguments{
             buffer(), width(least), height(least), stride().explicitly(), buffer(), looseStride().explicitly()};
     };
-    Argument packedGaussianWidth = width(1, 4, 2).errors(narrow), gaussianWidth = width(2, 4, 2).errors(narrow);
-    packedGaussianWidth.refused = {0};
-    packedGaussianWidth.accepted = {1, 7};
-    gaussianWidth.refused = {0, 1};
-    gaussianWidth.accepted = {7};
-    Argument gaussianHeight = height();
-    gaussianHeight.gpu = 2;
-    Argument gaussianHeight2 = height(2);
-    gaussianHeight2.gpu = 2;
+    const Argument packedGaussianWidth = width(1, 4, 2).with({0}, {1, 7}).errors(narrow),
+                   gaussianWidth = width(2, 4, 2).with({0, 1}, {7}).errors(narrow);
+    Argument gaussianHeight = height(), gaussianHeight2 = height(2);
+    gaussianHeight.gpu = gaussianHeight2.gpu = 2;
     return {
         ENTRY(odxFilterGaussian3x3u8, "src && dst && width && height",
               Arguments{buffer(4), packedGaussianWidth, gaussianHeight, buffer(4), value()}.fromRows(3)),
@@ -49,14 +43,10 @@ Entries smoothingEntries()
               bordered({buffer(4), width(1, 4, 2), gaussianHeight, looseStride(4), buffer(4), looseStride(4)})
                   .fromRows(3)),
         ENTRY(odxFilterGaussian5x5u8, "src && dst && width && height && height > 4 && width > 4", packed(5, 5)),
-        ENTRY(odxFilterGaussian5x5u8_v2,
-              kImages + " && (srcStride >= srcWidth) && dstStride && srcHeight > 4 && srcWidth > 4",
-              strided(5, 5, 1, false)),
+        ENTRY(odxFilterGaussian5x5u8_v2, gaussianText(4), strided(5, 5, 1, false)),
         ENTRY(odxFilterGaussian11x11u8, "src && dst && width && height && height > 10 && width > 10",
               packed(11, 11)),
-        ENTRY(odxFilterGaussian11x11u8_v2,
-              kImages + " && (srcStride >= srcWidth) && dstStride && srcHeight > 10 && srcWidth > 10",
-              strided(11, 11, 1, false)),
+        ENTRY(odxFilterGaussian11x11u8_v2, gaussianText(10), strided(11, 11, 1, false)),
         ENTRY(odxFilterGaussian5x5s16, "src && dst && width && height && height > 1", packed(1, 2)),
         ENTRY(odxFilterGaussian5x5s16_v2,
               kImages + " && (srcStride >= srcWidth*sizeof(int16_t)) && (dstStride >= srcWidth*sizeof(int16_t)) "
@@ -67,17 +57,11 @@ Entries smoothingEntries()
               kImages + " && (srcStride >= srcWidth*sizeof(int32_t)) && (dstStride >= srcWidth*sizeof(int32_t)) "
                         "&& srcWidth > 4 && srcHeight > 4",
               strided(5, 5, 4, true)),
-        ENTRY(odxBoxFilter3x3u8,
-              kImages + " && srcStride && dstStride && ( srcStride >=srcWidth ) && srcWidth > 2 && srcHeight > 2",
-              box(3)),
+        ENTRY(odxBoxFilter3x3u8, boxText(" srcStride >=srcWidth ", 2), box(3)),
         ENTRY(odxBoxFilter3x3u8_v2, "",
               bordered({buffer(), width(), height(), looseStride(), buffer(), looseStride()})),
-        ENTRY(odxBoxFilter5x5u8,
-              kImages + " && srcStride && dstStride && (srcStride >=srcWidth) && srcWidth > 4 && srcHeight > 4",
-              box(5)),
-        ENTRY(odxBoxFilter11x11u8,
-              kImages + " && srcStride && dstStride && ( srcStride >=srcWidth) && srcWidth > 10 && srcHeight > 10",
-              box(11)),
+        ENTRY(odxBoxFilter5x5u8, boxText("srcStride >=srcWidth", 4), box(5)),
+        ENTRY(odxBoxFilter11x11u8, boxText(" srcStride >=srcWidth", 10), box(11)),
         ENTRY(odxBoxFilterNxNf32,
               kImages + " && (N > 1) && ((src == dst && srcStride == dstStride) || (src != dst)) && (srcStride "
                         ">=srcWidth*4) && (dstStride >=srcWidth*4) && srcWidth > 4 && srcHeight > 4",

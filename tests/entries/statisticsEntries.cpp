@@ -8,7 +8,7 @@ namespace odx::test
 namespace
 {
 
-using Operation = std::function<Outcome(const std::vector<double>&)>;
+using Operation = std::function<Outcome(const Values&)>;
 
 // An image whose packed rows the text has as `row`, and what an operation takes and asks beyond it.
 Entry of(const char* name, Operation call, Outcome failure, const std::string& row, uint32_t bytes,
@@ -39,7 +39,7 @@ Entries statisticsEntries()
                                          moments = {one, out};
     // A rectangle in an image that has room for any that is tried.
     constexpr uint32_t kLarge = 131072;
-    const auto rectangle = [&](std::vector<double> Argument::*failure) {
+    const auto rectangle = [&](Values Argument::*failure) {
         Argument x = value(100, {}, {0, kLarge - kWidth}), y = value(50, {}, {0, kLarge - kHeight});
         x.*failure = {kLarge - kWidth + 1, kLarge + 1, 0xFFFFFFFF};
         y.*failure = {kLarge - kHeight + 1, kLarge + 1, 0xFFFFFFFF};

@@ -7,8 +7,7 @@ namespace odx::test
 
 Entries thresholdingEntries()
 {
-    const Argument anyWidth = {Argument::kColumns, kWidth, {}, 1, 1, {0}},
-                   anyHeight = {Argument::kRows, kHeight, {}, 1, 1, {0}},
+    const Argument anyWidth = width().with({}, {0}), anyHeight = height().with({}, {0}),
                    threshold = value(100, {-1.0, 2147483648.0}, {0, 2147483647.0});
     const auto fixed = [&](const Argument& dstStride, const Arguments& numbers) {
         return Arguments{buffer(), anyWidth, anyHeight, stride(), buffer(), dstStride} + numbers;
@@ -42,21 +41,11 @@ Entries thresholdingEntries()
               "src && dst && (srcWidth > 1) && (srcHeight > 1) && (srcStride >= srcWidth) && (dstStride >= "
               "srcWidth)",
               adaptive(2, stride())),
-        ENTRY(odxAdaptiveThresholdGaussian5x5u8,
-              kImages + " && (srcStride >= srcWidth) && dstStride && srcHeight > 4 && srcWidth > 4",
-              adaptive(5, looseStride())),
-        ENTRY(odxAdaptiveThresholdGaussian11x11u8,
-              kImages + " && (srcStride >= srcWidth) && dstStride && srcHeight > 10 && srcWidth > 10",
-              adaptive(11, looseStride())),
-        ENTRY(odxAdaptiveThresholdMean3x3u8,
-              kImages + " && srcStride && dstStride && ( srcStride >=srcWidth ) && srcWidth > 2 && srcHeight > 2",
-              adaptive(3, looseStride())),
-        ENTRY(odxAdaptiveThresholdMean5x5u8,
-              kImages + " && srcStride && dstStride && (srcStride >=srcWidth) && srcWidth > 4 && srcHeight > 4",
-              adaptive(5, looseStride())),
-        ENTRY(odxAdaptiveThresholdMean11x11u8,
-              kImages + " && srcStride && dstStride && ( srcStride >=srcWidth) && srcWidth > 10 && srcHeight > 10",
-              adaptive(11, looseStride())),
+        ENTRY(odxAdaptiveThresholdGaussian5x5u8, gaussianText(4), adaptive(5, looseStride())),
+        ENTRY(odxAdaptiveThresholdGaussian11x11u8, gaussianText(10), adaptive(11, looseStride())),
+        ENTRY(odxAdaptiveThresholdMean3x3u8, boxText(" srcStride >=srcWidth ", 2), adaptive(3, looseStride())),
+        ENTRY(odxAdaptiveThresholdMean5x5u8, boxText("srcStride >=srcWidth", 4), adaptive(5, looseStride())),
+        ENTRY(odxAdaptiveThresholdMean11x11u8, boxText(" srcStride >=srcWidth", 10), adaptive(11, looseStride())),
     };
 }
 
