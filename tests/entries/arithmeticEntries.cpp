@@ -2,10 +2,7 @@
 
 #include "ondrix/arithmetic.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::arithmetic
 {
 
 // A packed row, as texts have it.
@@ -87,8 +84,6 @@ Entry combined(const char* name, Operation call, Outcome failure, uint32_t plane
             arguments + Arguments{image, strideFor<uint8_t>(planes)}};
 }
 
-} // namespace
-
 // Arguments and text for what an operation takes beyond its images.
 #define TAKEN_nothing
 #define TAKEN_policy , {policy}, kPolicy
@@ -101,7 +96,7 @@ Entry combined(const char* name, Operation call, Outcome failure, uint32_t plane
 #define TAKEN_scalarShift , {value(), shift}, kShift
 #define TAKEN_table , {buffer()}, "", " && table"
 
-Entries arithmeticEntries()
+Entries entries()
 {
     const Argument channels = value(3, {0, 1, 17}, {2, 16});
     const std::string pixels = "(srcStride >= srcWidth*sizeof(uint8_t)*channels) && (dstStride >= srcWidth)",
@@ -137,4 +132,4 @@ Entries arithmeticEntries()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::arithmetic

@@ -4,10 +4,10 @@
 
 #include <cmath>
 
-namespace odx::test
+namespace odx::test::bilateral
 {
 
-Entries bilateralEntries()
+Entries entries()
 {
     const std::string check =
         "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= srcWidth)";
@@ -31,4 +31,4 @@ Entries bilateralEntries()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::bilateral

@@ -6,10 +6,7 @@
 #include "ondrix/colorFromRgb.h"
 #include "ondrix/colorToRgb.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::color
 {
 
 struct Plane {
@@ -66,9 +63,7 @@ const Arguments buffers = {buffer(8, 16), width(1, 1, 8), height(), buffer(8, 16
 constexpr bool Planar = false, PseudoPlanar = true;
 constexpr uint32_t RGB565 = 2, RGB888 = 3, RGBA8888 = 4, BGR565 = 2, BGR888 = 3, BGRA8888 = 4;
 
-} // namespace
-
-Entries colorEntries()
+Entries entries()
 {
     return {
 #define ODX_CASE_TO(subsampling, layout, pixels)                                                                 \
@@ -119,4 +114,4 @@ Entries colorEntries()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::color

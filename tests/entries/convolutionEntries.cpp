@@ -2,10 +2,10 @@
 
 #include "ondrix/convolution.h"
 
-namespace odx::test
+namespace odx::test::convolution
 {
 
-Entries convolutionEntries()
+Entries entries()
 {
     const Argument image = buffer(8, 16);
     const auto row = [](uint32_t bytes) { return stride(bytes, 8); };
@@ -84,4 +84,4 @@ Entries convolutionEntries()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::convolution

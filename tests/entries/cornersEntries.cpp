@@ -5,10 +5,7 @@
 
 #include <limits>
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::corners
 {
 
 const double kNan = std::numeric_limits<double>::quiet_NaN();
@@ -99,11 +96,9 @@ Entries harrisEntries()
     };
 }
 
-} // namespace
-
-Entries cornersEntries()
+Entries entries()
 {
     return fastEntries() + harrisEntries();
 }
 
-} // namespace odx::test
+} // namespace odx::test::corners

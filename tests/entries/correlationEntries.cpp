@@ -2,10 +2,10 @@
 
 #include "ondrix/correlation.h"
 
-namespace odx::test
+namespace odx::test::correlation
 {
 
-Entries correlationEntries()
+Entries entries()
 {
     // N is less than both sides.
     const auto size = value(7, {0, kHeight, kWidth, 4294967295.0}, {1, kHeight - 1});
@@ -29,4 +29,4 @@ Entries correlationEntries()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::correlation

@@ -4,10 +4,7 @@
 
 #include <math.h>
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::descriptors
 {
 
 // A number of elements, of which there may be none.
@@ -16,9 +13,7 @@ Argument length(uint32_t least = 0)
     return {Argument::kColumns, 30000, least == 0 ? Values() : Values{least - 1.0}, 1, 1, {double(least)}};
 }
 
-} // namespace
-
-Entries descriptorsEntries()
+Entries entries()
 {
     const Argument vector = buffer(1, 4);
     // Too little work to leave, but for lists of any length.
@@ -158,4 +153,4 @@ Entries descriptorsEntries()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::descriptors

@@ -220,7 +220,7 @@ inline Entry entry(const char* name, const decltype(Entry::call)& call, Outcome 
     return {name, call, failure, condition, with, with.leastHeight, with.pixelSize, with.alsoRefused};
 }
 
-// Each file <family>Entries.cpp has a function of its name that returns its own.
+// Each file <family>Entries.cpp returns its own from entries(), in a namespace of its name.
 using Entries = std::vector<Entry>;
 
 template <class T>

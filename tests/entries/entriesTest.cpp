@@ -14,7 +14,11 @@
 namespace odx::test
 {
 
-#define FAMILY(name) Entries name##Entries();
+#define FAMILY(name)   \
+    namespace name     \
+    {                  \
+    Entries entries(); \
+    }
 #include "Entries.def"
 
 namespace
@@ -24,7 +28,7 @@ const Entries& allEntries()
 {
     static const Entries all = [] {
         Entries entries;
-#define FAMILY(name) entries = entries + name##Entries();
+#define FAMILY(name) entries = entries + name::entries();
 #include "Entries.def"
         // Every buffer in a place of its own.
         for (Entry& entry : entries) {

@@ -2,10 +2,10 @@
 
 #include "ondrix/gradients.h"
 
-namespace odx::test
+namespace odx::test::gradients
 {
 
-Entries gradientsEntries()
+Entries entries()
 {
     const std::string source = "src && srcWidth && srcHeight && (srcStride >= srcWidth) && ",
                       pairs = source + "gradients", planes = source + "dx && dy",
@@ -92,4 +92,4 @@ Entries gradientsEntries()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::gradients

@@ -2,10 +2,7 @@
 
 #include "ondrix/integrals.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::integrals
 {
 
 const Argument image = buffer(8, 16), maybe = optional(8, 16);
@@ -53,9 +50,7 @@ std::string anyText(bool strided)
                      "patchWidth", "patchHeight", strided);
 }
 
-} // namespace
-
-Entries integralsEntries()
+Entries entries()
 {
     const std::string strides = kImages + " && (srcStride >= srcWidth) && (dstStride >= (srcWidth + 1)*sizeof(";
     // Rows of entries that 32 bits do not count.
@@ -106,4 +101,4 @@ Entries integralsEntries()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::integrals

@@ -2,10 +2,10 @@
 
 #include "ondrix/morphology.h"
 
-namespace odx::test
+namespace odx::test::morphology
 {
 
-Entries morphologyEntries()
+Entries entries()
 {
     const std::vector packed = {buffer(), width(), height(), buffer()};
     const std::vector strided = {buffer(), width(), height(), stride(), buffer(), stride()};
@@ -25,4 +25,4 @@ Entries morphologyEntries()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::morphology

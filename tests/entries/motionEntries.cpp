@@ -3,10 +3,7 @@
 #include "ondrix/opticalFlow.h"
 #include "ondrix/tracking.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::motion
 {
 
 Entries opticalFlowEntries()
@@ -68,11 +65,9 @@ Entries trackingEntries()
     };
 }
 
-} // namespace
-
-Entries motionEntries()
+Entries entries()
 {
     return opticalFlowEntries() + trackingEntries();
 }
 
-} // namespace odx::test
+} // namespace odx::test::motion

@@ -2,10 +2,10 @@
 
 #include "ondrix/mser.h"
 
-namespace odx::test
+namespace odx::test::mser
 {
 
-Entries mserEntries()
+Entries entries()
 {
     // A handle never leaves this process, and the sizes are the reference's matter.
     const auto extraction = [](size_t extended) {
@@ -34,4 +34,4 @@ Entries mserEntries()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::mser

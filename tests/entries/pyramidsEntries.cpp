@@ -2,10 +2,10 @@
 
 #include "ondrix/pyramids.h"
 
-namespace odx::test
+namespace odx::test::pyramids
 {
 
-Entries pyramidsEntries()
+Entries entries()
 {
     // A number of levels that sizes of 192 and 144 allow, and 0 or more than 32.
     const Argument levels = value(3, {0, 6, 33, 0xFFFFFFFF}, {1, 5});
@@ -42,4 +42,4 @@ Entries pyramidsEntries()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::pyramids

@@ -2,10 +2,10 @@
 
 #include "ondrix/reordering.h"
 
-namespace odx::test
+namespace odx::test::reordering
 {
 
-Entries reorderingEntries()
+Entries entries()
 {
     const auto image = [](uint32_t size, bool turned, const Arguments& rest = {}) {
         return Arguments{buffer(), width(),
@@ -43,4 +43,4 @@ Entries reorderingEntries()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::reordering

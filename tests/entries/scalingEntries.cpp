@@ -2,10 +2,7 @@
 
 #include "ondrix/scaling.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::scaling
 {
 
 Argument gpuMultiple(Argument argument, uint32_t n)
@@ -20,9 +17,7 @@ Argument output(double good)
     return value(good, {0}, {1});
 }
 
-} // namespace
-
-Entries scalingEntries()
+Entries entries()
 {
     const Argument in4 = buffer(4, 16), in16 = buffer(16, 16);
     const auto packedReduction = [&](uint32_t k) {
@@ -125,4 +120,4 @@ Entries scalingEntries()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::scaling

@@ -2,10 +2,10 @@
 
 #include "ondrix/smoothing.h"
 
-namespace odx::test
+namespace odx::test::smoothing
 {
 
-Entries smoothingEntries()
+Entries entries()
 {
     // Rows of the 3x3 Gaussian come in groups of six and a rest.
     const Values narrow = {2, 3, 4, 5, 6};
@@ -84,4 +84,4 @@ Entries smoothingEntries()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::smoothing

@@ -2,10 +2,10 @@
 
 #include "ondrix/solvers.h"
 
-namespace odx::test
+namespace odx::test::solvers
 {
 
-Entries solversEntries()
+Entries entries()
 {
     const auto product = [](uint32_t size, const Argument& depth) {
         return Arguments{buffer(8, 16),
@@ -52,4 +52,4 @@ Entries solversEntries()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::solvers

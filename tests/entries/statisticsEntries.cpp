@@ -2,10 +2,7 @@
 
 #include "ondrix/statistics.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::statistics
 {
 
 using Operation = std::function<Outcome(const Values&)>;
@@ -20,9 +17,7 @@ Entry of(const char* name, Operation call, Outcome failure, const std::string& r
     return {name, std::move(call), failure, before + "(srcStride >= srcWidth" + row + ")" + more, all};
 }
 
-} // namespace
-
-Entries statisticsEntries()
+Entries entries()
 {
     const std::string found =
                           " && minValue && maxValue && minCount && maxCount && ((minXY && maxXY) || !capacity)",
@@ -88,4 +83,4 @@ Entries statisticsEntries()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::statistics

@@ -2,10 +2,10 @@
 
 #include "ondrix/thresholding.h"
 
-namespace odx::test
+namespace odx::test::thresholding
 {
 
-Entries thresholdingEntries()
+Entries entries()
 {
     const Argument anyWidth = width().with({}, {0}), anyHeight = height().with({}, {0}),
                    threshold = value(100, {-1.0, 2147483648.0}, {0, 2147483647.0});
@@ -49,4 +49,4 @@ Entries thresholdingEntries()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::thresholding

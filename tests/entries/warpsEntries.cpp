@@ -2,10 +2,10 @@
 
 #include "ondrix/warps.h"
 
-namespace odx::test
+namespace odx::test::warps
 {
 
-Entries warpsEntries()
+Entries entries()
 {
     const auto unchecked = [](Argument size) {
         size.refused.clear();
@@ -71,4 +71,4 @@ Entries warpsEntries()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::warps

@@ -4,10 +4,7 @@
 
 #include <string.h>
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::arithmetic
 {
 
 constexpr auto overflow = oneOf<ONDRIX_OVERFLOW_SATURATE, ONDRIX_OVERFLOW_WRAP>;
@@ -190,8 +187,6 @@ void crossProduct(Draw& draw)
     settle(dst);
 }
 
-} // namespace
-
 // What an operation takes beyond its images.
 #define DRAWN_nothing(T)
 #define DRAWN_policy(T) , overflow
@@ -204,7 +199,7 @@ void crossProduct(Draw& draw)
 #define DRAWN_scalarShift(T) DRAWN_scalar(T) DRAWN_shift(T)
 #define DRAWN_table(T) , table
 
-std::vector<Row> arithmeticRows()
+std::vector<Row> rows()
 {
     return {
 #define TWO(name, S1, S2, D, takes, ...) {#name, two<S1, S2, D, name DRAWN_##takes(S1)>},
@@ -225,4 +220,4 @@ std::vector<Row> arithmeticRows()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::arithmetic

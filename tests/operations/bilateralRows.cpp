@@ -4,10 +4,7 @@
 
 #include <limits>
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::bilateral
 {
 
 // Deviations that leave weights at all differences, up to some, at none but 0, and at all alike.
@@ -29,9 +26,7 @@ constexpr auto filtered = imageToImage<uint8_t, uint8_t, operation, Size<1, 1, K
 template <auto* operation, uint32_t K>
 constexpr auto bordered = filtered<operation, K, color, space, borderType, borderValue>;
 
-} // namespace
-
-std::vector<Row> bilateralRows()
+std::vector<Row> rows()
 {
     return {
         {"odxBilateralFilter5x5u8", filtered<odxBilateralFilter5x5u8, 5>},
@@ -44,4 +39,4 @@ std::vector<Row> bilateralRows()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::bilateral

@@ -2,10 +2,7 @@
 
 #include "cpu/ondrixColorFromRgbC.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::colorFromRgb
 {
 
 // Rows of the functions that share a signature. Sizes of pixels are in bytes; `across` and `down` are the pixels
@@ -127,9 +124,7 @@ void yCbCr(Draw& draw)
 
 constexpr bool Planar = false, PseudoPlanar = true;
 
-} // namespace
-
-std::vector<Row> colorFromRgbRows()
+std::vector<Row> rows()
 {
     return {
 #define ODX_ROW(pixels, subsampling)                                                            \
@@ -158,4 +153,4 @@ std::vector<Row> colorFromRgbRows()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::colorFromRgb

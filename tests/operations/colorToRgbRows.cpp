@@ -2,10 +2,7 @@
 
 #include "ondrix/colorToRgb.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::colorToRgb
 {
 
 // Rows of the functions that share a signature. `across` and `down` are the pixels that a chroma pair covers.
@@ -85,9 +82,7 @@ void codedUnits(Draw& draw)
               to<uint8_t>("dst", 3 * extent.width * extent.height));
 }
 
-} // namespace
-
-std::vector<Row> colorToRgbRows()
+std::vector<Row> rows()
 {
 #define ODX_ROWS(subsampling, across, down, pixels, size)                                            \
     {"odxColorYCbCr" #subsampling "PlanarTo" #pixels "u8",                                           \
@@ -118,4 +113,4 @@ std::vector<Row> colorToRgbRows()
 #undef ODX_ROWS
 }
 
-} // namespace odx::test
+} // namespace odx::test::colorToRgb

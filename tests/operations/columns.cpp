@@ -85,7 +85,11 @@ uint32_t remoteCalls()
     return counts.completed;
 }
 
-#define FAMILY(name) std::vector<Row> name##Rows();
+#define FAMILY(name)         \
+    namespace name           \
+    {                        \
+    std::vector<Row> rows(); \
+    }
 #include "Rows.def"
 
 std::vector<Row> allRows()
@@ -94,7 +98,7 @@ std::vector<Row> allRows()
     const auto add = [&](const std::vector<Row>& family) {
         rows.insert(rows.end(), family.begin(), family.end());
     };
-#define FAMILY(name) add(name##Rows());
+#define FAMILY(name) add(name::rows());
 #include "Rows.def"
     return rows;
 }

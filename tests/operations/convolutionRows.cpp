@@ -2,10 +2,7 @@
 
 #include "operations/shapes.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::convolution
 {
 
 // Weights whose sums fit 16 bits, others, and any.
@@ -100,9 +97,7 @@ void inside(Draw& draw)
     draw.call(odxConvValids16, kernel(draw, "kernel", m * n), m, n, shift, sized(src), dst);
 }
 
-} // namespace
-
-std::vector<Row> convolutionRows()
+std::vector<Row> rows()
 {
     return {
         {"odxFilterCorrSep9x9s16", rounded<odxFilterCorrSep9x9s16, 9, false>},
@@ -124,4 +119,4 @@ std::vector<Row> convolutionRows()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::convolution

@@ -2,10 +2,7 @@
 
 #include "operations/shapes.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::correlation
 {
 
 // Weights of a smoothing kernel, whose sums fit few bits, and any others.
@@ -64,9 +61,7 @@ void real(Draw& draw)
     larger<float, odxFilterCorrNxNu8f32>(draw, n, kernel, n);
 }
 
-} // namespace
-
-std::vector<Row> correlationRows()
+std::vector<Row> rows()
 {
     return {
         {"odxFilterCorr3x3s8", corr3x3<odxFilterCorr3x3s8, false>},
@@ -77,4 +72,4 @@ std::vector<Row> correlationRows()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::correlation

@@ -2,10 +2,7 @@
 
 #include "ondrix/descriptors.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::descriptors
 {
 
 // Vectors and their inverse lengths: the true ones are of that size.
@@ -296,9 +293,7 @@ void searchVocabulary(Draw& draw)
               array<int8_t, 36>);
 }
 
-} // namespace
-
-std::vector<Row> descriptorsRows()
+std::vector<Row> rows()
 {
     return {
         {"odxBitCountu8", arrayToResult<uint8_t, odxBitCountu8>},
@@ -367,4 +362,4 @@ std::vector<Row> descriptorsRows()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::descriptors

@@ -377,7 +377,7 @@ struct Row {
     bool allocates = false;      // that is its work
 };
 
-// All rows: each file <family>Rows.cpp has a function of its name that returns its own.
+// All rows: each file <family>Rows.cpp returns its own from rows(), in a namespace of its name.
 std::vector<Row> allRows();
 
 // The public operations that exist, from the library's own list.

@@ -2,10 +2,7 @@
 
 #include "ondrix/fastCorners.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::fastCorners
 {
 
 // A mask whose size is the image's, times 2^finer, divided by 2^coarser.
@@ -67,9 +64,7 @@ void corners(Draw& draw)
     draw.result(count);
 }
 
-} // namespace
-
-std::vector<Row> fastCornersRows()
+std::vector<Row> rows()
 {
     return {
         {"odxCornerFast9u8", corners<odxCornerFast9u8, kPlain>, true},
@@ -87,4 +82,4 @@ std::vector<Row> fastCornersRows()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::fastCorners

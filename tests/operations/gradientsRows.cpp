@@ -2,10 +2,7 @@
 
 #include "ondrix/gradients.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::gradients
 {
 
 // One or two images of results; the first versions have no stride for them, both have that of the first.
@@ -68,9 +65,7 @@ void differenceEdges(Draw& draw)
     draw.call(odxFilterCanny3x3u8_v3, sized(src), dst, low, high, out);
 }
 
-} // namespace
-
-std::vector<Row> gradientsRows()
+std::vector<Row> rows()
 {
     using u8 = uint8_t;
     using s8 = int8_t;
@@ -112,4 +107,4 @@ std::vector<Row> gradientsRows()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::gradients

@@ -2,10 +2,7 @@
 
 #include "ondrix/harrisCorners.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::harrisCorners
 {
 
 // A list of corners; what lies beyond the corners found must stay as it was.
@@ -111,9 +108,7 @@ void maximaAlongLine(Draw& draw)
               draw.real("angle", 0, 1, 0.5f), to<float>("maxima", capacity), results<uint32_t, 1>);
 }
 
-} // namespace
-
-std::vector<Row> harrisCornersRows()
+std::vector<Row> rows()
 {
     constexpr bool contentMatters = true;
     return {
@@ -129,4 +124,4 @@ std::vector<Row> harrisCornersRows()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::harrisCorners

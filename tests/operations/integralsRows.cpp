@@ -2,10 +2,7 @@
 
 #include "ondrix/integrals.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::integrals
 {
 
 Extent tableOf(Extent extent)
@@ -106,9 +103,7 @@ void borderedPatch(Draw& draw)
               inside ? borderType : oneOf<ONDRIX_BORDER_REPLICATE, ONDRIX_BORDER_CONSTANT>, borderValue);
 }
 
-} // namespace
-
-std::vector<Row> integralsRows()
+std::vector<Row> rows()
 {
     return {
         {"odxIntegrateImageu8", packedImage},
@@ -128,4 +123,4 @@ std::vector<Row> integralsRows()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::integrals

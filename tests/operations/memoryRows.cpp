@@ -2,10 +2,7 @@
 
 #include "ondrix/memory.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::memory
 {
 
 void registerBuffer(Draw& draw)
@@ -15,11 +12,9 @@ void registerBuffer(Draw& draw)
     draw.call(odxRegisterBuf, buffer.pixels, size, 3);
 }
 
-} // namespace
-
-std::vector<Row> memoryRows()
+std::vector<Row> rows()
 {
     return {{"odxRegisterBuf", registerBuffer}};
 }
 
-} // namespace odx::test
+} // namespace odx::test::memory

@@ -2,10 +2,7 @@
 
 #include "ondrix/morphology.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::morphology
 {
 
 template <auto* operation>
@@ -27,9 +24,7 @@ void sized(Draw& draw)
     draw.call(operation, sized(src, extent), n, dst);
 }
 
-} // namespace
-
-std::vector<Row> morphologyRows()
+std::vector<Row> rows()
 {
     return {
         {"odxFilterErode3x3u8", packed3x3<odxFilterErode3x3u8>},
@@ -43,4 +38,4 @@ std::vector<Row> morphologyRows()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::morphology

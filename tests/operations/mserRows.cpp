@@ -2,10 +2,7 @@
 
 #include "ondrix/mser.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::mser
 {
 
 struct Handle {
@@ -65,9 +62,7 @@ void extraction(Draw& draw)
               when<extended>(variation, polarity, id, counter), when<box>(boxes));
 }
 
-} // namespace
-
-std::vector<Row> mserRows()
+std::vector<Row> rows()
 {
     constexpr bool contentMatters = true;
     return {
@@ -86,4 +81,4 @@ std::vector<Row> mserRows()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::mser

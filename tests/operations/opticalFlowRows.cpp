@@ -5,10 +5,7 @@
 #include <cmath>
 #include <limits>
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::opticalFlow
 {
 
 // Two images, of which the second one may be the first one moved, and levels above them.
@@ -124,9 +121,7 @@ void estimated(Draw& draw)
               f.rest(), estimates, use, epsilon, mode);
 }
 
-} // namespace
-
-std::vector<Row> opticalFlowRows()
+std::vector<Row> rows()
 {
     constexpr bool contentMatters = true;
     return {
@@ -137,4 +132,4 @@ std::vector<Row> opticalFlowRows()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::opticalFlow

@@ -2,10 +2,7 @@
 
 #include "ondrix/reordering.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::reordering
 {
 
 // Rows of packed pixels are described in elements of T.
@@ -46,9 +43,7 @@ void copy(Draw& draw)
     draw.call(odxCopy, dst, src, length);
 }
 
-} // namespace
-
-std::vector<Row> reorderingRows()
+std::vector<Row> rows()
 {
     return {
         {"odxTransposeu8", transpose<uint8_t, 1, odxTransposeu8>},
@@ -64,4 +59,4 @@ std::vector<Row> reorderingRows()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::reordering

@@ -3,10 +3,7 @@
 #include "ondrix/pyramids.h"
 #include "ondrix/scaling.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::scaling
 {
 
 // The size of an output, of a source of `size`: typically two thirds.
@@ -213,9 +210,7 @@ constexpr auto allocate = allocation<odxPyrLevel, odxPyramidDelete, odxPyramidAl
                allocate_v3 =
                    allocation<odxPyrLevelStrided, odxPyramidDelete_v2, odxPyramidAllocate_v3, true, true>;
 
-} // namespace
-
-std::vector<Row> scalingRows()
+std::vector<Row> rows()
 {
     return {
         {"odxScaleDownBy2u8", packed<uint8_t, 1, 2, odxScaleDownBy2u8>},
@@ -262,4 +257,4 @@ std::vector<Row> scalingRows()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::scaling

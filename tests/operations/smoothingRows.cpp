@@ -2,10 +2,7 @@
 
 #include "ondrix/smoothing.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::smoothing
 {
 
 // 1 for borders, else none.
@@ -35,9 +32,7 @@ void medianMxN(Draw& draw)
     draw.call(odxFilterMedianMxNs16, src.pixels, extent, src.stride, m, n, dst.pixels, dst.stride);
 }
 
-} // namespace
-
-std::vector<Row> smoothingRows()
+std::vector<Row> rows()
 {
     return {
         {"odxFilterGaussian3x3u8", packedGaussian<uint8_t, odxFilterGaussian3x3u8, Size<7, 1>>},
@@ -63,4 +58,4 @@ std::vector<Row> smoothingRows()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::smoothing

@@ -2,10 +2,7 @@
 
 #include "ondrix/solvers.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::solvers
 {
 
 template <class Source, class Result, auto* operation>
@@ -93,9 +90,7 @@ void leastSquares(Draw& draw)
     draw.call(odxSolvef32, A.pixels, extent, from<float>("b", extent.height), to<float>("x", extent.width));
 }
 
-} // namespace
-
-std::vector<Row> solversRows()
+std::vector<Row> rows()
 {
     return {
         {"odxMatrixMultiplyf32", product<float, float, odxMatrixMultiplyf32>},
@@ -108,4 +103,4 @@ std::vector<Row> solversRows()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::solvers

@@ -4,10 +4,7 @@
 
 #include <string.h>
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::statistics
 {
 
 // Floats with not-a-numbers, infinities, zeros of both signs and denormal numbers among them, few or many; images
@@ -105,9 +102,7 @@ float leastDeviation(Draw& draw)
     return draw.pick("exponent", {0, 1}) == 0 ? draw.real("deviation", 0.01F, 3, 1) : 1e-30F;
 }
 
-} // namespace
-
-std::vector<Row> statisticsRows()
+std::vector<Row> rows()
 {
     return {
         {"odxMinMaxLocu8", extremes<uint8_t, odxMinMaxLocu8>, true},
@@ -138,4 +133,4 @@ std::vector<Row> statisticsRows()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::statistics

@@ -2,10 +2,7 @@
 
 #include "operations/shapes.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::thresholding
 {
 
 constexpr auto level = between<0u, 300u, 100u>, whenTrue = between<0u, 300u, 255u>,
@@ -47,9 +44,7 @@ void adaptive(Draw& draw)
     draw.call(operation, sized(src, extent), maxValue, type, value, dst);
 }
 
-} // namespace
-
-std::vector<Row> thresholdingRows()
+std::vector<Row> rows()
 {
     return {
         {"odxFilterThresholdu8", packedThreshold},
@@ -68,4 +63,4 @@ std::vector<Row> thresholdingRows()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::thresholding

@@ -2,10 +2,7 @@
 
 #include "ondrix/tracking.h"
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::tracking
 {
 
 // ---- windows ----
@@ -127,9 +124,7 @@ void blockMatching(Draw& draw)
               radius, to<int16_t>("flow", 2 * blocks), maybe(to<uint16_t>("sums", blocks)));
 }
 
-} // namespace
-
-std::vector<Row> trackingRows()
+std::vector<Row> rows()
 {
     return {
         {"odxMeanShiftu8", windowTracker<uint8_t, odxMeanShiftu8, false>},
@@ -147,4 +142,4 @@ std::vector<Row> trackingRows()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::tracking

@@ -5,10 +5,7 @@
 #include <limits>
 #include <math.h>
 
-namespace odx::test
-{
-
-namespace
+namespace odx::test::warps
 {
 
 // A matrix that shows the source turned, scaled, moved and, with nine coefficients, tilted; sometimes exactly, and
@@ -170,9 +167,7 @@ constexpr auto interpolation =
 constexpr auto exactInterpolation = oneOf<ONDRIX_INTERPOLATION_BILINEAR, ONDRIX_INTERPOLATION_NEAREST>;
 constexpr auto undefinedFirst = oneOf<ONDRIX_BORDER_UNDEFINED, ONDRIX_BORDER_CONSTANT, ONDRIX_BORDER_REPLICATE>;
 
-} // namespace
-
-std::vector<Row> warpsRows()
+std::vector<Row> rows()
 {
     return {
         {"odxWarpPerspectiveu8", packedWarp<1, odxWarpPerspectiveu8>},
@@ -202,4 +197,4 @@ std::vector<Row> warpsRows()
     };
 }
 
-} // namespace odx::test
+} // namespace odx::test::warps
