@@ -1,9 +1,6 @@
 // The scratch pool.
 #include "frame/scratch.h"
 #include "memory/heapWatch.h"
-#include "ondrix/modes.h"
-#include "ondrix/smoothing.h"
-#include "support/logCapture.h"
 #include "support/threads.h"
 
 #include <gtest/gtest.h>
@@ -160,43 +157,6 @@ TEST_F(ScratchPool, KeepsItsCapacityWhenItRealigns)
     odxMemDeInit();
 }
 
-// A frame's work: blocks of all sizes and alignments, taken and returned in an order of its own.
-void doFrame(uint32_t seed)
-{
-    std::mt19937 random(seed);
-    std::pair<uint8_t*, uint8_t> held[8] = {};
-    for (int step = 0; step < 100; ++step) {
-        auto& [block, pattern] = held[random() % 8];
-        if (block != nullptr) {
-            EXPECT_EQ(pattern, block[0]);
-            EXPECT_TRUE(release(block));
-        }
-        const uint32_t size = 1 + random() % 3000, alignment = 1u << random() % 10;
-        block = aligned(size, alignment);
-        ASSERT_NE(nullptr, block);
-        EXPECT_EQ(0u, reinterpret_cast<uintptr_t>(block) % alignment);
-        pattern = static_cast<uint8_t>(step);
-        memset(block, pattern, size);
-    }
-    for (const auto& [block, pattern] : held)
-        release(block);
-}
-
-// The first frame brings every entry to its size, the second to its alignment.
-TEST_F(ScratchPool, ComesToRestAfterTwoFrames)
-{
-    odxMemInit();
-    for (const uint32_t seed : {1u, 2u, 3u}) {
-        doFrame(seed);
-        doFrame(seed);
-        const unsigned before = allocationCount();
-        doFrame(seed);
-        EXPECT_EQ(before, allocationCount());
-    }
-    EXPECT_LE(heapReport().liveBlocks, 8u);
-    odxMemDeInit();
-}
-
 TEST_F(ScratchPool, LendsThirtyTwoBlocks)
 {
     odxMemInit();
@@ -214,37 +174,6 @@ TEST_F(ScratchPool, LendsThirtyTwoBlocks)
     EXPECT_EQ(lent[17], next);
     for (uint8_t* const block : lent)
         EXPECT_TRUE(release(block));
-    odxMemDeInit();
-}
-
-TEST_F(ScratchPool, ExhaustedFailsTheOperationsThatNeedIt)
-{
-    odxMemInit();
-    const std::vector<float> real(8 * 8, 2);
-    const std::vector<int16_t> small(8 * 8, 2);
-    for (const odxOperationMode mode : {ONDRIX_OP_EXT_REFERENCE, ONDRIX_OP_CPU_PERFORMANCE}) {
-        ASSERT_EQ(0, odxSetOperationMode(mode));
-        std::vector<uint8_t*> lent;
-        for (size_t i = 0; i < kEntries; ++i)
-            lent.push_back(unaligned(16));
-
-        LogCapture log;
-        std::vector<float> mean(8 * 8, -1);
-        odxBoxFilterNxNf32(real.data(), 8, 8, 0, 3, mean.data(), 0);
-        EXPECT_EQ(std::vector<float>(8 * 8, -1), mean);
-        const LogLine line = {6, "ondrix_lib_log",
-                              "Error - can not allocate scratch buffer for odxBoxFilterNxNf32C"};
-        EXPECT_EQ(std::vector<LogLine>{line}, log.take());
-        std::vector<int16_t> median(8 * 8, -1);
-        EXPECT_EQ(ONDRIX_NO_MEMORY, odxFilterMedianMxNs16(small.data(), 8, 8, 16, 3, 3, median.data(), 16));
-        EXPECT_EQ(std::vector<int16_t>(8 * 8, -1), median);
-
-        for (uint8_t* const block : lent)
-            EXPECT_TRUE(release(block));
-        EXPECT_EQ(ONDRIX_SUCCESS, odxFilterMedianMxNs16(small.data(), 8, 8, 16, 3, 3, median.data(), 16));
-        EXPECT_EQ(small, median);
-        EXPECT_TRUE(log.take().empty()); // the pool itself never logs
-    }
     odxMemDeInit();
 }
 
