@@ -101,9 +101,6 @@ Entries entries()
     const Argument channels = value(3, {0, 1, 17}, {2, 16});
     const std::string pixels = "(srcStride >= srcWidth*sizeof(uint8_t)*channels) && (dstStride >= srcWidth)",
                       layout = kImages + " && channels >= 2 && channels <= ";
-    Entry crossProduct = {
-        ODX_ENTRY(odxCrossProduct3x1f32), "src1 && src2 && dst", {buffer(8, 16), buffer(8, 16), buffer(8, 16)}};
-    crossProduct.pixelSize = kNever;
     return {
 #define TWO(name, S1, S2, D, takes, ...) two<S1, S2, D>(ODX_ENTRY(name) TAKEN_##takes),
 #define ONE(name, S, D, takes, ...) one<S, D>(ODX_ENTRY(name) TAKEN_##takes),
@@ -128,7 +125,7 @@ Entries entries()
               {image, columns, height(), strideFor<uint8_t>(), buffer()}),
         ENTRY(odxAverages32, "src && average && srcWidth && srcHeight && (srcStride >= srcWidth*sizeof(int32_t))",
               {image, columns, height(), strideFor<int32_t>(), buffer()}),
-        crossProduct,
+        ENTRY(odxCrossProduct3x1f32, "src1 && src2 && dst", Arguments(3, image).never()),
     };
 }
 

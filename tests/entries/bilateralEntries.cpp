@@ -20,14 +20,13 @@ Entries entries()
                    atMost64 = value(2, {0, nan, 64.001, infinite}, {1e-45, 64});
     const Arguments bordered = images + sigma + sigma + value(0, {3, 4294967295.0}, {1, 2}) + value();
     return {
-        entry(ODX_ENTRY(odxBilateralFilter5x5u8), check, images),
-        entry(ODX_ENTRY(odxBilateralFilter7x7u8), check, images),
-        entry(ODX_ENTRY(odxBilateralFilter9x9u8), check, images),
-        entry(ODX_ENTRY(odxBilateralFilter5x5u8_v2), types, bordered),
-        entry(ODX_ENTRY(odxBilateralFilter7x7u8_v2), types, bordered),
-        entry(ODX_ENTRY(odxBilateralFilter9x9u8_v2), types, bordered),
-        entry(ODX_ENTRY(odxBilateralFilterRecursiveu8), sigmas + " && (sigmaSpace <= 64)",
-              images + sigma + atMost64),
+        ENTRY(odxBilateralFilter5x5u8, check, images),
+        ENTRY(odxBilateralFilter7x7u8, check, images),
+        ENTRY(odxBilateralFilter9x9u8, check, images),
+        ENTRY(odxBilateralFilter5x5u8_v2, types, bordered),
+        ENTRY(odxBilateralFilter7x7u8_v2, types, bordered),
+        ENTRY(odxBilateralFilter9x9u8_v2, types, bordered),
+        ENTRY(odxBilateralFilterRecursiveu8, sigmas + " && (sigmaSpace <= 64)", images + sigma + atMost64),
     };
 }
 

@@ -65,8 +65,8 @@ Entries harrisEntries()
     const Arguments border = {value(3)}, corners = {buffer(1, 16)}, count = {value(9), buffer()},
                     threshold = {value(0)};
     const Arguments detection = image(5, 16, 8) + border + corners;
-    Entry maxima = entry(
-        ODX_ENTRY(odxFindMultipleMaximau8), "src && pos && dir && maxima && numMaxima && " + named,
+    Entry maxima = ENTRY(
+        odxFindMultipleMaximau8, "src && pos && dir && maxima && numMaxima && " + named,
         image(1, 1, 1) + Arguments{buffer(), buffer(), value(), value(), value(), value(), buffer(), buffer()});
     maxima.failure = 1;
     return {

@@ -19,8 +19,8 @@ Entries entries()
     return {
         ENTRY(odxFilterCorr3x3s8, "kernel && src && dst && w && h",
               {buffer(), buffer(), width(), height(), buffer()}),
-        entry(
-            ODX_ENTRY(odxFilterCorr3x3s8_v2),
+        ENTRY(
+            odxFilterCorr3x3s8_v2,
             "kernel && src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= srcWidth)",
             {buffer(), buffer(), width(), height(), stride(), buffer(), stride()}),
         ENTRY(odxFilterCorrNxNu8, "", sized({buffer(), size, value()}, 1)),

@@ -161,9 +161,7 @@ struct Entry {
     std::function<Outcome(const Values&)> call;
     Outcome failure;
     std::string condition; // the text of the check; empty where it is silent
-    std::vector<Argument> arguments;
-    uint32_t leastHeight = 1, pixelSize = 1;
-    Combinations alsoRefused = {};
+    Arguments arguments;
     bool forGpu = true; // else it is for the GPU only where it is refused
 };
 
@@ -213,12 +211,11 @@ constexpr Outcome failureOf(R (*)(P...))
 
 #define ODX_ENTRY(operation) #operation, odx::test::callWith(operation), odx::test::failureOf(operation)
 
-#define ENTRY(operation, ...) odx::test::entry(ODX_ENTRY(operation), __VA_ARGS__)
-inline Entry entry(const char* name, const decltype(Entry::call)& call, Outcome failure,
-                   const std::string& condition, const Arguments& with)
-{
-    return {name, call, failure, condition, with, with.leastHeight, with.pixelSize, with.alsoRefused};
-}
+#define ENTRY(operation, ...)             \
+    odx::test::Entry                      \
+    {                                     \
+        ODX_ENTRY(operation), __VA_ARGS__ \
+    }
 
 // Each file <family>Entries.cpp returns its own from entries(), in a namespace of its name.
 using Entries = std::vector<Entry>;

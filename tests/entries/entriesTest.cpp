@@ -168,7 +168,7 @@ TEST_F(EntryPoints, RefuseWhatTheirCheckNames)
         expectAccepted(entry, goodArguments(entry), "good arguments");
         replacing(entry, &Argument::accepted, expectAccepted);
         replacing(entry, &Argument::refused, expectRefused);
-        for (const auto& combination : entry.alsoRefused) {
+        for (const auto& combination : entry.arguments.alsoRefused) {
             Values arguments = goodArguments(entry);
             for (const auto& [i, value] : combination)
                 arguments[i] = value;
@@ -205,7 +205,7 @@ TEST_F(EntryPoints, TraceTheCallBeforeTheyRefuseIt)
 TEST_F(EntryPoints, SendWhatIsAligned)
 {
     const auto check = [](const Entry& entry, uint32_t column, const char* name, uint32_t Argument::*multiple) {
-        if (entry.pixelSize == kNever && column != ODX_IMPL_GPU) name = "ORLAN";
+        if (entry.arguments.pixelSize == kNever && column != ODX_IMPL_GPU) name = "ORLAN";
         if (column == ODX_IMPL_GPU && !entry.forGpu) {
             Values refused = goodArguments(entry);
             refused[find(entry, Argument::kRows)] += 1;
@@ -244,7 +244,7 @@ TEST_F(EntryPoints, SendWhatIsAligned)
 TEST_F(EntryPoints, SendWhatIsWorthIt)
 {
     for (const Entry& entry : allEntries()) {
-        if (entry.pixelSize == 0 || entry.pixelSize == kNever) continue;
+        if (entry.arguments.pixelSize == 0 || entry.arguments.pixelSize == kNever) continue;
         const size_t w = find(entry, Argument::kColumns), h = find(entry, Argument::kRows);
         const bool flat = h == entry.arguments.size(); // a list has a length only
         for (const auto& [column, name] : kRemoteColumns) {
@@ -255,18 +255,19 @@ TEST_F(EntryPoints, SendWhatIsWorthIt)
                 return taken(entry, column, arguments);
             };
             if (flat) {
-                const uint32_t few = 25344 / entry.pixelSize;
+                const uint32_t few = 25344 / entry.arguments.pixelSize;
                 EXPECT_EQ("ORLAN", at(few, 0)) << entry.name;
                 EXPECT_EQ(name, at(few + 1, 0)) << entry.name;
                 EXPECT_EQ(name, at(0x40000001, 0)) << entry.name; // 2^32 + 4 bytes of words
                 continue;
             }
-            const uint32_t small = 25344 / (64 * entry.pixelSize);
+            const uint32_t small = 25344 / (64 * entry.arguments.pixelSize);
             EXPECT_EQ("ORLAN", at(64, small)) << entry.name;
             EXPECT_EQ(name, at(64, small + 1)) << entry.name;
             for (uint32_t height = 1; height < 6; ++height) {
                 if (!entry.arguments[h].fails(height))
-                    EXPECT_EQ(height >= entry.leastHeight ? name : "ORLAN", at(65536, height)) << entry.name;
+                    EXPECT_EQ(height >= entry.arguments.leastHeight ? name : "ORLAN", at(65536, height))
+                        << entry.name;
             }
             EXPECT_EQ(name, at(65536, 65536)) << entry.name; // the number of pixels does not fit 32 bits
         }

@@ -50,16 +50,14 @@ void extraction(Draw& draw)
     }
     const uint32_t most = draw.number("most", 0u, 2000u, 10000u),
                    mostPoints = draw.number("points", 0u, 60000u, 2000000u);
-    uint32_t* const count = draw.destinationArray<uint32_t>("count", counts);
-    Count* const numPoints = draw.destinationArray<Count>("numPoints", most);
-    uint32_t* const points = draw.destinationArray<uint32_t>("array", 2 * mostPoints);
     float* const variation = draw.destinationArray<float>("variation", most);
     int32_t* const polarity = draw.destinationArray<int32_t>("polarity", most);
     uint32_t *const id = draw.destinationArray<uint32_t>("id", most),
                     *const counter = draw.destinationArray<uint32_t>("counter", most),
                     *const boxes = draw.destinationArray<uint32_t>("boxes", 4 * most);
-    draw.call(operation, handle.handle, sized(src), most, count, numPoints, mostPoints, points,
-              when<extended>(variation, polarity, id, counter), when<box>(boxes));
+    draw.call(operation, handle.handle, sized(src), most, results<uint32_t, counts>, to<Count>("numPoints", most),
+              mostPoints, to<uint32_t>("array", 2 * mostPoints), when<extended>(variation, polarity, id, counter),
+              when<box>(boxes));
 }
 
 std::vector<Row> rows()

@@ -38,9 +38,7 @@ void rotate(Draw& draw)
 void copy(Draw& draw)
 {
     const uint32_t length = draw.length(1);
-    const auto* const src = draw.sourceArray<uint8_t>("src", length);
-    auto* const dst = draw.destinationArray<uint8_t>("dst", length);
-    draw.call(odxCopy, dst, src, length);
+    draw.call(odxCopy, to<uint8_t>("dst", length), from<uint8_t>("src", length), length);
 }
 
 std::vector<Row> rows()
