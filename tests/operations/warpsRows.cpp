@@ -101,9 +101,8 @@ void remap(Draw& draw)
     const Extent to = images.to;
     const auto mapX = draw.source<float>("mapX", to, true), mapY = draw.source<float>("mapY", to, true);
     const float shift = draw.real("shift", -3, 3, 0.3f), bend = draw.real("bend", -0.05f, 0.05f, 0.001f);
-    const float senseless[] = {-0.0f,    -1e-40f,   1e-40f,
-                               INFINITY, -INFINITY, NAN,
-                               3e9f,     -3e9f,     static_cast<float>(images.src.width / channels - 1)};
+    const float senseless[] = {
+        -0.0f, -1e-40f, 1e-40f, INFINITY, -INFINITY, NAN, 3e9f, -3e9f, static_cast<float>(images.from.width - 1)};
     const uint32_t every = draw.pick("senseless", {0u, 0u, 29u, 2u});
     for (uint32_t y = 0, i = 0; y < to.height; ++y) {
         for (uint32_t x = 0; x < to.width; ++x, ++i) {
