@@ -48,6 +48,10 @@ TEST(Recovery, ACallGetsItsResultWhateverFails)
     };
     static constexpr char kFirst[] = "ondrixadsp_odxTrackLKOpticalFlowu8X", kOther[] = "ondrixadsp_odxBitCountu8X",
                           kInit[] = "dspRT_initZ9_with_attributes";
+    const auto withoutInit = [] {
+        return started + reloading + loaded() + reloaded + reinitializing + cannotLoad(kInit) + back +
+               recovered() + remoteAgain;
+    };
     // What fails under a call; with a restart at every second one, under the second.
     const struct {
         odxStubBehaviour stub;
@@ -75,12 +79,7 @@ TEST(Recovery, ACallGetsItsResultWhateverFails)
         {restarting(2), 2, 1, [&] { return withoutSymbol(kOther, 15); }, false, 0, kOther, 15, 15},
         {restarting(2), 3, 2, [&] { return withoutSymbol(kFirst, 1); }, true, 0, kFirst, 1, 1},
         {restarting(2), 2, 1, [&] { return withoutSymbol(kFirst, 15); }, false, 0, kFirst, 15, 15},
-        {restarting(2), 4, 2,
-         [] {
-             return started + reloading + loaded() + reloaded + reinitializing + cannotLoad(kInit) + back +
-                    recovered() + remoteAgain;
-         },
-         true, 0, kInit, 1},
+        {restarting(2), 4, 2, withoutInit, true, 0, kInit, 1},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(&row - rows);

@@ -23,6 +23,19 @@ decltype(Reference) variantOf()
 
 constexpr uint32_t kWidth = 160, kHeight = 159; // just worth sending
 
+struct Shape {
+    uint32_t width, height, stride;
+    int offset;
+};
+alignas(16) uint8_t src[70000], dst[70000];
+
+template <auto* Reference>
+odxStatus bordered(const Shape& s)
+{
+    return variantOf<Reference>()(src + s.offset, s.width, s.height, s.stride, dst, s.stride,
+                                  ONDRIX_BORDER_REPLICATE, 0);
+}
+
 } // namespace
 
 TEST(Variants, AreWhereTheTablesAndPointersSayTheyAre)
@@ -48,10 +61,8 @@ TEST(Variants, AreWhereTheTablesAndPointersSayTheyAre)
 TEST(Variants, OfStatusOperationsLeaveWhatIsBeyondTheirLimitsToTheCaller)
 {
     onRemote([](Stub& stub, LogCapture& log) {
-        alignas(16) static uint8_t src[kWidth * kHeight + 8], dst[kWidth * kHeight + 8];
         const auto median = [](uint32_t height, int offset) {
-            return variantOf<odxFilterMedian3x3u8_v3C>()(src + offset, kWidth, height, kWidth, dst, kWidth,
-                                                         ONDRIX_BORDER_REPLICATE, 0);
+            return bordered<odxFilterMedian3x3u8_v3C>({kWidth, height, kWidth, offset});
         };
         EXPECT_EQ(ONDRIX_SUCCESS, median(1, 1)); // the checks are off
         odxSetHWFlag(1);
@@ -71,28 +82,17 @@ TEST(Variants, OfStatusOperationsLeaveWhatIsBeyondTheirLimitsToTheCaller)
 
 TEST(Variants, HaveLimitsOfTheirOwn)
 {
-    struct Shape {
-        uint32_t width, height, stride;
-        int offset;
-    };
-    alignas(16) static uint8_t src[70000], dst[70000];
     const struct {
         const char* operation;
         odxStatus (*run)(const Shape&);
         std::vector<Shape> fitting, beyond;
     } rows[] = {
         {"odxBoxFilter3x3u8_v2",
-         [](const Shape& s) {
-             return variantOf<odxBoxFilter3x3u8_v2C>()(src + s.offset, s.width, s.height, s.stride, dst, s.stride,
-                                                       ONDRIX_BORDER_REPLICATE, 0);
-         },
+         bordered<odxBoxFilter3x3u8_v2C>,
          {{150, 169, 151, 1}, {169, 150, 169, 0}},
          {{160, 158, 160, 0}}},
         {"odxFilterGaussian3x3u8_v3",
-         [](const Shape& s) {
-             return variantOf<odxFilterGaussian3x3u8_v3C>()(src + s.offset, s.width, s.height, s.stride, dst,
-                                                            s.stride, ONDRIX_BORDER_REPLICATE, 0);
-         },
+         bordered<odxFilterGaussian3x3u8_v3C>,
          {{164, 159, 164, 4}, {8452, 3, 8452, 0}},
          {{160, 158, 160, 0}, {162, 159, 164, 0}, {160, 159, 162, 0}, {160, 159, 160, 2}, {12800, 2, 12800, 0}}},
         {"odxFilterMedianMxNs16",
@@ -130,11 +130,11 @@ TEST(Variants, OfStatusOperationsReturnTheRemoteStatus)
 {
     onRemote([](Stub& stub, LogCapture& log) {
         // An even window is none: the wrapper refuses it, the reference does not see it.
-        const int16_t src[9] = {5, 1, 9, 3, 7, 2, 8, 6, 4};
-        int16_t dst[9] = {};
-        EXPECT_EQ(ONDRIX_SUCCESS, odxFilterMedianMxNs16(src, 3, 3, 6, 3, 3, dst, 6));
-        EXPECT_EQ(5, dst[4]);
-        EXPECT_EQ(ONDRIX_BAD_PARAMETER, odxFilterMedianMxNs16(src, 3, 3, 6, 2, 3, dst, 6));
+        const int16_t nine[9] = {5, 1, 9, 3, 7, 2, 8, 6, 4};
+        int16_t median[9] = {};
+        EXPECT_EQ(ONDRIX_SUCCESS, odxFilterMedianMxNs16(nine, 3, 3, 6, 3, 3, median, 6));
+        EXPECT_EQ(5, median[4]);
+        EXPECT_EQ(ONDRIX_BAD_PARAMETER, odxFilterMedianMxNs16(nine, 3, 3, 6, 2, 3, median, 6));
         EXPECT_EQ(1u, stub.counts().calls);
         const remoting::StubReplaced replaced; // meanwhile calls stay here, in silence
         EXPECT_EQ(kBits, countBits());
@@ -146,11 +146,11 @@ TEST(Variants, OfStatusOperationsReturnTheRemoteStatus)
 TEST(Variants, DefaultTheStridesOfDirectCalls)
 {
     onRemote([](Stub& stub, LogCapture&) {
-        const int16_t src[5 * 6] = {0, 0, 0, 0, 0, 0, 0, 0, 256};
+        const int16_t point[5 * 6] = {0, 0, 0, 0, 0, 0, 0, 0, 256};
         int16_t packed[5 * 6] = {}, given[5 * 6] = {};
         const auto gaussian = variantOf<odxFilterGaussian5x5s16C>();
-        gaussian(src, 5, 6, 0, packed, 0, 1);
-        gaussian(src, 5, 6, 10, given, 10, 1);
+        gaussian(point, 5, 6, 0, packed, 0, 1);
+        gaussian(point, 5, 6, 10, given, 10, 1);
         EXPECT_EQ(0, memcmp(packed, given, sizeof packed));
         EXPECT_NE(0, packed[8]);
         EXPECT_EQ(2u, stub.counts().completed);
@@ -209,7 +209,6 @@ TEST(Variants, KeepWhatDoesNotTravelAsWholeBuffers)
             EXPECT_EQ(sent, stub.counts().calls - before) << one;
         }
         // Rows that overlap, as far as the wrapper lets them.
-        uint8_t src[w * h] = {}, dst[w * h];
         odxFilterGaussian5x5u8_v2(src, 8, 8, 8, dst, 4, 1);
         EXPECT_EQ(2u, stub.counts().calls);
         odxFilterGaussian5x5u8_v2(src, 8, 8, 8, dst, 8, 1);
