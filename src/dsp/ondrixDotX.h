@@ -107,14 +107,14 @@ inline constexpr auto sampleOf = [](const float* from, uint32_t count, uint32_t 
 // Vectors, and the centers that they belong to. What was not asked for is null.
 inline constexpr auto clustersAfter = [](auto before, uint32_t length, const auto* from, uint32_t count,
                                          uint32_t fromStride, const auto* centers, uint32_t numCenters,
-                                         uint32_t centersStride, uint32_t* labels, auto* distances,
+                                         uint32_t centersStride, uint32_t* labels, auto* nearness,
                                          uint32_t* counts, auto* sums, auto* newCenters) {
     const Stride of = strideOf(from, fromStride, length), between = strideOf(centers, centersStride, length);
     return limit(worthSending(length, uint64_t{count} * sizeof *from) &&
                      multiplesOf(kRemoteAlignment, from, fromStride, centers, centersStride),
                  arguments(rowsWithin(from, of, length, count)) + before +
                      arguments(count, of, rowsWithin(centers, between, length, numCenters), numCenters, between,
-                               written(labels, count), written(distances, count), written(counts, numCenters),
+                               written(labels, count), written(nearness, count), written(counts, numCenters),
                                written(sums, product(numCenters, length)),
                                rowsWithin(newCenters, between, length, numCenters)));
 };
