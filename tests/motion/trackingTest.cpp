@@ -413,7 +413,7 @@ TEST_F(Tracking, BlocksGoWhereTheyFitBest)
         const int width = 16 + below(30), height = 16 + below(30), stride = width + below(5), radius = below(9),
                   step = 1 + below(20);
         std::vector<uint8_t> one = noise(stride * height), two = one;
-        for (size_t i = 40; i < two.size() && round % 3 != 0; ++i)
+        for (size_t i = 64; i < two.size() && round % 3 != 0; ++i)
             two[i] = one[i - index(round % 5 + (round % 2) * stride)];
         if (round % 4 == 0) std::fill(two.begin(), two.end(), uint8_t{9});
         if (round % 4 == 1) { // stripes, that fit two places equally far away

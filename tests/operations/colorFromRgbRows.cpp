@@ -73,7 +73,7 @@ template <uint32_t subsampling, bool interleaved, class Plane>
 Planes planes(Draw& draw, Extent extent, Plane plane, bool wholePairs = false)
 {
     const Extent samples = chroma<subsampling>(extent);
-    Planes all;
+    Planes all = {};
     all.y = plane("Y", extent, false);
     if (!interleaved) {
         all.cb = plane("Cb", samples, false);
