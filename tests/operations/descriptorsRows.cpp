@@ -96,7 +96,8 @@ void normalise(Draw& draw)
 {
     const uint32_t count = draw.length(1, 36 * 8), stop = draw.pick("stop", {0u, 0u, 0u, 0u, 256u});
     const auto src = draw.source<int8_t>("src", {36, count});
-    draw.call(odxVecNormalize36s8f32, src, inverseLengths(draw, count), count, draw.real("norm", -3, 300, 1),
+    const float* const lengths = inverseLengths(draw, count);
+    draw.call(odxVecNormalize36s8f32, src, lengths, count, draw.real("norm", -3, 300, 1),
               to<float>("dst", 36 * count), &stop);
 }
 
@@ -164,7 +165,9 @@ void clusters(Draw& draw)
     draw.writesInPlace(centers);
     T* const moved = draw.destinationArray<T>("new centers", centers.stride / sizeof(T) * numCenters);
     const int left = draw.pick("results", {0, 1, 2, 3});
-    const auto unless = [&](bool unwanted, auto drawn) { return unwanted ? nullptr : drawn(draw); };
+    const auto unless = [](bool unwanted, auto drawn) {
+        return [=](Draw& d) { return unwanted ? nullptr : drawn(d); };
+    };
     draw.call(operation, v.pixels, when<fixed == 0>(length), count, v.strideArgument(), centers.pixels, numCenters,
               centers.strideArgument(), to<uint32_t>("labels", count),
               unless(left == 1, to<Distance>("distances", count)),

@@ -36,7 +36,9 @@ void extremes(Draw& draw)
 {
     const auto src = elements<T>(draw);
     const uint32_t left = draw.pick("left out", {4U, 4U, 0U, 1U, 2U, 3U});
-    const auto unless = [=, &draw](uint32_t i, auto drawn) { return left == i ? nullptr : drawn(draw); };
+    const auto unless = [=](uint32_t i, auto drawn) {
+        return [=](Draw& d) { return left == i ? nullptr : drawn(d); };
+    };
     const auto value = to<T>("value", 1);
     const auto place = to<uint32_t>("place", 2);
     draw.call(operation, sized(src), unless(0, value), unless(1, value), unless(2, place), unless(3, place));
