@@ -253,4 +253,17 @@ TEST_F(Statistics, NormalizeNeighbourhoods)
     }
 }
 
+TEST(Extremes, LieInsideLongRows)
+{
+    ASSERT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_CPU));
+    std::vector<uint8_t> row(4098, 7); // one element more than pieces of whole vectors, and one behind the row
+    row[4096] = 3;
+    row[4097] = 0;
+    uint8_t least = 0;
+    uint32_t place[2] = {};
+    odxMinMaxLocu8(row.data(), 4097, 1, 0, &least, nullptr, place, nullptr);
+    EXPECT_EQ(3, least);
+    EXPECT_EQ(4096u, place[0]);
+}
+
 } // namespace
