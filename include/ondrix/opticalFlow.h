@@ -27,10 +27,9 @@
 /// 1. p = featureXY * scale. The guess g is the estimate times the scale on the top level, and twice the result of
 ///    the level before on others.
 /// 2. The window of a point q has its top left corner at (floor(q.x) - hx, floor(q.y) - hy). It is cut to the
-/// image;
-///    what remains is w x h pixels, cut by l, r, t and b pixels at its sides. Its centre is
-///    q + ((l - r) * 0.5, (t - b) * 0.5). When nothing remains, or a coordinate is not finite or 2^30 and more in
-///    magnitude, the point is outside.
+///    image; what remains is w x h pixels, cut by l, r, t and b pixels at its sides. Its centre is q + ((l - r) *
+///    0.5, (t - b) * 0.5). When nothing remains, or a coordinate is not finite or 2^30 and more in magnitude, the
+///    point is outside.
 /// 3. A patch of w x h samples about the centre c starts at s = c - ((w - 1) * 0.5, (h - 1) * 0.5). With
 ///    (X, Y) = floor(s), fx = max(s.x - X, 0.0001), fy = s.y - Y and pixels of the image, or the nearest ones
 ///    inside it, the sample (i, j) is
@@ -42,9 +41,8 @@
 ///        Iy = (dy(-1) + dy(1)) * 0.09375 + dy(0) * 0.3125,  dy(k) = f(i + k, j + 1) - f(i + k, j - 1)
 /// 5. At most `iterationLimit` times (1 at least, 100 at most):
 ///    - The window of g in image 2, cut to that image and to what the window in image 1 was cut to, as places in
-///    the
-///      whole window: when nothing remains, the status is -4 and the iteration ends. Else I2 is a patch of what
-///      remains, about the centre for these cuts.
+///      the whole window: when nothing remains, the status is -4 and the iteration ends. Else I2 is a patch of
+///      what remains, about the centre for these cuts.
 ///    - Sums over that part of the window: xx of Ix * Ix, xy of Ix * Iy, yy of Iy * Iy (only made again when the
 ///      part is another one than in the iteration before), bx of (I1 - I2) * Ix, by of (I1 - I2) * Iy.
 ///    - determinant = xx * yy - xy * xy; below 1e-7 the status is -2 and the iteration ends.

@@ -27,14 +27,12 @@ typedef struct {
 /// Repeats, with `iterationLimit` at least 1:
 /// 1. Clamp: x to 0 .. srcWidth - 1, then width = max(min(srcWidth - x, width), 1); y and height likewise.
 /// 2. Sums over the window, in double: m00 of the weights, m10 of weight * column, m01 of weight * row, with
-/// columns
-///    and rows counted from the window's corner. With |m00| < 2.220446e-16, or sums that are not finite, the
-///    search ends.
+///    columns and rows counted from the window's corner. With |m00| < 2.220446e-16, or sums that are not finite,
+///    the search ends.
 /// 3. dx = round(m10 / m00 - width * 0.5), dy = round(m01 / m00 - height * 0.5), halves away from zero. The corner
 ///    moves to (x + dx, y + dy), and the window is clamped.
 /// 4. With dx * dx + dy * dy < trunc(epsilon * epsilon + 0.5), in double, the search ends. Else one more iteration
-/// is
-///    complete; the search ends when `iterationLimit` are.
+///    is complete; the search ends when `iterationLimit` are.
 /// Uniform weights give -0.5, which rounds to -1: without other weights a window creeps to the origin.
 ///
 /// Sums of integers are exact up to 2^53. Sums of floats: each row in parts of 4096 columns; in a part the
@@ -62,10 +60,9 @@ ODX_API unsigned int odxMeanShiftf32(const float* src, unsigned int srcWidth, un
 /// Continuously adaptive mean shift, in double:
 /// 1. Mean shift as odxMeanShiftu8 does it; with a limit of 0 the window is clamped.
 /// 2. The region is that window with 10 pixels more on each side, cut to the image. Its sums are those of mean
-/// shift;
-///    the centre is xc = (region's left) + m10 / m00, yc = (region's top) + m01 / m00. With u and v the distances
-///    of a pixel's column and row from the centre: a = sum(weight * u * u) / m00, b = sum(weight * u * v) / m00,
-///    c = sum(weight * v * v) / m00; a and c below 0 count as 0.
+///    shift; the centre is xc = (region's left) + m10 / m00, yc = (region's top) + m01 / m00. With u and v the
+///    distances of a pixel's column and row from the centre: a = sum(weight * u * u) / m00, b = sum(weight * u *
+///    v) / m00, c = sum(weight * v * v) / m00; a and c below 0 count as 0.
 /// 3. Unless m00 is at least 2.220446e-16 and all of these are finite, the ellipse is all 0 and the window is what
 ///    step 1 left.
 /// 4. The ellipse: with s = sqrt((a - c)^2 + 4 b^2), length = 4 * sqrt((a + c + s) / 2),
