@@ -3,6 +3,7 @@
 // test.
 #include "cpu/ondrixArithm.h"
 #include "ondrix.h"
+#include "support/referenceTest.h"
 
 #include <gtest/gtest.h>
 
@@ -231,10 +232,8 @@ void expectSet(const char* name, Operation operation)
     }
 }
 
-class Arithmetic : public testing::Test
+class Arithmetic : public odx::test::ReferenceTest
 {
-protected:
-    Arithmetic() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
 };
 
 } // namespace

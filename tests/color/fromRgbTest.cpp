@@ -2,6 +2,7 @@
 // The other columns are held to the reference by the differential test.
 #include "cpu/ondrixColorFromRgbC.h"
 #include "ondrix.h"
+#include "support/referenceTest.h"
 
 #include <gtest/gtest.h>
 
@@ -144,10 +145,8 @@ std::array<uint8_t, 3> hsvOf(const Colour& c)
             byte(most)};
 }
 
-class FromRgb : public testing::Test
+class FromRgb : public odx::test::ReferenceTest
 {
-protected:
-    FromRgb() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
 };
 
 // ---- packed pixels ----

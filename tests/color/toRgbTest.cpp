@@ -2,6 +2,7 @@
 // columns are held to the reference by the differential test.
 #include "ondrix.h"
 #include "support/childProcess.h"
+#include "support/referenceTest.h"
 
 #include <gtest/gtest.h>
 
@@ -300,10 +301,8 @@ void expectDefinition(const Conversion& c, const Source& s)
                                  << ", byte " << at % stride;
 }
 
-class ToRgb : public testing::Test
+class ToRgb : public odx::test::ReferenceTest
 {
-protected:
-    ToRgb() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
 };
 
 // Every luma with chroma of every ninth value, and with the values around the middle and the limits: a row for

@@ -6,6 +6,7 @@
 #include "ondrix/fastCorners.h"
 #include "ondrix/modes.h"
 #include "support/childProcess.h"
+#include "support/referenceTest.h"
 
 #include <gtest/gtest.h>
 
@@ -248,10 +249,8 @@ Image squares(uint32_t width, uint32_t height, uint32_t padding = 0)
     return image;
 }
 
-class Fast : public testing::Test
+class Fast : public odx::test::ReferenceTest
 {
-protected:
-    Fast() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
 };
 
 void expectModel(const Operation& operation, const Image& image, const Options& options, uint32_t nms = 0)

@@ -1,5 +1,6 @@
 // Harris corners against a model that computes whole images of responses, and their relatives against the corners.
 #include "ondrix/harrisCorners.h"
+#include "support/referenceTest.h"
 
 #include "ondrix/modes.h"
 #include "support/childProcess.h"
@@ -140,10 +141,8 @@ Corners detected(const Image& image, unsigned border, int threshold, unsigned ca
     return found;
 }
 
-class Harris : public testing::Test
+class Harris : public odx::test::ReferenceTest
 {
-protected:
-    Harris() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
 };
 
 // A checkered corner at a point between pixels, with pixels that are covered in part.

@@ -1,5 +1,6 @@
 // The reference operations on vectors against their definitions, coded the slow way, and numbers worked by hand.
 #include "ondrix.h"
+#include "support/referenceTest.h"
 
 #include <gtest/gtest.h>
 
@@ -12,11 +13,9 @@
 namespace
 {
 
-class Descriptors : public testing::Test
+class Descriptors : public odx::test::ReferenceTest
 {
 protected:
-    Descriptors() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
-
     template <class T>
     std::vector<T> draw(size_t count)
     {

@@ -3,6 +3,7 @@
 #include "ondrix.h"
 #include "support/childProcess.h"
 #include "support/logCapture.h"
+#include "support/referenceTest.h"
 
 #include <gtest/gtest.h>
 
@@ -16,11 +17,9 @@ using namespace odx::test;
 namespace
 {
 
-class Searches : public testing::Test
+class Searches : public odx::test::ReferenceTest
 {
 protected:
-    Searches() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
-
     int8_t drawElement() { return static_cast<int8_t>(random_() % 255 - 127); }
     // Vectors in groups, as descriptors of real images are.
     void drawSet(size_t count)

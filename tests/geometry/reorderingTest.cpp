@@ -3,6 +3,7 @@
 #include "ondrix.h"
 #include "support/childProcess.h"
 #include "support/logCapture.h"
+#include "support/referenceTest.h"
 
 #include <gtest/gtest.h>
 
@@ -69,10 +70,8 @@ std::vector<Case> cases()
     return all;
 }
 
-class Reordering : public testing::Test
+class Reordering : public odx::test::ReferenceTest
 {
-protected:
-    Reordering() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
 };
 
 } // namespace

@@ -2,6 +2,7 @@
 // are exact, and against values worked by hand.
 #include "cpu/ondrixWarpC.h"
 #include "ondrix.h"
+#include "support/referenceTest.h"
 
 #include <gtest/gtest.h>
 
@@ -89,10 +90,9 @@ Spot spot(const float* m, unsigned x, unsigned y, bool perspective)
     return {row(0) / den, row(3) / den};
 }
 
-class Warps : public Test
+class Warps : public odx::test::ReferenceTest
 {
 protected:
-    Warps() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
     std::vector<uint8_t> grey_ = noise(kWidth * kHeight), triples_ = noise(3 * kWidth * kHeight);
     std::vector<uint8_t> dst_ = std::vector<uint8_t>(4 * kWidth * kHeight, kBefore);
 

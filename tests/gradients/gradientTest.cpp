@@ -4,6 +4,7 @@
 #include "ondrix.h"
 #include "support/logCapture.h"
 #include "support/pictures.h"
+#include "support/referenceTest.h"
 #include "support/scratchWatch.h"
 
 using namespace odx::test;
@@ -11,10 +12,8 @@ using namespace odx::test;
 namespace
 {
 
-class Gradients : public testing::Test
+class Gradients : public odx::test::ReferenceTest
 {
-protected:
-    Gradients() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
 };
 
 // A derivative: its weights along its direction, and across.

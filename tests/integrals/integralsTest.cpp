@@ -1,6 +1,7 @@
 // Integral images against their definition.
 #include "ondrix.h"
 #include "support/pictures.h"
+#include "support/referenceTest.h"
 
 #include <gtest/gtest.h>
 
@@ -11,10 +12,8 @@ using namespace odx::test;
 namespace
 {
 
-class Integrals : public testing::Test
+class Integrals : public odx::test::ReferenceTest
 {
-protected:
-    Integrals() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
 };
 
 using Image = Grid<uint8_t>;

@@ -1,5 +1,6 @@
 // Optical flow against its definition, coded the slow way.
 #include "ondrix/opticalFlow.h"
+#include "support/referenceTest.h"
 
 #include "ondrix/modes.h"
 #include "support/scratchWatch.h"
@@ -241,10 +242,9 @@ double texture(double x, double y)
            20 * std::sin(0.53 * x - 0.41 * y) + 14 * std::sin(0.83 * x + 0.71 * y + std::sin(0.3 * x));
 }
 
-class OpticalFlow : public testing::Test
+class OpticalFlow : public odx::test::ReferenceTest
 {
 protected:
-    OpticalFlow() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
     std::mt19937 random_{7};
 
     float between(double low, double high)

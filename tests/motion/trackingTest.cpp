@@ -1,6 +1,7 @@
 // The trackers against their definitions, coded the slow way.
 #include "ondrix/tracking.h"
 #include "ondrix/opticalFlow.h"
+#include "support/referenceTest.h"
 
 #include "frame/log.h"
 #include "frame/operations.h"
@@ -28,10 +29,9 @@ size_t index(int i)
     return static_cast<size_t>(i);
 }
 
-class Tracking : public testing::Test
+class Tracking : public odx::test::ReferenceTest
 {
 protected:
-    Tracking() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
     std::mt19937 random_{11};
 
     int below(int n) { return static_cast<int>(random_() % static_cast<unsigned>(n)); }

@@ -1,6 +1,7 @@
 // The convolutions against their definition.
 #include "ondrix.h"
 #include "support/pictures.h"
+#include "support/referenceTest.h"
 
 #include <gtest/gtest.h>
 
@@ -11,10 +12,8 @@ using namespace odx::test;
 namespace
 {
 
-class Convolution : public testing::Test
+class Convolution : public odx::test::ReferenceTest
 {
-protected:
-    Convolution() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
 };
 
 using Kernel = Grid<int64_t>; // as it meets the pixels of a window

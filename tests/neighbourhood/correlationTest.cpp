@@ -1,16 +1,15 @@
 // The correlations against their definition.
 #include "ondrix.h"
 #include "support/pictures.h"
+#include "support/referenceTest.h"
 
 using namespace odx::test;
 
 namespace
 {
 
-class Correlation : public testing::Test
+class Correlation : public odx::test::ReferenceTest
 {
-protected:
-    Correlation() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
 };
 
 using Image = Grid<uint8_t>;

@@ -1,6 +1,7 @@
 // Erosion and dilation against their definitions.
 #include "ondrix.h"
 #include "support/pictures.h"
+#include "support/referenceTest.h"
 #include "support/scratchWatch.h"
 
 using namespace odx::test;
@@ -8,10 +9,8 @@ using namespace odx::test;
 namespace
 {
 
-class Morphology : public testing::Test
+class Morphology : public odx::test::ReferenceTest
 {
-protected:
-    Morphology() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
 };
 
 using Image = Grid<uint8_t>;

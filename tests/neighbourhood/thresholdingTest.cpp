@@ -1,16 +1,15 @@
 // The thresholds against their definitions. The other columns are held to the reference by the differential test.
 #include "ondrix.h"
 #include "support/pictures.h"
+#include "support/referenceTest.h"
 
 using namespace odx::test;
 
 namespace
 {
 
-class Thresholds : public testing::Test
+class Thresholds : public odx::test::ReferenceTest
 {
-protected:
-    Thresholds() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
 };
 
 using Image = Grid<uint8_t>;

@@ -1,6 +1,7 @@
 // Pyramids: sizes of the levels, what is done at odd ones, memory.
 #include "ondrix.h"
 #include "support/pictures.h"
+#include "support/referenceTest.h"
 
 using namespace odx::test;
 
@@ -10,10 +11,8 @@ namespace
 using Bytes = Grid<uint8_t>;
 const std::vector<int> kGaussian = {1, 4, 6, 4, 1};
 
-class Pyramids : public testing::Test
+class Pyramids : public odx::test::ReferenceTest
 {
-protected:
-    Pyramids() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
 };
 
 using Sizes = std::vector<std::pair<uint32_t, uint32_t>>;

@@ -1,6 +1,7 @@
 // The references of scaling against their definitions, one pixel at a time, and numbers worked by hand.
 #include "ondrix.h"
 #include "support/pictures.h"
+#include "support/referenceTest.h"
 
 #include <cmath>
 
@@ -9,10 +10,8 @@ using namespace odx::test;
 namespace
 {
 
-class Scaling : public testing::Test
+class Scaling : public odx::test::ReferenceTest
 {
-protected:
-    Scaling() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
 };
 
 using Bytes = Grid<uint8_t>;

@@ -5,6 +5,7 @@
 #include "support/childProcess.h"
 #include "support/logCapture.h"
 #include "support/pictures.h"
+#include "support/referenceTest.h"
 #include "support/scratchWatch.h"
 
 using namespace odx::test;
@@ -17,10 +18,8 @@ const std::vector<int> kBinomial3 = {1, 2, 1}, kBinomial5 = {1, 4, 6, 4, 1},
 constexpr odxBorderType kBorderTypes[] = {ONDRIX_BORDER_UNDEFINED, ONDRIX_BORDER_CONSTANT,
                                           ONDRIX_BORDER_REPLICATE};
 
-class Smoothing : public testing::Test
+class Smoothing : public odx::test::ReferenceTest
 {
-protected:
-    Smoothing() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
 };
 
 template <class T>

@@ -1,5 +1,6 @@
 // Statistics against their definitions, coded the slow way.
 #include "ondrix.h"
+#include "support/referenceTest.h"
 
 #include <gtest/gtest.h>
 
@@ -53,10 +54,8 @@ int asIs(int v)
     return v;
 }
 
-class Statistics : public testing::Test
+class Statistics : public odx::test::ReferenceTest
 {
-protected:
-    Statistics() { EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE)); }
 };
 
 // As bits, which tell zeros and not-a-numbers apart.
