@@ -265,36 +265,10 @@ void odxImageIntensityStatsC(const uint8_t* src, unsigned int srcWidth, unsigned
                                ONDRIX_VARIANCE_POPULATION);
 }
 
-odxStatus odxNormalizeLocalBoxu8C(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
-                                  unsigned int srcStride, unsigned int N, uint8_t* dst, unsigned int dstStride,
-                                  unsigned int deviation, unsigned int minDeviation)
-{
-    const Plane<uint8_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
-    return normalization::normalize(normalization::Bytes(N, deviation, minDeviation), N, plane);
-}
-odxStatus odxNormalizeLocalBoxf32C(const float* src, unsigned int srcWidth, unsigned int srcHeight,
-                                   unsigned int srcStride, unsigned int N, float* dst, unsigned int dstStride,
-                                   float minDeviation)
-{
-    const Plane<float> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
-    return normalization::normalize(normalization::Floats(N, minDeviation), N, plane);
-}
+#define ODX_COLUMN(name) name##C
+#include "cpu/ondrixStatOperations.inc"
 
 // clang-format off
-#define ODX_MIN_MAX(name, T) \
-    void name##C(const T* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride, T* minValue, \
-                 T* maxValue, uint32_t* minXY, uint32_t* maxXY) \
-    { \
-        minMaxLoc(src, srcWidth, srcHeight, srcStride, minValue, maxValue, minXY, maxXY); \
-    }
-#define ODX_ALL_MIN_MAX(name, T) \
-    odxStatus name##C(const T* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride, \
-                      T* minValue, T* maxValue, uint32_t* minXY, uint32_t* maxXY, unsigned int capacity, \
-                      uint32_t* minCount, uint32_t* maxCount) \
-    { \
-        return allMinMaxLoc(src, srcWidth, srcHeight, srcStride, minValue, maxValue, minXY, maxXY, capacity, \
-                            minCount, maxCount); \
-    }
 #define ODX_MOMENTS(name, helper, T) \
     void helper##C(const T* src, uint32_t stride, uint32_t width, uint32_t height, uint32_t binary, \
                    moments::Powers<double>& sums) \
@@ -308,18 +282,6 @@ odxStatus odxNormalizeLocalBoxf32C(const float* src, unsigned int srcWidth, unsi
     }
 // clang-format on
 
-ODX_MIN_MAX(odxMinMaxLocu8, uint8_t)
-ODX_MIN_MAX(odxMinMaxLocs16, int16_t)
-ODX_MIN_MAX(odxMinMaxLocu16, uint16_t)
-ODX_MIN_MAX(odxMinMaxLocs32, int32_t)
-ODX_MIN_MAX(odxMinMaxLocu32, uint32_t)
-ODX_MIN_MAX(odxMinMaxLocf32, float)
-ODX_ALL_MIN_MAX(odxMinMaxLocu8_v2, uint8_t)
-ODX_ALL_MIN_MAX(odxMinMaxLocs16_v2, int16_t)
-ODX_ALL_MIN_MAX(odxMinMaxLocu16_v2, uint16_t)
-ODX_ALL_MIN_MAX(odxMinMaxLocs32_v2, int32_t)
-ODX_ALL_MIN_MAX(odxMinMaxLocu32_v2, uint32_t)
-ODX_ALL_MIN_MAX(odxMinMaxLocf32_v2, float)
 ODX_MOMENTS(odxImageMomentsu8, momentsOfBandu8, uint8_t)
 ODX_MOMENTS(odxImageMomentss32, momentsOfBands32, int32_t)
 ODX_MOMENTS(odxImageMomentsf32, momentsOfBandf32, float)
