@@ -95,32 +95,32 @@ auto direct(const int16_t* kernel, uint32_t M, uint32_t N, Scale scale)
 extern "C" {
 
 // clang-format off
-#define ODX_CORRELATION(K) \
-    void odxFilterCorrSep##K##x##K##s16C(const int16_t* kernelX, const int16_t* kernelY, const int16_t* src, \
-                                         unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride, \
-                                         int16_t* dst, unsigned int dstStride) \
+#define ODX_CORRELATION(name, K) \
+    void name(const int16_t* kernelX, const int16_t* kernelY, const int16_t* src, \
+              unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride, \
+              int16_t* dst, unsigned int dstStride) \
     { \
         correlateRounded(kernelX, kernelY, K, src, srcWidth, srcHeight, srcStride, dst, dstStride); \
     }
 
-ODX_CORRELATION(9)
-ODX_CORRELATION(11)
-ODX_CORRELATION(13)
-ODX_CORRELATION(15)
-ODX_CORRELATION(17)
+ODX_CORRELATION(odxFilterCorrSep9x9s16C, 9)
+ODX_CORRELATION(odxFilterCorrSep11x11s16C, 11)
+ODX_CORRELATION(odxFilterCorrSep13x13s16C, 13)
+ODX_CORRELATION(odxFilterCorrSep15x15s16C, 15)
+ODX_CORRELATION(odxFilterCorrSep17x17s16C, 17)
 
 #define ODX_CONVOLUTION(name, D) \
-    odxStatus name##C(const int16_t* kernel, unsigned int M, unsigned int N, unsigned int shift, const uint8_t* src, \
-                      unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride, D* dst, \
-                      unsigned int dstStride, odxBorderType borderType, uint32_t borderValue) \
+    odxStatus name(const int16_t* kernel, unsigned int M, unsigned int N, unsigned int shift, const uint8_t* src, \
+                   unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride, D* dst, \
+                   unsigned int dstStride, odxBorderType borderType, uint32_t borderValue) \
     { \
         const Plane<uint8_t, D> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride}; \
         filterBlocks(plane, M, N, borderType, borderValue, direct<D>(kernel, M, N, Scale(shift))); \
         return ONDRIX_SUCCESS; \
     }
 
-ODX_CONVOLUTION(odxFilterConvolveMxNu8, uint8_t)
-ODX_CONVOLUTION(odxFilterConvolveMxNu8s16, int16_t)
+ODX_CONVOLUTION(odxFilterConvolveMxNu8C, uint8_t)
+ODX_CONVOLUTION(odxFilterConvolveMxNu8s16C, int16_t)
 // clang-format on
 
 void odxFilterCorrSepNxNs16C(const int16_t* kernelX, const int16_t* kernelY, unsigned int N, const int16_t* src,
