@@ -98,6 +98,17 @@ struct Transposition {
     ptrdiff_t dstStride;
 };
 
+template <class T>
+ODX_REORDER_INLINE Transposition transposition(const T* src, size_t width, size_t height, size_t srcStride, T* dst,
+                                               size_t dstStride)
+{
+    return {reinterpret_cast<const uint8_t*>(src),
+            width,
+            height,
+            static_cast<ptrdiff_t>(srcStride),
+            reinterpret_cast<uint8_t*>(dst),
+            static_cast<ptrdiff_t>(dstStride)};
+}
 ODX_REORDER_INLINE Transposition quarterTurn(const uint8_t* src, size_t width, size_t height, size_t srcStride,
                                              uint8_t* dst, size_t dstStride, bool clockwise)
 {

@@ -27,14 +27,6 @@ struct Mirror {
     }
 };
 
-template <class T>
-void transpose(const T* src, uint32_t width, uint32_t height, uint32_t srcStride, T* dst, uint32_t dstStride)
-{
-    reorder::transposeBlocks<sizeof(T)>({reinterpret_cast<const uint8_t*>(src), width, height,
-                                         static_cast<ptrdiff_t>(srcStride), reinterpret_cast<uint8_t*>(dst),
-                                         static_cast<ptrdiff_t>(dstStride)});
-}
-
 } // namespace
 
 extern "C" {
@@ -42,19 +34,19 @@ extern "C" {
 void odxTransposeu8C(const uint8_t* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride, uint8_t* dst,
                      unsigned dstStride)
 {
-    transpose(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    reorder::transposeBlocks<1>(reorder::transposition(src, srcWidth, srcHeight, srcStride, dst, dstStride));
 }
 
 void odxTransposeu16C(const uint16_t* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride,
                       uint16_t* dst, unsigned dstStride)
 {
-    transpose(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    reorder::transposeBlocks<2>(reorder::transposition(src, srcWidth, srcHeight, srcStride, dst, dstStride));
 }
 
 void odxTransposef32C(const float* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride, float* dst,
                       unsigned dstStride)
 {
-    transpose(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    reorder::transposeBlocks<4>(reorder::transposition(src, srcWidth, srcHeight, srcStride, dst, dstStride));
 }
 
 void odxTransposeRGB888u8C(const uint8_t* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride,
@@ -67,8 +59,7 @@ void odxTransposeRGB888u8C(const uint8_t* src, unsigned srcWidth, unsigned srcHe
                        "src && dst && srcWidth && srcHeight && (srcStride >= srcWidth*3) && (dstStride >= "
                        "srcHeight*3)");
     }
-    reorder::transposeBlocks<3>(
-        {src, srcWidth, srcHeight, static_cast<ptrdiff_t>(srcStride), dst, static_cast<ptrdiff_t>(dstStride)});
+    reorder::transposeBlocks<3>(reorder::transposition(src, srcWidth, srcHeight, srcStride, dst, dstStride));
 }
 
 void odxFlipu8C(const uint8_t* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride, uint8_t* dst,

@@ -163,19 +163,6 @@ struct FloatBlend {
         return static_cast<uint8_t>(static_cast<int>(fy * (bottom - top) + top));
     }
 };
-struct Bilinear {
-    static constexpr bool kRounds = false;
-    [[gnu::always_inline]] static inline float endOf(uint32_t size)
-    {
-        return size == 0 ? 0.0f : leastFrom(size - 1);
-    }
-
-    template <uint32_t C>
-    ODX_WARP_INLINE void at(const Source& s, const Beyond<C>* beyond, float x, float y, uint8_t* out)
-    {
-        blendFour<FloatBlend>(s, beyond, x, y, out);
-    }
-};
 
 // In fixed point with 16 bits of fraction: at most 65535 * 255 * 128 + 32768, which fits 32 bits.
 struct FixedBlend {
@@ -204,7 +191,8 @@ struct FixedBlend {
         return static_cast<uint8_t>(value);
     }
 };
-struct FixedBilinear {
+template <class Blend>
+struct Between {
     static constexpr bool kRounds = false;
     [[gnu::always_inline]] static inline float endOf(uint32_t size)
     {
@@ -214,9 +202,11 @@ struct FixedBilinear {
     template <uint32_t C>
     ODX_WARP_INLINE void at(const Source& s, const Beyond<C>* beyond, float x, float y, uint8_t* out)
     {
-        blendFour<FixedBlend>(s, beyond, x, y, out);
+        blendFour<Blend>(s, beyond, x, y, out);
     }
 };
+using Bilinear = Between<FloatBlend>;
+using FixedBilinear = Between<FixedBlend>;
 
 // Cubic convolution with the slope of the neighbours (a = -1/2). The last weight is what the others leave of 1.
 // Pixels beyond the source are those of its edge, whatever the border.

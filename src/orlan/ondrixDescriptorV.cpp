@@ -13,13 +13,6 @@ using namespace simd;
 
 typedef uint64_t u64v ODX_VECTOR;
 
-ODX_INLINE uint64_t eightAt(const uint8_t* p)
-{
-    uint64_t eight;
-    memcpy(&eight, p, sizeof eight);
-    return eight;
-}
-
 // Patches whose pixels are words of eight; at(i) gives the address of word i.
 template <uint32_t n>
 struct Rows {
@@ -27,7 +20,10 @@ struct Rows {
     size_t stride;
 
     static constexpr uint32_t kWords = n * n / 8;
-    ODX_MEMBER uint64_t word(uint32_t i) const { return eightAt(p + i / (n / 8) * stride + i % (n / 8) * 8); }
+    ODX_MEMBER uint64_t word(uint32_t i) const
+    {
+        return load<uint64_t>(p + i / (n / 8) * stride + i % (n / 8) * 8);
+    }
 };
 // Twelve rows of eleven pixels: every second word holds the last three.
 struct Rows11x12 {
@@ -38,7 +34,7 @@ struct Rows11x12 {
     ODX_MEMBER uint64_t word(uint32_t i) const
     {
         const uint8_t* const row = p + i / 2 * stride;
-        return i % 2 == 0 ? eightAt(row) : eightAt(row + 3) >> 40;
+        return i % 2 == 0 ? load<uint64_t>(row) : load<uint64_t>(row + 3) >> 40;
     }
 };
 

@@ -158,30 +158,22 @@ static void transposeVectors(const reorder::Transposition t)
     }
 }
 
-template <class T>
-ODX_INLINE void transpose(const T* src, uint32_t width, uint32_t height, uint32_t srcStride, T* dst,
-                          uint32_t dstStride)
-{
-    transposeVectors<sizeof(T)>({reinterpret_cast<const uint8_t*>(src), width, height, (ptrdiff_t)srcStride,
-                                 reinterpret_cast<uint8_t*>(dst), (ptrdiff_t)dstStride});
-}
-
 void odxTransposeu8V(const uint8_t* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride, uint8_t* dst,
                      unsigned dstStride)
 {
-    transpose(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    transposeVectors<1>(reorder::transposition(src, srcWidth, srcHeight, srcStride, dst, dstStride));
 }
 
 void odxTransposeu16V(const uint16_t* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride,
                       uint16_t* dst, unsigned dstStride)
 {
-    transpose(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    transposeVectors<2>(reorder::transposition(src, srcWidth, srcHeight, srcStride, dst, dstStride));
 }
 
 void odxTransposef32V(const float* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride, float* dst,
                       unsigned dstStride)
 {
-    transpose(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    transposeVectors<4>(reorder::transposition(src, srcWidth, srcHeight, srcStride, dst, dstStride));
 }
 
 odxStatus odxRotateImageu8V(const uint8_t* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride,

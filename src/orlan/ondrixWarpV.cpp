@@ -28,13 +28,6 @@ ODX_INLINE f32v floats(s32v v)
 struct FourTaps {
     s32v p00, p01, p10, p11;
 };
-template <class T>
-ODX_INLINE uint32_t readWord(const uint8_t* p)
-{
-    T word;
-    memcpy(&word, p, sizeof word);
-    return word;
-}
 
 // What holds a pixel of C bytes.
 template <uint32_t C>
@@ -54,7 +47,7 @@ struct Taps<1> {
     template <uint32_t n>
     ODX_MEMBER static void gather(const uint8_t* p, size_t stride, uint32_t (&words)[1][n], uint32_t i)
     {
-        words[0][i] = readWord<uint16_t>(p) | readWord<uint16_t>(p + stride) << 16;
+        words[0][i] = load<uint16_t>(p) | uint32_t{load<uint16_t>(p + stride)} << 16;
     }
     template <uint32_t c>
     ODX_MEMBER static FourTaps of(const u32v (&w)[1])
@@ -62,18 +55,22 @@ struct Taps<1> {
         return {(s32v)(w[0] & 255), (s32v)(w[0] >> 8 & 255), (s32v)(w[0] >> 16 & 255), (s32v)(w[0] >> 24)};
     }
 };
-// Two pixels are six bytes, the first four and the last four of which are words.
-template <>
-struct Taps<3> {
+// Two words in each row, so many bytes apart.
+template <size_t apart>
+struct FourWords {
     static constexpr uint32_t kWords = 4;
     template <uint32_t n>
     ODX_MEMBER static void gather(const uint8_t* p, size_t stride, uint32_t (&words)[4][n], uint32_t i)
     {
-        words[0][i] = readWord<uint32_t>(p);
-        words[1][i] = readWord<uint32_t>(p + 2);
-        words[2][i] = readWord<uint32_t>(p + stride);
-        words[3][i] = readWord<uint32_t>(p + stride + 2);
+        words[0][i] = load<uint32_t>(p);
+        words[1][i] = load<uint32_t>(p + apart);
+        words[2][i] = load<uint32_t>(p + stride);
+        words[3][i] = load<uint32_t>(p + stride + apart);
     }
+};
+// Two pixels are six bytes, the first four and the last four of which are words.
+template <>
+struct Taps<3> : FourWords<2> {
     template <uint32_t c>
     ODX_MEMBER static FourTaps of(const u32v (&w)[4])
     {
@@ -84,16 +81,7 @@ struct Taps<3> {
     }
 };
 template <>
-struct Taps<4> {
-    static constexpr uint32_t kWords = 4;
-    template <uint32_t n>
-    ODX_MEMBER static void gather(const uint8_t* p, size_t stride, uint32_t (&words)[4][n], uint32_t i)
-    {
-        words[0][i] = readWord<uint32_t>(p);
-        words[1][i] = readWord<uint32_t>(p + 4);
-        words[2][i] = readWord<uint32_t>(p + stride);
-        words[3][i] = readWord<uint32_t>(p + stride + 4);
-    }
+struct Taps<4> : FourWords<4> {
     template <uint32_t c>
     ODX_MEMBER static FourTaps of(const u32v (&w)[4])
     {
@@ -224,7 +212,7 @@ ODX_INLINE void copyInside(const warp::Source& s, const float (&x)[n], const flo
         store(offsets + i, iy * (uint32_t)s.stride + ix * C);
     }
     for (uint32_t i = 0; i < n; ++i)
-        words[i] = readWord<Word>(s.pixels + offsets[i]);
+        words[i] = load<Word>(s.pixels + offsets[i]);
     for (uint32_t i = 0; i < n; i += 4 * kLanes) {
         s32v out[C][4];
         for (uint32_t k = 0; k < 4; ++k) {

@@ -76,15 +76,10 @@ ODX_INLINE u8v narrow(s32v a, s32v b, s32v c, s32v d)
 
 ODX_INLINE void storePairs2(uint8_t* p, u8v v, u8v w)
 {
-    const ODX_MI low = ODX_MM(unpacklo_epi16)((ODX_MI)v, (ODX_MI)w),
-                 high = ODX_MM(unpackhi_epi16)((ODX_MI)v, (ODX_MI)w);
-#if ODX_VECTOR_BYTES == 64
-    store(p, _mm512_permutex2var_epi64(low, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), high));
-    store(p + 64, _mm512_permutex2var_epi64(low, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), high));
-#else
-    store(p, _mm256_permute2x128_si256(low, high, 0x20));
-    store(p + 32, _mm256_permute2x128_si256(low, high, 0x31));
-#endif
+    const Ordered pairs =
+        inOrder(ODX_MM(unpacklo_epi16)((ODX_MI)v, (ODX_MI)w), ODX_MM(unpackhi_epi16)((ODX_MI)v, (ODX_MI)w));
+    store(p, pairs.first);
+    store(p + kBytes, pairs.second);
 }
 
 ODX_INLINE f32x2 load2(const float* p)

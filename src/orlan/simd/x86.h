@@ -171,15 +171,7 @@ ODX_INLINE s32p widenInOrder(s16v v)
 
 ODX_INLINE void storeInOrder(int16_t* p, const s16p& pair)
 {
-    const ODX_MI low = ODX_MM(unpacklo_epi16)((ODX_MI)pair.a, (ODX_MI)pair.b),
-                 high = ODX_MM(unpackhi_epi16)((ODX_MI)pair.a, (ODX_MI)pair.b);
-#if ODX_VECTOR_BYTES == 64
-    store(p, _mm512_permutex2var_epi64(low, _mm512_setr_epi64(0, 1, 8, 9, 2, 3, 10, 11), high));
-    store(p + 32, _mm512_permutex2var_epi64(low, _mm512_setr_epi64(4, 5, 12, 13, 6, 7, 14, 15), high));
-#else
-    store(p, _mm256_permute2x128_si256(low, high, 0x20));
-    store(p + 16, _mm256_permute2x128_si256(low, high, 0x31));
-#endif
+    storePairs(p, pair.a, pair.b); // the even and the odd lanes
 }
 
 ODX_INLINE s16v joinSat(const s32p& p)
