@@ -133,7 +133,7 @@ private:
 // Strips of rows that become whole lines of the cache in the destination, in blocks of so many rows and columns
 // that the pages of both images are found again: each row of a large image lies on pages of its own.
 template <size_t size>
-static void transposeVectors(const reorder::Transposition t)
+static void transposeStrips(const reorder::Transposition& t)
 {
     using Block = ODX_TARGET::Block<size>;
     constexpr size_t kColumns = Block::kColumns, kRows = Block::kRows, kStrip = kBytes < 64 ? 64 / size : kRows;
@@ -156,6 +156,55 @@ static void transposeVectors(const reorder::Transposition t)
                 strip(x, least(t.width, x + kFarColumns), y, least(t.height, y + kStrip));
         }
     }
+}
+
+// Lines that are a power of two apart fall into the same few places of a cache, and drive each other out before
+// their next bytes are wanted; of large images no line stays near. Tiles are copied together first, by whole
+// lines.
+template <size_t size>
+static void transposeTiles(const reorder::Transposition& t)
+{
+    using Block = ODX_TARGET::Block<size>;
+    constexpr size_t kColumns = 64 / size, kRows = 256 / size, kFarColumns = 8 * kColumns, kFarRows = 2 * kRows;
+    alignas(64) uint8_t tile[64 * kRows];
+    const auto move = [&t, &tile](size_t x, size_t y) {
+        const uint8_t* src = t.src + t.srcStride * (ptrdiff_t)y + size * x;
+        for (uint8_t* line = tile; line < tile + sizeof tile; line += 64, src += t.srcStride) {
+            __builtin_prefetch(src + 64);
+            for (size_t i = 0; i < 64; i += kBytes)
+                store(line + i, load<u8v>(src + i));
+        }
+        for (size_t c = 0; c < kColumns; c += Block::kColumns) {
+            for (size_t r = 0; r < kRows; r += Block::kRows)
+                Block::move(tile + 64 * r + size * c, 64,
+                            t.dst + t.dstStride * (ptrdiff_t)(x + c) + size * (y + r), t.dstStride);
+        }
+    };
+    // What is left of tiles begins earlier where it would be narrower than a block.
+    const auto rest = [](size_t all, size_t tiled, size_t block) {
+        return tiled == all || all - tiled >= block || all < block ? tiled : all - block;
+    };
+    const size_t width = t.width / kColumns * kColumns, height = t.height / kRows * kRows;
+    const size_t right = rest(t.width, width, Block::kColumns), bottom = rest(t.height, height, Block::kRows);
+    for (size_t top = 0; top < height; top += kFarRows) {
+        for (size_t left = 0; left < width; left += kFarColumns) {
+            for (size_t y = top; y < height && y < top + kFarRows; y += kRows) {
+                for (size_t x = left; x < width && x < left + kFarColumns; x += kColumns)
+                    move(x, y);
+            }
+        }
+    }
+    transposeStrips<size>({t.src + size * right, t.width - right, t.height, t.srcStride,
+                           t.dst + t.dstStride * (ptrdiff_t)right, t.dstStride});
+    transposeStrips<size>({t.src + t.srcStride * (ptrdiff_t)bottom, right, t.height - bottom, t.srcStride,
+                           t.dst + size * bottom, t.dstStride});
+}
+
+template <size_t size>
+ODX_INLINE void transposeVectors(const reorder::Transposition& t)
+{
+    const bool apart = t.srcStride % 1024 == 0, large = t.width * t.height > (size_t{8} << 20) / size;
+    return apart || large ? transposeTiles<size>(t) : transposeStrips<size>(t);
 }
 
 void odxTransposeu8V(const uint8_t* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride, uint8_t* dst,

@@ -5,12 +5,25 @@
 namespace odx::test::reordering
 {
 
-// Rows of packed pixels are described in elements of T.
+// Rows of packed pixels are described in elements of T. Rows that lie a power of two apart move in tiles.
+template <class T, uint32_t channels>
+Image<T> turning(Draw& draw, Extent& extent)
+{
+    extent = draw.extent();
+    if (draw.pick("apart", {0, 1, 0, 0}) == 0)
+        return draw.source<T>("src", {channels * extent.width, extent.height});
+    constexpr uint32_t kRow = 1024 / sizeof(T);
+    extent = {draw.number("width", 1u, kRow / channels, 0u), draw.number("height", 1u, 600u, 0u)};
+    auto src = draw.source<T>("src", {kRow, extent.height}, true);
+    src.defaulted = false;
+    return src;
+}
+
 template <class T, uint32_t channels, auto* operation>
 void transpose(Draw& draw)
 {
-    const Extent extent = draw.extent();
-    const auto src = draw.source<T>("src", {channels * extent.width, extent.height});
+    Extent extent;
+    const auto src = turning<T, channels>(draw, extent);
     const auto dst = draw.destination<T>("dst", {channels * extent.height, extent.width});
     draw.call(operation, sized(src, extent), dst);
 }
@@ -27,10 +40,10 @@ void flip(Draw& draw)
 template <uint32_t channels, auto* operation>
 void rotate(Draw& draw)
 {
-    const Extent extent = draw.extent();
+    Extent extent;
+    const auto src = turning<uint8_t, channels>(draw, extent);
     const int degree = draw.pick("degree", {1, 3, 2});
     const Extent turned = degree == 2 ? extent : Extent{extent.height, extent.width};
-    const auto src = draw.source<uint8_t>("src", {channels * extent.width, extent.height});
     const auto dst = draw.destination<uint8_t>("dst", {channels * turned.width, turned.height});
     draw.call(operation, sized(src, extent), dst, degree);
 }
