@@ -159,6 +159,15 @@ struct TakesBoth<Filter, T, decltype((void)some<Filter>().pushBoth((const T*)nul
     static constexpr bool value = true;
 };
 
+// Small processors of ARM execute in order, and wait where a result is used at once; compilers move no load across
+// a store that it might read. So all vectors of a row, of two rows where there are registers, are worked out there
+// before the first is written.
+#if defined(__ARM_NEON)
+constexpr bool kWritesLast = true;
+#else
+constexpr bool kWritesLast = false;
+#endif
+
 // n filters side by side.
 template <class Filter, uint32_t n>
 struct Beside {
@@ -176,16 +185,36 @@ struct Beside {
     template <class S, class... D>
     ODX_MEMBER void step(const S* in, D*... out)
     {
-        filter.write(filter.push(in), out...);
+        const auto value = filter.push(in);
+        if constexpr (!kWritesLast) filter.write(value, out...);
         others.step(in + kColumns, out + Filter::kLanes...);
+        if constexpr (kWritesLast) filter.write(value, out...);
     }
     template <class S, class... D>
     ODX_MEMBER void stepBoth(const S* in, const S* next, Rows<D>... out)
     {
-        const auto values = filter.pushBoth(in, next);
-        filter.write(values.first, out.pixels...);
-        filter.write(values.second, out.next().pixels...);
+        const auto values = pushed(filter, in, next);
+        const auto write = [&] {
+            filter.write(values.first, out.pixels...);
+            filter.write(values.second, out.next().pixels...);
+        };
+        if constexpr (!kWritesLast) write();
         others.stepBoth(in + kColumns, next + kColumns, out.at(Filter::kLanes, 0)...);
+        if constexpr (kWritesLast) write();
+    }
+
+private:
+    template <class S>
+    ODX_MEMBER static auto pushed(Filter& filter, const S* in, const S* next)
+    {
+        if constexpr (TakesBoth<Filter, S>::value) {
+            return filter.pushBoth(in, next);
+        } else {
+            struct {
+                decltype(filter.push(in)) first, second;
+            } values = {filter.push(in), filter.push(next)};
+            return values;
+        }
     }
 };
 template <class Filter>
@@ -228,7 +257,7 @@ ODX_INLINE void filterStrip(const Filter& filter, const S* in, size_t stride, ui
         ((out = out.next()), ...);
     };
     for (; rows >= 2; rows -= 2) {
-        if constexpr (step == 1 && TakesBoth<Filter, S>::value) {
+        if constexpr (step == 1 && ((kWritesLast && kRegisters == 32) || TakesBoth<Filter, S>::value)) {
             const S* const next = rowOf(in, stride, 1);
             fetchAhead<nearby, bytes>(in, ahead);
             fetchAhead<nearby, bytes>(next, ahead);
