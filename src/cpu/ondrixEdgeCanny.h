@@ -4,28 +4,28 @@
 // gradients, their magnitudes. Pixels that stay after thinning are marked in an image of bytes; strong ones are
 // put on a stack, from which weak neighbours are reached. Each pixel comes to the stack once at most.
 //
-// A detector says what kind of edges: the types below. Kernels are a column's loops, with static functions
+// A detector says what kind of edges: the types below. Kernels are a column's loops, with static functions, each
+// for the part of a detector that it depends on:
 //
-//   gradients<Detector>(src, stride, gx, gy, pitch, width, rows)
+//   gradients<Gradients>(src, stride, gx, gy, pitch, width, rows)
 //                       rows of both gradients; `src` is the uppermost leftmost tap of the first, the pitch in
 //                       elements
-//   magnitudes<Detector>(gx, gy, m, count)
-//   thin<Detector>(row, count, limits, marks, place, stack)
+//   magnitudes<Magnitudes>(gx, gy, m, count)
+//   thin<Thinning>(row, count, limits, marks, place, stack)
 //                       marks of `count` pixels; stores the places of strong ones, of which the first pixel's is
 //                       `place`, and returns the end of the stack
 //   finish(marks, dst, count)
 //                       255 where a mark is strong, else 0
 //
-// All rows but those of dst are followed by kSlack elements, which kernels may read, and write.
+// All rows but those of dst are followed by kSlack elements, which kernels may read, and write. What is left, the
+// way through the image, is the same for all of them: one function, which knows a detector's loops by their
+// addresses.
 #ifndef ODX_CPU_ONDRIX_EDGE_CANNY_H
 #define ODX_CPU_ONDRIX_EDGE_CANNY_H
 
-#include "cpu/border.h"
 #include "cpu/ondrixEdge.h"
-#include "frame/scratch.h"
 
-#include <stdlib.h>
-#include <string.h>
+#include <stddef.h>
 
 namespace odx::edge
 {
@@ -44,21 +44,40 @@ struct FactorTwo {
     static bool diagonal(uint32_t x, uint32_t y) { return y <= 2 * x; }
 };
 
+// What each of a detector's loops depends on, so that detectors share them.
+template <uint32_t kernel, bool central>
+struct Gradients {
+    static constexpr uint32_t kKernel = kernel;
+    static constexpr bool kCentral = central;
+};
+template <class M, bool squares>
+struct Magnitudes {
+    using Magnitude = M;
+    static constexpr bool kSquares = squares;
+};
+template <class M, class DetectorSectors, bool strict>
+struct Thinning {
+    using Magnitude = M;
+    using Sectors = DetectorSectors;
+    static constexpr bool kStrictDiagonals = strict; // above both diagonal neighbours, not only above the first
+};
+
 // Magnitudes are |gx| + |gy|, or squares; M holds them all but 2^31, which counts as 2^31 - 1: no other square sum
 // is there.
 template <uint32_t K, class M, bool squares>
 struct SobelEdges {
     using Magnitude = M;
-    using Sectors = Tangents;
-    static constexpr uint32_t kKernel = K, kMargin = 1; // pixels at the border that are none
-    static constexpr bool kSquares = squares, kCentral = false;
-    static constexpr bool kStrictDiagonals = true; // above both diagonal neighbours, not only above the first
+    static constexpr uint32_t kMargin = 1; // pixels at the border that are none
+    using GradientLoop = Gradients<K, false>;
+    using MagnitudeLoop = Magnitudes<M, squares>;
+    using ThinningLoop = Thinning<M, Tangents, true>;
 };
 struct DifferenceEdges {
     using Magnitude = int32_t;
-    using Sectors = FactorTwo;
-    static constexpr uint32_t kKernel = 3, kMargin = 2;
-    static constexpr bool kSquares = true, kCentral = true, kStrictDiagonals = false;
+    static constexpr uint32_t kMargin = 2;
+    using GradientLoop = Gradients<3, true>;
+    using MagnitudeLoop = Magnitudes<int32_t, true>;
+    using ThinningLoop = Thinning<int32_t, FactorTwo, false>;
 };
 
 // A magnitude above `low` is weak, one above `high` strong.
@@ -80,119 +99,57 @@ struct EdgeImage {
     uint32_t gradStride;
 };
 
-// Whether any byte of a word is a weak mark: its highest bit is set, its lowest is not.
-static inline uint32_t weakBytes(const uint8_t* p)
-{
-    uint32_t word;
-    memcpy(&word, p, sizeof word);
-    return (word >> 7) & ~word & 0x01010101;
-}
+// The loops of a column for a detector.
+struct Loops {
+    uint32_t kernel, margin;
+    size_t magnitude; // its size
+    void (*gradients)(const uint8_t* src, size_t stride, int16_t* gx, int16_t* gy, size_t pitch, uint32_t width,
+                      uint32_t rows);
+    void (*magnitudes)(const int16_t* gx, const int16_t* gy, void* m, uint32_t count);
+    uint32_t* (*thin)(const BandRow<void>& row, uint32_t count, Limits limits, uint8_t* marks, uint32_t place,
+                      uint32_t* stack);
+    void (*finish)(const uint8_t* marks, uint8_t* dst, uint32_t count);
+};
 
-// Makes weak marks strong that touch a strong one, from those on the stack on.
-static inline void trace(uint8_t* marks, size_t pitch, uint32_t* stack, uint32_t* top)
-{
-    while (top != stack) {
-        const uint32_t place = *--top;
-        uint8_t* const at = marks + place;
-        if ((weakBytes(at - pitch - 1) | weakBytes(at - 1) | weakBytes(at + pitch - 1)) == 0) continue;
-        for (uint8_t* row = at - pitch; row <= at + pitch; row += pitch) {
-            for (int x = -1; x <= 1; ++x) {
-                if (row[x] != kWeak) continue;
-                row[x] = kStrong;
-                *top++ = static_cast<uint32_t>(row + x - marks);
-            }
-        }
-    }
-}
+odxStatus detectEdges(const Loops& loops, const EdgeImage& image, Limits limits);
 
-// Rows that a band takes at a time: as many as the nearest caches hold.
-static constexpr uint32_t bandRows(uint32_t width)
+template <class Kernels, class Loop>
+void gradientRows(const uint8_t* src, size_t stride, int16_t* gx, int16_t* gy, size_t pitch, uint32_t width,
+                  uint32_t rows)
 {
-    const uint32_t rows = 8192 / (width / 4 + 1);
-    return rows < 4 ? 4 : rows > 32 ? 32 : rows;
+    Kernels::template gradients<Loop>(src, stride, gx, gy, pitch, width, rows);
+}
+template <class Kernels, class Loop>
+void magnitudeRow(const int16_t* gx, const int16_t* gy, void* m, uint32_t count)
+{
+    Kernels::template magnitudes<Loop>(gx, gy, static_cast<typename Loop::Magnitude*>(m), count);
+}
+template <class Kernels, class Loop>
+uint32_t* thinnedRow(const BandRow<void>& row, uint32_t count, Limits limits, uint8_t* marks, uint32_t place,
+                     uint32_t* stack)
+{
+    using M = typename Loop::Magnitude;
+    const BandRow<M> typed = {row.gx, row.gy, static_cast<const M*>(row.m), row.pitch};
+    return Kernels::template thin<Loop>(typed, count, limits, marks, place, stack);
+}
+template <class Kernels>
+void finishedRow(const uint8_t* marks, uint8_t* dst, uint32_t count)
+{
+    Kernels::finish(marks, dst, count);
 }
 
 template <class Kernels, class Detector>
 odxStatus detectEdges(const EdgeImage& image, Limits limits)
 {
-    using M = typename Detector::Magnitude;
-    constexpr uint32_t r = Detector::kKernel / 2, margin = Detector::kMargin;
-    const Plane<uint8_t>& plane = image.plane;
-    const uint32_t width = plane.width, height = plane.height;
-    const bool inside = width > 2 * margin && height > 2 * margin;
-    const uint64_t pitch = (uint64_t{width} + 2 * r + kSlack + 63) & ~uint64_t{63};
-    const uint32_t bandHeight = bandRows(width);
-
-    // The first two rows of a band are the last two of the one before it.
-    const uint64_t rows = uint64_t{bandHeight} + 2,
-                   area = inside ? uint64_t{width - 2 * margin} * (height - 2 * margin) : 1;
-    const Scratch<uint8_t> source(pitch * (rows + 2 * r)), marks(inside ? pitch * height + kSlack : 1);
-    const Scratch<int16_t> gradients(2 * pitch * rows);
-    const Scratch<M> magnitudes(pitch * rows);
-    const Scratch<uint32_t> stack(area);
-    if (!source || !marks || !gradients || !magnitudes || !stack) return ONDRIX_NO_MEMORY;
-    int16_t *const gx = gradients.get(), *const gy = gx + pitch * rows;
-    M* const m = magnitudes.get();
-    uint32_t* top = stack.get();
-
-    const auto marksOf = [&](uint32_t y) { return marks.get() + pitch * y; };
-    const auto thinRow = [&](uint32_t y, size_t row) { // which is that of the band
-        uint8_t* const out = marksOf(y);
-        const BandRow<M> at = {gx + pitch * row + margin, gy + pitch * row + margin, m + pitch * row + margin,
-                               static_cast<ptrdiff_t>(pitch)};
-        const uint32_t count = width - 2 * margin;
-        top = Kernels::template thin<Detector>(at, count, limits, out + margin,
-                                               static_cast<uint32_t>(out + margin - marks.get()), top);
-        memset(out, 0, margin);
-        memset(out + width - margin, 0, margin + 2);
-    };
-    if (inside) {
-        for (uint32_t y = 0; y < margin; ++y) {
-            memset(marksOf(y), 0, pitch);
-            memset(marksOf(height - 1 - y), 0, pitch);
-        }
-    }
-
-    uint32_t kept = 0; // rows of the band before
-    for (uint32_t y0 = 0, count; y0 < height; y0 += count) {
-        count = height - y0 < bandHeight ? height - y0 : bandHeight;
-        for (uint32_t i = 0; i < count + 2 * r; ++i) {
-            border::copyLine(plane, border::Outside<uint8_t>{true, 0}, -int64_t{r}, int64_t{y0} + i - r,
-                             width + 2 * r, source.get() + pitch * i);
-        }
-        int16_t *const newX = gx + pitch * kept, *const newY = gy + pitch * kept;
-        Kernels::template gradients<Detector>(source.get(), pitch, newX, newY, pitch, width, count);
-        for (uint32_t i = 0; i < count; ++i) {
-            const size_t row = pitch * i, bytes = sizeof(int16_t) * size_t{width};
-            if (image.gx != nullptr) memcpy(rowOf(image.gx, image.gradStride, y0 + i), newX + row, bytes);
-            if (image.gy != nullptr) memcpy(rowOf(image.gy, image.gradStride, y0 + i), newY + row, bytes);
-            if (inside)
-                Kernels::template magnitudes<Detector>(newX + row, newY + row, m + pitch * kept + row, width);
-        }
-        const uint32_t filled = kept + count; // of the band, which begins with row y0 - kept of the image
-        for (uint32_t i = 1; inside && i + 1 < filled; ++i) {
-            const uint32_t y = y0 - kept + i;
-            if (y >= margin && y < height - margin) thinRow(y, i);
-        }
-        kept = filled < 2 ? filled : 2;
-        const size_t last = pitch * (filled - kept);
-        if (last != 0) {
-            memmove(gx, gx + last, sizeof *gx * pitch * kept);
-            memmove(gy, gy + last, sizeof *gy * pitch * kept);
-            memmove(m, m + last, sizeof *m * pitch * kept);
-        }
-    }
-
-    if (inside) trace(marks.get(), pitch, stack.get(), top);
-    for (uint32_t y = 0; y < height; ++y) {
-        uint8_t* const out = rowOf(plane.dst, plane.dstStride, y);
-        if (inside) {
-            Kernels::finish(marksOf(y), out, width);
-        } else {
-            memset(out, 0, width);
-        }
-    }
-    return ONDRIX_SUCCESS;
+    using Gradient = typename Detector::GradientLoop;
+    static constexpr Loops kLoops = {Gradient::kKernel,
+                                     Detector::kMargin,
+                                     sizeof(typename Detector::Magnitude),
+                                     gradientRows<Kernels, Gradient>,
+                                     magnitudeRow<Kernels, typename Detector::MagnitudeLoop>,
+                                     thinnedRow<Kernels, typename Detector::ThinningLoop>,
+                                     finishedRow<Kernels>};
+    return detectEdges(kLoops, image, limits);
 }
 
 // ---- the operations ----

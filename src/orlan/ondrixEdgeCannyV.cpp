@@ -88,26 +88,26 @@ ODX_INLINE Sectors sectorsOf(edge::FactorTwo, s16v x, s16v y)
 }
 
 struct Kernels {
-    template <class Detector>
+    template <class Loop>
     ODX_MEMBER static void gradients(const uint8_t* src, size_t stride, int16_t* gx, int16_t* gy, size_t pitch,
                                      uint32_t width, uint32_t rows)
     {
         const uint32_t columns = width < kBytes ? kBytes : width;
-        if constexpr (Detector::kCentral) {
+        if constexpr (Loop::kCentral) {
             walk(Gradient<edge::Central, Whole>(), src, stride, columns, rows,
                  Rows<int16_t>{gx, sizeof *gx * pitch}, Rows<int16_t>{gy, sizeof *gy * pitch});
         } else {
-            sobelInterior<Detector::kKernel>(src, stride, gx, gy, sizeof *gx * pitch, columns, rows);
+            sobelInterior<Loop::kKernel>(src, stride, gx, gy, sizeof *gx * pitch, columns, rows);
         }
     }
 
-    template <class Detector>
-    ODX_MEMBER static void magnitudes(const int16_t* gx, const int16_t* gy, typename Detector::Magnitude* m,
+    template <class Loop>
+    ODX_MEMBER static void magnitudes(const int16_t* gx, const int16_t* gy, typename Loop::Magnitude* m,
                                       uint32_t count)
     {
         for (size_t x = 0; x < count; x += kLanes) {
             const s16v dx = load<s16v>(gx + x), dy = load<s16v>(gy + x);
-            if constexpr (Detector::kSquares) {
+            if constexpr (Loop::kSquares) {
                 const s32p sum = sumOfSquares(dx, dy);
                 const u32v a = (u32v)sum.a, b = (u32v)sum.b;
                 storeMagnitude(m + x, {(s32v)(a - (a >> 31)), (s32v)(b - (b >> 31))});
@@ -121,11 +121,11 @@ struct Kernels {
         }
     }
 
-    template <class Detector>
-    ODX_MEMBER static uint32_t* thin(const edge::BandRow<typename Detector::Magnitude>& row, uint32_t count,
+    template <class Loop>
+    ODX_MEMBER static uint32_t* thin(const edge::BandRow<typename Loop::Magnitude>& row, uint32_t count,
                                      edge::Limits limits, uint8_t* marks, uint32_t place, uint32_t* stack)
     {
-        using V = Lanes<typename Detector::Magnitude>;
+        using V = Lanes<typename Loop::Magnitude>;
         const V low = V::all(limits.low), high = V::all(limits.high);
         for (uint32_t x = 0; x < count; x += kLanes) {
             const auto* const at = row.m + x;
@@ -136,14 +136,14 @@ struct Kernels {
                 continue;
             }
             const s16v gx = load<s16v>(row.gx + x), gy = load<s16v>(row.gy + x);
-            const Sectors sectors = sectorsOf(typename Detector::Sectors(), abs(gx), abs(gy));
+            const Sectors sectors = sectorsOf(typename Loop::Sectors(), abs(gx), abs(gy));
             const auto across = [&](ptrdiff_t next) __attribute__((always_inline))
             {
                 return stays<false>(m, V::at(at - next), V::at(at + next));
             };
             const auto diagonally = [&](ptrdiff_t next) __attribute__((always_inline))
             {
-                return stays<Detector::kStrictDiagonals>(m, V::at(at - next), V::at(at + next));
+                return stays<Loop::kStrictDiagonals>(m, V::at(at - next), V::at(at + next));
             };
             const s16v rising = (gx ^ gy) < 0;
             const s16v diagonal = (diagonally(row.pitch - 1) & rising) | (diagonally(row.pitch + 1) & ~rising);
