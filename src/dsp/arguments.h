@@ -21,14 +21,19 @@
 #include <limits.h>
 #include <stddef.h>
 #include <stdint.h>
-#include <tuple>
 #include <type_traits>
+#include <utility>
 
 namespace odx::remoting
 {
 
+#define ODX_ITEMS_INLINE [[gnu::always_inline]] inline
+
 // A read buffer reaches the remote processor, a written one comes back.
 enum Direction { kIn = 1, kOut = 2, kInOut = kIn | kOut };
+
+template <class Item>
+constexpr bool kWritten = false;
 
 template <class T, Direction bufferDirection, size_t bytesPerUnit>
 struct Buffer {
@@ -36,8 +41,12 @@ struct Buffer {
     static constexpr size_t unit = bytesPerUnit; // of the length
 
     T* data;
-    uint64_t length;
+    uint32_t length; // 0 without data, kTooLong where it does not fit
 };
+constexpr uint32_t kTooLong = UINT32_MAX;
+
+template <class T, Direction direction, size_t unit>
+constexpr bool kWritten<Buffer<T, direction, unit>> = (direction & kOut) != 0;
 
 // Vectors that lie anywhere, and from pack() to unpack() a copy of them without gaps.
 template <class T>
@@ -52,11 +61,35 @@ struct Stride {
     bool fits; // else the last row ends behind the buffer
 };
 
-template <bool hasLimits, class... Items>
+// Items in their order: a tuple that is cheap to compile, and that leaves nothing but its items.
+template <size_t place, class Item>
+struct Placed {
+    Item item;
+};
+template <class Places, class... I>
+struct ItemsAt;
+template <size_t... places, class... I>
+struct ItemsAt<std::index_sequence<places...>, I...> : Placed<places, I>... {
+    template <class Function>
+    ODX_ITEMS_INLINE auto into(Function function)
+    {
+        return function(Placed<places, I>::item...);
+    }
+};
+template <class... I>
+using Items = ItemsAt<std::index_sequence_for<I...>, I...>;
+
+template <size_t place, class Item>
+ODX_ITEMS_INLINE Item at(const Placed<place, Item>& placed)
+{
+    return placed.item;
+}
+
+template <bool hasLimits, class... I>
 struct Arguments {
     static constexpr bool kHasLimits = hasLimits;
 
-    std::tuple<Items...> items;
+    Items<I...> items;
     bool withinLimits;
 };
 
@@ -78,22 +111,28 @@ inline uint64_t product(uint64_t a, uint64_t b, uint64_t c = 1)
     return __builtin_mul_overflow(a, b, &ab) || __builtin_mul_overflow(ab, c, &abc) ? UINT64_MAX : abc;
 }
 
+// Remote calls count with 31 bits.
+inline uint32_t lengthOf(const void* data, uint64_t units)
+{
+    return data == nullptr ? 0 : units > INT_MAX ? kTooLong : static_cast<uint32_t>(units);
+}
+
 template <class T>
 Buffer<T, directionOf<T>, 1> rows(T* data, Stride stride, uint64_t height)
 {
-    return {data, product(stride.value, height)};
+    return {data, lengthOf(data, product(stride.value, height))};
 }
 
 template <class T>
 Buffer<T, directionOf<T>, sizeof(T)> list(T* data, uint64_t count)
 {
-    return {data, count};
+    return {data, lengthOf(data, count)};
 }
 
 template <class T>
 Buffer<T, kOut, sizeof(T)> written(T* data, uint64_t count)
 {
-    return {data, count};
+    return {data, lengthOf(data, count)};
 }
 
 template <class T>
@@ -102,23 +141,29 @@ Vectors<T> vectors(const T* const* at, uint64_t count, uint64_t length)
     return {at, count, length, nullptr};
 }
 
-template <class... Items>
-Arguments<false, Items...> arguments(Items... items)
+template <class... I>
+Arguments<false, I...> arguments(I... items)
 {
-    return {{items...}, true};
+    return {{{items}...}, true};
 }
 
-template <class... Items>
-Arguments<true, Items...> limit(bool withinLimits, Arguments<false, Items...> arguments)
+template <class... I>
+Arguments<true, I...> limit(bool withinLimits, Arguments<false, I...> arguments)
 {
     return {arguments.items, withinLimits};
 }
 
 // One description behind the other.
+template <size_t... a, class... A, size_t... b, class... B>
+ODX_ITEMS_INLINE Items<A..., B...> joined(const ItemsAt<std::index_sequence<a...>, A...>& first,
+                                          const ItemsAt<std::index_sequence<b...>, B...>& second)
+{
+    return {{at<a>(first)}..., {at<b>(second)}...};
+}
 template <class... A, class... B>
 Arguments<false, A..., B...> operator+(Arguments<false, A...> a, Arguments<false, B...> b)
 {
-    return {std::tuple_cat(a.items, b.items), true};
+    return {joined(a.items, b.items), true};
 }
 
 // ---- what both sides make of them ----
@@ -145,41 +190,79 @@ const T* const* local(Vectors<T> vectors)
     return vectors.at;
 }
 
-// As the remote entry gets it.
-template <class T>
-std::tuple<T> sent(T value)
-{
-    return {value};
-}
-inline std::tuple<uint32_t> sent(Stride stride)
-{
-    return {stride.value};
-}
-template <class T, Direction direction, size_t unit>
-std::tuple<T*, uint32_t> sent(Buffer<T, direction, unit> buffer)
-{
-    return {buffer.data, buffer.data == nullptr ? 0 : static_cast<uint32_t>(buffer.length)};
-}
-template <class T>
-std::tuple<const T*, uint32_t, uint32_t> sent(Vectors<T> vectors)
-{
-    return {vectors.packed, static_cast<uint32_t>(vectors.count * vectors.length),
-            static_cast<uint32_t>(vectors.count)};
-}
+// As the remote entry gets it: an item's parts, in their order.
 template <class Item>
-using Sent = decltype(sent(std::declval<Item>()));
+constexpr size_t kParts = 1;
+template <class T, Direction direction, size_t unit>
+constexpr size_t kParts<Buffer<T, direction, unit>> = 2;
+template <class T>
+constexpr size_t kParts<Vectors<T>> = 3;
 
-// The type of the remote entry of an operation.
-template <class Result, class Sent>
-struct EntryType;
-template <class Result, class... Sent>
-struct EntryType<Result, std::tuple<Sent...>> {
-    using Type = int(Sent..., Result* result);
+template <size_t, class T>
+T part(T value)
+{
+    return value;
+}
+template <size_t>
+uint32_t part(Stride stride)
+{
+    return stride.value;
+}
+template <size_t number, class T, Direction direction, size_t unit>
+auto part(Buffer<T, direction, unit> buffer)
+{
+    if constexpr (number == 0) {
+        return buffer.data;
+    } else {
+        return buffer.length;
+    }
+}
+template <size_t number, class T>
+auto part(Vectors<T> vectors)
+{
+    if constexpr (number == 0) {
+        return static_cast<const T*>(vectors.packed);
+    } else {
+        return static_cast<uint32_t>(number == 1 ? vectors.count * vectors.length : vectors.count);
+    }
+}
+
+// What is sent of a list of items: of which item, which part.
+template <class Items>
+struct Way;
+template <size_t... places, class... I>
+struct Way<ItemsAt<std::index_sequence<places...>, I...>> {
+    static constexpr size_t kLength = (kParts<I> + ... + 0);
+    struct Order {
+        size_t item[kLength + 1], part[kLength + 1], first[sizeof...(I) + 1];
+    };
+    static constexpr Order order()
+    {
+        constexpr size_t parts[] = {kParts<I>..., 0};
+        Order order = {};
+        for (size_t item = 0, at = 0; item < sizeof...(I); ++item) {
+            order.first[item] = at;
+            for (size_t part = 0; part < parts[item]; ++part, ++at) {
+                order.item[at] = item;
+                order.part[at] = part;
+            }
+        }
+        return order;
+    }
+    static constexpr Order kOrder = order();
 };
-template <class... Sent>
-struct EntryType<void, std::tuple<Sent...>> {
-    using Type = int(Sent...);
-};
+
+template <class Entry, size_t... sent, class List, class... Result>
+ODX_ITEMS_INLINE int send(Entry* entry, std::index_sequence<sent...>, const List& items, Result... result)
+{
+    return entry(part<Way<List>::kOrder.part[sent]>(at<Way<List>::kOrder.item[sent]>(items))..., result...);
+}
+
+// The type of the remote entry of an operation. Behind the arguments it gets the address of the result.
+template <class List, size_t... sent, class... Result>
+auto entryOf(std::index_sequence<sent...>, Result*... result) -> int (*)(
+    decltype(part<Way<List>::kOrder.part[sent]>(at<Way<List>::kOrder.item[sent]>(std::declval<const List&>())))...,
+    Result*...);
 
 template <const auto& description, class Operation>
 struct Described;
@@ -187,20 +270,27 @@ template <const auto& description, class R, class... A>
 struct Described<description, R(A...)> {
     using Result = R;
     using Arguments = decltype(description(std::declval<A>()...));
-
-    template <class... Items>
-    static constexpr bool inOrder(std::tuple<Items...>*)
-    {
-        return std::is_same_v<std::tuple<decltype(local(std::declval<Items>()))...>, std::tuple<A...>>;
-    }
     using Items = decltype(Arguments::items);
+    using Sent = std::make_index_sequence<Way<Items>::kLength>;
     static constexpr bool kHasLimits = Arguments::kHasLimits;
+
+    template <size_t... places, class... I>
+    static constexpr bool inOrder(ItemsAt<std::index_sequence<places...>, I...>*)
+    {
+        return std::is_same_v<void(decltype(local(std::declval<I>()))...), void(A...)>;
+    }
     static_assert(inOrder(static_cast<Items*>(nullptr)),
                   "the items are not the operation's arguments in their order");
 
-    template <class... Items>
-    static auto allSent(std::tuple<Items...>*) -> decltype(std::tuple_cat(std::declval<Sent<Items>>()...));
-    using Entry = typename EntryType<R, decltype(allSent(static_cast<Items*>(nullptr)))>::Type;
+    static auto entry()
+    {
+        if constexpr (std::is_void_v<R>) {
+            return decltype(entryOf<Items>(Sent())){};
+        } else {
+            return decltype(entryOf<Items>(Sent(), static_cast<R*>(nullptr))){};
+        }
+    }
+    using Entry = std::remove_pointer_t<decltype(entry())>;
 };
 
 template <const auto& description, class Operation>

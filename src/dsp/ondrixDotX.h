@@ -14,7 +14,7 @@ template <class T>
 Buffer<T, directionOf<T>, 1> rowsWithin(T* data, Stride stride, uint64_t width, uint64_t height)
 {
     const uint64_t before = height == 0 ? 0 : product(stride.value, height - 1);
-    return {data, before > INT_MAX || height == 0 ? before : before + product(width, sizeof(T))};
+    return {data, lengthOf(data, before > INT_MAX || height == 0 ? before : before + product(width, sizeof(T)))};
 }
 
 // Vectors of n elements: one, two, four with four results, one with four more and as many results.

@@ -11,7 +11,7 @@ namespace
 template <class Entry, class... Arguments>
 int call(void* const& pointer, Arguments... arguments)
 {
-    const StubInUse stub(StubInUse::kWaits);
+    const StubInUse stub;
     return callEntry<Entry>(pointer, arguments...);
 }
 

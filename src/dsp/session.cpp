@@ -1,6 +1,7 @@
 #include "dsp/session.h"
 
 #include "dsp/stub.h"
+#include "dsp/variant.h"
 #include "frame/log.h"
 #include "frame/shared.h"
 #include "ondrix/modes.h"
@@ -69,7 +70,7 @@ int openSession(int mode, const char* version)
 
 bool answers()
 {
-    const StubInUse stub(StubInUse::kWaits);
+    const StubInUse stub;
     int64_t clock;
     return callEntry<decltype(ondrixadsp_odxZ9GetClkX)>(pFnX_odxZ9GetClkX, &clock) == 0;
 }
@@ -120,38 +121,47 @@ bool recover()
 pthread_mutex_t recoveringMutex = PTHREAD_MUTEX_INITIALIZER;
 uint32_t recovering = 0;
 
-class Recovering
+void beginRecovering()
 {
-public:
-    Recovering()
-    {
-        pthread_mutex_lock(&recoveringMutex);
-        if (recovering++ == 0) odxSelectMode(ONDRIX_OP_CPU_PERFORMANCE);
-        pthread_mutex_unlock(&recoveringMutex);
-    }
-    ~Recovering()
-    {
-        pthread_mutex_lock(&recoveringMutex);
-        if (--recovering == 0) odxSelectMode(mode_globalVar);
-        pthread_mutex_unlock(&recoveringMutex);
-    }
-    Recovering(const Recovering&) = delete;
-    Recovering& operator=(const Recovering&) = delete;
-};
+    pthread_mutex_lock(&recoveringMutex);
+    if (recovering++ == 0) odxSelectMode(ONDRIX_OP_CPU_PERFORMANCE);
+    pthread_mutex_unlock(&recoveringMutex);
+}
+
+void endRecovering()
+{
+    pthread_mutex_lock(&recoveringMutex);
+    if (--recovering == 0) odxSelectMode(mode_globalVar);
+    pthread_mutex_unlock(&recoveringMutex);
+}
 
 } // namespace
 
-int odx::remoting::callAfterRestart(int (*again)(void* context), void* context)
+void* RemoteCall::begins(void* const& entry)
 {
-    constexpr int kAttempts = 5;
-    const Recovering recovering_;
-    int result = kRestarted;
-    for (int attempt = 0; attempt < kAttempts && result == kRestarted; ++attempt) {
-        if (adspSSRcleanUpSequence() != 0) return 1;
-        const StubInUse stub(StubInUse::kWaits);
-        result = again(context);
+    constexpr uint32_t kRepetitions = 5;
+    const bool again = attempts_ != 0 && code_ == kRestarted && attempts_ <= kRepetitions;
+    if (attempts_ == 0) {
+        // A call does not wait for a stub that is being replaced: it is done locally.
+        held_ = pthread_rwlock_tryrdlock(&stubLock) == 0;
+    } else if (again) {
+        if (attempts_ == 1) beginRecovering();
+        held_ = adspSSRcleanUpSequence() == 0 && pthread_rwlock_rdlock(&stubLock) == 0;
     }
-    return result;
+    if (attempts_ == 0 || again) {
+        ++attempts_;
+        if (held_ && entry != nullptr) return entry;
+        ends(kUnreachable);
+    }
+    if (attempts_ > 1) endRecovering();
+    return nullptr;
+}
+
+void RemoteCall::ends(int code)
+{
+    if (held_) pthread_rwlock_unlock(&stubLock);
+    held_ = false;
+    code_ = code;
 }
 
 extern "C" {

@@ -16,13 +16,4 @@ unsigned adspSSRcleanUpSequence();
 extern uint32_t Z9_constraint_checks_enable; // as HW_constraint_checks_enable, for the variants
 }
 
-namespace odx::remoting
-{
-
-// The way of a call that found the processor restarted: brings it back and calls again, several times if need be.
-// Meanwhile other threads' calls stay on this processor. Returns what the last attempt did.
-int callAfterRestart(int (*again)(void* context), void* context);
-
-} // namespace odx::remoting
-
 #endif

@@ -56,7 +56,7 @@ bool enter(SharedBuffer buffer)
 bool registerBuffer(void* address, size_t length, int descriptor)
 {
     static constexpr char kSymbol[] = "remote_register_buf";
-    const remoting::StubInUse stub(remoting::StubInUse::kWaits);
+    const remoting::StubInUse stub;
     void* symbol = platform::findSymbolInProcess(kSymbol);
     if (symbol == nullptr) symbol = dlsym_get(kSymbol);
     if (symbol == nullptr) return false;

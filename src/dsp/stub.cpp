@@ -1,6 +1,7 @@
 #include "dsp/stub.h"
 
 #include "frame/log.h"
+#include "frame/operations.h"
 #include "platform/platform.h"
 
 using namespace odx;
@@ -13,27 +14,23 @@ extern "C" {
 
 pthread_rwlock_t remoting::stubLock = PTHREAD_RWLOCK_INITIALIZER;
 
+const remoting::Symbol remoting::kSymbols[] = {
+#define ODX_ROUTINE(number, name, index, columns, ...) \
+    ODX_IF_##columns##_X({&pFnX_##name##X, "ondrixadsp_" #name "X", op_##name}, )
+#define ODX_SERVICE(name) {&pFnX_##name##X, "ondrixadsp_" #name "X", kOperationNumbers},
+#include "frame/operations/families.def"
+};
+
 namespace
 {
 
 void* adspstubHandle = nullptr;
 uint32_t adspstubReferences = 0;
 
-struct Symbol {
-    void** pointer;
-    const char* name;
-};
-constexpr Symbol kSymbols[] = {
-#define ODX_ROUTINE(number, name, index, columns, ...) \
-    ODX_IF_##columns##_X({&pFnX_##name##X, "ondrixadsp_" #name "X"}, )
-#define ODX_SERVICE(name) {&pFnX_##name##X, "ondrixadsp_" #name "X"},
-#include "frame/operations/families.def"
-};
-
 // What an unloaded stub leaves behind must not be called.
 void forgetSymbols()
 {
-    for (const Symbol& symbol : kSymbols)
+    for (const remoting::Symbol& symbol : remoting::kSymbols)
         *symbol.pointer = nullptr;
 }
 
@@ -74,7 +71,7 @@ void* dlsym_get(const char* symbol)
 
 int load_stub_symbols()
 {
-    for (const Symbol& symbol : kSymbols) {
+    for (const remoting::Symbol& symbol : remoting::kSymbols) {
         *symbol.pointer = dlsym_get(symbol.name);
         if (*symbol.pointer == nullptr) {
             ODX_LOG(Error, "Cannot load: %s \n", symbol.name);

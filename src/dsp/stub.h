@@ -25,6 +25,21 @@ int load_stub_symbols();
 namespace odx::remoting
 {
 
+// What is looked up in the stub, in the order of the lists: the entries of operations and of services.
+struct Symbol {
+    void** pointer;
+    const char* name;
+    uint32_t operation; // its number in the operation list
+};
+enum SymbolNumber : uint32_t {
+#define ODX_ROUTINE(number, name, index, columns, ...) ODX_IF_##columns##_X(symbol_##name, )
+#define ODX_SERVICE(name) symbol_##name,
+#include "frame/operations/families.def"
+    kSymbolNumbers
+};
+extern const Symbol kSymbols[kSymbolNumbers];
+constexpr char kSymbolPrefix[] = "ondrixadsp_"; // before the name of a variant
+
 constexpr int kRestarted = 104;  // what an entry returns after a restart of the processor
 constexpr int kUnreachable = -1; // instead of a call to an entry that is not there
 
@@ -41,19 +56,13 @@ extern pthread_rwlock_t stubLock;
 class StubInUse
 {
 public:
-    enum Patience { kNow, kWaits };
-    // A call does not wait for a stub that is being replaced: it is done locally.
-    explicit StubInUse(Patience patience)
-        : held_((patience == kNow ? pthread_rwlock_tryrdlock(&stubLock) : pthread_rwlock_rdlock(&stubLock)) == 0)
-    {
-    }
+    StubInUse() : held_(pthread_rwlock_rdlock(&stubLock) == 0) {}
     ~StubInUse()
     {
         if (held_) pthread_rwlock_unlock(&stubLock);
     }
     StubInUse(const StubInUse&) = delete;
     StubInUse& operator=(const StubInUse&) = delete;
-    explicit operator bool() const { return held_; }
 
 private:
     bool held_;

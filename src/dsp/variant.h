@@ -13,37 +13,43 @@
 namespace odx::remoting
 {
 
-// What a variant knows of its operation.
-struct Operation {
-    void* const* entry;
-    uint32_t number;
-    const char* variant;
-};
+// A call of the remote processor, which is made again after a restart:
+//
+//     while (auto* entry = call.begins(pointer)) call.ends(entry(...));
+class RemoteCall
+{
+public:
+    // The entry, and the stub held; null when the call is over.
+    void* begins(void* const& entry);
+    void ends(int code);
+    bool succeeded() const { return code_ == 0; }
 
-// Whether the remote processor did the call that `send` makes; it is made again after a restart.
-bool callRemote(int (*send)(void* context), void* context);
+private:
+    int code_ = kRestarted;
+    uint32_t attempts_ = 0;
+    bool held_ = false;
+};
 
 // Whether the constraint checks are on. A call beyond the limits is logged, and left to the caller.
 bool limitsHold();
-odxStatus beyondLimits(const char* variant);
+odxStatus beyondLimits(const Symbol& symbol);
 
 // The same operation in the SIMD column.
-void* simdColumn(uint32_t number);
+void* simdColumn(const Symbol& symbol);
 
-// Remote calls count with 31 bits.
 template <class T>
-bool fits(T)
+ODX_ITEMS_INLINE bool fits(T)
 {
     return true;
 }
-inline bool fits(Stride stride)
+ODX_ITEMS_INLINE bool fits(Stride stride)
 {
     return stride.fits;
 }
 template <class T, Direction direction, size_t unit>
-bool fits(Buffer<T, direction, unit> buffer)
+ODX_ITEMS_INLINE bool fits(Buffer<T, direction, unit> buffer)
 {
-    return buffer.data == nullptr || buffer.length <= INT_MAX;
+    return buffer.length != kTooLong;
 }
 template <class T>
 bool fits(Vectors<T> vectors)
@@ -53,12 +59,12 @@ bool fits(Vectors<T> vectors)
 
 // What is collected for the way, and given back after it.
 template <class T>
-bool pack(T&)
+ODX_ITEMS_INLINE bool pack(T&)
 {
     return true;
 }
 template <class T>
-void unpack(T&)
+ODX_ITEMS_INLINE void unpack(T&)
 {
 }
 template <class T>
@@ -76,57 +82,36 @@ void unpack(Vectors<T>& vectors)
     heapFree(vectors.packed);
 }
 
-template <class Items>
-class Packed
-{
-public:
-    explicit Packed(Items& items)
-        : items_(items), complete_(std::apply([](auto&... item) { return (pack(item) && ...); }, items))
-    {
-    }
-    ~Packed()
-    {
-        std::apply([](auto&... item) { (unpack(item), ...); }, items_);
-    }
-    Packed(const Packed&) = delete;
-    Packed& operator=(const Packed&) = delete;
-    explicit operator bool() const { return complete_; }
-
-private:
-    Items& items_;
-    bool complete_;
-};
-
 // Buffers come back whole. So where two of them interleave, as planes do whose rows lie side by side, the second
 // one would bring the old content of the first one along: such calls cannot be sent.
 struct Range {
-    uintptr_t begin;
-    uint64_t size;
+    const void* begin;
+    uint32_t length, unit;
 };
-
-template <class T>
-Range writtenRange(T)
-{
-    return {0, 0};
-}
-template <class T, Direction direction, size_t unit>
-Range writtenRange(Buffer<T, direction, unit> buffer)
-{
-    if ((direction & kOut) == 0 || buffer.data == nullptr) return {0, 0};
-    return {reinterpret_cast<uintptr_t>(buffer.data), buffer.length * unit};
-}
-
 bool disjoint(const Range* ranges, size_t count);
 
-template <class Items>
-bool canTravel(const Items& items)
+template <class T>
+ODX_ITEMS_INLINE void addWritten(Range*&, T)
 {
-    return std::apply(
-        [](auto... item) {
-            const Range ranges[] = {writtenRange(item)...};
-            return (fits(item) && ...) && disjoint(ranges, sizeof...(item));
-        },
-        items);
+}
+template <class T, Direction direction, size_t unit>
+ODX_ITEMS_INLINE void addWritten(Range*& end, Buffer<T, direction, unit> buffer)
+{
+    if constexpr (kWritten<decltype(buffer)>) *end++ = {buffer.data, buffer.length, unit};
+}
+
+template <class... I>
+ODX_ITEMS_INLINE bool canTravel(I... items)
+{
+    if (!(fits(items) && ...)) return false;
+    constexpr size_t kCount = (size_t{kWritten<I>} + ... + 0);
+    if constexpr (kCount > 1) {
+        Range ranges[kCount], *end = ranges;
+        (addWritten(end, items), ...);
+        return disjoint(ranges, kCount);
+    } else {
+        return true;
+    }
 }
 
 // One function for all operations of a type that travel alike.
@@ -138,54 +123,39 @@ struct Variant<description, R(A...)> {
     using Items = typename Description::Items;
 
     // The remote entry writes its result behind the arguments.
-    template <class... Sent>
-    static int send(void* const* entry, const Items& items, Sent... result)
+    template <class... Result>
+    ODX_ITEMS_INLINE static bool travels(Items& items, void* const& entry, Result*... result)
     {
-        return std::apply(
-            [&](auto... sent) { return callEntry<typename Description::Entry>(*entry, sent..., result...); },
-            std::apply([](auto... item) { return std::tuple_cat(sent(item)...); }, items));
+        if (!items.into([](auto... item) { return canTravel(item...); })) return false;
+        RemoteCall call;
+        if (items.into([](auto&... item) { return (pack(item) && ...); })) {
+            while (void* const begun = call.begins(entry))
+                call.ends(send(reinterpret_cast<typename Description::Entry*>(begun), typename Description::Sent(),
+                               items, result...));
+        }
+        items.into([](auto&... item) { (unpack(item), ...); });
+        return call.succeeded();
     }
 
-    static R here(const Items& items, uint32_t number)
+    static R run(A... a, SymbolNumber number)
     {
-        auto* const function = reinterpret_cast<R (*)(A...)>(simdColumn(number));
-        return std::apply([&](auto... item) { return function(local(item)...); }, items);
-    }
-
-    [[gnu::noinline]] static R run(A... a, const Operation& operation)
-    {
+        const Symbol& symbol = kSymbols[number];
         auto arguments = description(a...);
         Items& items = arguments.items;
         constexpr bool hasStatus = std::is_same_v<R, odxStatus>;
         static_assert(hasStatus == Description::kHasLimits,
                       "limits are for operations with a status, and they all have them");
         if constexpr (hasStatus) {
-            if (!arguments.withinLimits && limitsHold()) return beyondLimits(operation.variant);
+            if (!arguments.withinLimits && limitsHold()) return beyondLimits(symbol);
         }
         if constexpr (std::is_void_v<R>) {
-            auto call = [&] { return send(operation.entry, items); };
-            if (travels(items, call)) return;
+            if (travels(items, *symbol.pointer)) return;
         } else {
             R result = hasStatus ? static_cast<R>(ONDRIX_FAILURE) : R();
-            auto call = [&] { return send(operation.entry, items, &result); };
-            if (travels(items, call)) return result;
+            if (travels(items, *symbol.pointer, &result)) return result;
         }
-        return here(items, operation.number);
-    }
-
-private:
-    template <class Call>
-    static bool travels(Items& items, Call& call)
-    {
-        if (!canTravel(items)) return false;
-        const Packed<Items> packed(items);
-        return packed && callRemote(&invoke<Call>, &call);
-    }
-
-    template <class Call>
-    static int invoke(void* call)
-    {
-        return (*static_cast<Call*>(call))();
+        auto* const function = reinterpret_cast<R (*)(A...)>(simdColumn(symbol));
+        return items.into([&](auto... item) { return function(local(item)...); });
     }
 };
 

@@ -10,29 +10,23 @@
 using namespace odx;
 using namespace odx::remoting;
 
-bool remoting::callRemote(int (*send)(void* context), void* context)
-{
-    int code = kUnreachable;
-    if (const StubInUse stub(StubInUse::kNow); stub) code = send(context);
-    if (__builtin_expect(code == kRestarted, 0)) code = callAfterRestart(send, context);
-    return code == 0;
-}
-
 bool remoting::limitsHold()
 {
     return current(Z9_constraint_checks_enable) != 0;
 }
 
-odxStatus remoting::beyondLimits(const char* variant)
+odxStatus remoting::beyondLimits(const Symbol& symbol)
 {
     if (current(libLogPrintX) != 0) {
-        ODX_LOG(Debug, "%s: Warning - Unsatisfied HW limitation, will try CPU", variant);
+        ODX_LOG(Debug, "%s: Warning - Unsatisfied HW limitation, will try CPU",
+                symbol.name + sizeof kSymbolPrefix - 1);
     }
     return ONDRIX_UNSUPPORTED_HERE;
 }
 
-void* remoting::simdColumn(uint32_t number)
+void* remoting::simdColumn(const Symbol& symbol)
 {
+    const uint32_t number = symbol.operation;
     return current(number < kPublicSlots
                        ? odxFuncTable.entry[number * kImplementations + ODX_IMPL_ORLAN]
                        : odxInternalFuncTable.entry[(number - kPublicSlots) * kImplementations + ODX_IMPL_ORLAN]);
@@ -40,11 +34,14 @@ void* remoting::simdColumn(uint32_t number)
 
 bool remoting::disjoint(const Range* ranges, size_t count)
 {
+    const auto reaches = [](const Range& range, const Range& other) {
+        const uintptr_t begin = reinterpret_cast<uintptr_t>(range.begin),
+                        second = reinterpret_cast<uintptr_t>(other.begin);
+        return other.length != 0 && begin <= second && second - begin < uint64_t{range.length} * range.unit;
+    };
     for (size_t i = 0; i < count; ++i) {
-        for (size_t j = i + 1; j < count && ranges[i].size != 0; ++j) {
-            const Range &a = ranges[i], &b = ranges[j];
-            if (b.size != 0 && (a.begin < b.begin ? b.begin - a.begin < a.size : a.begin - b.begin < b.size))
-                return false;
+        for (size_t j = 0; j < count; ++j) {
+            if (i != j && reaches(ranges[i], ranges[j])) return false;
         }
     }
     return true;

@@ -5,22 +5,22 @@
 #include "frame/tables.h"
 
 // A function whose parameters come from a type is a friend of a template: `odxXxxX` has those of `odxXxxC`.
-#define ODX_VARIANT(number, name, description)                                                       \
-    extern "C" decltype(name##C) name##X;                                                            \
-    template <class Function>                                                                        \
-    struct name##Variant;                                                                            \
-    template <class R, class... A>                                                                   \
-    struct name##Variant<R(A...)> {                                                                  \
-        static constexpr odx::remoting::Operation kOperation = {&pFnX_##name##X, number, #name "X"}; \
-        [[gnu::used]] friend R name##X(A... a)                                                       \
-        {                                                                                            \
-            return odx::remoting::Variant<description, R(A...)>::run(a..., kOperation);              \
-        }                                                                                            \
-    };                                                                                               \
-    template struct name##Variant<decltype(name##C)>;                                                \
+#define ODX_VARIANT(name, description)                                                     \
+    extern "C" decltype(name##C) name##X;                                                  \
+    template <class Function>                                                              \
+    struct name##Variant;                                                                  \
+    template <class R, class... A>                                                         \
+    struct name##Variant<R(A...)> {                                                        \
+        [[gnu::used]] friend R name##X(A... a)                                             \
+        {                                                                                  \
+            using odx::remoting::Variant;                                                  \
+            return Variant<description, R(A...)>::run(a..., odx::remoting::symbol_##name); \
+        }                                                                                  \
+    };                                                                                     \
+    template struct name##Variant<decltype(name##C)>;                                      \
     [[maybe_unused]] static constexpr auto* name##Defined = &name##X;
 #define ODX_ROUTINE(number, name, index, columns, pointer, ...) \
-    ODX_IF_##columns##_X(ODX_VARIANT(number, name, (odx::remoting::__VA_ARGS__)))
+    ODX_IF_##columns##_X(ODX_VARIANT(name, (odx::remoting::__VA_ARGS__)))
 #define ODX_ONE_FAMILY ODX_FAMILY_LIST
 #include "frame/operations/families.def"
 #undef ODX_VARIANT

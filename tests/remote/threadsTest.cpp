@@ -2,6 +2,7 @@
 #include "support/threads.h"
 #include "dsp/session.h"
 #include "dsp/stub.h"
+#include "dsp/variant.h"
 #include "frame/operations.h"
 #include "remote/ion.h"
 #include "remote/remoteCase.h"
@@ -130,13 +131,22 @@ TEST(RemoteThreads, NobodyIsInsideAStubThatIsUnloaded)
 TEST(RemoteThreads, CallsStayHereUntilTheLastThreadHasRecovered)
 {
     onRemote([](Stub&, LogCapture&) {
-        const auto firstThread = [](void*) {
-            EXPECT_TRUE(stubIsHeld());
-            std::thread([] { EXPECT_EQ(0, remoting::callAfterRestart([](void*) { return 0; }, nullptr)); }).join();
-            EXPECT_EQ(1u, odxImplTable[op_odxBitCountu32]);
-            return 0;
+        const auto recovered = [](auto during) {
+            remoting::RemoteCall call;
+            void* const entry = &call;
+            for (const int code : {remoting::kRestarted, 0}) {
+                ASSERT_NE(nullptr, call.begins(entry));
+                if (code == 0) during();
+                call.ends(code);
+            }
+            EXPECT_EQ(nullptr, call.begins(entry));
+            EXPECT_TRUE(call.succeeded());
         };
-        EXPECT_EQ(0, remoting::callAfterRestart(firstThread, nullptr));
+        recovered([&] {
+            EXPECT_TRUE(stubIsHeld());
+            std::thread([&] { recovered([] {}); }).join();
+            EXPECT_EQ(1u, odxImplTable[op_odxBitCountu32]);
+        });
         EXPECT_EQ(2u, odxImplTable[op_odxBitCountu32]);
     });
 }

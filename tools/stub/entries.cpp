@@ -128,45 +128,32 @@ int serve(Result (*operation)(A...), Result* result, const Items&... items)
     return outcome;
 }
 
-// The item that begins at a place among what was sent.
-template <class Item, size_t place, class Sent>
-Argument<Item> itemAt(const Sent& sent)
+// An item of what was sent.
+template <class Item, size_t first, class Sent>
+Argument<Item> received(const Sent& sent)
 {
-    constexpr size_t kSent = std::tuple_size_v<odx::remoting::Sent<Item>>;
-    if constexpr (kSent == 3) {
-        return Argument<Item>(std::get<place>(sent), std::get<place + 1>(sent), std::get<place + 2>(sent));
-    } else if constexpr (kSent == 2) {
-        return Argument<Item>(std::get<place>(sent), std::get<place + 1>(sent));
+    if constexpr (kParts<Item> == 3) {
+        return Argument<Item>(at<first>(sent), at<first + 1>(sent), at<first + 2>(sent));
+    } else if constexpr (kParts<Item> == 2) {
+        return Argument<Item>(at<first>(sent), at<first + 1>(sent));
     } else {
-        return Argument<Item>(std::get<place>(sent));
+        return Argument<Item>(at<first>(sent));
     }
 }
 
-// How many of the arguments were sent before an item.
-template <size_t item, class... Items>
-constexpr size_t placeOf()
+template <class Result, class... A, class Sent, size_t... places, class... I>
+int serveSent(Result (*operation)(A...), const Sent& sent, ItemsAt<std::index_sequence<places...>, I...>*)
 {
-    constexpr size_t sizes[] = {std::tuple_size_v<odx::remoting::Sent<Items>>...};
-    size_t place = 0;
-    for (size_t i = 0; i < item; ++i)
-        place += sizes[i];
-    return place;
-}
-
-template <class Result, class... A, class... Items, class Sent, size_t... i>
-int serveSent(Result (*operation)(A...), const Sent& sent, std::tuple<Items...>*, std::index_sequence<i...>)
-{
+    using Way = odx::remoting::Way<Items<I...>>;
     Result* result = nullptr;
-    if constexpr (!std::is_void_v<Result>) result = std::get<std::tuple_size_v<Sent> - 1>(sent);
-    return serve(operation, result, itemAt<Items, placeOf<i, Items...>()>(sent)...);
+    if constexpr (!std::is_void_v<Result>) result = at<Way::kLength>(sent);
+    return serve(operation, result, received<I, Way::kOrder.first[places]>(sent)...);
 }
 
 template <class Description, class Operation, class... Sent>
 int answer(Operation* operation, Sent... sent)
 {
-    using Items = typename Description::Items;
-    return serveSent(operation, std::tuple<Sent...>(sent...), static_cast<Items*>(nullptr),
-                     std::make_index_sequence<std::tuple_size_v<Items>>());
+    return serveSent(operation, Items<Sent...>{{sent}...}, static_cast<typename Description::Items*>(nullptr));
 }
 
 } // namespace
