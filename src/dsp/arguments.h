@@ -33,7 +33,7 @@ namespace odx::remoting
 enum Direction { kIn = 1, kOut = 2, kInOut = kIn | kOut };
 
 template <class Item>
-constexpr bool kWritten = false;
+inline constexpr bool kWritten = false;
 
 template <class T, Direction bufferDirection, size_t bytesPerUnit>
 struct Buffer {
@@ -46,7 +46,7 @@ struct Buffer {
 constexpr uint32_t kTooLong = UINT32_MAX;
 
 template <class T, Direction direction, size_t unit>
-constexpr bool kWritten<Buffer<T, direction, unit>> = (direction & kOut) != 0;
+inline constexpr bool kWritten<Buffer<T, direction, unit>> = (direction & kOut) != 0;
 
 // Vectors that lie anywhere, and from pack() to unpack() a copy of them without gaps.
 template <class T>
@@ -192,11 +192,11 @@ const T* const* local(Vectors<T> vectors)
 
 // As the remote entry gets it: an item's parts, in their order.
 template <class Item>
-constexpr size_t kParts = 1;
+inline constexpr size_t kParts = 1;
 template <class T, Direction direction, size_t unit>
-constexpr size_t kParts<Buffer<T, direction, unit>> = 2;
+inline constexpr size_t kParts<Buffer<T, direction, unit>> = 2;
 template <class T>
-constexpr size_t kParts<Vectors<T>> = 3;
+inline constexpr size_t kParts<Vectors<T>> = 3;
 
 template <size_t, class T>
 T part(T value)
