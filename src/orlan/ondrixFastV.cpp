@@ -28,8 +28,8 @@ ODX_INLINE u8v distance(u8v bright, u8v dark, u8v centre)
     return max(subSat(bright, centre), subSat(centre, dark));
 }
 
-// Detection works on batches of vectors, in stages without branches that depend on pixels:
-//  1. all vectors: the four compass points leave some of them a chance;
+// Detection works on batches of vectors, in stages that hardly branch on pixels:
+//  1. all vectors: the pixels above and below leave a group of them a chance, and all compass points some of it;
 //  2. those: the diagonals leave some of their parts a chance;
 //  3. those, a vector of parts at a time: the arcs;
 //  4. the corners that are left, in raster order.
@@ -37,6 +37,7 @@ constexpr uint32_t kPart = kBytes > 16 ? kBytes / 2 : kBytes;
 constexpr uint32_t kParts = kBytes / kPart;
 constexpr uint64_t kPartMask = (uint64_t{1} << kPart) - 1;
 
+constexpr uint32_t kGroup = 4;                    // vectors whose pixels above and below are tested together
 constexpr uint32_t kBatch = 256;                  // vectors that may wait for the later stages
 constexpr uint32_t kSegment = 64;                 // vectors that stage 1 takes in between
 constexpr uint32_t kFull = kBatch - kSegment - 1; // beyond this there is no room for a segment and a row's ends
@@ -46,6 +47,7 @@ constexpr uint32_t kFull = kBatch - kSegment - 1; // beyond this there is no roo
 
 struct Batch {
     const uint8_t* vectors[kBatch + 1];
+    uint64_t chances[kParts == 1 ? 1 : kBatch + 1]; // of each, the lanes that the compass points leave one
     uint32_t count;
 
     const uint8_t* parts[kParts * kBatch + 1];
@@ -59,35 +61,80 @@ ODX_INLINE u8v loadParts(const uint8_t* p, const uint8_t* q)
     return kParts == 2 ? loadHalves(p, q) : loadOnce(p);
 }
 
-// Stage 1, of the vectors from p to before `end`; returns where it stopped.
-ODX_STAGE const uint8_t* collect(Batch& batch, const uint8_t* p, const uint8_t* end, ptrdiff_t stride,
+// A vector of pixels, and those above and below.
+struct Column {
+    u8v centre, north, south;
+    ODX_MEMBER u8v contrast() const
+    {
+        return kParts == 1 ? max(distance(north, centre), distance(south, centre))
+                           : distance(max(north, south), min(north, south), centre);
+    }
+    ODX_MEMBER u8v contrast(u8v east, u8v west) const
+    {
+        return distance(overPairs<Min, Max>(north, south, east, west),
+                        overPairs<Max, Min>(north, south, east, west), centre);
+    }
+};
+
+// Stage 1, of a row's vectors from p to `last`: one at its start, aligned ones, and one at its end. Returns where
+// it stopped; that is beyond `last` at the end.
+ODX_STAGE const uint8_t* collect(Batch& batch, const uint8_t* p, const uint8_t* last, ptrdiff_t stride,
                                  uint8_t barrierByte)
 {
     const u8v barrier = u8v{} + barrierByte;
     const ptrdiff_t below = 3 * stride;
-    const auto chances = [=](const uint8_t* at) __attribute__((always_inline))
+    const auto columnOf = [=](const uint8_t* at) __attribute__((always_inline))
     {
-        const u8v centre = loadOnce(at), south = loadOnce(at + below), north = loadOnce(at - below),
-                  east = loadOnce(at + 3), west = loadOnce(at - 3);
-        const u8v bright = overPairs<Min, Max>(south, north, east, west);
-        const u8v dark = overPairs<Max, Min>(south, north, east, west);
-        return distance(bright, dark, centre);
+        return Column{loadOnce(at), loadOnce(at - below), loadOnce(at + below)};
     };
     uint32_t n = batch.count;
-    constexpr ptrdiff_t kFour = 4 * kBytes;
-    for (; kGroupsVectors && end - p > kFour - ptrdiff_t{kBytes}; p += kFour) {
-        const uint64_t some =
-            anyAbove(chances(p), chances(p + kBytes), chances(p + 2 * kBytes), chances(p + 3 * kBytes), barrier);
-        if (some == 0) continue;
-        for (uint32_t i = 0; i < 4; ++i) {
-            batch.vectors[n] = p + i * kBytes;
-            n += (some >> (16 * i) & 0xFFFF) != 0 ? 1 : 0;
+    const auto test = [&](const uint8_t* at, const Column& column) __attribute__((always_inline))
+    {
+        const u8v contrast = column.contrast(loadOnce(at + 3), loadOnce(at - 3));
+        batch.vectors[n] = at;
+        if constexpr (kParts == 1) {
+            n += any(subSat(contrast, barrier)) ? 1 : 0;
+        } else {
+            const uint64_t chances = laneBits(contrast > barrier);
+            batch.chances[n] = chances;
+            n += chances != 0 ? 1 : 0;
+        }
+    };
+    const uint8_t* const end =
+        last - p > ptrdiff_t{kSegment} * ptrdiff_t{kBytes} ? p + size_t{kSegment} * kBytes : last;
+    if (p < end && (uintptr_t)p % kBytes != 0) {
+        test(p, columnOf(p));
+        p += kBytes - (uintptr_t)p % kBytes;
+    }
+    for (; end - p > ptrdiff_t{(kGroup - 1) * kBytes}; p += kGroup * kBytes) {
+        Column columns[kGroup];
+        u8v farthest = {};
+        for (uint32_t k = 0; k < kGroup; ++k) {
+            columns[k] = columnOf(p + k * kBytes);
+            farthest = max(farthest, columns[k].contrast());
+        }
+        if (!any(subSat(farthest, barrier))) continue;
+        if constexpr (kGroupsVectors) {
+            const auto contrast = [&](uint32_t k) __attribute__((always_inline))
+            {
+                const uint8_t* const at = p + k * kBytes;
+                return columns[k].contrast(loadOnce(at + 3), loadOnce(at - 3));
+            };
+            const uint64_t some = anyAbove(contrast(0), contrast(1), contrast(2), contrast(3), barrier);
+            for (uint32_t k = 0; k < kGroup; ++k) {
+                batch.vectors[n] = p + k * kBytes;
+                n += (some >> (16 * k) & 0xFFFF) != 0 ? 1 : 0;
+            }
+        } else {
+            for (uint32_t k = 0; k < kGroup; ++k)
+                test(p + k * kBytes, columns[k]);
         }
     }
-    for (; p < end; p += kBytes) {
-        const u8v some = chances(p);
-        batch.vectors[n] = p;
-        n += any(subSat(some, barrier)) ? 1 : 0;
+    for (; p < end; p += kBytes)
+        test(p, columnOf(p));
+    if (p >= last) {
+        test(last, columnOf(last));
+        p = last + 1;
     }
     batch.count = n;
     return p;
@@ -105,12 +152,22 @@ ODX_STAGE void sift(Batch& batch, ptrdiff_t stride, uint8_t barrierByte)
         batch.parts[n] = part;
         n += chance ? 1 : 0;
     };
+    // Of vector i, the parts that are left chances.
+    const auto keepParts = [&](uint32_t i, uint64_t chances) __attribute__((always_inline))
+    {
+        const uint8_t* const p = batch.vectors[i];
+        if constexpr (kParts == 1) {
+            keep(p, chances != 0);
+        } else {
+            chances &= batch.chances[i];
+            keep(p, (chances & kPartMask) != 0);
+            keep(p + kPart, chances >> (kBytes - kPart) != 0);
+        }
+    };
     for (uint32_t i = 0; i < count; ++i) {
         if (i == kFirst && n > kMost) {
-            for (; i < count; ++i) {
-                keep(batch.vectors[i], true);
-                if (kParts == 2) keep(batch.vectors[i] + kPart, true);
-            }
+            for (; i < count; ++i)
+                keepParts(i, ~uint64_t{0});
             break;
         }
         const uint8_t* const p = batch.vectors[i];
@@ -118,16 +175,15 @@ ODX_STAGE void sift(Batch& batch, ptrdiff_t stride, uint8_t barrierByte)
         {
             return loadOnce(p + kCircle[k].dy * stride + kCircle[k].dx);
         };
-        const u8v a = at(0), b = at(8), c = at(4), d = at(12), e = at(2), f = at(10), g = at(6), h = at(14);
-        const u8v bright = min(overPairs<Min, Max>(a, b, c, d), overPairs<Min, Max>(e, f, g, h));
-        const u8v dark = max(overPairs<Max, Min>(a, b, c, d), overPairs<Max, Min>(e, f, g, h));
-        const u8v contrast = distance(bright, dark, loadOnce(p));
-        if (kParts == 1) {
-            keep(p, any(subSat(contrast, barrier)));
+        const u8v a = at(2), b = at(10), c = at(6), d = at(14);
+        const u8v bright = overPairs<Min, Max>(a, b, c, d), dark = overPairs<Max, Min>(a, b, c, d);
+        if constexpr (kParts == 1) {
+            const u8v e = at(0), f = at(8), g = at(4), h = at(12);
+            const u8v contrast = distance(min(overPairs<Min, Max>(e, f, g, h), bright),
+                                          max(overPairs<Max, Min>(e, f, g, h), dark), loadOnce(p));
+            keepParts(i, any(subSat(contrast, barrier)) ? 1 : 0);
         } else {
-            const uint64_t chances = laneBits(contrast > barrier);
-            keep(p, (chances & kPartMask) != 0);
-            keep(p + kPart, chances >> (kBytes - kPart) != 0);
+            keepParts(i, laneBits(distance(bright, dark, loadOnce(p)) > barrier));
         }
     }
     batch.partCount = n;
@@ -280,18 +336,12 @@ ODX_INLINE uint32_t detect(const uint8_t* src, uint32_t srcStride, const Area& a
         return listIsFull;
     };
     for (uint32_t y = area.top; y < area.bottom; ++y) {
-        // A vector at the start of the row, aligned ones, and one at the end, if that is another one.
         const uint8_t* const row = rowOf(src, srcStride, y);
-        const uint8_t* const first = row + area.left;
         const uint8_t* const last = row + area.right - kBytes;
-        collect(batch, first, first + 1, stride, barrier);
-        for (const uint8_t* p = first + kBytes - (uintptr_t)first % kBytes; p < last;) {
-            const bool more = (size_t)(last - p) > size_t{kSegment} * kBytes;
-            p = collect(batch, p, more ? p + size_t{kSegment} * kBytes : last, stride, barrier);
+        for (const uint8_t* p = row + area.left; p <= last;) {
+            p = collect(batch, p, last, stride, barrier);
             if (batch.count >= kFull && finish()) return list.count;
         }
-        if (last != first) collect(batch, last, last + 1, stride, barrier);
-        if (batch.count >= kFull && finish()) return list.count;
     }
     finish();
     return list.count;
