@@ -282,6 +282,14 @@ ODX_INLINE uint32_t without(const NoMask&, uint32_t, uint32_t corners)
 }
 ODX_INLINE uint32_t without(const Mask& mask, uint32_t x, uint32_t corners)
 {
+    if (mask.finer + mask.coarser == 0) {
+        // All pixels of a part are in the row, and with them the bytes of their bits.
+        const uint8_t* const bytes = mask.row + x / 8;
+        uint64_t bits = uint64_t{bytes[(x % 8 + kPart - 1) / 8]} << kPart;
+        for (uint32_t i = 0; i < kPart / 8; ++i)
+            bits |= uint64_t{bytes[i]} << (8 * i);
+        return corners & ~(uint32_t)(mirrorBytes(bits) >> x % 8);
+    }
     uint32_t kept = corners;
     for (; corners != 0; corners &= corners - 1) {
         if (mask.excludes(x + (uint32_t)__builtin_ctz(corners))) kept &= ~(corners & (0 - corners));

@@ -130,6 +130,15 @@ ODX_INLINE uint64_t laneBits(s8v mask)
     return vget_lane_u16(vreinterpret_u16_u8(sums), 0);
 }
 
+ODX_INLINE uint64_t mirrorBytes(uint64_t v)
+{
+#if defined(__aarch64__)
+    return vget_lane_u64(vreinterpret_u64_u8(vrbit_u8(vcreate_u8(v))), 0);
+#else
+    return mirrorBytesBySteps(v);
+#endif
+}
+
 } // namespace odx::ODX_TARGET::simd
 
 #endif

@@ -96,6 +96,7 @@
 //   repeat(low, high)            the 16 bytes of two words, least significant first, repeated
 //   rotate<n>(v)                 byte (i + n) % 16 to place i, in each 16 bytes
 //   laneBits(mask)               one bit for each byte of a comparison that holds
+//   mirrorBytes(word)            the bits of each of eight bytes in the opposite order
 //   anyAbove(a, b, c, d, limit)  16 bits for each vector, not all 0 where any of its bytes is above those of
 //                                `limit`, which are equal; where kGroupsVectors is true, it is well faster than
 //                                one vector after the other
@@ -184,6 +185,15 @@ struct u8x3 {
 struct u8x4 {
     u8v a, b, c, d;
 };
+
+ODX_INLINE uint64_t mirrorBytesBySteps(uint64_t v)
+{
+    const auto swap = [&](int n, uint64_t lower) { v = (v >> n & lower) | (v & lower) << n; };
+    swap(1, 0x5555555555555555);
+    swap(2, 0x3333333333333333);
+    swap(4, 0x0F0F0F0F0F0F0F0F);
+    return v;
+}
 
 template <class V>
 ODX_INLINE Pair<V> operator+(const Pair<V>& p, const Pair<V>& q)

@@ -142,6 +142,11 @@ ODX_INLINE uint8_t highest(u8v v)
     return (uint8_t)~_mm_cvtsi128_si32(_mm_minpos_epu16(pairs));
 }
 
+ODX_INLINE uint64_t mirrorBytes(uint64_t v)
+{
+    return mirrorBytesBySteps(v);
+}
+
 } // namespace odx::ODX_TARGET::simd
 
 #endif

@@ -319,6 +319,12 @@ const PrimitiveCase kCases[] = {
                  expected[i] |= in[kBytes * i + lane] > limit;
          }
      }},
+    {"mirrorBytes", 8,
+     [](In in, Out out, Out expected) {
+         put<uint64_t>(out, 0, mirrorBytes(at<uint64_t>(in, 0)));
+         for (uint32_t i = 0; i < 64; ++i)
+             expected[i / 8] = (uint8_t)(expected[i / 8] << 1 | (in[i / 8] >> i % 8 & 1));
+     }},
     {"storePoints", 8,
      [](In in, Out out, Out expected) {
          uint32_t points[16];
