@@ -30,11 +30,8 @@ void near(f32v v, double share, Out out, Out expected, Exact exact)
 }
 
 const PrimitiveCase kCases[] = {
-    {"loadPart", kBytes,
-     [](In in, Out out, Out expected) {
-         store(out, loadPart<4>(in) | loadPart<8>(in + 4));
-         EACH(uint8_t, kBytes, (uint8_t)((i < 4 ? in[i] : 0) | (i < 8 ? in[i + 4] : 0)));
-     }},
+    CASE("loadPart", kBytes, uint8_t, kBytes, (i < 4 ? in[i] : 0) | (i < 8 ? in[i + 4] : 0),
+         store(out, loadPart<4>(in) | loadPart<8>(in + 4))),
     {"addProducts and sumOfLanes", 2 * kBytes,
      [](In in, Out out, Out expected) {
          put<uint32_t>(out, 0, sumOfLanes(addProducts(u32v{7}, load<u8v>(in), load<u8v>(in + kBytes))));
@@ -128,13 +125,9 @@ const PrimitiveCase kCases[] = {
          memcpy(out, sums, sizeof sums);
          EACH(int32_t, kBytes / 2, at<int16_t>(in, i));
      }},
-    {"loadInOrder and widenInOrder", kBytes,
-     [](In in, Out out, Out expected) {
-         const s16p bytes = loadInOrder(in);
-         const s32p low = widenInOrder(bytes.a - 128), high = widenInOrder(bytes.b - 128);
-         storeAll(out, low.a, low.b, high.a, high.b);
-         EACH(int32_t, kBytes, in[i] - 128);
-     }},
+    CASE("loadInOrder and widenInOrder", kBytes, int32_t, kBytes, in[i] - 128,
+         put<s32p>(out, 0, widenInOrder(loadInOrder(in).a - 128)),
+         put<s32p>(out, 1, widenInOrder(loadInOrder(in).b - 128))),
     {"storePairs", 2 * kBytes,
      [](In in, Out out, Out expected) {
          alignas(float) uint8_t pairs[2 * kBytes];
@@ -146,17 +139,8 @@ const PrimitiveCase kCases[] = {
          for (size_t i = 0; i < kBytes / 2; ++i)
              put<int32_t>(expected + sizeof pairs, i, at<int32_t>(in + i % 2 * kBytes, i / 2));
      }},
-    {"joinSat", kBytes,
-     [](In in, Out out, Out expected) {
-         const s32p p = split(load<s16v>(in));
-         store(out, joinSat({p.a * 2, p.b * 2}));
-         EACH(int16_t, kBytes / 2, clamped(2 * at<int16_t>(in, i), -32768, 32767));
-     }},
-    {"narrowMask", 2 * kBytes,
-     [](In in, Out out, Out expected) {
-         store(out, narrowMask({load<s32v>(in) > 0, load<s32v>(in + kBytes) > 0}));
-         EACH(int16_t, kBytes / 2, at<int32_t>(in, i) > 0 ? -1 : 0);
-     }},
+    CASE("narrowMask", 2 * kBytes, int16_t, kBytes / 2, at<int32_t>(in, i) > 0 ? -1 : 0,
+         store(out, narrowMask({load<s32v>(in) > 0, load<s32v>(in + kBytes) > 0}))),
     {"sumOfSquares", 2 * kBytes,
      [](In in, Out out, Out expected) {
          const s32p sums = sumOfSquares(load<s16v>(in), load<s16v>(in + kBytes));
@@ -166,21 +150,13 @@ const PrimitiveCase kCases[] = {
              put<int32_t>(expected, i, a * a + b * b);
          }
      }},
-    {"eachTwice", kBytes,
-     [](In in, Out out, Out expected) {
-         const s16p p = eachTwice((s16v)(load<u16v>(in) & 0xFF));
-         store(out, join({(u16v)p.a, (u16v)p.b}));
-         EACH(uint8_t, kBytes, in[i / 2 * 2]);
-     }},
-    {"dots and joinDots", kBytes + 4,
-     [](In in, Out out, Out expected) {
-         storeAll(out, joinShifted<8>(dots<1, 4, 6, 4, 1>(in)), joinDots<4>(dotsFor<4, 1, 2, 1>(in)));
-         for (size_t i = 0; i < kBytes; ++i) {
-             const int sum = in[i] + 4 * in[i + 1] + 6 * in[i + 2] + 4 * in[i + 3] + in[i + 4];
-             put<uint8_t>(expected, i, sum >> 8);
-             put<uint8_t>(expected, kBytes + i, (in[i] + 2 * in[i + 1] + in[i + 2]) >> 4);
-         }
-     }},
+    CASE("eachTwice", kBytes, uint8_t, kBytes, in[i / 2 * 2],
+         store(out, join(ofHalves<u16p>(eachTwice((s16v)(load<u16v>(in) & 0xFF)), [](u16v v) { return v; })))),
+    CASE("dots", kBytes + 4, uint8_t, kBytes,
+         (in[i] + 4 * in[i + 1] + 6 * in[i + 2] + 4 * in[i + 3] + in[i + 4]) >> 8,
+         store(out, joinShifted<8>(dots<1, 4, 6, 4, 1>(in)))),
+    CASE("joinDots", kBytes + 4, uint8_t, kBytes, (in[i] + 2 * in[i + 1] + in[i + 2]) >> 4,
+         store(out, joinDots<4>(dotsFor<4, 1, 2, 1>(in)))),
     {"dot2 of bytes by weights2, stored in order", kBytes + 1,
      [](In in, Out out, Out expected) {
          const int8_t weights[] = {-128, 127, -128, 0};
@@ -199,11 +175,7 @@ const PrimitiveCase kCases[] = {
          memcpy(out, sums, sizeof sums);
          EACH(int32_t, kBytes / 2, numbers[i] * -90 + numbers[i + 1] * 35);
      }},
-    {"reverse", kBytes,
-     [](In in, Out out, Out expected) {
-         store(out, reverse(load<u8v>(in)));
-         EACH(uint8_t, kBytes, in[kBytes - 1 - i]);
-     }},
+    CASE("reverse", kBytes, uint8_t, kBytes, in[kBytes - 1 - i], store(out, reverse(load<u8v>(in)))),
     {"zip", 2 * kBytes,
      [](In in, Out out, Out expected) {
          const u8v v = load<u8v>(in), w = load<u8v>(in + kBytes);
@@ -220,28 +192,24 @@ const PrimitiveCase kCases[] = {
          zipped(expected + 2 * kBytes, 4, 0);
          zipped(expected + 3 * kBytes, 4, 8);
      }},
-    {"storeBytes", 4 * kBytes,
-     [](In in, Out out, Out expected) {
-         const auto bytes = [in](size_t i) { return load<s32v>(in + kBytes * i) & 255; };
-         storeBytes(out, bytes(0), bytes(1), bytes(2), bytes(3));
-         EACH(uint8_t, kBytes, at<uint32_t>(in, i) & 255);
-     }},
-    {"loadSixteens", 128,
-     [](In in, Out out, Out expected) {
-         store(out, loadSixteens(in + 100, -28));
-         EACH(uint8_t, kBytes, in[100 - 28 * (i / 16) + i % 16]);
-     }},
+    CASE("storeBytes", 4 * kBytes, uint8_t, kBytes, at<uint32_t>(in, i) & 255,
+         storeBytes(out, load<s32v>(in) & 255, load<s32v>(in + kBytes) & 255, load<s32v>(in + 2 * kBytes) & 255,
+                    load<s32v>(in + 3 * kBytes) & 255)),
+    CASE("loadSixteens", 128, uint8_t, kBytes, in[100 - 28 * (i / 16) + i % 16],
+         store(out, loadSixteens(in + 100, -28))),
     {"sums of a vector", kBytes,
      [](In in, Out out, Out expected) {
          const u8v v = load<u8v>(in);
-         uint32_t sum = 0, greatest = 0;
+         uint64_t sum = 0, greatest = 0, bits = 0;
          for (size_t i = 0; i < kBytes; ++i) {
              sum += in[i];
              greatest = greatest < in[i] ? in[i] : greatest;
+             bits |= uint64_t{in[i] > 127} << i;
          }
-         put<uint32_t>(out, 0, sumOfBytes(v)), put<uint32_t>(expected, 0, sum);
-         put<uint32_t>(out, 1, highest(v)), put<uint32_t>(expected, 1, greatest);
-         put<uint32_t>(out, 2, any(v)), put<uint32_t>(expected, 2, sum != 0);
+         put<uint64_t>(out, 0, sumOfBytes(v)), put<uint64_t>(expected, 0, sum);
+         put<uint64_t>(out, 1, highest(v)), put<uint64_t>(expected, 1, greatest);
+         put<uint64_t>(out, 2, any(v)), put<uint64_t>(expected, 2, sum != 0);
+         put<uint64_t>(out, 3, laneBits((s8v)(v > 127))), put<uint64_t>(expected, 3, bits);
      }},
     {"loadFloats and sumOfHalves", kBytes / 4,
      [](In in, Out out, Out expected) {
@@ -259,12 +227,7 @@ const PrimitiveCase kCases[] = {
          }
          put<float>(out, kLanes, sumOfHalves(v * 0.37F)), put<float>(expected, kLanes, sums[0]);
      }},
-    {"loadRows", 5 * kBytes,
-     [](In in, Out out, Out expected) {
-         constexpr size_t stride = 19;
-         store(out, loadRows(in, stride));
-         EACH(uint8_t, kBytes, in[i / 16 * stride + i % 16]);
-     }},
+    CASE("loadRows", 5 * kBytes, uint8_t, kBytes, in[i / 16 * 19 + i % 16], store(out, loadRows(in, 19))),
     {"addDistances and sumsOfDistances", 5 * kBytes,
      [](In in, Out out, Out expected) {
          u16v sums[4];
@@ -298,14 +261,6 @@ const PrimitiveCase kCases[] = {
          put<uint64_t>(expected, 0, in[1] != 0 ? uint64_t{1} << place : 0);
          put<uint64_t>(out, 1, any(v)), put<uint64_t>(expected, 1, in[1] != 0);
          put<uint64_t>(out, 2, highest(v)), put<uint64_t>(expected, 2, in[1]);
-     }},
-    {"laneBits", kBytes,
-     [](In in, Out out, Out expected) {
-         put<uint64_t>(out, 0, laneBits((s8v)(load<u8v>(in) > 127)));
-         uint64_t bits = 0;
-         for (size_t i = 0; i < kBytes; ++i)
-             bits |= uint64_t{in[i] > 127} << i;
-         put<uint64_t>(expected, 0, bits);
      }},
     {"anyAbove", 4 * kBytes + 1,
      [](In in, Out out, Out expected) {
@@ -354,15 +309,9 @@ const PrimitiveCase kCases[] = {
          memcpy(expected + kBytes, in, kBytes / 2);
          memcpy(expected + 3 * kBytes / 2, in + kBytes, kBytes / 2);
      }},
-    {"repeat and rotate", 16,
-     [](In in, Out out, Out expected) {
-         const u8v v = repeat(at<uint64_t>(in, 0), at<uint64_t>(in, 1));
-         storeAll(out, v, rotate<5>(v));
-         for (size_t i = 0; i < kBytes; ++i) {
-             expected[i] = in[i % 16];
-             expected[kBytes + i] = in[(i + 5) % 16];
-         }
-     }},
+    CASE("repeat and rotate", 16, uint8_t, 2 * kBytes, in[(i + i / kBytes * 5) % 16],
+         storeAll(out, repeat(at<uint64_t>(in, 0), at<uint64_t>(in, 1)),
+                  rotate<5>(repeat(at<uint64_t>(in, 0), at<uint64_t>(in, 1))))),
 };
 
 } // namespace

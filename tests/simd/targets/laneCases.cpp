@@ -26,11 +26,6 @@ void plainLanes(In in, Out expected, Plain plain)
     using T = std::decay_t<decltype(V{}[0])>;
     EACH(T, kBytes / sizeof(T), plain(at<T>(in, i), at<T>(in + kBytes, i)));
 }
-template <class Pair, class P, class F>
-Pair ofHalves(P p, F f)
-{
-    return {f((decltype(Pair::a))p.a), f((decltype(Pair::a))p.b)};
-}
 
 const PrimitiveCase kCases[] = {
     LANES(u8v, min(v, w), a < b ? a : b),
@@ -53,6 +48,8 @@ const PrimitiveCase kCases[] = {
     LANES(u8v, joinShifted<7>(ofHalves<u16p>(split(v), [](u16v half) { return half * 127 + 3; })),
           (a * 127 + 3) >> 7),
     LANES(s16v, joinShifted<9>(ofHalves<s32p>(split(v), [](s32v half) { return half * 511; })), (a * 511) >> 9),
+    LANES(s16v, joinSat(ofHalves<s32p>(split(v), [](s32v half) { return half * 2; })),
+          clamped(2 * a, -32768, 32767)),
     LANES(s16v, abs(v), clamped(a < 0 ? -a : a, 0, 32767)),
     LANES(u8v, joinClamped(ofHalves<s16p>(split(v), [](s16v half) { return half * 257 + INT16_MIN; })),
           clamped(a * 257 - 32768, 0, 255)),

@@ -42,6 +42,22 @@ inline int64_t clamped(int64_t value, int64_t least, int64_t most)
     for (size_t i = 0; i < (count); ++i) \
     put<T>(expected, i, value)
 
+// A case by name: the bytes that it reads, the elements that it writes, what each element i should be, and a call.
+#define CASE(name, input, T, count, value, ...)         \
+    {                                                   \
+        name, input, [](In in, Out out, Out expected) { \
+            __VA_ARGS__;                                \
+            EACH(T, count, value);                      \
+        }                                               \
+    }
+
+// f of both halves of a pair.
+template <class Pair, class P, class F>
+Pair ofHalves(P p, F f)
+{
+    return {f((decltype(Pair::a))p.a), f((decltype(Pair::a))p.b)};
+}
+
 template <class... V>
 void storeAll(Out out, V... v)
 {

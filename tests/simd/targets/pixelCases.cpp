@@ -59,50 +59,18 @@ void chromaOfPairs(In in, Out out, Out expected)
 }
 
 const PrimitiveCase kCases[] = {
-    {"loadWiden", kBytes / 2,
-     [](In in, Out out, Out expected) {
-         store(out, loadWiden(in));
-         EACH(uint16_t, kBytes / 2, in[i]);
-     }},
-    {"storeNarrow", kBytes,
-     [](In in, Out out, Out expected) {
-         storeNarrow(out, load<u16v>(in) & 0xFF);
-         EACH(uint8_t, kBytes / 2, in[2 * i]);
-     }},
-    {"load2", 2 * kBytes,
-     [](In in, Out out, Out expected) {
-         const u8x2 v = load2(in);
-         store(out, v.a - v.b * 3);
-         EACH(uint8_t, kBytes, in[2 * i] - in[2 * i + 1] * 3);
-     }},
-    {"store2", 2 * kBytes,
-     [](In in, Out out, Out expected) {
-         store2(out, load<u8v>(in), load<u8v>(in + kBytes));
-         pixels<1, 2>(in, expected, [](In p, size_t c) { return p[kBytes * c]; });
-     }},
-    {"load3", 3 * kBytes,
-     [](In in, Out out, Out expected) {
-         const u8x3 v = load3(in);
-         storeAll(out, v.a, v.b, v.c);
-         EACH(uint8_t, 3 * kBytes, in[i % kBytes * 3 + i / kBytes]);
-     }},
-    {"store3", 3 * kBytes,
-     [](In in, Out out, Out expected) {
-         store3(out, load<u8v>(in), load<u8v>(in + kBytes), load<u8v>(in + 2 * kBytes));
-         pixels<1, 3>(in, expected, [](In p, size_t c) { return p[kBytes * c]; });
-     }},
-    {"load4", 4 * kBytes,
-     [](In in, Out out, Out expected) {
-         const u8x4 v = load4(in);
-         storeAll(out, v.a, v.b, v.c, v.d);
-         EACH(uint8_t, 4 * kBytes, in[i % kBytes * 4 + i / kBytes]);
-     }},
-    {"store4", 4 * kBytes,
-     [](In in, Out out, Out expected) {
+    CASE("loadWiden", kBytes / 2, uint16_t, kBytes / 2, in[i], store(out, loadWiden(in))),
+    CASE("storeNarrow", kBytes, uint8_t, kBytes / 2, in[2 * i], storeNarrow(out, load<u16v>(in) & 0xFF)),
+    CASE("load2", 2 * kBytes, uint8_t, 2 * kBytes, in[i % kBytes * 2 + i / kBytes], put<u8x2>(out, 0, load2(in))),
+    CASE("load3", 3 * kBytes, uint8_t, 3 * kBytes, in[i % kBytes * 3 + i / kBytes], put<u8x3>(out, 0, load3(in))),
+    CASE("load4", 4 * kBytes, uint8_t, 4 * kBytes, in[i % kBytes * 4 + i / kBytes], put<u8x4>(out, 0, load4(in))),
+    CASE("store2", 2 * kBytes, uint8_t, 2 * kBytes, in[i % 2 * kBytes + i / 2],
+         store2(out, load<u8v>(in), load<u8v>(in + kBytes))),
+    CASE("store3", 3 * kBytes, uint8_t, 3 * kBytes, in[i % 3 * kBytes + i / 3],
+         store3(out, load<u8v>(in), load<u8v>(in + kBytes), load<u8v>(in + 2 * kBytes))),
+    CASE("store4", 4 * kBytes, uint8_t, 4 * kBytes, in[i % 4 * kBytes + i / 4],
          store4(out, load<u8v>(in), load<u8v>(in + kBytes), load<u8v>(in + 2 * kBytes),
-                load<u8v>(in + 3 * kBytes));
-         pixels<1, 4>(in, expected, [](In p, size_t c) { return p[kBytes * c]; });
-     }},
+                load<u8v>(in + 3 * kBytes))),
     {"widen3", 3 * kBytes,
      [](In in, Out out, Out expected) { widen3<false>(out, in), repacked<3, false>(in, expected); }},
     {"widen3 mirrored", 3 * kBytes,
@@ -111,22 +79,10 @@ const PrimitiveCase kCases[] = {
      [](In in, Out out, Out expected) { narrow4<false>(out, in), repacked<4, false>(in, expected); }},
     {"narrow4 mirrored", 4 * kBytes,
      [](In in, Out out, Out expected) { narrow4<true>(out, in), repacked<4, true>(in, expected); }},
-    {"mirror3", 3 * kBytes,
-     [](In in, Out out, Out expected) {
-         mirror3(out, in);
-         pixels<3, 3>(in, expected, [](In p, size_t c) { return p[2 - c]; });
-     }},
-    {"mirror3 in place", 3 * kBytes,
-     [](In in, Out out, Out expected) {
-         memcpy(out, in, 3 * kBytes);
-         mirror3(out, out);
-         pixels<3, 3>(in, expected, [](In p, size_t c) { return p[2 - c]; });
-     }},
-    {"mirror4", 4 * kBytes,
-     [](In in, Out out, Out expected) {
-         mirror4(out, in);
-         EACH(uint8_t, 4 * kBytes, in[i % 2 == 0 ? i ^ 2 : i]);
-     }},
+    CASE("mirror3", 3 * kBytes, uint8_t, 3 * kBytes, in[i / 3 * 3 + 2 - i % 3], mirror3(out, in)),
+    CASE("mirror3 in place", 3 * kBytes, uint8_t, 3 * kBytes, in[i / 3 * 3 + 2 - i % 3],
+         memcpy(out, in, 3 * kBytes), mirror3(out, out)),
+    CASE("mirror4", 4 * kBytes, uint8_t, 4 * kBytes, in[i % 2 == 0 ? i ^ 2 : i], mirror4(out, in)),
     {"widen565", 2 * kBytes, widened565<false>},
     {"widen565 mirrored", 2 * kBytes, widened565<true>},
     {"lumaSums of triples", 3 * kBytes, luma<loadTriples, 3, 77, 150, 29>},
@@ -138,11 +94,9 @@ const PrimitiveCase kCases[] = {
     {"chromaSumsOfPairs of triples", 3 * kBytes, chromaOfPairs<loadTriples, 3, 128, -107, -21>},
     {"chromaSumsOfPairs of quads", 4 * kBytes, chromaOfPairs<loadQuads, 4, -43, -85, 128>},
     {"chromaSumsOfPairs of channels", 3 * kBytes, chromaOfPairs<load3, 3, -43, -85, 128>},
-    {"fineSums", 3 * kBytes,
-     [](In in, Out out, Out expected) {
-         store(out, fineSums<19595, 38469, 7471>(in));
-         EACH(uint8_t, kBytes, (19595 * in[3 * i] + 38469 * in[3 * i + 1] + 7471 * in[3 * i + 2] + 32768) >> 16);
-     }},
+    CASE("fineSums", 3 * kBytes, uint8_t, kBytes,
+         (19595 * in[3 * i] + 38469 * in[3 * i + 1] + 7471 * in[3 * i + 2] + 32768) >> 16,
+         store(out, fineSums<19595, 38469, 7471>(in))),
 };
 
 } // namespace

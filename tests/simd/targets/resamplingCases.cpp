@@ -9,43 +9,28 @@ using namespace loops;
 namespace
 {
 
+template <int mask>
+void narrowed(In in, Out out, Out expected)
+{
+    const auto numbers = [=](size_t k) { return load<s32v>(in + kBytes * k) & mask; };
+    store(out, narrow(numbers(0), numbers(1), numbers(2), numbers(3)));
+    EACH(uint8_t, kBytes, clamped(at<int32_t>(in, i) & mask, 0, 255));
+}
+
 const PrimitiveCase kCases[] = {
-    {"sumPairs and dotPairs of bytes", kBytes,
-     [](In in, Out out, Out expected) {
-         storeAll(out, sumPairs(load<u8v>(in)), dotPairs<1, 0>(load<u8v>(in)), dotPairs<127, 1>(load<u8v>(in)));
-         EACH(uint16_t, kBytes / 2, in[2 * i] + in[2 * i + 1]);
-         expected += kBytes;
-         EACH(uint16_t, kBytes / 2, in[2 * i]);
-         expected += kBytes;
-         EACH(uint16_t, kBytes / 2, in[2 * i] * 127 + in[2 * i + 1]);
-     }},
-    {"sumPairs of u16v", 2 * kBytes,
-     [](In in, Out out, Out expected) {
-         store(out, sumPairs(load<u16v>(in) >> 1, load<u16v>(in + kBytes) >> 1));
-         EACH(uint16_t, kBytes / 2, (at<uint16_t>(in, 2 * i) >> 1) + (at<uint16_t>(in, 2 * i + 1) >> 1));
-     }},
-    {"narrow of u16v", 2 * kBytes,
-     [](In in, Out out, Out expected) {
-         store(out, narrow(load<u16v>(in) & 255, load<u16v>(in + kBytes) & 255));
-         EACH(uint8_t, kBytes, in[2 * i]);
-     }},
-    {"narrow of s32v", 4 * kBytes,
-     [](In in, Out out, Out expected) {
-         const auto numbers = [=](size_t k) { return load<s32v>(in + kBytes * k) & 0x7FFF; };
-         store(out, narrow(numbers(0), numbers(1), numbers(2), numbers(3)));
-         EACH(uint8_t, kBytes, clamped(at<int32_t>(in, i) & 0x7FFF, 0, 255));
-     }},
-    {"narrow of small s32v", 4 * kBytes,
-     [](In in, Out out, Out expected) {
-         const auto numbers = [=](size_t k) { return load<s32v>(in + kBytes * k) & 0x1FF; };
-         store(out, narrow(numbers(0), numbers(1), numbers(2), numbers(3)));
-         EACH(uint8_t, kBytes, clamped(at<int32_t>(in, i) & 0x1FF, 0, 255));
-     }},
-    {"storePairs2", 2 * kBytes,
-     [](In in, Out out, Out expected) {
-         storePairs2(out, load<u8v>(in), load<u8v>(in + kBytes));
-         EACH(uint16_t, kBytes, at<uint16_t>(in + i % 2 * kBytes, i / 2));
-     }},
+    CASE("sumPairs", kBytes, uint16_t, kBytes / 2, in[2 * i] + in[2 * i + 1], store(out, sumPairs(load<u8v>(in)))),
+    CASE("dotPairs of firsts", kBytes, uint16_t, kBytes / 2, in[2 * i], store(out, dotPairs<1, 0>(load<u8v>(in)))),
+    CASE("dotPairs", kBytes, uint16_t, kBytes / 2, in[2 * i] * 127 + in[2 * i + 1],
+         store(out, dotPairs<127, 1>(load<u8v>(in)))),
+    CASE("sumPairs of u16v", 2 * kBytes, uint16_t, kBytes / 2,
+         (at<uint16_t>(in, 2 * i) >> 1) + (at<uint16_t>(in, 2 * i + 1) >> 1),
+         store(out, sumPairs(load<u16v>(in) >> 1, load<u16v>(in + kBytes) >> 1))),
+    CASE("narrow of u16v", 2 * kBytes, uint8_t, kBytes, in[2 * i],
+         store(out, narrow(load<u16v>(in) & 255, load<u16v>(in + kBytes) & 255))),
+    {"narrow of s32v", 4 * kBytes, narrowed<0x7FFF>},
+    {"narrow of small s32v", 4 * kBytes, narrowed<0x1FF>},
+    CASE("storePairs2", 2 * kBytes, uint16_t, kBytes, at<uint16_t>(in + i % 2 * kBytes, i / 2),
+         storePairs2(out, load<u8v>(in), load<u8v>(in + kBytes))),
     {"load2 of floats", 2 * kBytes,
      [](In in, Out out, Out expected) {
          float numbers[kBytes / 2];
@@ -54,11 +39,7 @@ const PrimitiveCase kCases[] = {
          storeAll(out, v.a, v.b);
          EACH(uint32_t, kBytes / 2, at<uint32_t>(in, i % (kBytes / 4) * 2 + i / (kBytes / 4)));
      }},
-    {"toFloats", kBytes / 4,
-     [](In in, Out out, Out expected) {
-         store(out, toFloats(in));
-         EACH(float, kBytes / 4, in[i]);
-     }},
+    CASE("toFloats", kBytes / 4, float, kBytes / 4, in[i], store(out, toFloats(in))),
     {"lookup", 9 + kLookupWindow + kBytes,
      [](In in, Out out, Out expected) {
          uint32_t bases[kBytes / kLookup];
