@@ -26,15 +26,14 @@ Extent extentFor(Draw& draw, uint32_t M, uint32_t N)
     return draw.extent(1, 1, std::max(M, N) - 1);
 }
 
-template <auto* operation, uint32_t K, bool strided>
+template <auto* operation, uint32_t K>
 void rounded(Draw& draw)
 {
-    const Extent extent = draw.extent(K, K);
+    constexpr bool packed = arity(operation) < 8;
     const auto weights = [](Draw& d) { return kernel(d, "kernel", K); };
-    const auto src = draw.source<int16_t>("src", extent, !strided),
-               dst = draw.destination<int16_t>("dst", extent, !strided);
-    draw.call(operation, weights, weights, src.pixels, extent, when<strided>(src.strideArgument()), dst.pixels,
-              when<strided>(dst.strideArgument()));
+    const auto src = draw.source<int16_t>("src", draw.extent(K, K), packed),
+               dst = draw.destination<int16_t>("dst", src.extent(), packed);
+    draw.call(operation, weights, weights, sized(src), dst);
 }
 
 void roundedNxN(Draw& draw)
@@ -100,16 +99,16 @@ void inside(Draw& draw)
 std::vector<Row> rows()
 {
     return {
-        {"odxFilterCorrSep9x9s16", rounded<odxFilterCorrSep9x9s16, 9, false>},
-        {"odxFilterCorrSep9x9s16_v2", rounded<odxFilterCorrSep9x9s16_v2, 9, true>},
-        {"odxFilterCorrSep11x11s16", rounded<odxFilterCorrSep11x11s16, 11, false>},
-        {"odxFilterCorrSep11x11s16_v2", rounded<odxFilterCorrSep11x11s16_v2, 11, true>},
-        {"odxFilterCorrSep13x13s16", rounded<odxFilterCorrSep13x13s16, 13, false>},
-        {"odxFilterCorrSep13x13s16_v2", rounded<odxFilterCorrSep13x13s16_v2, 13, true>},
-        {"odxFilterCorrSep15x15s16", rounded<odxFilterCorrSep15x15s16, 15, false>},
-        {"odxFilterCorrSep15x15s16_v2", rounded<odxFilterCorrSep15x15s16_v2, 15, true>},
-        {"odxFilterCorrSep17x17s16", rounded<odxFilterCorrSep17x17s16, 17, false>},
-        {"odxFilterCorrSep17x17s16_v2", rounded<odxFilterCorrSep17x17s16_v2, 17, true>},
+        {"odxFilterCorrSep9x9s16", rounded<odxFilterCorrSep9x9s16, 9>},
+        {"odxFilterCorrSep9x9s16_v2", rounded<odxFilterCorrSep9x9s16_v2, 9>},
+        {"odxFilterCorrSep11x11s16", rounded<odxFilterCorrSep11x11s16, 11>},
+        {"odxFilterCorrSep11x11s16_v2", rounded<odxFilterCorrSep11x11s16_v2, 11>},
+        {"odxFilterCorrSep13x13s16", rounded<odxFilterCorrSep13x13s16, 13>},
+        {"odxFilterCorrSep13x13s16_v2", rounded<odxFilterCorrSep13x13s16_v2, 13>},
+        {"odxFilterCorrSep15x15s16", rounded<odxFilterCorrSep15x15s16, 15>},
+        {"odxFilterCorrSep15x15s16_v2", rounded<odxFilterCorrSep15x15s16_v2, 15>},
+        {"odxFilterCorrSep17x17s16", rounded<odxFilterCorrSep17x17s16, 17>},
+        {"odxFilterCorrSep17x17s16_v2", rounded<odxFilterCorrSep17x17s16_v2, 17>},
         {"odxFilterCorrSepNxNs16", roundedNxN},
         {"odxFilterConvolveMxNu8", anyKernel<uint8_t, odxFilterConvolveMxNu8>},
         {"odxFilterConvolveMxNu8s16", anyKernel<int16_t, odxFilterConvolveMxNu8s16>},

@@ -16,15 +16,14 @@ const int8_t* integerKernel(Draw& draw, uint32_t n)
     return kernel;
 }
 
-template <auto* operation, bool strided>
+template <auto* operation>
 void corr3x3(Draw& draw)
 {
+    constexpr bool packed = arity(operation) < 7;
     const Extent extent = draw.extent();
     const int8_t* const kernel = integerKernel(draw, 3);
-    const auto src = draw.source<uint8_t>("src", extent, !strided),
-               dst = draw.destination<uint8_t>("dst", extent, !strided);
-    draw.call(operation, kernel, src.pixels, extent, when<strided>(src.strideArgument()), dst.pixels,
-              when<strided>(dst.strideArgument()));
+    const auto src = draw.source<uint8_t>("src", extent, packed);
+    draw.call(operation, kernel, sized(src), draw.destination<uint8_t>("dst", extent, packed));
 }
 
 uint32_t size(Draw& draw)
@@ -64,8 +63,8 @@ void real(Draw& draw)
 std::vector<Row> rows()
 {
     return {
-        {"odxFilterCorr3x3s8", corr3x3<odxFilterCorr3x3s8, false>},
-        {"odxFilterCorr3x3s8_v2", corr3x3<odxFilterCorr3x3s8_v2, true>},
+        {"odxFilterCorr3x3s8", corr3x3<odxFilterCorr3x3s8>},
+        {"odxFilterCorr3x3s8_v2", corr3x3<odxFilterCorr3x3s8_v2>},
         {"odxFilterCorrNxNu8", shifted<uint8_t, odxFilterCorrNxNu8>},
         {"odxFilterCorrNxNu8s16", shifted<int16_t, odxFilterCorrNxNu8s16>},
         {"odxFilterCorrNxNu8f32", real},

@@ -76,15 +76,14 @@ constexpr auto patches = taking<operation, patch<width, height>, patch<width, he
 
 // operation(patch, patchStride, src, srcWidth, srcHeight, srcStride, dst, dstStride): packed images have no
 // strides.
-template <uint32_t n, auto* operation, bool strided = true>
+template <uint32_t n, auto* operation>
 void everywhere(Draw& draw)
 {
-    const auto patch = draw.source<uint8_t>("patch", {n, n}, !strided),
-               src = draw.source<uint8_t>("src", draw.extent(n, n, n - 1), !strided);
-    const auto dst = draw.destination<uint16_t>("dst", {src.width - n + 1, src.height - n + 1}, !strided);
-    const auto stride = [](const auto& image) { return when<strided>(image.strideArgument()); };
-    draw.call(operation, patch.pixels, stride(patch), src.pixels, src.extent(), stride(src), dst.pixels,
-              stride(dst));
+    constexpr bool packed = arity(operation) < 8;
+    const auto patch = draw.source<uint8_t>("patch", {n, n}, packed),
+               src = draw.source<uint8_t>("src", draw.extent(n, n, n - 1), packed);
+    const auto dst = draw.destination<uint16_t>("dst", {src.width - n + 1, src.height - n + 1}, packed);
+    draw.call(operation, patch, sized(src), dst);
 }
 
 void describe(Draw& draw)
@@ -345,7 +344,7 @@ std::vector<Row> rows()
         {"odxSumOfAbsoluteDiff16x16u8", patches<16, 16, odxSumOfAbsoluteDiff16x16u8>},
         {"odxDotProduct8x8u8", patches<8, 8, odxDotProduct8x8u8>},
         {"odxDotProduct11x12u8", patches<11, 12, odxDotProduct11x12u8>},
-        {"odxSumOfAbsoluteDiffs8x8u8", everywhere<8, odxSumOfAbsoluteDiffs8x8u8, false>},
+        {"odxSumOfAbsoluteDiffs8x8u8", everywhere<8, odxSumOfAbsoluteDiffs8x8u8>},
         {"odxSumOfAbsoluteDiffs8x8u8_v2", everywhere<8, odxSumOfAbsoluteDiffs8x8u8_v2>},
         {"odxSumOfAbsoluteDiffs16x16u8", everywhere<16, odxSumOfAbsoluteDiffs16x16u8>},
         {"odxDescriptor17x17u8To36s8", describe},

@@ -94,25 +94,6 @@ struct Random {
     }
 };
 
-template <class T>
-auto flat(const T& argument)
-{
-    return std::tuple(argument);
-}
-inline auto flat(Extent extent)
-{
-    return std::tuple(extent.width, extent.height);
-}
-template <class T>
-auto flat(const Image<T>& image)
-{
-    return std::tuple(image.pixels, image.strideArgument());
-}
-template <class... T>
-auto flat(const std::tuple<T...>& arguments)
-{
-    return std::apply([](const auto&... argument) { return std::tuple_cat(flat(argument)...); }, arguments);
-}
 // Arguments that only some operations take.
 template <bool taken, class... T>
 auto when(T... arguments)
@@ -125,14 +106,55 @@ auto when(T... arguments)
 }
 // An image with its size, in pixels, before its stride.
 template <class T>
-auto sized(const Image<T>& image, Extent extent)
+struct Sized {
+    Image<T> image;
+    Extent extent;
+};
+template <class T>
+Sized<T> sized(const Image<T>& image, Extent extent)
 {
-    return std::tuple(image.pixels, extent.width, extent.height, image.strideArgument());
+    return {image, extent};
 }
 template <class T>
-auto sized(const Image<T>& image)
+Sized<T> sized(const Image<T>& image)
 {
-    return sized(image, image.extent());
+    return {image, image.extent()};
+}
+
+// What an argument of Draw::call stands for; the strides of images, unless they are packed.
+template <bool strides = true, class T>
+auto flat(const T& argument)
+{
+    return std::tuple(argument);
+}
+template <bool strides = true>
+auto flat(Extent extent)
+{
+    return std::tuple(extent.width, extent.height);
+}
+template <bool strides = true, class T>
+auto flat(const Image<T>& image)
+{
+    return std::tuple_cat(std::tuple(image.pixels), when<strides>(image.strideArgument()));
+}
+template <bool strides = true, class T>
+auto flat(const Sized<T>& sized)
+{
+    return std::tuple_cat(std::tuple(sized.image.pixels), flat(sized.extent),
+                          when<strides>(sized.image.strideArgument()));
+}
+template <bool strides = true, class... T>
+auto flat(const std::tuple<T...>& arguments)
+{
+    return std::apply([](const auto&... argument) { return std::tuple_cat(flat<strides>(argument)...); },
+                      arguments);
+}
+
+// How many arguments an operation takes: those on packed images have no strides.
+template <class R, class... Arguments>
+constexpr size_t arity(R (*)(Arguments...))
+{
+    return sizeof...(Arguments);
 }
 
 class Draw
@@ -240,13 +262,15 @@ public:
             result(operation());
         }
     }
-    // run(operation(...)) of these arguments, where an image stands for its pixels and its stride, an extent for
-    // its sides, a tuple for its elements, and a function for what it draws.
+    // run(operation(...)) of these arguments, where an image stands for its pixels and its stride, if the
+    // operation takes strides, an extent for its sides, a tuple for its elements, and a function for what it
+    // draws.
     template <class Operation, class... Arguments>
     void call(Operation operation, const Arguments&... arguments)
     {
         const std::tuple<decltype(drawn(arguments))...> values{drawn(arguments)...}; // in this order
-        const auto all = flat(values);
+        constexpr bool strides = std::tuple_size_v<decltype(flat(values))> == arity(Operation{});
+        const auto all = flat<strides>(values);
         run([&] { return std::apply(operation, all); });
     }
     template <class T>

@@ -13,15 +13,9 @@ Extent tableOf(Extent extent)
 template <class T, auto* operation>
 void image(Draw& draw)
 {
-    const auto src = draw.source<uint8_t>("src", draw.extent());
-    draw.call(operation, sized(src), draw.destination<T>("dst", tableOf(src.extent())));
-}
-
-void packedImage(Draw& draw)
-{
-    const auto src = draw.source<uint8_t>("src", draw.extent(), true);
-    const auto dst = draw.destination<uint32_t>("dst", tableOf(src.extent()), true);
-    draw.call(odxIntegrateImageu8, src.pixels, src.extent(), dst.pixels);
+    constexpr bool packed = arity(operation) < 6;
+    const auto src = draw.source<uint8_t>("src", draw.extent(), packed);
+    draw.call(operation, sized(src), draw.destination<T>("dst", tableOf(src.extent()), packed));
 }
 
 // Both tables, or either, of one stride; now and then of rows whose squares have a sum beyond 32 bits.
@@ -68,16 +62,16 @@ void line(Draw& draw)
 
 // operation(src, width, height, srcStride, x, y, patchWidth, patchHeight, sums, squareSums): packed images have no
 // stride, and fixed patches no size.
-template <auto* operation, bool strided, uint32_t fixed = 0>
+template <auto* operation, uint32_t fixed = 0>
 void patch(Draw& draw)
 {
+    constexpr bool packed = arity(operation) % 2 == 1;
     const Extent side = fixed != 0 ? Extent{fixed, fixed} : draw.extent();
     const uint32_t moreX = draw.number("more", 0U, 40U, 4U), moreY = draw.number("more", 0U, 40U, 4U),
                    x = draw.number("x", 0U, moreX, 1U), y = draw.number("y", 0U, moreY, 0U);
-    const auto src = draw.source<uint8_t>("src", {side.width + moreX, side.height + moreY}, !strided);
+    const auto src = draw.source<uint8_t>("src", {side.width + moreX, side.height + moreY}, packed);
     const auto table = to<uint32_t>("sums", (side.width + 1) * (side.height + 1));
-    draw.call(operation, src.pixels, src.extent(), when<strided>(src.strideArgument()), x, y,
-              when<fixed == 0>(side), table, maybe(table));
+    draw.call(operation, sized(src), x, y, when<fixed == 0>(side), table, maybe(table));
 }
 
 // From before an image to behind it, and far away.
@@ -106,19 +100,19 @@ void borderedPatch(Draw& draw)
 std::vector<Row> rows()
 {
     return {
-        {"odxIntegrateImageu8", packedImage},
+        {"odxIntegrateImageu8", image<uint32_t, odxIntegrateImageu8>},
         {"odxIntegrateImageu8_v2", image<uint32_t, odxIntegrateImageu8_v2>},
         {"odxIntegrateImageu8u64", sumsAndSquares},
         {"odxIntegrateImageYCbCr420PseudoPlanaru8", planes},
         {"odxIntegrateImageLineu8", line<odxIntegrateImageLineu8, 0>},
         {"odxIntegrateImageLine64u8", line<odxIntegrateImageLine64u8, 64>},
         {"odxTiltedIntegralu8s32", image<int32_t, odxTiltedIntegralu8s32>},
-        {"odxIntegratePatch12x12u8", patch<odxIntegratePatch12x12u8, false, 12>},
-        {"odxIntegratePatch12x12u8_v2", patch<odxIntegratePatch12x12u8_v2, true, 12>},
-        {"odxIntegratePatch18x18u8", patch<odxIntegratePatch18x18u8, false, 18>},
-        {"odxIntegratePatch18x18u8_v2", patch<odxIntegratePatch18x18u8_v2, true, 18>},
-        {"odxIntegratePatchu8", patch<odxIntegratePatchu8, false>},
-        {"odxIntegratePatchu8_v2", patch<odxIntegratePatchu8_v2, true>},
+        {"odxIntegratePatch12x12u8", patch<odxIntegratePatch12x12u8, 12>},
+        {"odxIntegratePatch12x12u8_v2", patch<odxIntegratePatch12x12u8_v2, 12>},
+        {"odxIntegratePatch18x18u8", patch<odxIntegratePatch18x18u8, 18>},
+        {"odxIntegratePatch18x18u8_v2", patch<odxIntegratePatch18x18u8_v2, 18>},
+        {"odxIntegratePatchu8", patch<odxIntegratePatchu8>},
+        {"odxIntegratePatchu8_v2", patch<odxIntegratePatchu8_v2>},
         {"odxIntegratePatchu8_v3", borderedPatch},
     };
 }

@@ -21,29 +21,21 @@ Extent multiples(Draw& draw, uint32_t k)
     return {extent.width / k * k, extent.height / k * k};
 }
 
-// Operations that write `up` pixels for each `down` pixels of the source.
-
-template <class T, uint32_t up, uint32_t down, auto* operation>
-void packed(Draw& draw)
-{
-    const auto src = draw.source<T>("src", multiples(draw, down), true);
-    const auto dst = draw.destination<T>("dst", {src.width / down * up, src.height / down * up}, true);
-    draw.call(operation, src.pixels, src.extent(), dst.pixels);
-}
-
 template <class T, uint32_t channels, auto* operation>
-void withStrides(Draw& draw, Extent extent, Extent outputs)
+void rescale(Draw& draw, Extent extent, Extent outputs)
 {
-    const auto src = draw.source<T>("src", {extent.width * channels, extent.height});
-    const auto dst = draw.destination<T>("dst", {outputs.width * channels, outputs.height});
+    constexpr bool packed = arity(operation) < 6;
+    const auto src = draw.source<T>("src", {extent.width * channels, extent.height}, packed);
+    const auto dst = draw.destination<T>("dst", {outputs.width * channels, outputs.height}, packed);
     draw.call(operation, sized(src, extent), dst);
 }
 
-template <class T, uint32_t down, auto* operation>
-void reduction(Draw& draw)
+// Operations that write `up` pixels for each `down` pixels of the source.
+template <class T, uint32_t up, uint32_t down, auto* operation>
+void whole(Draw& draw)
 {
     const Extent extent = multiples(draw, down);
-    withStrides<T, 1, operation>(draw, extent, {extent.width / down, extent.height / down});
+    rescale<T, 1, operation>(draw, extent, {extent.width / down * up, extent.height / down * up});
 }
 
 // Sizes that need not be multiples: n pixels become (up * n + rounds) / down.
@@ -52,14 +44,14 @@ template <auto* operation, uint32_t upX, uint32_t upY, uint32_t channels = 1, ui
 void rescaling(Draw& draw)
 {
     const Extent extent = draw.extent(least, least);
-    withStrides<uint8_t, channels, operation>(
+    rescale<uint8_t, channels, operation>(
         draw, extent, {(upX * extent.width + rounds) / down, (upY * extent.height + rounds) / down});
 }
 
 void threeToTwo(Draw& draw)
 {
     const Extent extent = draw.extent(3, 3);
-    withStrides<uint8_t, 1, odxScaleDown3To2u8>(draw, extent, {extent.width / 3 * 2, extent.height / 3 * 2});
+    rescale<uint8_t, 1, odxScaleDown3To2u8>(draw, extent, {extent.width / 3 * 2, extent.height / 3 * 2});
 }
 
 // Operations whose sizes are given.
@@ -97,16 +89,15 @@ constexpr auto bilinearFirst =
                areaFirst =
                    oneOf<ONDRIX_INTERPOLATION_AREA, ONDRIX_INTERPOLATION_BILINEAR, ONDRIX_INTERPOLATION_NEAREST>;
 
-template <auto* operation, bool strided>
+template <auto* operation>
 void blocks(Draw& draw)
 {
+    constexpr bool packed = arity(operation) < 8;
     const uint32_t x = draw.pick("kx", {3u, 1u, 2u, 4u, 5u, 17u}), y = draw.pick("ky", {3u, 2u, 1u, 4u, 7u});
     const Extent extent = draw.extent(x, y), to = {extent.width / x, extent.height / y},
                  from = {to.width * x, to.height * y};
-    const auto src = draw.source<uint8_t>("src", from, !strided),
-               dst = draw.destination<uint8_t>("dst", to, !strided);
-    draw.call(operation, src.pixels, from, when<strided>(src.strideArgument()), dst.pixels, to,
-              when<strided>(dst.strideArgument()));
+    const auto src = draw.source<uint8_t>("src", from, packed), dst = draw.destination<uint8_t>("dst", to, packed);
+    draw.call(operation, sized(src), sized(dst));
 }
 
 // ---- pyramids: the levels' buffers are images; what becomes of the records counts as result ----
@@ -139,7 +130,7 @@ void halves(Draw& draw)
     std::vector<Level> levels(kLevels);
     for (uint32_t i = 1; i < kLevels; ++i)
         levels[i].ptr = draw.destination<T>("level", {extent.width >> i, extent.height >> i}, true).pixels;
-    draw.call(operation, base.pixels, extent, when<strided>(base.strideArgument()), kLevels, levels.data());
+    draw.call(operation, sized(base), kLevels, levels.data());
     report(draw, levels, base.pixels);
 }
 
@@ -213,21 +204,21 @@ constexpr auto allocate = allocation<odxPyrLevel, odxPyramidDelete, odxPyramidAl
 std::vector<Row> rows()
 {
     return {
-        {"odxScaleDownBy2u8", packed<uint8_t, 1, 2, odxScaleDownBy2u8>},
-        {"odxScaleDownBy2u8_v2", reduction<uint8_t, 2, odxScaleDownBy2u8_v2>},
-        {"odxScaleDownBy4u8", packed<uint8_t, 1, 4, odxScaleDownBy4u8>},
-        {"odxScaleDownBy4u8_v2", reduction<uint8_t, 4, odxScaleDownBy4u8_v2>},
+        {"odxScaleDownBy2u8", whole<uint8_t, 1, 2, odxScaleDownBy2u8>},
+        {"odxScaleDownBy2u8_v2", whole<uint8_t, 1, 2, odxScaleDownBy2u8_v2>},
+        {"odxScaleDownBy4u8", whole<uint8_t, 1, 4, odxScaleDownBy4u8>},
+        {"odxScaleDownBy4u8_v2", whole<uint8_t, 1, 4, odxScaleDownBy4u8_v2>},
         {"odxScaleDown3To2u8", threeToTwo},
-        {"odxScaleDownu8", blocks<odxScaleDownu8, false>},
-        {"odxScaleDownu8_v2", blocks<odxScaleDownu8_v2, true>},
+        {"odxScaleDownu8", blocks<odxScaleDownu8>},
+        {"odxScaleDownu8_v2", blocks<odxScaleDownu8_v2>},
         {"odxScaleDownMNu8", toAnySize<1, 20, odxScaleDownMNu8>},
         {"odxScaleDownMNInterleaveu8", toAnySize<2, 40, odxScaleDownMNInterleaveu8>},
-        {"odxScaleDownBy2Gaussian5x5u8", packed<uint8_t, 1, 2, odxScaleDownBy2Gaussian5x5u8>},
+        {"odxScaleDownBy2Gaussian5x5u8", whole<uint8_t, 1, 2, odxScaleDownBy2Gaussian5x5u8>},
         {"odxScaleDownBy2Gaussian5x5u8_v2", rescaling<odxScaleDownBy2Gaussian5x5u8_v2, 1, 1, 1, 2, 2, 0>},
-        {"odxScaleDownBy2Gaussian5x5f32", packed<float, 1, 2, odxScaleDownBy2Gaussian5x5f32>},
-        {"odxScaleDownBy2Gaussian5x5f32_v2", reduction<float, 2, odxScaleDownBy2Gaussian5x5f32_v2>},
+        {"odxScaleDownBy2Gaussian5x5f32", whole<float, 1, 2, odxScaleDownBy2Gaussian5x5f32>},
+        {"odxScaleDownBy2Gaussian5x5f32_v2", whole<float, 1, 2, odxScaleDownBy2Gaussian5x5f32_v2>},
         {"odxScaleDownBy2Gaussian3x3u8", rescaling<odxScaleDownBy2Gaussian3x3u8, 1, 1, 1, 3, 2, 1>},
-        {"odxScaleUpBy2Gaussian5x5u8", packed<uint8_t, 2, 1, odxScaleUpBy2Gaussian5x5u8>},
+        {"odxScaleUpBy2Gaussian5x5u8", whole<uint8_t, 2, 1, odxScaleUpBy2Gaussian5x5u8>},
         {"odxScaleUpBy2Gaussian5x5u8_v2", rescaling<odxScaleUpBy2Gaussian5x5u8_v2, 2, 2, 1>},
         {"odxUpsampleVerticalu8", rescaling<odxUpsampleVerticalu8, 1, 2, 1>},
         {"odxUpsampleHorizontalu8", rescaling<odxUpsampleHorizontalu8, 2, 1, 1>},

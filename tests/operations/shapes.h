@@ -79,31 +79,14 @@ void taking(Draw& draw)
     draw.call(operation, arguments...);
 }
 
-// operation(src, width, height, srcStride, dst, dstStride, rest...); 0 stands for packed rows.
+// operation(src, width, height, srcStride, dst, dstStride, rest...), where 0 stands for packed rows; packed images
+// have no strides.
 template <class Source, class Destination, auto* operation, class Size = Size<>, auto... rest>
 void imageToImage(Draw& draw)
 {
-    const auto src = draw.source<Source>("src", Size::draw(draw));
-    const auto dst = draw.destination<Destination>("dst", src.extent());
-    draw.call(operation, sized(src), dst, rest...);
-}
-
-// The same where a stride of 0 stands for nothing.
-template <class Source, class Destination, auto* operation, class Size = Size<>, auto... rest>
-void stridedToStrided(Draw& draw)
-{
-    const auto src = draw.source<Source>("src", Size::draw(draw));
-    const auto dst = draw.destination<Destination>("dst", src.extent());
-    draw.call(operation, src.pixels, src.extent(), src.stride, dst.pixels, dst.stride, rest...);
-}
-
-// operation(src, width, height, dst, rest...), of packed rows.
-template <class Source, class Destination, auto* operation, class Size = Size<>, auto... rest>
-void packedToPacked(Draw& draw)
-{
-    const auto src = draw.source<Source>("src", Size::draw(draw), true);
-    const auto dst = draw.destination<Destination>("dst", src.extent(), true);
-    draw.call(operation, src.pixels, src.extent(), dst.pixels, rest...);
+    constexpr bool packed = arity(operation) < 6 + sizeof...(rest);
+    const auto src = draw.source<Source>("src", Size::draw(draw), packed);
+    draw.call(operation, sized(src), draw.destination<Destination>("dst", src.extent(), packed), rest...);
 }
 
 // result = operation(src, length).

@@ -9,11 +9,7 @@ namespace odx::test::smoothing
 constexpr auto border = oneOf<1, 0, 2>;
 
 template <class T, auto* operation, class Size>
-constexpr auto packedGaussian = packedToPacked<T, T, operation, Size, border>;
-template <class T, auto* operation, class Size>
 constexpr auto gaussian = imageToImage<T, T, operation, Size, border>;
-template <uint32_t K, auto* operation>
-constexpr auto box = stridedToStrided<uint8_t, uint8_t, operation, Size<K>>;
 template <auto* operation>
 constexpr auto withBorderType = imageToImage<uint8_t, uint8_t, operation, Size<1>, borderType, borderValue>;
 
@@ -24,37 +20,41 @@ void boxNxN(Draw& draw)
     draw.call(odxBoxFilterNxNf32, sized(src), n, draw.destinationOr(src));
 }
 
-void medianMxN(Draw& draw)
+// Of strides of which 0 stands for nothing.
+template <class T, auto* operation, uint32_t least, auto... sizes>
+void explicitly(Draw& draw)
 {
-    const Extent extent = draw.extent();
-    const uint32_t m = draw.pick("M", {3u, 5u, 7u, 21u}), n = draw.pick("N", {3u, 5u, 9u});
-    const auto src = draw.source<int16_t>("src", extent), dst = draw.destination<int16_t>("dst", extent);
-    draw.call(odxFilterMedianMxNs16, src.pixels, extent, src.stride, m, n, dst.pixels, dst.stride);
+    auto src = draw.source<T>("src", draw.extent(least, least)), dst = draw.destination<T>("dst", src.extent());
+    src.defaulted = dst.defaulted = false;
+    draw.call(operation, sized(src), sizes..., dst);
 }
+template <auto* operation, uint32_t K>
+constexpr auto box = explicitly<uint8_t, operation, K>;
 
 std::vector<Row> rows()
 {
     return {
-        {"odxFilterGaussian3x3u8", packedGaussian<uint8_t, odxFilterGaussian3x3u8, Size<7, 1>>},
+        {"odxFilterGaussian3x3u8", gaussian<uint8_t, odxFilterGaussian3x3u8, Size<7, 1>>},
         {"odxFilterGaussian3x3u8_v2", gaussian<uint8_t, odxFilterGaussian3x3u8_v2, Size<7, 2>>},
         {"odxFilterGaussian3x3u8_v3", withBorderType<odxFilterGaussian3x3u8_v3>},
-        {"odxFilterGaussian5x5u8", packedGaussian<uint8_t, odxFilterGaussian5x5u8, Size<5, 5>>},
+        {"odxFilterGaussian5x5u8", gaussian<uint8_t, odxFilterGaussian5x5u8, Size<5, 5>>},
         {"odxFilterGaussian5x5u8_v2", gaussian<uint8_t, odxFilterGaussian5x5u8_v2, Size<5, 5>>},
-        {"odxFilterGaussian11x11u8", packedGaussian<uint8_t, odxFilterGaussian11x11u8, Size<11, 11>>},
+        {"odxFilterGaussian11x11u8", gaussian<uint8_t, odxFilterGaussian11x11u8, Size<11, 11>>},
         {"odxFilterGaussian11x11u8_v2", gaussian<uint8_t, odxFilterGaussian11x11u8_v2, Size<11, 11>>},
-        {"odxFilterGaussian5x5s16", packedGaussian<int16_t, odxFilterGaussian5x5s16, Size<1, 2>>},
+        {"odxFilterGaussian5x5s16", gaussian<int16_t, odxFilterGaussian5x5s16, Size<1, 2>>},
         {"odxFilterGaussian5x5s16_v2", gaussian<int16_t, odxFilterGaussian5x5s16_v2, Size<1, 2>>},
-        {"odxFilterGaussian5x5s32", packedGaussian<int32_t, odxFilterGaussian5x5s32, Size<5, 5>>},
+        {"odxFilterGaussian5x5s32", gaussian<int32_t, odxFilterGaussian5x5s32, Size<5, 5>>},
         {"odxFilterGaussian5x5s32_v2", gaussian<int32_t, odxFilterGaussian5x5s32_v2, Size<5, 5>>},
-        {"odxBoxFilter3x3u8", box<3, odxBoxFilter3x3u8>},
+        {"odxBoxFilter3x3u8", box<odxBoxFilter3x3u8, 3>},
         {"odxBoxFilter3x3u8_v2", withBorderType<odxBoxFilter3x3u8_v2>},
-        {"odxBoxFilter5x5u8", box<5, odxBoxFilter5x5u8>},
-        {"odxBoxFilter11x11u8", box<11, odxBoxFilter11x11u8>},
+        {"odxBoxFilter5x5u8", box<odxBoxFilter5x5u8, 5>},
+        {"odxBoxFilter11x11u8", box<odxBoxFilter11x11u8, 11>},
         {"odxBoxFilterNxNf32", boxNxN},
-        {"odxFilterMedian3x3u8", packedToPacked<uint8_t, uint8_t, odxFilterMedian3x3u8>},
+        {"odxFilterMedian3x3u8", imageToImage<uint8_t, uint8_t, odxFilterMedian3x3u8>},
         {"odxFilterMedian3x3u8_v2", imageToImage<uint8_t, uint8_t, odxFilterMedian3x3u8_v2>},
         {"odxFilterMedian3x3u8_v3", withBorderType<odxFilterMedian3x3u8_v3>},
-        {"odxFilterMedianMxNs16", medianMxN},
+        {"odxFilterMedianMxNs16",
+         explicitly<int16_t, odxFilterMedianMxNs16, 1, oneOf<3u, 5u, 7u, 21u>, oneOf<3u, 5u, 9u>>},
     };
 }
 

@@ -19,7 +19,7 @@ int32_t bound(Draw& draw)
 void packedThreshold(Draw& draw)
 {
     const auto src = draw.source<uint8_t>("src", draw.extent(), true);
-    draw.call(odxFilterThresholdu8, src.pixels, src.extent(), level, draw.destinationOr(src, true).pixels);
+    draw.call(odxFilterThresholdu8, sized(src), level, draw.destinationOr(src, true));
 }
 
 template <auto* operation, auto... rest>

@@ -47,12 +47,12 @@ Extent sourceExtent(Draw& draw, Extent to)
 }
 
 // Two images, the second one of the size that is swept.
-template <uint32_t channels>
+template <uint32_t channels, bool packed = false>
 struct Images {
     Extent to, from;
     Image<uint8_t> src, dst;
 
-    explicit Images(Draw& draw, bool packed = false)
+    explicit Images(Draw& draw)
         : to(draw.extent()), from(sourceExtent(draw, to)),
           src(draw.source<uint8_t>("src", {channels * from.width, from.height}, packed)),
           dst(draw.destination<uint8_t>("dst", {channels * to.width, to.height}, packed))
@@ -65,15 +65,8 @@ struct Images {
 template <uint32_t channels, auto* operation, auto... rest>
 void warp(Draw& draw)
 {
-    const Images<channels> i(draw);
+    const Images<channels, arity(operation) == 7> i(draw);
     draw.call(operation, i.sources(), i.destinations(), matrix(draw, 9, i.from, i.to), rest...);
-}
-
-template <uint32_t channels, auto* operation>
-void packedWarp(Draw& draw)
-{
-    const Images<channels> i(draw, true);
-    draw.call(operation, i.src.pixels, i.from, i.dst.pixels, i.to, matrix(draw, 9, i.from, i.to));
 }
 
 void twoPlanes(Draw& draw)
@@ -169,11 +162,11 @@ constexpr auto undefinedFirst = oneOf<ONDRIX_BORDER_UNDEFINED, ONDRIX_BORDER_CON
 std::vector<Row> rows()
 {
     return {
-        {"odxWarpPerspectiveu8", packedWarp<1, odxWarpPerspectiveu8>},
+        {"odxWarpPerspectiveu8", warp<1, odxWarpPerspectiveu8>},
         {"odxWarpPerspectiveu8_v2", warp<1, odxWarpPerspectiveu8_v2>},
         {"odxWarpPerspectiveu8_v3", warp<1, odxWarpPerspectiveu8_v3, interpolation>},
         {"odxWarpPerspectiveu8_v4", warp<1, odxWarpPerspectiveu8_v4, interpolation, undefinedFirst, borderValue>},
-        {"odx3ChannelWarpPerspectiveu8", packedWarp<3, odx3ChannelWarpPerspectiveu8>},
+        {"odx3ChannelWarpPerspectiveu8", warp<3, odx3ChannelWarpPerspectiveu8>},
         {"odx3ChannelWarpPerspectiveu8_v2", warp<3, odx3ChannelWarpPerspectiveu8_v2>},
         {"odx2PlaneWarpPerspectiveu8", twoPlanes},
         {"odxTransformAffineu8", patch<odxTransformAffineu8>},
