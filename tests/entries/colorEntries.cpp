@@ -2,6 +2,7 @@
 // images.
 #include "entries/entries.h"
 
+#include "cpu/ondrixColor.h"
 #include "cpu/ondrixColorFromRgbC.h"
 #include "ondrix/colorFromRgb.h"
 #include "ondrix/colorToRgb.h"
@@ -55,9 +56,6 @@ Entry conversion(const char* name, Operation* operation, const Layout& src, cons
             sources + Arguments{width(1, 1, 8), height()} + srcStrides + destinations + dstStrides};
 }
 
-// A conversion of one packed buffer to another.
-const Arguments buffers = {buffer(8, 16), width(1, 1, 8), height(), buffer(8, 16)};
-#define ODX_BUFFERS(name) ENTRY(name, "src && dst && width && height", buffers)
 #define ODX_CONVERSION(name, ...) conversion(#name, name, __VA_ARGS__)
 
 constexpr bool Planar = false, PseudoPlanar = true;
@@ -65,20 +63,20 @@ constexpr uint32_t RGB565 = 2, RGB888 = 3, RGBA8888 = 4, BGR565 = 2, BGR888 = 3,
 
 Entries entries()
 {
-    return {
-#define ODX_CASE_TO(subsampling, layout, pixels)                                                                 \
-    ODX_CONVERSION(odxColorYCbCr##subsampling##layout##To##pixels##u8, yuv(subsampling, layout), packed(pixels), \
-                   ")"),
-#define ODX_CASE(subsampling)                      \
-    ODX_CASE_TO(subsampling, Planar, RGB565)       \
-    ODX_CASE_TO(subsampling, Planar, RGB888)       \
-    ODX_CASE_TO(subsampling, Planar, RGBA8888)     \
-    ODX_CASE_TO(subsampling, PseudoPlanar, RGB565) \
-    ODX_CASE_TO(subsampling, PseudoPlanar, RGB888) \
-    ODX_CASE_TO(subsampling, PseudoPlanar, RGBA8888)
-        ODX_CASE(444) ODX_CASE(422) ODX_CASE(420)
+    // Of one packed buffer to another.
+    const Entries buffers =
+        alike("src && dst && width && height", {buffer(8, 16), width(1, 1, 8), height(), buffer(8, 16)},
+              {OP(odxColorRGB888toYCrCbu8), OP(odxColorYUV420toRGB565u8), OP(odxColorYUV420toRGB565u8Rotate180),
+               OP(odxColorYUV420toRGB8888u8), OP(odxColorYCrCbH1V1toRGB888u8), OP(odxColorYCrCbH2V2toRGB888u8),
+               OP(odxColorYCrCbH2V1toRGB888u8), OP(odxColorYCrCbH1V2toRGB888u8)});
+    const Entries others = {
+#define ODX_CASE(subsampling, pixels)                                                                          \
+    ODX_CONVERSION(odxColorYCbCr##subsampling##PlanarTo##pixels##u8, yuv(subsampling, Planar), packed(pixels), \
+                   ")"),                                                                                       \
+        ODX_CONVERSION(odxColorYCbCr##subsampling##PseudoPlanarTo##pixels##u8, yuv(subsampling, PseudoPlanar), \
+                       packed(pixels), ")"),
+        ODX_YCBCR_TO_RGB(ODX_CASE)
 #undef ODX_CASE
-#undef ODX_CASE_TO
 #define ODX_CASE(pixels, subsampling)                                                          \
     ODX_CONVERSION(odxColor##pixels##ToYCbCr##subsampling##Planaru8, packed(pixels),           \
                    yuv(subsampling, Planar, true)),                                            \
@@ -100,18 +98,11 @@ Entries entries()
         ODX_CONVERSION(odxColorRGB888toYCrCbu8_v2, packed(3), packed(3)),
         ODX_CONVERSION(odxColorRGBA8888ToLABu8, packed(4), packed(3)),
         ODX_CONVERSION(odxColorCbCrSwapu8, packed(2), packed(2)),
-        ODX_BUFFERS(odxColorRGB888toYCrCbu8),
-        ODX_BUFFERS(odxColorYUV420toRGB565u8),
-        ODX_BUFFERS(odxColorYUV420toRGB565u8Rotate180),
-        ODX_BUFFERS(odxColorYUV420toRGB8888u8),
-        ODX_BUFFERS(odxColorYCrCbH1V1toRGB888u8),
-        ODX_BUFFERS(odxColorYCrCbH2V2toRGB888u8),
-        ODX_BUFFERS(odxColorYCrCbH2V1toRGB888u8),
-        ODX_BUFFERS(odxColorYCrCbH1V2toRGB888u8),
         ENTRY(odxColorYCrCb420PseudoPlanarToRGB8888u8, kImages + " && srcYStride && srcCStride && dstStride",
               {buffer(8, 16), width(1, 1, 8), height(), looseStride(8).explicitly(), looseStride(8).explicitly(),
                buffer(8, 16), looseStride(8).explicitly()}),
     };
+    return buffers + others;
 }
 
 } // namespace odx::test::color

@@ -39,7 +39,7 @@ Entries entries()
                 Arguments(4, optional()))
             .refusing({{{counts, 0}}, {{counts + 1, 0}}});
     };
-    const Arguments floats = clusters({width(), height()}, 4 * kWidth).pixels(4), any = {value(1, {}, {0})};
+    const Arguments floats = clusters({width(), height()}, 4 * kWidth).pixels(4);
     const char *const clustersOfFloats = "vectors && centers && labels && length && numVectors && numCenters && "
                                          "(vectorsStride >= length*sizeof(float)) && (centersStride >= "
                                          "length*sizeof(float)) && ((counts && sums) || !newCenters)",
@@ -48,52 +48,36 @@ Entries entries()
                       *const counts = "A && B && C && D && count",
                       *const hamming = "A && B && C && D && E && distances",
                       *const distances = "a && bList && invLenB && distances";
-    return {
+    const Entries shared =
+        alike("", one, {OP(odxBitCount32x1u8), OP(odxBitCount64x1u8)}) +
+        alike(counts, four, {OP(odxBitCount32x4u8), OP(odxBitCount64x4u8)}) +
+        alike("", block, {OP(odxBlockDotProductu8), OP(odxBlockDotProductf32)}) +
+        alike("", pair,
+              {OP(odxDotProduct36x1s8), OP(odxDotProduct36x1u8), OP(odxDotProduct64x1s8), OP(odxDotProduct64x1u8),
+               OP(odxDotProduct128x1s8), OP(odxDotProduct128x1u8), OP(odxHammingDistance32x1u8),
+               OP(odxHammingDistance32x1u8a4), OP(odxHammingDistance64x1u8), OP(odxHammingDistance64x1u8a4)}) +
+        alike(dots, five,
+              {OP(odxDotProduct36x4u8), OP(odxDotProduct64x4s8), OP(odxDotProduct64x4u8), OP(odxDotProduct128x4s8),
+               OP(odxDotProduct128x4u8)}) +
+        alike(cosines, normalised,
+              {OP(odxDotProductNorm36x4s8), OP(odxDotProductNorm36x4u8), OP(odxDotProductNorm64x4s8),
+               OP(odxDotProductNorm64x4u8), OP(odxDotProductNorm128x4s8), OP(odxDotProductNorm128x4u8)}) +
+        alike("", arrays, {OP(odxDotProducts8), OP(odxDotProductu8), OP(odxHammingDistanceu8)}) +
+        alike(hamming, five,
+              {OP(odxHammingDistance32x4u8a4), OP(odxHammingDistance64x4u8), OP(odxHammingDistance64x4u8a4)}) +
+        alike(distances, listOf,
+              {OP(odxSumOfSquaredDiffss8), OP(odxSumOfSquaredDiffsu8), OP(odxSumOfSquaredDiffsf32)}) +
+        alike("a && b && (aStride >= 8) && (bStride >= 8)", patches(8),
+              {OP(odxSumOfAbsoluteDiff8x8u8), OP(odxDotProduct8x8u8)}) +
+        alike(clustersOfFloats, floats, {OP(odxClusterEuclideanf32), OP(odxClusterEuclideanNormedf32)});
+    const Entries others = {
         ENTRY(odxBitCountu8, "", source),
         ENTRY(odxBitCountu32, "", source.pixels(4)),
-        ENTRY(odxBitCount32x1u8, "", one),
-        ENTRY(odxBitCount64x1u8, "", one),
-        ENTRY(odxBitCount32x4u8, counts, four),
-        ENTRY(odxBitCount64x4u8, counts, four),
-        ENTRY(odxBlockDotProductu8, "", block),
-        ENTRY(odxBlockDotProductf32, "", block),
-        ENTRY(odxDotProduct36x1s8, "", pair),
-        ENTRY(odxDotProduct36x1u8, "", pair),
-        ENTRY(odxDotProduct64x1s8, "", pair),
-        ENTRY(odxDotProduct64x1u8, "", pair),
-        ENTRY(odxDotProduct128x1s8, "", pair),
-        ENTRY(odxDotProduct128x1u8, "", pair),
         ENTRY(odxDotProduct36x4s8, "A && B && C && D && E", unchecked),
-        ENTRY(odxDotProduct36x4u8, dots, five),
-        ENTRY(odxDotProduct64x4s8, dots, five),
-        ENTRY(odxDotProduct64x4u8, dots, five),
-        ENTRY(odxDotProduct128x4s8, dots, five),
-        ENTRY(odxDotProduct128x4u8, dots, five),
-        ENTRY(odxDotProductNorm36x4s8, cosines, normalised),
-        ENTRY(odxDotProductNorm36x4u8, cosines, normalised),
-        ENTRY(odxDotProductNorm64x4s8, cosines, normalised),
-        ENTRY(odxDotProductNorm64x4u8, cosines, normalised),
-        ENTRY(odxDotProductNorm128x4s8, cosines, normalised),
-        ENTRY(odxDotProductNorm128x4u8, cosines, normalised),
-        ENTRY(odxDotProducts8, "", arrays),
-        ENTRY(odxDotProductu8, "", arrays),
         ENTRY(odxDotProductf32, "", arrays.pixels(4)),
-        ENTRY(odxHammingDistanceu8, "", arrays),
-        ENTRY(odxHammingDistance32x1u8, "", pair),
-        ENTRY(odxHammingDistance32x1u8a4, "", pair),
-        ENTRY(odxHammingDistance64x1u8, "", pair),
-        ENTRY(odxHammingDistance64x1u8a4, "", pair),
-        ENTRY(odxHammingDistance32x4u8a4, hamming, five),
-        ENTRY(odxHammingDistance64x4u8, hamming, five),
-        ENTRY(odxHammingDistance64x4u8a4, hamming, five),
         ENTRY(odxSumOfSquaredDiffs36x4s8, "A && B && C && D && E && invLenB && distances", normalised),
         ENTRY(odxSumOfSquaredDiffs36xNs8, "A && B && invLenB && distances", list),
-        ENTRY(odxSumOfSquaredDiffss8, distances, listOf),
-        ENTRY(odxSumOfSquaredDiffsu8, distances, listOf),
-        ENTRY(odxSumOfSquaredDiffsf32, distances, listOf),
-        ENTRY(odxSumOfAbsoluteDiff8x8u8, "a && b && (aStride >= 8) && (bStride >= 8)", patches(8)),
         ENTRY(odxSumOfAbsoluteDiff16x16u8, "a && b && (aStride >= 16) && (bStride >= 16)", patches(16)),
-        ENTRY(odxDotProduct8x8u8, "a && b && (aStride >= 8) && (bStride >= 8)", patches(8)),
         ENTRY(odxDotProduct11x12u8, "a && b && (aStride >= 11) && (bStride >= 11)", patches(11)),
         ENTRY(odxSumOfAbsoluteDiffs8x8u8, "patch && src && dst && (srcWidth >= 8) && (srcHeight >= 8)",
               {buffer(), buffer(8, 16), width(8), height(8), buffer(8, 16)}),
@@ -123,8 +107,6 @@ Entries entries()
               "(numVectors <= 16777216) && (vectorsStride >= length) && (centersStride >= length) && ((counts && "
               "sums) || !newCenters)",
               clusters({width(), height()}, kWidth)),
-        ENTRY(odxClusterEuclideanf32, clustersOfFloats, floats),
-        ENTRY(odxClusterEuclideanNormedf32, clustersOfFloats, floats),
         ENTRY(odxClusterEuclideanNormed36f32,
               "vectors && centers && labels && numVectors && numCenters && (vectorsStride >= 36*sizeof(float)) && "
               "(centersStride >= 36*sizeof(float)) && ((counts && sums) || !newCenters)",
@@ -151,6 +133,7 @@ Entries entries()
         ENTRY(odxKMeansTreeSearch36x10s8, "",
               Arguments{vector, buffer(), buffer(), buffer(), value(1, {}, {0}), vector}.never()),
     };
+    return shared + others;
 }
 
 } // namespace odx::test::descriptors

@@ -22,8 +22,12 @@ namespace odx::test
 {
 
 constexpr uint32_t kWidth = 192, kHeight = 144;
-const std::string kImages = "src && dst && srcWidth && srcHeight", // how most texts begin
-    kStrides = kImages + " && (srcStride >= srcWidth) && (dstStride >= srcWidth)";
+const std::string kImages = "src && dst && srcWidth && srcHeight"; // how most texts begin
+// How they go on, of rows of that length.
+inline std::string strides(const std::string& srcRow = "srcWidth", const std::string& dstRow = "srcWidth")
+{
+    return " && (srcStride >= " + srcRow + ") && (dstStride >= " + dstRow + ")";
+}
 constexpr uint32_t kNever = ~0u; // in place of a size of pixels: never worth the way to a remote target
 
 using Values = std::vector<double>;
@@ -225,6 +229,27 @@ std::vector<T> operator+(std::vector<T> a, const std::vector<T>& b)
 {
     a.insert(a.end(), b.begin(), b.end());
     return a;
+}
+
+// The entries of operations that refuse the same: alike("src && dst", {buffer(), buffer()}, {OP(odxXxx),
+// OP(odxYyy)}).
+struct Operation {
+    const char* name;
+    std::function<Outcome(const Values&)> call;
+    Outcome failure;
+};
+#define OP(operation)        \
+    odx::test::Operation     \
+    {                        \
+        ODX_ENTRY(operation) \
+    }
+inline Entries alike(const std::string& condition, const Arguments& arguments,
+                     const std::vector<Operation>& operations)
+{
+    Entries entries;
+    for (const Operation& operation : operations)
+        entries.push_back({operation.name, operation.call, operation.failure, condition, arguments});
+    return entries;
 }
 
 } // namespace odx::test

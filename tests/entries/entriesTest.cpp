@@ -117,27 +117,40 @@ protected:
         return said.empty() || said[0].text.rfind(prefix, 0) != 0 ? "nothing" : said[0].text.substr(prefix.size());
     }
 
-    static void expectRefused(const Entry& entry, const Values& arguments, const std::string& what)
+    // A call that says so, and fails.
+    static void expect(const std::vector<LogLine>& said, const Entry& entry, const Values& arguments,
+                       const std::string& what)
     {
-        const std::string line = std::string("Assertion failed @") + entry.name + ": " + entry.condition + "\n";
-        std::vector<LogLine> expected;
-        if (!entry.condition.empty()) expected.push_back({6, "ondrix_lib_log", line});
-        EXPECT_EQ(expected, lines(entry, arguments)) << entry.name << ", " << what;
+        EXPECT_EQ(said, lines(entry, arguments)) << entry.name << ", " << what;
         EXPECT_EQ(entry.failure, result_) << entry.name << ", " << what;
     }
+    static LogLine line(const std::string& text) { return {6, "ondrix_lib_log", text + "\n"}; }
 
     // A call that is accepted finds that there is no implementation yet.
     static void expectAccepted(const Entry& entry, const Values& arguments, const std::string& what)
     {
-        const std::string line = std::string("No operation mode selected @") + entry.name + "\n";
-        EXPECT_EQ((std::vector<LogLine>{{6, "ondrix_lib_log", line}}), lines(entry, arguments))
-            << entry.name << ", " << what;
-        EXPECT_EQ(entry.failure, result_) << entry.name << ", " << what;
+        expect({line(std::string("No operation mode selected @") + entry.name)}, entry, arguments, what);
+    }
+    // It is traced before it is refused.
+    static void expectRefused(const Entry& entry, const Values& arguments, const std::string& what)
+    {
+        const std::string name = entry.name;
+        std::vector<LogLine> said = {{6, "ondrix_runtime_log", name + "_CPU"}};
+        if (!entry.condition.empty()) said.push_back(line("Assertion failed @" + name + ": " + entry.condition));
+        libLogPrint = 1;
+        expect(said, entry, arguments, what);
+        libLogPrint = 0;
+    }
+    // What fails the first test is not.
+    static void expectFailed(const Entry& entry, const Values& arguments, const std::string& what)
+    {
+        libLogPrint = 1;
+        expect({line(std::string("Error at ") + entry.name)}, entry, arguments, what);
+        libLogPrint = 0;
     }
 
-    static Outcome result_;
+    static inline Outcome result_;
 };
-Outcome EntryPoints::result_;
 
 // Calls `check` with each argument in turn replaced by each of some values.
 template <class Check>
@@ -168,37 +181,13 @@ TEST_F(EntryPoints, RefuseWhatTheirCheckNames)
         expectAccepted(entry, goodArguments(entry), "good arguments");
         replacing(entry, &Argument::accepted, expectAccepted);
         replacing(entry, &Argument::refused, expectRefused);
+        replacing(entry, &Argument::failing, expectFailed);
         for (const auto& combination : entry.arguments.alsoRefused) {
             Values arguments = goodArguments(entry);
             for (const auto& [i, value] : combination)
                 arguments[i] = value;
             expectRefused(entry, arguments, "a combination");
         }
-    }
-}
-
-TEST_F(EntryPoints, FailTheirFirstTestWithoutATrace)
-{
-    libLogPrint = 1;
-    for (const Entry& entry : allEntries()) {
-        replacing(entry, &Argument::failing, [](const Entry& e, const auto& arguments, const std::string& what) {
-            const LogLine line = {6, "ondrix_lib_log", std::string("Error at ") + e.name + "\n"};
-            EXPECT_EQ(std::vector<LogLine>{line}, lines(e, arguments)) << e.name << ", " << what;
-            EXPECT_EQ(e.failure, result_) << e.name;
-        });
-    }
-}
-
-TEST_F(EntryPoints, TraceTheCallBeforeTheyRefuseIt)
-{
-    libLogPrint = 1;
-    for (const Entry& entry : allEntries()) {
-        replacing(entry, &Argument::refused, [](const Entry& e, const auto& arguments, const std::string& what) {
-            const std::vector<LogLine> said = lines(e, arguments);
-            const LogLine trace = {6, "ondrix_runtime_log", std::string(e.name) + "_CPU"};
-            ASSERT_EQ(e.condition.empty() ? 1u : 2u, said.size()) << e.name << ", " << what;
-            EXPECT_EQ(trace, said[0]);
-        });
     }
 }
 

@@ -40,43 +40,33 @@ Entries entries()
     };
     const Arguments thresholds = {value(20, {31}, {30, -7}), value(30, {19}, {20})};
     const std::string edgeText = source + "dst && (dstStride >= srcWidth) && ";
-    return {
-        ENTRY(odxImageGradientInterleaveds16, pairs, from(1)),
-        ENTRY(odxImageGradientInterleaveds16_v2, pairs + pairTerm("int16_t"), strided(2)),
-        ENTRY(odxImageGradientInterleavedf32, pairs, from(1)),
-        ENTRY(odxImageGradientInterleavedf32_v2, pairs + pairTerm("float"), strided(4)),
-        ENTRY(odxImageGradientSobelInterleaveds16, pairs, from(1)),
-        ENTRY(odxImageGradientSobelInterleaveds16_v2, pairs + pairTerm("int16_t"), strided(2)),
-        ENTRY(odxImageGradientSobelInterleaveds16_v3, pairs + pairTerm("int16_t"), strided(2)),
-        ENTRY(odxImageGradientSobelInterleavedf32, pairs, from(1)),
-        ENTRY(odxImageGradientSobelInterleavedf32_v2, pairs + pairTerm("float"), strided(4)),
+    const Entries results =
+        alike(pairs, from(1),
+              {OP(odxImageGradientInterleaveds16), OP(odxImageGradientInterleavedf32),
+               OP(odxImageGradientSobelInterleaveds16), OP(odxImageGradientSobelInterleavedf32)}) +
+        alike(pairs + pairTerm("int16_t"), strided(2),
+              {OP(odxImageGradientInterleaveds16_v2), OP(odxImageGradientSobelInterleaveds16_v2),
+               OP(odxImageGradientSobelInterleaveds16_v3)}) +
+        alike(pairs + pairTerm("float"), strided(4),
+              {OP(odxImageGradientInterleavedf32_v2), OP(odxImageGradientSobelInterleavedf32_v2)}) +
+        alike(planes, from(2),
+              {OP(odxImageGradientPlanars16), OP(odxImageGradientPlanarf32), OP(odxImageGradientSobelPlanars16),
+               OP(odxImageGradientSobelPlanars8), OP(odxImageGradientSobelPlanarf32)}) +
+        alike(planes + planeTerm("int16_t"), from(2) + stride(2 * kWidth, 8),
+              {OP(odxImageGradientPlanars16_v2), OP(odxImageGradientSobelPlanars16_v2),
+               OP(odxImageGradientSobelPlanars16_v3)}) +
+        alike(planes + planeTerm("float"), from(2) + stride(4 * kWidth, 8),
+              {OP(odxImageGradientPlanarf32_v2), OP(odxImageGradientSobelPlanarf32_v2)}) +
+        alike("", sobel, {OP(odxFilterSobel3x3u8s16), OP(odxFilterSobel5x5u8s16), OP(odxFilterSobel7x7u8s16)});
+    const Entries others = {
         ENTRY(odxImageGradientScharrInterleaveds16,
               "src && srcWidth && srcHeight && (srcStride >= srcWidth)&& gradients" + pairTerm("int16_t"),
               strided(2)),
-        ENTRY(odxImageGradientPlanars16, planes, from(2)),
-        ENTRY(odxImageGradientPlanars16_v2, planes + planeTerm("int16_t"),
-              from(2) + Arguments{stride(2 * kWidth, 8)}),
-        ENTRY(odxImageGradientPlanarf32, planes, from(2)),
-        ENTRY(odxImageGradientPlanarf32_v2, planes + planeTerm("float"),
-              from(2) + Arguments{stride(4 * kWidth, 8)}),
-        ENTRY(odxImageGradientSobelPlanars16, planes, from(2)),
-        ENTRY(odxImageGradientSobelPlanars16_v2, planes + planeTerm("int16_t"),
-              from(2) + Arguments{stride(2 * kWidth, 8)}),
-        ENTRY(odxImageGradientSobelPlanars16_v3, planes + planeTerm("int16_t"),
-              from(2) + Arguments{stride(2 * kWidth, 8)}),
-        ENTRY(odxImageGradientSobelPlanars8, planes, from(2)),
-        ENTRY(odxImageGradientSobelPlanars8_v2, planes + planeTerm("int8_t"),
-              from(2) + Arguments{stride(kWidth, 8)}),
-        ENTRY(odxImageGradientSobelPlanarf32, planes, from(2)),
-        ENTRY(odxImageGradientSobelPlanarf32_v2, planes + planeTerm("float"),
-              from(2) + Arguments{stride(4 * kWidth, 8)}),
+        ENTRY(odxImageGradientSobelPlanars8_v2, planes + planeTerm("int8_t"), from(2) + stride(kWidth, 8)),
         ENTRY(odxImageGradientSobelPlanarf32f32, floats, from(2, floatStride())),
-        ENTRY(odxImageGradientSobelPlanarf32f32_v2, floats, from(2, floatStride()) + Arguments{looseStride(8)}),
+        ENTRY(odxImageGradientSobelPlanarf32f32_v2, floats, from(2, floatStride()) + looseStride(8)),
         ENTRY(odxFilterSobel3x3u8, "src && width && height && dst", edges(1, false)),
         ENTRY(odxFilterSobel3x3u8_v2, source + "dst && (dstStride >= srcWidth)", edges(1, true)),
-        ENTRY(odxFilterSobel3x3u8s16, "", sobel),
-        ENTRY(odxFilterSobel5x5u8s16, "", sobel),
-        ENTRY(odxFilterSobel7x7u8s16, "", sobel),
         ENTRY(odxFilterCanny3x3u8, "src && width && height && dst && (low <= high) && width > 2 && height > 2",
               edges(3, false) + thresholds),
         ENTRY(odxFilterCanny3x3u8_v2, edgeText + "(low <= high) && srcWidth > 2 && srcHeight > 2",
@@ -90,6 +80,7 @@ Entries entries()
                             stride(kWidth, 8)} +
                   optionals()),
     };
+    return results + others;
 }
 
 } // namespace odx::test::gradients

@@ -66,15 +66,14 @@ Entries entries()
               "(srcWidth + 1)*sizeof(uint64_t))",
               (imageOf() + Arguments{maybe, maybe, tableStride(8)})
                   .refusing({{{4, 0}, {5, 0}}, {{1, 0x1FFFFFFF}, {3, kMost}, {6, 0}}})),
-        ENTRY(
-            odxIntegrateImageYCbCr420PseudoPlanaru8,
-            "srcY && srcC && dstY && dstCb && dstCr && srcWidth && srcHeight && !(srcWidth & 1) && !(srcHeight & "
-            "1) && (srcYStride >= srcWidth) && (srcCStride >= srcWidth) && (dstYStride >= (srcWidth + "
-            "1)*sizeof(uint32_t)) && (dstCbStride >= (srcWidth/2 + 1)*sizeof(uint32_t)) && (dstCrStride >= "
-            "(srcWidth/2 + 1)*sizeof(uint32_t))",
-            Arguments{image, image, width().with({0, 1, 191}, {2}), height().with({0, 1, 143}, {2})} +
-                Arguments(2, stride(kWidth, 8)) + Arguments(3, image) + tableStride() +
-                Arguments(2, tableStride(4, kWidth / 2))),
+        ENTRY(odxIntegrateImageYCbCr420PseudoPlanaru8,
+              "srcY && srcC && dstY && dstCb && dstCr && srcWidth && srcHeight && !(srcWidth & 1) && !(srcHeight "
+              "& 1) && (srcYStride >= srcWidth) && (srcCStride >= srcWidth) && (dstYStride >= (srcWidth + "
+              "1)*sizeof(uint32_t)) && (dstCbStride >= (srcWidth/2 + 1)*sizeof(uint32_t)) && (dstCrStride >= "
+              "(srcWidth/2 + 1)*sizeof(uint32_t))",
+              Arguments{image, image, width().with({0, 1, 191}, {2}), height().with({0, 1, 143}, {2})} +
+                  Arguments(2, stride(kWidth, 8)) + Arguments(3, image) + tableStride() +
+                  Arguments(2, tableStride(4, kWidth / 2))),
         ENTRY(odxIntegrateImageLineu8, "src && length && dst",
               {image, {Argument::kColumns, 30000, {0}, 1, 1, {1}}, maybe, image}),
         ENTRY(odxIntegrateImageLine64u8, "src && dst", Arguments{image, maybe, image}.never()),

@@ -17,12 +17,10 @@ Entries entries()
     const char* const packedCheck = "src && width && height && dst";
     const char* const stridedCheck =
         "src && srcWidth && srcHeight && (srcStride >= srcWidth) && dst && (dstStride >= srcWidth)";
-    return {
-        ENTRY(odxFilterErode3x3u8, packedCheck, packed),  ENTRY(odxFilterErode3x3u8_v2, stridedCheck, strided),
-        ENTRY(odxFilterErode3x3u8_v3, "", bordered),      ENTRY(odxFilterErodeNxNu8, "", sized),
-        ENTRY(odxFilterDilate3x3u8, packedCheck, packed), ENTRY(odxFilterDilate3x3u8_v2, stridedCheck, strided),
-        ENTRY(odxFilterDilate3x3u8_v3, "", bordered),     ENTRY(odxFilterDilateNxNu8, "", sized),
-    };
+    return alike(packedCheck, packed, {OP(odxFilterErode3x3u8), OP(odxFilterDilate3x3u8)}) +
+           alike(stridedCheck, strided, {OP(odxFilterErode3x3u8_v2), OP(odxFilterDilate3x3u8_v2)}) +
+           alike("", bordered, {OP(odxFilterErode3x3u8_v3), OP(odxFilterDilate3x3u8_v3)}) +
+           alike("", sized, {OP(odxFilterErodeNxNu8), OP(odxFilterDilateNxNu8)});
 }
 
 } // namespace odx::test::morphology

@@ -10,7 +10,8 @@ Entries entries()
     // A handle never leaves this process, and the sizes are the reference's matter.
     const auto extraction = [](size_t extended) {
         return Arguments{buffer(), buffer(), value(kWidth), value(kHeight), value(kWidth, {}, {0}),
-                         value(9), buffer(), buffer(),      value(9),       buffer()} +
+                         value(9), buffer(), buffer(),      value(9),       buffer()}
+                   .pixels(0) +
                Arguments(extended, buffer());
     };
     const Arguments init = {value(kWidth), value(kHeight), value(5),   value(10),
@@ -18,20 +19,14 @@ Entries entries()
     const std::string plain = "mserHandle && srcPtr && numContours && numPointsInContour && pointsArray",
                       extended =
                           plain + " && contourVariation && contourPolarity && contourNodeId && contourNodeCounter";
-    return {
-        ENTRY(odxMserInit, "", init.pixels(0)),
-        ENTRY(odxMserNN8Init, "", init.pixels(0)),
-        ENTRY(odxMserRelease, "mserHandle", Arguments{buffer()}.pixels(0)),
-        ENTRY(odxMseru8, plain, extraction(0).pixels(0)),
-        ENTRY(odxMseru8_v2, "", extraction(0).pixels(0)),
-        ENTRY(odxMserNN8u8, "", extraction(0).pixels(0)),
-        ENTRY(odxMserExtu8, extended, extraction(4).pixels(0)),
-        ENTRY(odxMserExtu8_v2, "", extraction(4).pixels(0)),
-        ENTRY(odxMserExtNN8u8, "", extraction(4).pixels(0)),
-        ENTRY(odxMserExtu8_v3, "", extraction(5).pixels(0)),
-        ENTRY(odxMserSplitExtu8, "", extraction(4).pixels(0)),
-        ENTRY(odxMserSplitExtu8ST, "", extraction(4).pixels(0)),
-    };
+    return alike("", init.pixels(0), {OP(odxMserInit), OP(odxMserNN8Init)}) +
+           alike("mserHandle", Arguments{buffer()}.pixels(0), {OP(odxMserRelease)}) +
+           alike(plain, extraction(0), {OP(odxMseru8)}) +
+           alike("", extraction(0), {OP(odxMseru8_v2), OP(odxMserNN8u8)}) +
+           alike(extended, extraction(4), {OP(odxMserExtu8)}) +
+           alike("", extraction(4),
+                 {OP(odxMserExtu8_v2), OP(odxMserExtNN8u8), OP(odxMserSplitExtu8), OP(odxMserSplitExtu8ST)}) +
+           alike("", extraction(5), {OP(odxMserExtu8_v3)});
 }
 
 } // namespace odx::test::mser
