@@ -30,13 +30,10 @@ const Argument policy = value(1, {2, 0xFFFFFFFF}, {0}), shift = value(3, {16, 0x
 const std::string kPolicy = " && policy <= ONDRIX_OVERFLOW_SATURATE", kShift = " && shift <= 15",
                   kDepth = " && shift <= 7";
 
-using Operation = std::function<Outcome(const Values&)>;
-
 template <class S1, class S2, class D>
-Entry two(const char* name, Operation call, Outcome failure, const Arguments& takes = {},
-          const std::string& more = "")
+Entry two(const Operation& operation, const Arguments& takes = {}, const std::string& more = "")
 {
-    return {name, std::move(call), failure,
+    return {operation,
             "src1 && src2 && dst && srcWidth && srcHeight && (src1Stride >= " + row<S1>("srcWidth", 1) +
                 ") && (src2Stride >= " + row<S2>("srcWidth", 1) + ") && (dstStride >= " + row<D>("srcWidth", 1) +
                 ")" + more,
@@ -46,10 +43,10 @@ Entry two(const char* name, Operation call, Outcome failure, const Arguments& ta
 
 // A pointer among what an operation takes stands in the text.
 template <class S, class D, uint32_t channels = 1>
-Entry one(const char* name, Operation call, Outcome failure, const Arguments& takes = {},
-          const std::string& more = "", const std::string& pointer = "")
+Entry one(const Operation& operation, const Arguments& takes = {}, const std::string& more = "",
+          const std::string& pointer = "")
 {
-    return {name, std::move(call), failure,
+    return {operation,
             "src" + pointer + " && dst && srcWidth && srcHeight && (srcStride >= " + row<S>("srcWidth", channels) +
                 ") && (dstStride >= " + row<D>("srcWidth", channels) + ")" + more,
             Arguments{image, columns, height(), strideFor<S>(channels)} + takes +
@@ -57,11 +54,9 @@ Entry one(const char* name, Operation call, Outcome failure, const Arguments& ta
 }
 
 template <class T, uint32_t channels>
-Entry set(const char* name, Operation call, Outcome failure)
+Entry set(const Operation& operation)
 {
-    return {name,
-            std::move(call),
-            failure,
+    return {operation,
             std::string("dst") + (channels == 1 ? "" : " && value") +
                 " && dstWidth && dstHeight && (dstStride >= " + row<T>("dstWidth", channels) +
                 ") && (!mask || maskStride >= dstWidth)",
@@ -69,7 +64,7 @@ Entry set(const char* name, Operation call, Outcome failure)
              strideFor<uint8_t>()}};
 }
 
-Entry combined(const char* name, Operation call, Outcome failure, uint32_t planes)
+Entry combined(const Operation& operation, uint32_t planes)
 {
     std::string text, strides;
     Arguments arguments = {image, columns, height(), strideFor<uint8_t>()};
@@ -78,7 +73,7 @@ Entry combined(const char* name, Operation call, Outcome failure, uint32_t plane
         strides += "(src" + std::to_string(i) + "Stride >= srcWidth) && ";
         if (i > 1) arguments = arguments + Arguments{image, strideFor<uint8_t>()};
     }
-    return {name, std::move(call), failure,
+    return {operation,
             text + "dst && srcWidth && srcHeight && " + strides + "(dstStride >= srcWidth*sizeof(uint8_t)*" +
                 std::to_string(planes) + ")",
             arguments + Arguments{image, strideFor<uint8_t>(planes)}};
@@ -102,14 +97,14 @@ Entries entries()
     const std::string pixels = "(srcStride >= srcWidth*sizeof(uint8_t)*channels) && (dstStride >= srcWidth)",
                       layout = kImages + " && channels >= 2 && channels <= ";
     return {
-#define TWO(name, S1, S2, D, takes, ...) two<S1, S2, D>(ODX_ENTRY(name) TAKEN_##takes),
-#define ONE(name, S, D, takes, ...) one<S, D>(ODX_ENTRY(name) TAKEN_##takes),
-#define TO_VALUES(name, T, channels) one<T, T, channels>(ODX_ENTRY(name), {buffer()}, "", " && value"),
-#define SET(name, T, channels) set<T, channels>(ODX_ENTRY(name)),
+#define TWO(name, S1, S2, D, takes, ...) two<S1, S2, D>(OP(name) TAKEN_##takes),
+#define ONE(name, S, D, takes, ...) one<S, D>(OP(name) TAKEN_##takes),
+#define TO_VALUES(name, T, channels) one<T, T, channels>(OP(name), {buffer()}, "", " && value"),
+#define SET(name, T, channels) set<T, channels>(OP(name)),
 #include "operations/arithmetic.def"
-        combined(ODX_ENTRY(odxChannelCombine2Planesu8), 2),
-        combined(ODX_ENTRY(odxChannelCombine3Planesu8), 3),
-        combined(ODX_ENTRY(odxChannelCombine4Planesu8), 4),
+        combined(OP(odxChannelCombine2Planesu8), 2),
+        combined(OP(odxChannelCombine3Planesu8), 3),
+        combined(OP(odxChannelCombine4Planesu8), 4),
         ENTRY(odxImageDiffu8, "src1 && src2 && dst && srcWidth && srcHeight",
               {image, columns, height(), image, image}),
         ENTRY(odxChannelExtractu8, layout + "4 && position < channels && " + pixels,

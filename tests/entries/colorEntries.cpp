@@ -33,9 +33,7 @@ Layout yuv(uint32_t subsampling, bool pairs, bool fromRgb = false)
     return {luma, {"Cb", text, row}, {"Cr", text, row}};
 }
 
-template <class Operation>
-Entry conversion(const char* name, Operation* operation, const Layout& src, const Layout& dst,
-                 const char* closing = " )")
+Entry conversion(const Operation& operation, const Layout& src, const Layout& dst, const char* closing = " )")
 {
     std::string given, fits;
     Arguments sources, srcStrides, destinations, dstStrides;
@@ -52,11 +50,9 @@ Entry conversion(const char* name, Operation* operation, const Layout& src, cons
     };
     add("src", src, sources, srcStrides, " )");
     add("dst", dst, destinations, dstStrides, closing);
-    return {name, callWith(operation), failureOf(operation), given + "srcWidth && srcHeight" + fits,
+    return {operation, given + "srcWidth && srcHeight" + fits,
             sources + Arguments{width(1, 1, 8), height()} + srcStrides + destinations + dstStrides};
 }
-
-#define ODX_CONVERSION(name, ...) conversion(#name, name, __VA_ARGS__)
 
 constexpr bool Planar = false, PseudoPlanar = true;
 constexpr uint32_t RGB565 = 2, RGB888 = 3, RGBA8888 = 4, BGR565 = 2, BGR888 = 3, BGRA8888 = 4;
@@ -71,33 +67,33 @@ Entries entries()
                OP(odxColorYCrCbH2V1toRGB888u8), OP(odxColorYCrCbH1V2toRGB888u8)});
     const Entries others = {
 #define ODX_CASE(subsampling, pixels)                                                                          \
-    ODX_CONVERSION(odxColorYCbCr##subsampling##PlanarTo##pixels##u8, yuv(subsampling, Planar), packed(pixels), \
-                   ")"),                                                                                       \
-        ODX_CONVERSION(odxColorYCbCr##subsampling##PseudoPlanarTo##pixels##u8, yuv(subsampling, PseudoPlanar), \
-                       packed(pixels), ")"),
+    conversion(OP(odxColorYCbCr##subsampling##PlanarTo##pixels##u8), yuv(subsampling, Planar), packed(pixels), \
+               ")"),                                                                                           \
+        conversion(OP(odxColorYCbCr##subsampling##PseudoPlanarTo##pixels##u8), yuv(subsampling, PseudoPlanar), \
+                   packed(pixels), ")"),
         ODX_YCBCR_TO_RGB(ODX_CASE)
 #undef ODX_CASE
 #define ODX_CASE(pixels, subsampling)                                                          \
-    ODX_CONVERSION(odxColor##pixels##ToYCbCr##subsampling##Planaru8, packed(pixels),           \
-                   yuv(subsampling, Planar, true)),                                            \
-        ODX_CONVERSION(odxColor##pixels##ToYCbCr##subsampling##PseudoPlanaru8, packed(pixels), \
-                       yuv(subsampling, PseudoPlanar, true)),
+    conversion(OP(odxColor##pixels##ToYCbCr##subsampling##Planaru8), packed(pixels),           \
+               yuv(subsampling, Planar, true)),                                                \
+        conversion(OP(odxColor##pixels##ToYCbCr##subsampling##PseudoPlanaru8), packed(pixels), \
+                   yuv(subsampling, PseudoPlanar, true)),
             ODX_RGB_TO_YCBCR(ODX_CASE)
 #undef ODX_CASE
-#define ODX_CASE(from, to) ODX_CONVERSION(odxColor##from##To##to##u8, packed(from), packed(to)),
+#define ODX_CASE(from, to) conversion(OP(odxColor##from##To##to##u8), packed(from), packed(to)),
                 ODX_RGB_TO_RGB(ODX_CASE)
 #undef ODX_CASE
 #define ODX_CASE(from, fromSubsampling, to, toSubsampling)                               \
-    ODX_CONVERSION(odxColorYCbCr##fromSubsampling##from##ToYCbCr##toSubsampling##to##u8, \
-                   yuv(fromSubsampling, from), yuv(toSubsampling, to)),
+    conversion(OP(odxColorYCbCr##fromSubsampling##from##ToYCbCr##toSubsampling##to##u8), \
+               yuv(fromSubsampling, from), yuv(toSubsampling, to)),
                     ODX_YCBCR_TO_YCBCR(ODX_CASE)
 #undef ODX_CASE
-                        ODX_CONVERSION(odxColorRGB888ToRGB565Rotate180u8, packed(3), packed(2)),
-        ODX_CONVERSION(odxColorRGB888ToGrayu8, packed(3), packed(1)),
-        ODX_CONVERSION(odxColorRGB888ToHSV888u8, packed(3), packed(3)),
-        ODX_CONVERSION(odxColorRGB888toYCrCbu8_v2, packed(3), packed(3)),
-        ODX_CONVERSION(odxColorRGBA8888ToLABu8, packed(4), packed(3)),
-        ODX_CONVERSION(odxColorCbCrSwapu8, packed(2), packed(2)),
+                        conversion(OP(odxColorRGB888ToRGB565Rotate180u8), packed(3), packed(2)),
+        conversion(OP(odxColorRGB888ToGrayu8), packed(3), packed(1)),
+        conversion(OP(odxColorRGB888ToHSV888u8), packed(3), packed(3)),
+        conversion(OP(odxColorRGB888toYCrCbu8_v2), packed(3), packed(3)),
+        conversion(OP(odxColorRGBA8888ToLABu8), packed(4), packed(3)),
+        conversion(OP(odxColorCbCrSwapu8), packed(2), packed(2)),
         ENTRY(odxColorYCrCb420PseudoPlanarToRGB8888u8, kImages + " && srcYStride && srcCStride && dstStride",
               {buffer(8, 16), width(1, 1, 8), height(), looseStride(8).explicitly(), looseStride(8).explicitly(),
                buffer(8, 16), looseStride(8).explicitly()}),

@@ -160,15 +160,6 @@ inline Arguments imageOf(uint32_t row = kWidth)
 using Outcome = double;
 constexpr Outcome kNothing = -1000;
 
-struct Entry {
-    const char* name;
-    std::function<Outcome(const Values&)> call;
-    Outcome failure;
-    std::string condition; // the text of the check; empty where it is silent
-    Arguments arguments;
-    bool forGpu = true; // else it is for the GPU only where it is refused
-};
-
 template <class T>
 T as(double number)
 {
@@ -213,12 +204,27 @@ constexpr Outcome failureOf(R (*)(P...))
     }
 }
 
-#define ODX_ENTRY(operation) #operation, odx::test::callWith(operation), odx::test::failureOf(operation)
+struct Operation {
+    const char* name;
+    std::function<Outcome(const Values&)> call;
+    Outcome failure;
 
-#define ENTRY(operation, ...)             \
-    odx::test::Entry                      \
-    {                                     \
-        ODX_ENTRY(operation), __VA_ARGS__ \
+    template <class R, class... P>
+    Operation(const char* n, R (*pointer)(P...)) : name(n), call(callWith(pointer)), failure(failureOf(pointer))
+    {
+    }
+};
+struct Entry : Operation {
+    std::string condition; // the text of the check; empty where it is silent
+    Arguments arguments;
+    bool forGpu = true; // else it is for the GPU only where it is refused
+};
+
+#define OP(operation) odx::test::Operation(#operation, operation)
+#define ENTRY(operation, ...)      \
+    odx::test::Entry               \
+    {                              \
+        OP(operation), __VA_ARGS__ \
     }
 
 // Each file <family>Entries.cpp returns its own from entries(), in a namespace of its name.
@@ -233,22 +239,12 @@ std::vector<T> operator+(std::vector<T> a, const std::vector<T>& b)
 
 // The entries of operations that refuse the same: alike("src && dst", {buffer(), buffer()}, {OP(odxXxx),
 // OP(odxYyy)}).
-struct Operation {
-    const char* name;
-    std::function<Outcome(const Values&)> call;
-    Outcome failure;
-};
-#define OP(operation)        \
-    odx::test::Operation     \
-    {                        \
-        ODX_ENTRY(operation) \
-    }
 inline Entries alike(const std::string& condition, const Arguments& arguments,
                      const std::vector<Operation>& operations)
 {
     Entries entries;
     for (const Operation& operation : operations)
-        entries.push_back({operation.name, operation.call, operation.failure, condition, arguments});
+        entries.push_back({operation, condition, arguments});
     return entries;
 }
 

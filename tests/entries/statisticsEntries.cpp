@@ -5,16 +5,13 @@
 namespace odx::test::statistics
 {
 
-using Operation = std::function<Outcome(const Values&)>;
-
 // An image whose packed rows the text has as `row`, and what an operation takes and asks beyond it.
-Entry of(const char* name, Operation call, Outcome failure, const std::string& row, uint32_t bytes,
-         const std::string& more, const Arguments& rest,
-         const std::string& before = "src && srcWidth && srcHeight && ")
+Entry of(const Operation& operation, const std::string& row, uint32_t bytes, const std::string& more,
+         const Arguments& rest, const std::string& before = "src && srcWidth && srcHeight && ")
 {
     Arguments all = {buffer(8, 16), width(), height(), stride(kWidth * bytes, 8)};
     all.insert(all.end(), rest.begin(), rest.end());
-    return {name, std::move(call), failure, before + "(srcStride >= srcWidth" + row + ")" + more, all};
+    return {operation, before + "(srcStride >= srcWidth" + row + ")" + more, all};
 }
 
 Entries entries()
@@ -45,41 +42,41 @@ Entries entries()
     Arguments estimated = rectangle(&Argument::refused);
     estimated.push_back(one);
     return {
-        of(ODX_ENTRY(odxMinMaxLocu8), "", 1, "", four),
-        of(ODX_ENTRY(odxMinMaxLocs16), s16, 2, "", four),
-        of(ODX_ENTRY(odxMinMaxLocu16), u16, 2, "", four),
-        of(ODX_ENTRY(odxMinMaxLocs32), s32, 4, "", four),
-        of(ODX_ENTRY(odxMinMaxLocu32), u32, 4, "", four),
-        of(ODX_ENTRY(odxMinMaxLocf32), f32, 4, "", four),
-        of(ODX_ENTRY(odxMinMaxLocu8_v2), "", 1, found, all),
-        of(ODX_ENTRY(odxMinMaxLocs16_v2), s16, 2, found, all),
-        of(ODX_ENTRY(odxMinMaxLocu16_v2), u16, 2, found, all),
-        of(ODX_ENTRY(odxMinMaxLocs32_v2), s32, 4, found, all),
-        of(ODX_ENTRY(odxMinMaxLocu32_v2), u32, 4, found, all),
-        of(ODX_ENTRY(odxMinMaxLocf32_v2), f32, 4, found, all),
-        of(ODX_ENTRY(odxImageMomentsu8), "", 1, sum, moments),
-        of(ODX_ENTRY(odxImageMomentss32), s32, 4, sum, moments),
-        of(ODX_ENTRY(odxImageMomentsf32), f32, 4, sum, moments),
-        of(ODX_ENTRY(odxImageIntensityHistogram), "", 1, " && histogram", {out}),
-        of(ODX_ENTRY(odxImageSpatialHistogramu8), "", 1, cells, {cellsX, cellsY, out}),
-        of(ODX_ENTRY(odxImageSpatialHistogramu8_v2), "", 1,
-           cells + " && bins && (bins <= range) && (range <= 256)",
+        of(OP(odxMinMaxLocu8), "", 1, "", four),
+        of(OP(odxMinMaxLocs16), s16, 2, "", four),
+        of(OP(odxMinMaxLocu16), u16, 2, "", four),
+        of(OP(odxMinMaxLocs32), s32, 4, "", four),
+        of(OP(odxMinMaxLocu32), u32, 4, "", four),
+        of(OP(odxMinMaxLocf32), f32, 4, "", four),
+        of(OP(odxMinMaxLocu8_v2), "", 1, found, all),
+        of(OP(odxMinMaxLocs16_v2), s16, 2, found, all),
+        of(OP(odxMinMaxLocu16_v2), u16, 2, found, all),
+        of(OP(odxMinMaxLocs32_v2), s32, 4, found, all),
+        of(OP(odxMinMaxLocu32_v2), u32, 4, found, all),
+        of(OP(odxMinMaxLocf32_v2), f32, 4, found, all),
+        of(OP(odxImageMomentsu8), "", 1, sum, moments),
+        of(OP(odxImageMomentss32), s32, 4, sum, moments),
+        of(OP(odxImageMomentsf32), f32, 4, sum, moments),
+        of(OP(odxImageIntensityHistogram), "", 1, " && histogram", {out}),
+        of(OP(odxImageSpatialHistogramu8), "", 1, cells, {cellsX, cellsY, out}),
+        of(OP(odxImageSpatialHistogramu8_v2), "", 1, cells + " && bins && (bins <= range) && (range <= 256)",
            {cellsX, cellsY, value(16, {0, 60}, {1, 59}), value(59, {15, 257}, {16, 256}), out}),
-        of(ODX_ENTRY(odxImageHistogramEqualizeu8), "", 1, " && (dstStride >= srcWidth)", {dst, stride(kWidth, 8)},
+        of(OP(odxImageHistogramEqualizeu8), "", 1, " && (dstStride >= srcWidth)", {dst, stride(kWidth, 8)},
            toImage),
-        of(ODX_ENTRY(odxNormalizeLocalBoxu8), "", 1,
+        of(OP(odxNormalizeLocalBoxu8), "", 1,
            " && (dstStride >= srcWidth) && deviation && (deviation <= 127) && minDeviation && (minDeviation <= "
            "127)",
            {N, dst, stride(kWidth, 8), level, level}, box),
-        of(ODX_ENTRY(odxNormalizeLocalBoxf32), f32, 4,
-           " && (dstStride >= srcWidth*sizeof(float)) && (minDeviation > 0)",
+        of(OP(odxNormalizeLocalBoxf32), f32, 4, " && (dstStride >= srcWidth*sizeof(float)) && (minDeviation > 0)",
            {N, dst, stride(4 * kWidth, 8), value(1, {0, -1}, {1e-30})}, box),
-        {ODX_ENTRY(odxImageIntensityStats),
-         "src && width && height && (srcStride >= srcWidth) && mean && variance", rectangle(&Argument::failing)},
-        {ODX_ENTRY(odxImageIntensityStats_v2),
-         "src && width && height && (x <= srcWidth) && (width <= srcWidth - x) && (y <= srcHeight) && (height <= "
-         "srcHeight - y) && (srcStride >= srcWidth) && mean && variance && (estimator <= ONDRIX_VARIANCE_SAMPLE)",
-         estimated},
+        ENTRY(odxImageIntensityStats, "src && width && height && (srcStride >= srcWidth) && mean && variance",
+              rectangle(&Argument::failing)),
+        ENTRY(odxImageIntensityStats_v2,
+              "src && width && height && (x <= srcWidth) && (width <= srcWidth - x) && (y <= srcHeight) && "
+              "(height <= "
+              "srcHeight - y) && (srcStride >= srcWidth) && mean && variance && (estimator <= "
+              "ONDRIX_VARIANCE_SAMPLE)",
+              estimated),
     };
 }
 

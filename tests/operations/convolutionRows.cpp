@@ -26,7 +26,7 @@ Extent extentFor(Draw& draw, uint32_t M, uint32_t N)
     return draw.extent(1, 1, std::max(M, N) - 1);
 }
 
-template <auto* operation, uint32_t K>
+template <uint32_t K, auto* operation>
 void rounded(Draw& draw)
 {
     constexpr bool packed = arity(operation) < 8;
@@ -99,16 +99,11 @@ void inside(Draw& draw)
 std::vector<Row> rows()
 {
     return {
-        {"odxFilterCorrSep9x9s16", rounded<odxFilterCorrSep9x9s16, 9>},
-        {"odxFilterCorrSep9x9s16_v2", rounded<odxFilterCorrSep9x9s16_v2, 9>},
-        {"odxFilterCorrSep11x11s16", rounded<odxFilterCorrSep11x11s16, 11>},
-        {"odxFilterCorrSep11x11s16_v2", rounded<odxFilterCorrSep11x11s16_v2, 11>},
-        {"odxFilterCorrSep13x13s16", rounded<odxFilterCorrSep13x13s16, 13>},
-        {"odxFilterCorrSep13x13s16_v2", rounded<odxFilterCorrSep13x13s16_v2, 13>},
-        {"odxFilterCorrSep15x15s16", rounded<odxFilterCorrSep15x15s16, 15>},
-        {"odxFilterCorrSep15x15s16_v2", rounded<odxFilterCorrSep15x15s16_v2, 15>},
-        {"odxFilterCorrSep17x17s16", rounded<odxFilterCorrSep17x17s16, 17>},
-        {"odxFilterCorrSep17x17s16_v2", rounded<odxFilterCorrSep17x17s16_v2, 17>},
+        VERSIONS(odxFilterCorrSep9x9s16, rounded, 9),
+        VERSIONS(odxFilterCorrSep11x11s16, rounded, 11),
+        VERSIONS(odxFilterCorrSep13x13s16, rounded, 13),
+        VERSIONS(odxFilterCorrSep15x15s16, rounded, 15),
+        VERSIONS(odxFilterCorrSep17x17s16, rounded, 17),
         {"odxFilterCorrSepNxNs16", roundedNxN},
         {"odxFilterConvolveMxNu8", anyKernel<uint8_t, odxFilterConvolveMxNu8>},
         {"odxFilterConvolveMxNu8s16", anyKernel<int16_t, odxFilterConvolveMxNu8s16>},

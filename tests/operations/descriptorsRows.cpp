@@ -295,6 +295,16 @@ void searchVocabulary(Draw& draw)
               array<int8_t, 36>);
 }
 
+#define DOT_PRODUCTS(n)                                                                         \
+    {"odxDotProduct" #n "x1s8", pair<int8_t, n, odxDotProduct##n##x1s8>},                       \
+    {"odxDotProduct" #n "x1u8", pair<uint8_t, n, odxDotProduct##n##x1u8>},                      \
+    {"odxDotProduct" #n "x4s8", oneWithFour<int8_t, int32_t, n, odxDotProduct##n##x4s8>},       \
+    {"odxDotProduct" #n "x4u8", oneWithFour<uint8_t, uint32_t, n, odxDotProduct##n##x4u8>},     \
+    {"odxDotProductNorm" #n "x4s8", normalised<int8_t, n, odxDotProductNorm##n##x4s8>},         \
+    {                                                                                           \
+        "odxDotProductNorm" #n "x4u8", normalised<uint8_t, n, odxDotProductNorm##n##x4u8>       \
+    }
+
 std::vector<Row> rows()
 {
     return {
@@ -306,24 +316,9 @@ std::vector<Row> rows()
         {"odxBitCount64x4u8", fourCounts<64, odxBitCount64x4u8>},
         {"odxBlockDotProductu8", blocks<uint8_t, odxBlockDotProductu8>},
         {"odxBlockDotProductf32", blocks<float, odxBlockDotProductf32>},
-        {"odxDotProduct36x1s8", pair<int8_t, 36, odxDotProduct36x1s8>},
-        {"odxDotProduct36x1u8", pair<uint8_t, 36, odxDotProduct36x1u8>},
-        {"odxDotProduct64x1s8", pair<int8_t, 64, odxDotProduct64x1s8>},
-        {"odxDotProduct64x1u8", pair<uint8_t, 64, odxDotProduct64x1u8>},
-        {"odxDotProduct128x1s8", pair<int8_t, 128, odxDotProduct128x1s8>},
-        {"odxDotProduct128x1u8", pair<uint8_t, 128, odxDotProduct128x1u8>},
-        {"odxDotProduct36x4s8", oneWithFour<int8_t, int32_t, 36, odxDotProduct36x4s8>},
-        {"odxDotProduct36x4u8", oneWithFour<uint8_t, uint32_t, 36, odxDotProduct36x4u8>},
-        {"odxDotProduct64x4s8", oneWithFour<int8_t, int32_t, 64, odxDotProduct64x4s8>},
-        {"odxDotProduct64x4u8", oneWithFour<uint8_t, uint32_t, 64, odxDotProduct64x4u8>},
-        {"odxDotProduct128x4s8", oneWithFour<int8_t, int32_t, 128, odxDotProduct128x4s8>},
-        {"odxDotProduct128x4u8", oneWithFour<uint8_t, uint32_t, 128, odxDotProduct128x4u8>},
-        {"odxDotProductNorm36x4s8", normalised<int8_t, 36, odxDotProductNorm36x4s8>},
-        {"odxDotProductNorm36x4u8", normalised<uint8_t, 36, odxDotProductNorm36x4u8>},
-        {"odxDotProductNorm64x4s8", normalised<int8_t, 64, odxDotProductNorm64x4s8>},
-        {"odxDotProductNorm64x4u8", normalised<uint8_t, 64, odxDotProductNorm64x4u8>},
-        {"odxDotProductNorm128x4s8", normalised<int8_t, 128, odxDotProductNorm128x4s8>},
-        {"odxDotProductNorm128x4u8", normalised<uint8_t, 128, odxDotProductNorm128x4u8>},
+        DOT_PRODUCTS(36),
+        DOT_PRODUCTS(64),
+        DOT_PRODUCTS(128),
         {"odxDotProducts8", arrays<int8_t, odxDotProducts8>},
         {"odxDotProductu8", arrays<uint8_t, odxDotProductu8>},
         {"odxDotProductf32", arrays<float, odxDotProductf32>},

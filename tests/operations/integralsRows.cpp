@@ -62,7 +62,7 @@ void line(Draw& draw)
 
 // operation(src, width, height, srcStride, x, y, patchWidth, patchHeight, sums, squareSums): packed images have no
 // stride, and fixed patches no size.
-template <auto* operation, uint32_t fixed = 0>
+template <uint32_t fixed, auto* operation>
 void patch(Draw& draw)
 {
     constexpr bool packed = arity(operation) % 2 == 1;
@@ -100,19 +100,15 @@ void borderedPatch(Draw& draw)
 std::vector<Row> rows()
 {
     return {
-        {"odxIntegrateImageu8", image<uint32_t, odxIntegrateImageu8>},
-        {"odxIntegrateImageu8_v2", image<uint32_t, odxIntegrateImageu8_v2>},
+        VERSIONS(odxIntegrateImageu8, image, uint32_t),
         {"odxIntegrateImageu8u64", sumsAndSquares},
         {"odxIntegrateImageYCbCr420PseudoPlanaru8", planes},
         {"odxIntegrateImageLineu8", line<odxIntegrateImageLineu8, 0>},
         {"odxIntegrateImageLine64u8", line<odxIntegrateImageLine64u8, 64>},
         {"odxTiltedIntegralu8s32", image<int32_t, odxTiltedIntegralu8s32>},
-        {"odxIntegratePatch12x12u8", patch<odxIntegratePatch12x12u8, 12>},
-        {"odxIntegratePatch12x12u8_v2", patch<odxIntegratePatch12x12u8_v2, 12>},
-        {"odxIntegratePatch18x18u8", patch<odxIntegratePatch18x18u8, 18>},
-        {"odxIntegratePatch18x18u8_v2", patch<odxIntegratePatch18x18u8_v2, 18>},
-        {"odxIntegratePatchu8", patch<odxIntegratePatchu8>},
-        {"odxIntegratePatchu8_v2", patch<odxIntegratePatchu8_v2>},
+        VERSIONS(odxIntegratePatch12x12u8, patch, 12),
+        VERSIONS(odxIntegratePatch18x18u8, patch, 18),
+        VERSIONS(odxIntegratePatchu8, patch, 0),
         {"odxIntegratePatchu8_v3", borderedPatch},
     };
 }

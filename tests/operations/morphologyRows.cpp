@@ -6,8 +6,6 @@ namespace odx::test::morphology
 {
 
 template <auto* operation>
-constexpr auto filter3x3 = imageToImage<uint8_t, uint8_t, operation>;
-template <auto* operation>
 constexpr auto bordered3x3 = imageToImage<uint8_t, uint8_t, operation, Size<1>, borderType, borderValue>;
 
 template <auto* operation>
@@ -25,12 +23,10 @@ void sized(Draw& draw)
 std::vector<Row> rows()
 {
     return {
-        {"odxFilterErode3x3u8", filter3x3<odxFilterErode3x3u8>},
-        {"odxFilterErode3x3u8_v2", filter3x3<odxFilterErode3x3u8_v2>},
+        VERSIONS(odxFilterErode3x3u8, imageToImage, uint8_t, uint8_t),
         {"odxFilterErode3x3u8_v3", bordered3x3<odxFilterErode3x3u8_v3>},
         {"odxFilterErodeNxNu8", sized<odxFilterErodeNxNu8>},
-        {"odxFilterDilate3x3u8", filter3x3<odxFilterDilate3x3u8>},
-        {"odxFilterDilate3x3u8_v2", filter3x3<odxFilterDilate3x3u8_v2>},
+        VERSIONS(odxFilterDilate3x3u8, imageToImage, uint8_t, uint8_t),
         {"odxFilterDilate3x3u8_v3", bordered3x3<odxFilterDilate3x3u8_v3>},
         {"odxFilterDilateNxNu8", sized<odxFilterDilateNxNu8>},
     };

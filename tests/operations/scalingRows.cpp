@@ -204,10 +204,8 @@ constexpr auto allocate = allocation<odxPyrLevel, odxPyramidDelete, odxPyramidAl
 std::vector<Row> rows()
 {
     return {
-        {"odxScaleDownBy2u8", whole<uint8_t, 1, 2, odxScaleDownBy2u8>},
-        {"odxScaleDownBy2u8_v2", whole<uint8_t, 1, 2, odxScaleDownBy2u8_v2>},
-        {"odxScaleDownBy4u8", whole<uint8_t, 1, 4, odxScaleDownBy4u8>},
-        {"odxScaleDownBy4u8_v2", whole<uint8_t, 1, 4, odxScaleDownBy4u8_v2>},
+        VERSIONS(odxScaleDownBy2u8, whole, uint8_t, 1, 2),
+        VERSIONS(odxScaleDownBy4u8, whole, uint8_t, 1, 4),
         {"odxScaleDown3To2u8", threeToTwo},
         {"odxScaleDownu8", blocks<odxScaleDownu8>},
         {"odxScaleDownu8_v2", blocks<odxScaleDownu8_v2>},
@@ -215,8 +213,7 @@ std::vector<Row> rows()
         {"odxScaleDownMNInterleaveu8", toAnySize<2, 40, odxScaleDownMNInterleaveu8>},
         {"odxScaleDownBy2Gaussian5x5u8", whole<uint8_t, 1, 2, odxScaleDownBy2Gaussian5x5u8>},
         {"odxScaleDownBy2Gaussian5x5u8_v2", rescaling<odxScaleDownBy2Gaussian5x5u8_v2, 1, 1, 1, 2, 2, 0>},
-        {"odxScaleDownBy2Gaussian5x5f32", whole<float, 1, 2, odxScaleDownBy2Gaussian5x5f32>},
-        {"odxScaleDownBy2Gaussian5x5f32_v2", whole<float, 1, 2, odxScaleDownBy2Gaussian5x5f32_v2>},
+        VERSIONS(odxScaleDownBy2Gaussian5x5f32, whole, float, 1, 2),
         {"odxScaleDownBy2Gaussian3x3u8", rescaling<odxScaleDownBy2Gaussian3x3u8, 1, 1, 1, 3, 2, 1>},
         {"odxScaleUpBy2Gaussian5x5u8", whole<uint8_t, 2, 1, odxScaleUpBy2Gaussian5x5u8>},
         {"odxScaleUpBy2Gaussian5x5u8_v2", rescaling<odxScaleUpBy2Gaussian5x5u8_v2, 2, 2, 1>},

@@ -72,6 +72,13 @@ auto strides(const I&... images)
 
 // ---- shapes ----
 
+// The rows of an operation and of its second version, which have the same shape<arguments..., operation>.
+#define VERSIONS(operation, shape, ...)                             \
+    {#operation, shape<__VA_ARGS__, operation>},                    \
+    {                                                               \
+        #operation "_v2", shape<__VA_ARGS__, operation##_v2>        \
+    }
+
 // operation(arguments...).
 template <auto* operation, auto... arguments>
 void taking(Draw& draw)

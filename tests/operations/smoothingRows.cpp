@@ -8,7 +8,7 @@ namespace odx::test::smoothing
 // 1 for borders, else none.
 constexpr auto border = oneOf<1, 0, 2>;
 
-template <class T, auto* operation, class Size>
+template <class T, class Size, auto* operation>
 constexpr auto gaussian = imageToImage<T, T, operation, Size, border>;
 template <auto* operation>
 constexpr auto withBorderType = imageToImage<uint8_t, uint8_t, operation, Size<1>, borderType, borderValue>;
@@ -34,24 +34,19 @@ constexpr auto box = explicitly<uint8_t, operation, K>;
 std::vector<Row> rows()
 {
     return {
-        {"odxFilterGaussian3x3u8", gaussian<uint8_t, odxFilterGaussian3x3u8, Size<7, 1>>},
-        {"odxFilterGaussian3x3u8_v2", gaussian<uint8_t, odxFilterGaussian3x3u8_v2, Size<7, 2>>},
+        {"odxFilterGaussian3x3u8", gaussian<uint8_t, Size<7, 1>, odxFilterGaussian3x3u8>},
+        {"odxFilterGaussian3x3u8_v2", gaussian<uint8_t, Size<7, 2>, odxFilterGaussian3x3u8_v2>},
         {"odxFilterGaussian3x3u8_v3", withBorderType<odxFilterGaussian3x3u8_v3>},
-        {"odxFilterGaussian5x5u8", gaussian<uint8_t, odxFilterGaussian5x5u8, Size<5, 5>>},
-        {"odxFilterGaussian5x5u8_v2", gaussian<uint8_t, odxFilterGaussian5x5u8_v2, Size<5, 5>>},
-        {"odxFilterGaussian11x11u8", gaussian<uint8_t, odxFilterGaussian11x11u8, Size<11, 11>>},
-        {"odxFilterGaussian11x11u8_v2", gaussian<uint8_t, odxFilterGaussian11x11u8_v2, Size<11, 11>>},
-        {"odxFilterGaussian5x5s16", gaussian<int16_t, odxFilterGaussian5x5s16, Size<1, 2>>},
-        {"odxFilterGaussian5x5s16_v2", gaussian<int16_t, odxFilterGaussian5x5s16_v2, Size<1, 2>>},
-        {"odxFilterGaussian5x5s32", gaussian<int32_t, odxFilterGaussian5x5s32, Size<5, 5>>},
-        {"odxFilterGaussian5x5s32_v2", gaussian<int32_t, odxFilterGaussian5x5s32_v2, Size<5, 5>>},
+        VERSIONS(odxFilterGaussian5x5u8, gaussian, uint8_t, Size<5, 5>),
+        VERSIONS(odxFilterGaussian11x11u8, gaussian, uint8_t, Size<11, 11>),
+        VERSIONS(odxFilterGaussian5x5s16, gaussian, int16_t, Size<1, 2>),
+        VERSIONS(odxFilterGaussian5x5s32, gaussian, int32_t, Size<5, 5>),
         {"odxBoxFilter3x3u8", box<odxBoxFilter3x3u8, 3>},
         {"odxBoxFilter3x3u8_v2", withBorderType<odxBoxFilter3x3u8_v2>},
         {"odxBoxFilter5x5u8", box<odxBoxFilter5x5u8, 5>},
         {"odxBoxFilter11x11u8", box<odxBoxFilter11x11u8, 11>},
         {"odxBoxFilterNxNf32", boxNxN},
-        {"odxFilterMedian3x3u8", imageToImage<uint8_t, uint8_t, odxFilterMedian3x3u8>},
-        {"odxFilterMedian3x3u8_v2", imageToImage<uint8_t, uint8_t, odxFilterMedian3x3u8_v2>},
+        VERSIONS(odxFilterMedian3x3u8, imageToImage, uint8_t, uint8_t),
         {"odxFilterMedian3x3u8_v3", withBorderType<odxFilterMedian3x3u8_v3>},
         {"odxFilterMedianMxNs16",
          explicitly<int16_t, odxFilterMedianMxNs16, 1, oneOf<3u, 5u, 7u, 21u>, oneOf<3u, 5u, 9u>>},

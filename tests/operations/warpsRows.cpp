@@ -162,12 +162,10 @@ constexpr auto undefinedFirst = oneOf<ONDRIX_BORDER_UNDEFINED, ONDRIX_BORDER_CON
 std::vector<Row> rows()
 {
     return {
-        {"odxWarpPerspectiveu8", warp<1, odxWarpPerspectiveu8>},
-        {"odxWarpPerspectiveu8_v2", warp<1, odxWarpPerspectiveu8_v2>},
+        VERSIONS(odxWarpPerspectiveu8, warp, 1),
         {"odxWarpPerspectiveu8_v3", warp<1, odxWarpPerspectiveu8_v3, interpolation>},
         {"odxWarpPerspectiveu8_v4", warp<1, odxWarpPerspectiveu8_v4, interpolation, undefinedFirst, borderValue>},
-        {"odx3ChannelWarpPerspectiveu8", warp<3, odx3ChannelWarpPerspectiveu8>},
-        {"odx3ChannelWarpPerspectiveu8_v2", warp<3, odx3ChannelWarpPerspectiveu8_v2>},
+        VERSIONS(odx3ChannelWarpPerspectiveu8, warp, 3),
         {"odx2PlaneWarpPerspectiveu8", twoPlanes},
         {"odxTransformAffineu8", patch<odxTransformAffineu8>},
         {"odxTransformAffineu8_v2", patch<odxTransformAffineu8_v2>},

@@ -18,6 +18,14 @@ void bytesOfTable(In in, Out out, Out expected)
         expected[i] = in[in[size + i] & (size - 1)];
 }
 
+template <class T, class V>
+void pairsStored(In in, Out out, Out expected)
+{
+    numbers<T, 2 * kBytes / sizeof(T)>(out, [=](T* p) { storePairs(p, load<V>(in), load<V>(in + kBytes)); });
+    for (size_t i = 0; i < 2 * kBytes / sizeof(T); ++i)
+        memcpy(expected + sizeof(T) * i, in + i % 2 * kBytes + i / 2 * sizeof(T), sizeof(T));
+}
+
 // Whether each lane of a result is as near to the exact one as a share of it.
 template <class Exact>
 void near(f32v v, double share, Out out, Out expected, Exact exact)
@@ -32,48 +40,31 @@ void near(f32v v, double share, Out out, Out expected, Exact exact)
 const PrimitiveCase kCases[] = {
     CASE("loadPart", kBytes, uint8_t, kBytes, (i < 4 ? in[i] : 0) | (i < 8 ? in[i + 4] : 0),
          store(out, loadPart<4>(in) | loadPart<8>(in + 4))),
-    {"addProducts and sumOfLanes", 2 * kBytes,
-     [](In in, Out out, Out expected) {
-         put<uint32_t>(out, 0, sumOfLanes(addProducts(u32v{7}, load<u8v>(in), load<u8v>(in + kBytes))));
-         put<uint32_t>(out, 1, sumOfLanes(addProducts(u32v{7}, load<s8v>(in), load<s8v>(in + kBytes))));
-         uint32_t sum = 7, signedSum = 7;
-         for (size_t i = 0; i < kBytes; ++i) {
-             sum += (uint32_t)(in[i] * in[i + kBytes]);
-             signedSum += (uint32_t)((int8_t)in[i] * (int8_t)in[i + kBytes]);
-         }
-         put<uint32_t>(expected, 0, sum);
-         put<uint32_t>(expected, 1, signedSum);
-     }},
+    CASE("addProducts of u8v and sumOfLanes", 2 * kBytes, uint32_t, 1,
+         7 + sumOf(kBytes, [=](size_t k) { return in[k] * in[k + kBytes]; }),
+         put<uint32_t>(out, 0, sumOfLanes(addProducts(u32v{7}, load<u8v>(in), load<u8v>(in + kBytes))))),
+    CASE("addProducts of s8v", 2 * kBytes, uint32_t, 1,
+         7 + sumOf(kBytes, [=](size_t k) { return (int8_t)in[k] * (int8_t)in[k + kBytes]; }),
+         put<uint32_t>(out, 0, sumOfLanes(addProducts(u32v{7}, load<s8v>(in), load<s8v>(in + kBytes))))),
+    CASE("addProducts of s16v", 2 * kBytes, uint32_t, 1,
+         kBytes / 4 * 5 + sumOf(kBytes / 2, [=](size_t k) { return at<int16_t>(in, k) * (at<int16_t>(in + kBytes, k) >> 1); }),
+         put<uint32_t>(out, 0, sumOfLanes(addProducts(s32v{} + 5, load<s16v>(in), load<s16v>(in + kBytes) >> 1)))),
     {"addBytes, addDifferences and storeSums", 4 * kBytes,
      [](In in, Out out, Out expected) {
          const auto v = [=](int k) { return load<u8v>(in + kBytes * (size_t)k); };
          const u32v big = {0xFFFFFF00, 0xFFFFFF00};
-         uint32_t sums[4];
-         storeSums(sums, addBytes(u32v{}, v(0)), addBytes(big, v(1)), addDifferences(u32v{}, v(1), v(2)),
-                   addDifferences(big, v(2), v(3)));
-         memcpy(out, sums, sizeof sums);
-         uint32_t e[4] = {0, 0xFFFFFE00, 0, 0xFFFFFE00};
-         for (size_t i = 0; i < kBytes; ++i) {
-             const int a = in[i], b = in[kBytes + i], c = in[2 * kBytes + i], d = in[3 * kBytes + i];
-             e[0] += (uint32_t)a;
-             e[1] += (uint32_t)b;
-             e[2] += (uint32_t)(b < c ? c - b : b - c);
-             e[3] += (uint32_t)(c < d ? d - c : c - d);
-         }
-         memcpy(expected, e, sizeof e);
+         numbers<uint32_t, 4>(out, [=](uint32_t* sums) {
+             storeSums(sums, addBytes(u32v{}, v(0)), addBytes(big, v(1)), addDifferences(u32v{}, v(1), v(2)),
+                       addDifferences(big, v(2), v(3)));
+         });
+         EACH(uint32_t, 4, i % 2 * 0xFFFFFE00 + sumOf(kBytes, [=](size_t k) {
+             const In p = in + (i + 1) / 2 * kBytes + k; // 0, 1, 1 and 2
+             return i < 2 ? p[0] : distanceOf(p[0], p[kBytes]);
+         }));
      }},
-    {"addDifferencesOf8", 2 * kBytes,
-     [](In in, Out out, Out expected) {
-         store(out, addDifferencesOf8((u16v)load<u8v>(in + kBytes), in, in + kBytes));
-         for (size_t i = 0; i < kBytes / 2; ++i) {
-             int sum = at<uint16_t>(in + kBytes, i);
-             for (size_t k = 0; k < 8; ++k) {
-                 const int p = in[i + k], q = in[kBytes + k];
-                 sum += p < q ? q - p : p - q;
-             }
-             put<uint16_t>(expected, i, sum);
-         }
-     }},
+    CASE("addDifferencesOf8", 2 * kBytes, uint16_t, kBytes / 2,
+         at<uint16_t>(in + kBytes, i) + sumOf(8, [=](size_t k) { return distanceOf(in[i + k], in[kBytes + k]); }),
+         store(out, addDifferencesOf8((u16v)load<u8v>(in + kBytes), in, in + kBytes))),
     {"rootNear", kBytes,
      [](In in, Out out, Out expected) {
          const f32v v = __builtin_convertvector(load<s32v>(in) & INT32_MAX, f32v);
@@ -111,34 +102,19 @@ const PrimitiveCase kCases[] = {
                joinBytes({sums.a >> 8 & 255, sums.b >> 8 & 255, sums.c >> 8 & 255, sums.d >> 8 & 255}));
          store(out + 2 * kBytes, distance(load<u8v>(in), load<u8v>(in + kBytes)));
          for (size_t i = 0; i < kBytes; ++i) {
-             const int sum = 200 * 2 * weightOf(i) * valueOf(i) - 255 * 4 * weightOf(i),
-                       d = in[i] - in[kBytes + i];
+             const int sum = 200 * 2 * weightOf(i) * valueOf(i) - 255 * 4 * weightOf(i);
              expected[i] = (uint8_t)sum;
              expected[kBytes + i] = (uint8_t)(sum >> 8);
-             expected[2 * kBytes + i] = (uint8_t)(d < 0 ? -d : d);
+             expected[2 * kBytes + i] = (uint8_t)distanceOf(in[i], in[kBytes + i]);
          }
      }},
-    {"storeInOrder", kBytes,
-     [](In in, Out out, Out expected) {
-         alignas(int32_t) uint8_t sums[2 * kBytes];
-         storeInOrder(reinterpret_cast<int32_t*>(sums), split(load<s16v>(in)));
-         memcpy(out, sums, sizeof sums);
-         EACH(int32_t, kBytes / 2, at<int16_t>(in, i));
-     }},
+    CASE("storeInOrder", kBytes, int32_t, kBytes / 2, at<int16_t>(in, i),
+         numbers<int32_t, kBytes / 2>(out, [=](int32_t* p) { storeInOrder(p, split(load<s16v>(in))); })),
     CASE("loadInOrder and widenInOrder", kBytes, int32_t, kBytes, in[i] - 128,
          put<s32p>(out, 0, widenInOrder(loadInOrder(in).a - 128)),
          put<s32p>(out, 1, widenInOrder(loadInOrder(in).b - 128))),
-    {"storePairs", 2 * kBytes,
-     [](In in, Out out, Out expected) {
-         alignas(float) uint8_t pairs[2 * kBytes];
-         storePairs((int16_t*)pairs, load<s16v>(in), load<s16v>(in + kBytes));
-         memcpy(out, pairs, sizeof pairs);
-         storePairs((float*)pairs, load<f32v>(in), load<f32v>(in + kBytes));
-         memcpy(out + sizeof pairs, pairs, sizeof pairs);
-         EACH(int16_t, kBytes, at<int16_t>(in + i % 2 * kBytes, i / 2));
-         for (size_t i = 0; i < kBytes / 2; ++i)
-             put<int32_t>(expected + sizeof pairs, i, at<int32_t>(in + i % 2 * kBytes, i / 2));
-     }},
+    {"storePairs of s16v", 2 * kBytes, pairsStored<int16_t, s16v>},
+    {"storePairs of f32v", 2 * kBytes, pairsStored<float, f32v>},
     CASE("narrowMask", 2 * kBytes, int16_t, kBytes / 2, at<int32_t>(in, i) > 0 ? -1 : 0,
          store(out, narrowMask({load<s32v>(in) > 0, load<s32v>(in + kBytes) > 0}))),
     {"sumOfSquares", 2 * kBytes,
@@ -161,19 +137,15 @@ const PrimitiveCase kCases[] = {
      [](In in, Out out, Out expected) {
          const int8_t weights[] = {-128, 127, -128, 0};
          const s16p small = dot2(in, weights2(weights)), one = dot2(in, weights2(weights + 2));
-         int16_t sums[kBytes];
-         storeInOrder(sums, {small.a - one.a, small.b - one.b});
-         memcpy(out, sums, sizeof sums);
+         numbers<int16_t, kBytes>(out, [=](int16_t* p) { storeInOrder(p, {small.a - one.a, small.b - one.b}); });
          EACH(int16_t, kBytes, 127 * in[i + 1]);
      }},
     {"dot2 of s16", kBytes + 2,
      [](In in, Out out, Out expected) {
-         int16_t numbers[kBytes / 2 + 1];
-         int32_t sums[kBytes / 2];
-         memcpy(numbers, in, sizeof numbers);
-         storeInOrder(sums, dot2<-90, 35>(numbers));
-         memcpy(out, sums, sizeof sums);
-         EACH(int32_t, kBytes / 2, numbers[i] * -90 + numbers[i + 1] * 35);
+         int16_t n[kBytes / 2 + 1];
+         memcpy(n, in, sizeof n);
+         numbers<int32_t, kBytes / 2>(out, [&n](int32_t* sums) { storeInOrder(sums, dot2<-90, 35>(n)); });
+         EACH(int32_t, kBytes / 2, n[i] * -90 + n[i + 1] * 35);
      }},
     CASE("reverse", kBytes, uint8_t, kBytes, in[kBytes - 1 - i], store(out, reverse(load<u8v>(in)))),
     {"zip", 2 * kBytes,
@@ -233,23 +205,11 @@ const PrimitiveCase kCases[] = {
          u16v sums[4];
          for (size_t k = 0; k < 4; ++k) {
              const In p = in + kBytes * (k + 1);
-             uint32_t distances = 0;
-             for (size_t i = 0; i < kBytes; ++i)
-                 distances += (uint32_t)(in[i] < p[i] ? p[i] - in[i] : in[i] - p[i]);
-             put<uint16_t>(expected, k, 2 * distances);
+             put<uint16_t>(expected, k, 2 * sumOf(kBytes, [=](size_t i) { return distanceOf(in[i], p[i]); }));
              sums[k] =
                  addDistances(addDistances(u16v{}, load<u8v>(in), load<u8v>(p)), load<u8v>(p), load<u8v>(in));
          }
          put<uint64_t>(out, 0, sumsOfDistances(sums[0], sums[1], sums[2], sums[3]));
-     }},
-    {"addProducts and sumOfLanes", 2 * kBytes,
-     [](In in, Out out, Out expected) {
-         uint32_t products = kBytes / 4 * 5;
-         for (size_t i = 0; i < kBytes / 2; ++i)
-             products += (uint32_t)(at<int16_t>(in, i) * (at<int16_t>(in + kBytes, i) >> 1));
-         const s16v a = load<s16v>(in), b = load<s16v>(in + kBytes);
-         put<uint32_t>(out, 0, sumOfLanes(addProducts(s32v{} + 5, a, b >> 1)));
-         put<uint32_t>(expected, 0, products);
      }},
     {"any, highest and laneBits of one byte", 2,
      [](In in, Out out, Out expected) {
@@ -282,13 +242,8 @@ const PrimitiveCase kCases[] = {
      }},
     {"storePoints", 8,
      [](In in, Out out, Out expected) {
-         uint32_t points[16];
-         storePoints(points, in, 70000, 5);
-         memcpy(out, points, sizeof points);
-         for (size_t i = 0; i < 8; ++i) {
-             put<uint32_t>(expected, 2 * i, 70000 + in[i]);
-             put<uint32_t>(expected, 2 * i + 1, 5);
-         }
+         numbers<uint32_t, 16>(out, [=](uint32_t* points) { storePoints(points, in, 70000, 5); });
+         EACH(uint32_t, 16, i % 2 == 0 ? 70000 + in[i / 2] : 5);
      }},
     {"widenPairs, repeatPair and addPairProducts", 3 * kBytes,
      [](In in, Out out, Out expected) {

@@ -37,6 +37,28 @@ inline int64_t clamped(int64_t value, int64_t least, int64_t most)
     return value < least ? least : value > most ? most : value;
 }
 
+inline uint32_t distanceOf(int a, int b)
+{
+    return (uint32_t)(a < b ? b - a : a - b);
+}
+// The sum of f(k), modulo 2^32.
+template <class F>
+uint32_t sumOf(size_t count, F f)
+{
+    uint32_t sum = 0;
+    for (size_t k = 0; k < count; ++k)
+        sum += (uint32_t)f(k);
+    return sum;
+}
+// What f writes to an array of numbers, in its place.
+template <class T, size_t count, class F>
+void numbers(Out out, F f)
+{
+    T array[count];
+    f(array);
+    memcpy(out, array, sizeof array);
+}
+
 // What is expected of each element i.
 #define EACH(T, count, value)            \
     for (size_t i = 0; i < (count); ++i) \

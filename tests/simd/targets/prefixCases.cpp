@@ -12,10 +12,9 @@ namespace
 template <class T>
 void added(In in, Out out, Out expected)
 {
-    T sums[kBytes / 4], above[kBytes / 4];
+    T above[kBytes / 4];
     memcpy(above, in + kBytes, sizeof above);
-    storeAdded(sums, above, load<u32v>(in));
-    memcpy(out, sums, sizeof sums);
+    numbers<T, kBytes / 4>(out, [&above, in](T* sums) { storeAdded(sums, above, load<u32v>(in)); });
     EACH(T, kBytes / 4, above[i] + at<uint32_t>(in, i));
 }
 const PrimitiveCase kCases[] = {

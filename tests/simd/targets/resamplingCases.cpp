@@ -12,8 +12,8 @@ namespace
 template <int mask>
 void narrowed(In in, Out out, Out expected)
 {
-    const auto numbers = [=](size_t k) { return load<s32v>(in + kBytes * k) & mask; };
-    store(out, narrow(numbers(0), numbers(1), numbers(2), numbers(3)));
+    const auto words = [=](size_t k) { return load<s32v>(in + kBytes * k) & mask; };
+    store(out, narrow(words(0), words(1), words(2), words(3)));
     EACH(uint8_t, kBytes, clamped(at<int32_t>(in, i) & mask, 0, 255));
 }
 
@@ -33,9 +33,9 @@ const PrimitiveCase kCases[] = {
          storePairs2(out, load<u8v>(in), load<u8v>(in + kBytes))),
     {"load2 of floats", 2 * kBytes,
      [](In in, Out out, Out expected) {
-         float numbers[kBytes / 2];
-         memcpy(numbers, in, sizeof numbers);
-         const f32x2 v = load2(numbers);
+         float floats[kBytes / 2];
+         memcpy(floats, in, sizeof floats);
+         const f32x2 v = load2(floats);
          storeAll(out, v.a, v.b);
          EACH(uint32_t, kBytes / 2, at<uint32_t>(in, i % (kBytes / 4) * 2 + i / (kBytes / 4)));
      }},
@@ -52,10 +52,9 @@ const PrimitiveCase kCases[] = {
     {"storeWeighted", 6 * kBytes,
      [](In in, Out out, Out expected) {
          int16_t weights[2 * kBytes];
-         int32_t sums[kBytes];
          memcpy(weights, in + 2 * kBytes, sizeof weights);
-         storeWeighted(sums, load<u8v>(in), load<u8v>(in + kBytes), weights);
-         memcpy(out, sums, sizeof sums);
+         numbers<int32_t, kBytes>(
+             out, [=](int32_t* sums) { storeWeighted(sums, load<u8v>(in), load<u8v>(in + kBytes), weights); });
          EACH(int32_t, kBytes, in[i] * weights[2 * i] + in[kBytes + i] * weights[2 * i + 1]);
      }},
 };
