@@ -9,6 +9,8 @@
 #define ODX_FAMILY_LIST "frame/operations/scaling.def"
 #include "orlan/family.h"
 
+#include <type_traits>
+
 namespace odx::ODX_TARGET
 {
 
@@ -300,6 +302,74 @@ odxStatus odxScaleu8V(const uint8_t* src, unsigned int srcWidth, unsigned int sr
 {
     return odxScaleu8_v2V(src, srcWidth, srcHeight, srcStride, dst, dstWidth, dstHeight, dstStride, interpolation,
                           ONDRIX_BORDER_UNDEFINED, 0);
+}
+
+// ---- means of blocks ----
+
+constexpr uint32_t kSummed = 2048; // columns whose sums are kept
+
+// Sums of so many rows, which fit 16 bits; the last vector overlaps, if only with columns before these.
+ODX_INLINE void sumColumns(const uint8_t* src, size_t stride, uint32_t rows, uint32_t columns, uint16_t* sums)
+{
+    const auto vector = [=](ptrdiff_t i) {
+        const uint8_t* p = src + i;
+        s16p sum = loadInOrder(p);
+        for (uint32_t k = 1; k < rows; ++k) {
+            p += stride;
+            sum = sum + loadInOrder(p);
+        }
+        store(sums + i, sum.a);
+        store(sums + i + kBytes / 2, sum.b);
+    };
+    uint32_t i = 0;
+    for (; columns - i >= kBytes; i += kBytes)
+        vector(i);
+    if (i != columns) vector((ptrdiff_t)columns - (ptrdiff_t)kBytes);
+}
+
+// Products with 2^-24ths, below 2^32, are means of up to 256 pixels: 255 x n x the error of the reciprocal, below
+// n, stays below 2^24.
+template <class Width>
+ODX_INLINE void meansOf(const uint16_t* sums, Width width, uint32_t pixels, uint8_t* out, uint32_t count)
+{
+    const uint32_t share = ((1u << 24) + pixels - 1) / pixels;
+    for (size_t i = 0; i < count; ++i) {
+        uint32_t sum = 0;
+        for (uint32_t k = 0; k < width; ++k)
+            sum += sums[i * width + k];
+        out[i] = (uint8_t)(pixels <= 256 ? sum * share >> 24 : sum / pixels);
+    }
+}
+
+void odxScaleDownu8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight, unsigned int srcStride,
+                     uint8_t* dst, unsigned int dstWidth, unsigned int dstHeight, unsigned int dstStride)
+{
+    const uint32_t kx = srcWidth / dstWidth, ky = srcHeight / dstHeight;
+    if (uint64_t{dstWidth} * kx < kBytes || kx > kSummed || ky > 257)
+        return odxScaleDownu8C(src, srcWidth, srcHeight, srcStride, dst, dstWidth, dstHeight, dstStride);
+    alignas(kBytes) uint16_t sums[kBytes + kSummed];
+    for (uint32_t y = 0; y < dstHeight; ++y) {
+        const uint8_t* const rows = rowOf(src, srcStride, size_t{y} * ky);
+        uint8_t* const out = rowOf(dst, dstStride, y);
+        for (uint32_t x = 0, count; x < dstWidth; x += count) {
+            count = dstWidth - x < kSummed / kx ? dstWidth - x : kSummed / kx;
+            const auto means = [&](auto width) { meansOf(sums + kBytes, width, kx * ky, out + x, count); };
+            sumColumns(rows + size_t{x} * kx, srcStride, ky, count * kx, sums + kBytes);
+            switch (kx) {
+            case 2:
+                means(std::integral_constant<uint32_t, 2>());
+                break;
+            case 3:
+                means(std::integral_constant<uint32_t, 3>());
+                break;
+            case 4:
+                means(std::integral_constant<uint32_t, 4>());
+                break;
+            default:
+                means(kx);
+            }
+        }
+    }
 }
 
 // ---- groups ----

@@ -82,6 +82,36 @@ int odxScaleDownBy4u8V(const uint8_t* src, unsigned int width, unsigned int heig
     return 0;
 }
 
+// ---- three to two ----
+
+int odxScaleDown3To2u8V(const uint8_t* src, unsigned int width, unsigned int height, unsigned int srcStride,
+                        uint8_t* dst, unsigned int dstStride)
+{
+    const uint32_t blocks = width / 3;
+    if (blocks < kBytes) return odxScaleDown3To2u8C(src, width, height, srcStride, dst, dstStride);
+    for (uint32_t y = 0; y < height / 3; ++y) {
+        const uint8_t *const top = rowOf(src, srcStride, 3 * size_t{y}), *const middle = rowOf(top, srcStride, 1),
+                             *const bottom = rowOf(top, srcStride, 2);
+        uint8_t *const upper = rowOf(dst, dstStride, 2 * size_t{y}), *const lower = rowOf(upper, dstStride, 1);
+        forVectors<kBytes>(blocks, [&](size_t x) {
+            struct Sides {
+                u16p left, right;
+            };
+            const auto sides = [x](const uint8_t* row) {
+                const u8x3 v = load3(row + 3 * x);
+                return Sides{threeAndOne(v.a, v.b), threeAndOne(v.c, v.b)};
+            };
+            const auto corner = [](const u16p& outer, const u16p& inner) {
+                return joinShifted<4>(u16p{outer.a * 3 + inner.a, outer.b * 3 + inner.b});
+            };
+            const Sides a = sides(top), b = sides(middle), c = sides(bottom);
+            store2(upper + 2 * x, corner(a.left, b.left), corner(a.right, b.right));
+            store2(lower + 2 * x, corner(c.left, b.left), corner(c.right, b.right));
+        });
+    }
+    return 0;
+}
+
 // ---- Gaussians that halve: the sums of rows are those of vectors of outputs, in order ----
 
 struct Halves5x5 : Window<5, 5, kBytes, 2> {
@@ -214,19 +244,13 @@ ODX_INLINE Doubled doubledRow(u16p a, u16p b, u16p c)
 {
     return {a + c + (b << 2) + (b << 1), b + c};
 }
-template <int n>
-ODX_INLINE u8v rounded(const u16p& sums)
-{
-    constexpr uint16_t half = 1 << (n - 1);
-    return join(u16p{(sums.a + half) >> n, (sums.b + half) >> n});
-}
 // The row of outputs at a row, and the one between it and the next.
 ODX_INLINE void writeDoubled(const Doubled& above, const Doubled& here, const Doubled& below, uint8_t* upper,
                              uint8_t* lower)
 {
-    store2(upper, rounded<6>(doubledRow(above.at, here.at, below.at).at),
-           rounded<4>(doubledRow(above.between, here.between, below.between).at));
-    store2(lower, rounded<4>(here.at + below.at), rounded<2>(here.between + below.between));
+    store2(upper, joinRounded<6>(doubledRow(above.at, here.at, below.at).at),
+           joinRounded<4>(doubledRow(above.between, here.between, below.between).at));
+    store2(lower, joinRounded<4>(here.at + below.at), joinRounded<2>(here.between + below.between));
 }
 
 struct Doubles : Window<3, 3, kBytes> {
@@ -299,11 +323,6 @@ void odxScaleUpBy2Gaussian5x5u8V(const uint8_t* src, unsigned int srcWidth, unsi
 
 // ---- upsampling with the weights 3:1 ----
 
-ODX_INLINE u16p three(u16p v)
-{
-    return v + (v << 1);
-}
-
 // What comes between neighbouring pixels a and b.
 template <uint32_t channels>
 ODX_INLINE void storeBetween(uint8_t* out, u8v first, u8v second)
@@ -319,8 +338,8 @@ template <uint32_t channels>
 ODX_INLINE void upsampleRowOf(const uint8_t* src, uint8_t* dst, size_t pixels)
 {
     forVectors<kBytes>((pixels - 1) * channels, [&](size_t i) {
-        const u16p a = split(load<u8v>(src + i)), b = split(load<u8v>(src + i + channels));
-        storeBetween<channels>(dst + channels + 2 * i, rounded<2>(three(a) + b), rounded<2>(a + three(b)));
+        const u8x2 pixels = between(load<u8v>(src + i), load<u8v>(src + i + channels));
+        storeBetween<channels>(dst + channels + 2 * i, pixels.a, pixels.b);
     });
     for (size_t c = 0; c < channels; ++c) {
         dst[c] = src[c];
@@ -339,9 +358,9 @@ void upsampleBetweenV(const uint8_t* above, const uint8_t* below, uint8_t* upper
 {
     if (bytes < kBytes) return upsampleBetweenC(above, below, upper, lower, bytes);
     forVectors<kBytes>(bytes, [&](size_t i) {
-        const u16p a = split(load<u8v>(above + i)), b = split(load<u8v>(below + i));
-        store(upper + i, rounded<2>(three(a) + b));
-        store(lower + i, rounded<2>(a + three(b)));
+        const u8x2 pixels = between(load<u8v>(above + i), load<u8v>(below + i));
+        store(upper + i, pixels.a);
+        store(lower + i, pixels.b);
     });
 }
 
@@ -350,14 +369,16 @@ ODX_INLINE void upsampleSquaresOf(const uint8_t* above, const uint8_t* below, ui
                                   size_t pixels)
 {
     forVectors<kBytes>((pixels - 1) * channels, [&](size_t i) {
-        const auto columns = [=](const u16p& p, const u16p& q) { return three(p) + q; };
-        const u16p a = split(load<u8v>(above + i)), b = split(load<u8v>(above + i + channels)),
-                   c = split(load<u8v>(below + i)), d = split(load<u8v>(below + i + channels));
-        const u16p left = columns(a, c), right = columns(b, d), leftLow = columns(c, a), rightLow = columns(d, b);
-        storeBetween<channels>(upper + channels + 2 * i, rounded<4>(three(left) + right),
-                               rounded<4>(left + three(right)));
-        storeBetween<channels>(lower + channels + 2 * i, rounded<4>(three(leftLow) + rightLow),
-                               rounded<4>(leftLow + three(rightLow)));
+        const u8v a = load<u8v>(above + i), b = load<u8v>(above + i + channels), c = load<u8v>(below + i),
+                  d = load<u8v>(below + i + channels);
+        const auto outputs = [=](uint8_t* out, const u16p& left, const u16p& right) {
+            const auto first = [](const u16p& p, const u16p& q) {
+                return joinRounded<4>({p.a * 3 + q.a, p.b * 3 + q.b});
+            };
+            storeBetween<channels>(out, first(left, right), first(right, left));
+        };
+        outputs(upper + channels + 2 * i, threeAndOne(a, c), threeAndOne(b, d));
+        outputs(lower + channels + 2 * i, threeAndOne(c, a), threeAndOne(d, b));
     });
     for (size_t c = 0; c < channels; ++c) {
         const size_t last = (pixels - 1) * channels + c, end = pixels * channels + last;

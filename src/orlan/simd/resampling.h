@@ -10,6 +10,9 @@
 //   toFloats(p)                  kBytes / 4 bytes as floats
 //   lookup(row, bases, places)   kBytes bytes, in order: each at its place, below kLookupWindow, from one of the
 //                                bases, of which there is one for kLookup outputs
+//   between(v, w)                (3 * v + w + 2) >> 2 and (v + 3 * w + 2) >> 2 of u8v
+//   threeAndOne(v, w)            3 * v + w of u8v as 16 bits, in split's order
+//   joinRounded<n>(pair)         join((pair + 2^(n - 1)) >> n)
 //   storeWeighted(p, v, w, k)    v[i] * k[2i] + w[i] * k[2i + 1] of two u8v as kBytes words of 32 bits, in order
 #ifndef ODX_ORLAN_SIMD_RESAMPLING_H
 #define ODX_ORLAN_SIMD_RESAMPLING_H
@@ -139,6 +142,24 @@ ODX_INLINE void storeWeighted(int32_t* p, u8v v, u8v w, const int16_t* weights)
 #endif
 }
 
+// From the mean of both, rounded down; the other means are rounded up.
+ODX_INLINE u8x2 between(u8v v, u8v w)
+{
+    const u8v mean = (u8v)ODX_MM(avg_epu8)((ODX_MI)v, (ODX_MI)w) - ((v ^ w) & 1);
+    return {(u8v)ODX_MM(avg_epu8)((ODX_MI)v, (ODX_MI)mean), (u8v)ODX_MM(avg_epu8)((ODX_MI)w, (ODX_MI)mean)};
+}
+ODX_INLINE u16p threeAndOne(u8v v, u8v w)
+{
+    const u16p a = split(v);
+    return a + (a << 1) + split(w);
+}
+template <int n>
+ODX_INLINE u8v joinRounded(const u16p& p)
+{
+    constexpr uint16_t half = 1 << (n - 1);
+    return join(u16p{(p.a + half) >> n, (p.b + half) >> n});
+}
+
 #elif defined(__ARM_NEON)
 
 constexpr uint32_t kLookup = 16, kLookupWindow = 32;
@@ -180,9 +201,8 @@ ODX_INLINE u8v narrow(s32v a, s32v b, s32v c, s32v d)
 
 ODX_INLINE void storePairs2(uint8_t* p, u8v v, u8v w)
 {
-    const uint16x8x2_t n = vzipq_u16((uint16x8_t)v, (uint16x8_t)w);
-    vst1q_u8(p, (uint8x16_t)n.val[0]);
-    vst1q_u8(p + 16, (uint8x16_t)n.val[1]);
+    const uint16x8x2_t n = {{(uint16x8_t)v, (uint16x8_t)w}};
+    vst2q_u16((uint16_t*)p, n);
 }
 
 ODX_INLINE f32x2 load2(const float* p)
@@ -209,6 +229,24 @@ ODX_INLINE u8v lookup(const uint8_t* row, const uint32_t* bases, u8v places)
     const uint8x8x4_t window = {{vld1_u8(p), vld1_u8(p + 8), vld1_u8(p + 16), vld1_u8(p + 24)}};
     return (u8v)vcombine_u8(vtbl4_u8(window, vget_low_u8(n)), vtbl4_u8(window, vget_high_u8(n)));
 #endif
+}
+
+// From the mean of both, rounded down; the other means are rounded up.
+ODX_INLINE u8x2 between(u8v v, u8v w)
+{
+    const uint8x16_t mean = vhaddq_u8((uint8x16_t)v, (uint8x16_t)w);
+    return {(u8v)vrhaddq_u8((uint8x16_t)v, mean), (u8v)vrhaddq_u8((uint8x16_t)w, mean)};
+}
+ODX_INLINE u16p threeAndOne(u8v v, u8v w)
+{
+    const auto sum = [](uint8x8_t a, uint8x8_t b) { return (u16v)vaddw_u8(vmull_u8(a, vdup_n_u8(3)), b); };
+    const uint8x16_t m = (uint8x16_t)v, n = (uint8x16_t)w;
+    return {sum(vget_low_u8(m), vget_low_u8(n)), sum(vget_high_u8(m), vget_high_u8(n))};
+}
+template <int n>
+ODX_INLINE u8v joinRounded(const u16p& p)
+{
+    return (u8v)vcombine_u8(vrshrn_n_u16((uint16x8_t)p.a, n), vrshrn_n_u16((uint16x8_t)p.b, n));
 }
 
 ODX_INLINE void storeWeighted(int32_t* p, u8v v, u8v w, const int16_t* weights)

@@ -49,6 +49,19 @@ const PrimitiveCase kCases[] = {
          store(out, lookup(in, bases, load<u8v>(places) & (uint8_t)(kLookupWindow - 1)));
          EACH(uint8_t, kBytes, in[bases[i / kLookup] + places[i] % kLookupWindow]);
      }},
+    {"between", 2 * kBytes,
+     [](In in, Out out, Out expected) {
+         const u8x2 both = between(load<u8v>(in), load<u8v>(in + kBytes));
+         storeAll(out, both.a, both.b);
+         EACH(uint8_t, kBytes, (3 * in[i] + in[kBytes + i] + 2) >> 2);
+         expected += kBytes;
+         EACH(uint8_t, kBytes, (in[i] + 3 * in[kBytes + i] + 2) >> 2);
+     }},
+    {"threeAndOne and joinRounded", 2 * kBytes,
+     [](In in, Out out, Out expected) {
+         store(out, joinRounded<2>(threeAndOne(load<u8v>(in), load<u8v>(in + kBytes))));
+         EACH(uint8_t, kBytes, (3 * in[i] + in[kBytes + i] + 2) >> 2);
+     }},
     {"storeWeighted", 6 * kBytes,
      [](In in, Out out, Out expected) {
          int16_t weights[2 * kBytes];
