@@ -1,5 +1,6 @@
 #include "cpu/ondrixReorder.h"
 #include "cpu/ondrixReorderC.h"
+#include "orlan/simd/columns.h"
 #include "orlan/squares.h"
 
 #define ODX_FAMILY_LIST "frame/operations/reordering.def"
@@ -24,11 +25,7 @@ template <>
 struct Reversed<2> {
     static constexpr size_t kPixels = kBytes / 2;
     u16v v;
-    ODX_MEMBER static Reversed load(const uint8_t* p)
-    {
-        const u16v swapped = (u16v)reverse(simd::load<u8v>(p));
-        return {swapped << 8 | swapped >> 8};
-    }
+    ODX_MEMBER static Reversed load(const uint8_t* p) { return {reverse(simd::load<u16v>(p))}; }
     ODX_MEMBER void store(uint8_t* p) const { simd::store(p, v); }
 };
 template <>
@@ -58,11 +55,16 @@ struct Mirror {
         const auto move = [=](size_t x) {
             Vector::load(src + size * (width - kPixels - x)).store(dst + size * x);
         };
+        // Two are loaded before one is stored, which makes pairs of vectors.
+        const auto moveTwo = [=](size_t x) {
+            const uint8_t* const in = src + size * (width - 2 * kPixels - x);
+            const Vector last = Vector::load(in + size * kPixels), first = Vector::load(in);
+            last.store(dst + size * x);
+            first.store(dst + size * (x + kPixels));
+        };
         size_t x = 0;
-        for (; size < 3 && width - x > 4 * kPixels; x += 4 * kPixels) {
-            move(x), move(x + kPixels);
-            move(x + 2 * kPixels), move(x + 3 * kPixels);
-        }
+        for (; size < 3 && width - x > 4 * kPixels; x += 4 * kPixels)
+            moveTwo(x), moveTwo(x + 2 * kPixels);
         for (; x < width - kPixels; x += kPixels)
             move(x);
         Vector::load(src).store(dst + size * (width - kPixels));
@@ -114,7 +116,12 @@ struct Block {
 
     ODX_MEMBER static void move(const uint8_t* src, ptrdiff_t srcStride, uint8_t* dst, ptrdiff_t dstStride)
     {
-        move(src, srcStride, dst, dstStride, std::make_index_sequence<kColumns>());
+        asm("" : "+r"(src), "+r"(dst)); // one address at a time: compilers would keep those of all rows
+        if constexpr (size == 4 && kStoresColumns) {
+            storeWordColumns(src, srcStride, dst, dstStride);
+        } else {
+            move(src, srcStride, dst, dstStride, std::make_index_sequence<kColumns>());
+        }
     }
 
 private:
@@ -122,7 +129,6 @@ private:
     ODX_MEMBER static void move(const uint8_t* src, ptrdiff_t srcStride, uint8_t* dst, ptrdiff_t dstStride,
                                 std::index_sequence<i...>)
     {
-        asm("" : "+r"(src), "+r"(dst)); // one address at a time: compilers would keep those of all rows
         u8v v[kColumns];
         ((v[i] = loadSixteens(src, srcStride * (ptrdiff_t)kColumns), src += srcStride), ...);
         transposeSquares<size>(v);
@@ -130,23 +136,39 @@ private:
     }
 };
 
-// Strips of rows that become whole lines of the cache in the destination, in blocks of so many rows and columns
-// that the pages of both images are found again: each row of a large image lies on pages of its own.
+template <>
+struct Block<3> {
+    static constexpr size_t kColumns = kBytes, kRows = 2;
+
+    ODX_MEMBER static void move(const uint8_t* src, ptrdiff_t srcStride, uint8_t* dst, ptrdiff_t dstStride)
+    {
+        storeTripleColumns(src, srcStride, dst, dstStride);
+    }
+};
+
+// Strips of rows that become whole lines of the cache in the destination, or two where blocks are made in few
+// instructions, in blocks of so many rows and columns that the pages of both images are found again: each row of a
+// large image lies on pages of its own.
 template <size_t size>
 static void transposeStrips(const reorder::Transposition& t)
 {
     using Block = ODX_TARGET::Block<size>;
-    constexpr size_t kColumns = Block::kColumns, kRows = Block::kRows, kStrip = kBytes < 64 ? 64 / size : kRows;
-    constexpr size_t kFarColumns = 8 * kColumns, kFarRows = 8 * kStrip;
+    constexpr size_t kColumns = Block::kColumns, kRows = Block::kRows, kLines = kStoresColumns ? 2 : 1,
+                     kStrip = kBytes < 64 || size == 3 ? kLines * 64 / size / kRows * kRows : kRows;
+    constexpr size_t kFarColumns = 8 * kColumns, kFarRows = 8 / kLines * kStrip;
     if (t.width < kColumns || t.height < kRows) return reorder::transposeBlocks<size>(t);
     const auto strip = [&t](size_t left, size_t right, size_t y, size_t end) {
         for (size_t x = left; x < right; x += kColumns) {
             const size_t column = t.width - x < kColumns ? t.width - kColumns : x;
-            for (size_t r = y; r < end; r += kRows) {
-                const size_t row = t.height - r < kRows ? t.height - kRows : r;
-                Block::move(t.src + t.srcStride * (ptrdiff_t)row + size * column, t.srcStride,
-                            t.dst + t.dstStride * (ptrdiff_t)column + size * row, t.dstStride);
-            }
+            const uint8_t* in = t.src + t.srcStride * (ptrdiff_t)y + size * column;
+            uint8_t* out = t.dst + t.dstStride * (ptrdiff_t)column + size * y;
+            const size_t rows = end - y;
+            for (size_t r = kRows; r <= rows;
+                 r += kRows, in += t.srcStride * (ptrdiff_t)kRows, out += size * kRows)
+                Block::move(in, t.srcStride, out, t.dstStride);
+            // The last block overlaps the one before, which may be another strip's.
+            if (const size_t back = -rows % kRows; back != 0)
+                Block::move(in - t.srcStride * (ptrdiff_t)back, t.srcStride, out - size * back, t.dstStride);
         }
     };
     const auto least = [](size_t a, size_t b) { return a < b ? a : b; };
@@ -223,6 +245,16 @@ void odxTransposef32V(const float* src, unsigned srcWidth, unsigned srcHeight, u
                       unsigned dstStride)
 {
     transposeVectors<4>(reorder::transposition(src, srcWidth, srcHeight, srcStride, dst, dstStride));
+}
+
+void odxTransposeRGB888u8V(const uint8_t* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride,
+                           uint8_t* dst, unsigned dstStride)
+{
+    // The reference says what it refuses, and takes the images that are too small.
+    const bool refused = !src || !dst || srcStride < uint64_t{srcWidth} * 3 || dstStride < uint64_t{srcHeight} * 3;
+    if (refused || !kStoresColumns || srcWidth < kBytes)
+        return odxTransposeRGB888u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride);
+    transposeVectors<3>(reorder::transposition(src, srcWidth, srcHeight, srcStride, dst, dstStride));
 }
 
 odxStatus odxRotateImageu8V(const uint8_t* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride,

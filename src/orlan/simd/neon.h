@@ -315,6 +315,12 @@ ODX_INLINE u8v reverse(u8v v)
     return (u8v)vextq_u8(halves, halves, 8);
 }
 
+ODX_INLINE u16v reverse(u16v v)
+{
+    const uint16x8_t halves = vrev64q_u16((uint16x8_t)v);
+    return (u16v)vextq_u16(halves, halves, 4);
+}
+
 template <int size>
 ODX_INLINE u8x2 zip(u8v v, u8v w)
 {

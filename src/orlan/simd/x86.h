@@ -398,15 +398,23 @@ ODX_INLINE s32v reciprocal16(s32v v)
     return __builtin_convertvector(quotient + 0.5f, s32v);
 }
 
+// Of elements whose last one's bytes `lastFirst` brings to the front, in 16 bytes.
+ODX_INLINE ODX_MI reversed(ODX_MI v, __m128i lastFirst)
+{
+    const ODX_MI lanes = ODX_MM(shuffle_epi8)(v, inEachLane(lastFirst));
+#if ODX_VECTOR_BYTES == 64
+    return _mm512_shuffle_i32x4(lanes, lanes, 0x1B);
+#else
+    return _mm256_permute2x128_si256(lanes, lanes, 1);
+#endif
+}
 ODX_INLINE u8v reverse(u8v v)
 {
-    const ODX_MI lanes = ODX_MM(shuffle_epi8)(
-        (ODX_MI)v, inEachLane(_mm_setr_epi8(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0)));
-#if ODX_VECTOR_BYTES == 64
-    return (u8v)_mm512_shuffle_i32x4(lanes, lanes, 0x1B);
-#else
-    return (u8v)_mm256_permute2x128_si256(lanes, lanes, 1);
-#endif
+    return (u8v)reversed((ODX_MI)v, _mm_setr_epi8(15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0));
+}
+ODX_INLINE u16v reverse(u16v v)
+{
+    return (u16v)reversed((ODX_MI)v, _mm_setr_epi8(14, 15, 12, 13, 10, 11, 8, 9, 6, 7, 4, 5, 2, 3, 0, 1));
 }
 
 template <int size>
