@@ -5,42 +5,10 @@
 
 #include "cpu/ondrixArithm.h"
 #include "orlan/elementwise.h"
+#include "orlan/simd/marking.h"
 
 namespace odx::ODX_TARGET
 {
-
-template <class T>
-struct VectorOf;
-template <>
-struct VectorOf<uint8_t> {
-    typedef u8v Type;
-};
-template <>
-struct VectorOf<int8_t> {
-    typedef s8v Type;
-};
-template <>
-struct VectorOf<uint16_t> {
-    typedef u16v Type;
-};
-template <>
-struct VectorOf<int16_t> {
-    typedef s16v Type;
-};
-template <>
-struct VectorOf<uint32_t> {
-    typedef u32v Type;
-};
-template <>
-struct VectorOf<int32_t> {
-    typedef s32v Type;
-};
-template <>
-struct VectorOf<float> {
-    typedef f32v Type;
-};
-template <class T>
-using Vector = typename VectorOf<T>::Type;
 
 // kBytes / 2 or kBytes / sizeof(T) elements: bytes become 16 bits where others are as wide.
 template <uint32_t lanes, class T>
@@ -162,24 +130,6 @@ ODX_INLINE V absoluteDifference(V a, V b)
 {
     return distance(a, b);
 }
-
-// ---- numbers of interleaved channels ----
-
-// Vectors that pixels of so many channels fill, and pixels that fill them.
-template <class T, uint32_t channels>
-struct Pattern {
-    static constexpr uint32_t kVectors = channels == 3 ? 3 : 1;
-    static constexpr uint32_t kPixels = kVectors * kBytes / sizeof(T) / channels;
-    Vector<T> vector[kVectors];
-
-    ODX_MEMBER explicit Pattern(const T* value)
-    {
-        T repeated[kVectors * kBytes / sizeof(T)];
-        for (uint32_t i = 0; i < kPixels; ++i)
-            memcpy(repeated + channels * i, value, channels * sizeof(T));
-        memcpy(vector, repeated, sizeof vector);
-    }
-};
 
 } // namespace odx::ODX_TARGET
 

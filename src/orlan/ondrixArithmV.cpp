@@ -175,38 +175,25 @@ struct SetAll : Lanes<Pattern<T, channels>::kPixels>, Pattern<T, channels> {
     }
 };
 
-// A byte of the mask for every byte of the pixels.
-template <uint32_t bytes>
-ODX_INLINE void spreadMask(uint8_t* spread, const uint8_t* mask)
-{
-    const u8v marked = (u8v)(load<u8v>(mask) != 0);
-    if constexpr (bytes == 1) {
-        store(spread, marked);
-    } else if constexpr (bytes == 3) {
-        store3(spread, marked, marked, marked);
-    } else {
-        store4(spread, marked, marked, marked, marked);
-    }
-}
-
 template <class T, uint32_t channels>
-struct SetMarked : Lanes<kBytes>, Pattern<T, channels> {
-    using Pattern<T, channels>::Pattern;
+struct SetMarked : Lanes<kBytes> {
+    MarkedPixels<T, channels> pixels;
 
+    ODX_MEMBER explicit SetMarked(const T* value) : pixels(value) {}
     ODX_MEMBER void operator()(const uint8_t* mask, const Pixel<T, channels>* in, Pixel<T, channels>* out) const
     {
-        alignas(kBytes) uint8_t ofChannels[channels * kBytes], ofBytes[4 * kBytes];
-        spreadMask<channels>(ofChannels, mask);
-        for (uint32_t i = 0; i < channels; ++i) {
-            uint8_t* const bytes = sizeof(T) == 1 ? ofChannels + kBytes * i : ofBytes;
-            if constexpr (sizeof(T) == 4) spreadMask<4>(ofBytes, ofChannels + kBytes * i);
-            for (uint32_t j = 0; j < sizeof(T); ++j) {
-                const size_t at = kBytes * (sizeof(T) * i + j);
-                const u8v marked = load<u8v>(bytes + kBytes * j), old = load<u8v>((const char*)in + at),
-                          value = (u8v)this->vector[(sizeof(T) * i + j) % this->kVectors];
-                store((char*)out + at, (value & marked) | (old & ~marked));
-            }
-        }
+        pixels.set(out->channel, in->channel, (u8v)(load<u8v>(mask) != 0));
+    }
+};
+template <>
+struct SetMarked<uint8_t, 1> : Lanes<kBytes> {
+    static constexpr bool kIsShort = true;
+    u8v value;
+
+    ODX_MEMBER explicit SetMarked(const uint8_t* v) : value(u8v{} + *v) {}
+    ODX_MEMBER void operator()(const uint8_t* mask, const Pixel<uint8_t, 1>* in, Pixel<uint8_t, 1>* out) const
+    {
+        store(out->channel, (u8v)(load<u8v>(mask) != 0 ? value : load<u8v>(in->channel)));
     }
 };
 
@@ -403,12 +390,16 @@ odxStatus odxAdds16_v2V(ODX_TWO_IMAGES(int16_t, int16_t, int16_t, policy))
     return ONDRIX_SUCCESS;
 }
 
+struct LookUp : Lanes<kLookedUp> {
+    static constexpr bool kIsShort = kLookedUp == kBytes;
+    ByteTable<256> table;
+
+    ODX_MEMBER explicit LookUp(const uint8_t* bytes) : table(bytes) {}
+    ODX_MEMBER void operator()(const uint8_t* in, uint8_t* out) const { lookUp(table, in, out); }
+};
 void odxTableLookupu8V(ODX_ONE_IMAGE(uint8_t, uint8_t, table))
 {
-    if constexpr (!ByteTable<256>::kFast)
-        return odxTableLookupu8C(src, srcWidth, srcHeight, srcStride, table, dst, dstStride);
-    const ByteTable<256> lookup(table);
-    onOne(ODX_KERNEL((u8v v), lookup(v)), srcWidth, srcHeight, Rows{src, srcStride}, Rows{dst, dstStride});
+    forVectors(LookUp(table), srcWidth, srcHeight, Rows{src, srcStride}, Rows{dst, dstStride});
 }
 
 void odxPhases16V(ODX_TWO_IMAGES(int16_t, int16_t, uint8_t, nothing))

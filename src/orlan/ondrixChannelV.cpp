@@ -23,19 +23,40 @@ ODX_INLINE u8x4 loadPixels(const Pixel<uint8_t, 4>* p)
     return load4(p->channel);
 }
 
-struct Combine : Lanes<kBytes> {
+// Two vectors are loaded before one is stored where that makes pairs of vectors.
+constexpr uint32_t kAtOnce = kPairsVectors ? 2 : 1;
+
+struct Combine : Lanes<kAtOnce * kBytes> {
+    ODX_MEMBER static void storePixels(uint8_t* out, u8v a, u8v b) { store2(out, a, b); }
+    ODX_MEMBER static void storePixels(uint8_t* out, u8v a, u8v b, u8v c) { store3(out, a, b, c); }
+    ODX_MEMBER static void storePixels(uint8_t* out, u8v a, u8v b, u8v c, u8v d) { store4(out, a, b, c, d); }
+
+    struct Loaded {
+        u8v first, last;
+
+        ODX_MEMBER explicit Loaded(const uint8_t* p)
+            : first(load<u8v>(p)), last(load<u8v>(p + (kAtOnce - 1) * kBytes))
+        {
+        }
+    };
+    template <uint32_t channels, class... Planes>
+    ODX_MEMBER static void storeAll(Pixel<uint8_t, channels>* out, Planes... planes)
+    {
+        storePixels(out->channel, planes.first...);
+        if constexpr (kAtOnce == 2) storePixels(out[kBytes].channel, planes.last...);
+    }
     ODX_MEMBER void operator()(const uint8_t* a, const uint8_t* b, Pixel<uint8_t, 2>* out) const
     {
-        store2(out->channel, load<u8v>(a), load<u8v>(b));
+        storeAll(out, Loaded(a), Loaded(b));
     }
     ODX_MEMBER void operator()(const uint8_t* a, const uint8_t* b, const uint8_t* c, Pixel<uint8_t, 3>* out) const
     {
-        store3(out->channel, load<u8v>(a), load<u8v>(b), load<u8v>(c));
+        storeAll(out, Loaded(a), Loaded(b), Loaded(c));
     }
     ODX_MEMBER void operator()(const uint8_t* a, const uint8_t* b, const uint8_t* c, const uint8_t* d,
                                Pixel<uint8_t, 4>* out) const
     {
-        store4(out->channel, load<u8v>(a), load<u8v>(b), load<u8v>(c), load<u8v>(d));
+        storeAll(out, Loaded(a), Loaded(b), Loaded(c), Loaded(d));
     }
 };
 
@@ -65,6 +86,8 @@ struct Separate : Lanes<kBytes> {
 
 template <uint32_t channels, uint32_t position>
 struct Extract : Lanes<kBytes> {
+    static constexpr bool kIsShort = true;
+
     ODX_MEMBER void operator()(const Pixel<uint8_t, channels>* in, uint8_t* out) const
     {
         const auto v = loadPixels(in);

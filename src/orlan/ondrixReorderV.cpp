@@ -225,8 +225,11 @@ static void transposeTiles(const reorder::Transposition& t)
 template <size_t size>
 ODX_INLINE void transposeVectors(const reorder::Transposition& t)
 {
-    const bool apart = t.srcStride % 1024 == 0, large = t.width * t.height > (size_t{8} << 20) / size;
-    return apart || large ? transposeTiles<size>(t) : transposeStrips<size>(t);
+    if constexpr (size != 3) {
+        const bool apart = t.srcStride % 1024 == 0, large = t.width * t.height > (size_t{8} << 20) / size;
+        if (apart || large) return transposeTiles<size>(t);
+    }
+    transposeStrips<size>(t);
 }
 
 void odxTransposeu8V(const uint8_t* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride, uint8_t* dst,

@@ -19,6 +19,14 @@ struct MarkRange : Lanes<kBytes> {
     }
 };
 
+// From `low` on: what the comparison gives is what is stored.
+struct MarkFrom : Lanes<kBytes> {
+    static constexpr bool kIsShort = true;
+    u8v low;
+
+    ODX_MEMBER void operator()(const uint8_t* in, uint8_t* out) const { store(out, (u8v)(load<u8v>(in) >= low)); }
+};
+
 struct MarkDifference : Lanes<kBytes> {
     static constexpr bool kIsShort = true;
     u8v limit, within, beyond;
@@ -32,6 +40,9 @@ struct MarkDifference : Lanes<kBytes> {
 void markRangeV(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcStride, uint8_t* dst,
                 uint32_t dstStride, const threshold::Range& range)
 {
+    if (range.high == 255 && range.inside == 255 && range.outside == 0)
+        return forVectors(MarkFrom{{}, u8v{} + range.low}, width, height, Rows{src, srcStride},
+                          Rows{dst, dstStride});
     const MarkRange mark = {
         {}, u8v{} + range.low, u8v{} + range.span(), u8v{} + range.inside, u8v{} + range.outside};
     forVectors(mark, width, height, Rows{src, srcStride}, Rows{dst, dstStride});

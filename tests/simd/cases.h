@@ -14,7 +14,7 @@ struct PrimitiveCase {
     size_t input;
     void (*run)(const uint8_t* in, uint8_t* out, uint8_t* expected);
 };
-constexpr size_t kMostOutput = 4 * 64 + 64;
+constexpr size_t kMostOutput = 16 * 64 + 64;
 
 struct PrimitiveCases {
     const PrimitiveCase* cases;

@@ -9,7 +9,6 @@ namespace odx::ODX_TARGET::simd
 template <uint32_t size>
 struct ByteTable {
 #if defined(__aarch64__)
-    static constexpr bool kFast = true;
     uint8x16x4_t part[size / 64];
 
     ODX_MEMBER explicit ByteTable(const uint8_t* table)
@@ -27,7 +26,6 @@ struct ByteTable {
         return (u8v)found;
     }
 #else
-    static constexpr bool kFast = size == 64;
     const uint8_t* table;
 
     ODX_MEMBER explicit ByteTable(const uint8_t* t) : table(t) {}
@@ -45,6 +43,58 @@ struct ByteTable {
     }
 #endif
 };
+
+#if defined(__aarch64__)
+constexpr uint32_t kLookedUp = kBytes;
+ODX_INLINE void lookUp(const ByteTable<256>& table, const uint8_t* in, uint8_t* out)
+{
+    store(out, table(load<u8v>(in)));
+}
+#else
+// The registers hold an eighth of the table, and of four vectors the places from there on and what was found.
+constexpr uint32_t kLookedUp = 4 * kBytes;
+struct Found {
+    uint8x16_t place;
+    uint8x8_t low, high;
+
+    // The first part's; vtbl gives 0 for places beyond it.
+    ODX_MEMBER Found(const uint8_t* p, const uint8x8x4_t& part) : place(vld1q_u8(p))
+    {
+        low = vtbl4_u8(part, vget_low_u8(place));
+        high = vtbl4_u8(part, vget_high_u8(place));
+    }
+    ODX_MEMBER void look(const uint8x8x4_t& part)
+    {
+        place = vsubq_u8(place, vdupq_n_u8(32));
+        low = vtbx4_u8(low, part, vget_low_u8(place));
+        high = vtbx4_u8(high, part, vget_high_u8(place));
+    }
+    ODX_MEMBER void store(uint8_t* p) const { vst1q_u8(p, vcombine_u8(low, high)); }
+};
+ODX_INLINE uint8x8x4_t tablePart(const uint8_t* p)
+{
+    const uint8x16_t lower = vld1q_u8(p), upper = vld1q_u8(p + 16);
+    return {{vget_low_u8(lower), vget_high_u8(lower), vget_low_u8(upper), vget_high_u8(upper)}};
+}
+template <uint32_t parts>
+ODX_INLINE void lookUpParts(const uint8_t* table, Found& a, Found& b, Found& c, Found& d)
+{
+    // One part after the other: there is no room for two.
+    asm volatile(""
+                 : "+r"(table), "+w"(a.place), "+w"(a.low), "+w"(a.high), "+w"(b.place), "+w"(b.low), "+w"(b.high),
+                   "+w"(c.place), "+w"(c.low), "+w"(c.high), "+w"(d.place), "+w"(d.low), "+w"(d.high));
+    const uint8x8x4_t part = tablePart(table);
+    a.look(part), b.look(part), c.look(part), d.look(part);
+    if constexpr (parts > 1) lookUpParts<parts - 1>(table + 32, a, b, c, d);
+}
+ODX_INLINE void lookUp(const ByteTable<256>& table, const uint8_t* in, uint8_t* out)
+{
+    const uint8x8x4_t part = tablePart(table.table);
+    Found a(in, part), b(in + 16, part), c(in + 32, part), d(in + 48, part);
+    lookUpParts<7>(table.table + 32, a, b, c, d);
+    a.store(out), b.store(out + 16), c.store(out + 32), d.store(out + 48);
+}
+#endif
 
 // 32-bit NEON has no reduction of whole vectors, but one of neighbours.
 ODX_INLINE uint8_t highest(u8v v)

@@ -8,7 +8,6 @@ namespace odx::ODX_TARGET::simd
 #if ODX_VECTOR_BYTES == 64
 template <uint32_t size>
 struct ByteTable {
-    static constexpr bool kFast = true;
     __m512i part[size / 64];
 
     ODX_MEMBER explicit ByteTable(const uint8_t* table) { memcpy(part, table, size); }
@@ -31,7 +30,6 @@ struct ByteTable {
 // the others find a negative index, and give 0.
 template <uint32_t size>
 struct ByteTable {
-    static constexpr bool kFast = true;
     __m256i part[size / 16];
 
     ODX_MEMBER explicit ByteTable(const uint8_t* table)
@@ -56,6 +54,12 @@ struct ByteTable {
     }
 };
 #endif
+
+constexpr uint32_t kLookedUp = kBytes;
+ODX_INLINE void lookUp(const ByteTable<256>& table, const uint8_t* in, uint8_t* out)
+{
+    store(out, table(load<u8v>(in)));
+}
 
 ODX_INLINE bool any(u8v v)
 {

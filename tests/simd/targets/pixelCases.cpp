@@ -1,5 +1,7 @@
 #include "simd/targets/loops.h"
 
+#include "orlan/simd/marking.h"
+
 namespace odx::ODX_TARGET
 {
 using namespace loops;
@@ -32,6 +34,21 @@ void widened565(In in, Out out, Out expected)
         const int five = (c == 0) != mirrored ? low : high;
         return five << 3 | five >> 2;
     });
+}
+
+// The mask stands before the value and the pixels.
+template <class T, uint32_t channels>
+void marked(In in, Out out, Out expected)
+{
+    T value[channels], pixels[kBytes * channels], set[kBytes * channels];
+    memcpy(value, in + kBytes, sizeof value);
+    memcpy(pixels, in + kBytes + sizeof value, sizeof pixels);
+    MarkedPixels<T, channels>(value).set(set, pixels, (u8v)(load<u8v>(in) != 0));
+    memcpy(out, set, sizeof set);
+    memcpy(expected, pixels, sizeof pixels);
+    for (size_t i = 0; i < kBytes * channels; ++i) {
+        if (in[i / channels] != 0) memcpy(expected + sizeof(T) * i, value + i % channels, sizeof(T));
+    }
 }
 
 template <int a, int b, int c>
@@ -83,6 +100,11 @@ const PrimitiveCase kCases[] = {
     CASE("mirror3 in place", 3 * kBytes, uint8_t, 3 * kBytes, in[i / 3 * 3 + 2 - i % 3],
          memcpy(out, in, 3 * kBytes), mirror3(out, out)),
     CASE("mirror4", 4 * kBytes, uint8_t, 4 * kBytes, in[i % 2 == 0 ? i ^ 2 : i], mirror4(out, in)),
+    {"MarkedPixels of 3 bytes", 4 * kBytes + 3, marked<uint8_t, 3>},
+    {"MarkedPixels of 4 bytes", 5 * kBytes + 4, marked<uint8_t, 4>},
+    {"MarkedPixels of a word", 5 * kBytes + 4, marked<int32_t, 1>},
+    {"MarkedPixels of 3 words", 13 * kBytes + 12, marked<float, 3>},
+    {"MarkedPixels of 4 words", 17 * kBytes + 16, marked<int32_t, 4>},
     {"widen565", 2 * kBytes, widened565<false>},
     {"widen565 mirrored", 2 * kBytes, widened565<true>},
     {"lumaSums of triples", 3 * kBytes, luma<loadTriples, 3, 77, 150, 29>},
