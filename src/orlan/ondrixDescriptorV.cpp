@@ -13,55 +13,76 @@ using namespace simd;
 
 typedef uint64_t u64v ODX_VECTOR;
 
-// Patches whose pixels are words of eight; at(i) gives the address of word i.
+// Patches whose pixels are words of eight; at(i) gives the address of word i. The low kCut bits of every second
+// word are none of theirs.
 template <uint32_t n>
 struct Rows {
     const uint8_t* p;
     size_t stride;
 
-    static constexpr uint32_t kWords = n * n / 8;
-    ODX_MEMBER uint64_t word(uint32_t i) const
-    {
-        return load<uint64_t>(p + i / (n / 8) * stride + i % (n / 8) * 8);
-    }
+    static constexpr uint32_t kWords = n * n / 8, kCut = 0;
+    ODX_MEMBER const uint8_t* at(uint32_t i) const { return p + i / (n / 8) * stride + i % (n / 8) * 8; }
 };
 // Twelve rows of eleven pixels: every second word holds the last three.
 struct Rows11x12 {
     const uint8_t* p;
     size_t stride;
 
-    static constexpr uint32_t kWords = 24;
-    ODX_MEMBER uint64_t word(uint32_t i) const
-    {
-        const uint8_t* const row = p + i / 2 * stride;
-        return i % 2 == 0 ? load<uint64_t>(row) : load<uint64_t>(row + 3) >> 40;
-    }
+    static constexpr uint32_t kWords = 24, kCut = 40;
+    ODX_MEMBER const uint8_t* at(uint32_t i) const { return p + i / 2 * stride + i % 2 * 3; }
 };
 
 template <class Patch>
 ODX_INLINE u8v wordsFrom(const Patch& patch, uint32_t first)
 {
     u64v words = {};
-    for (uint32_t i = 0; i < kBytes / 8; ++i)
-        words[i] = patch.word(first + i);
+    if constexpr (kBytes == 16) {
+        words = (u64v)loadHalves(patch.at(first), patch.at(first + 1));
+    } else {
+        for (uint32_t i = 0; i < kBytes / 8; ++i)
+            words[i] = load<uint64_t>(patch.at(first + i));
+    }
+    if constexpr (Patch::kCut != 0) {
+        u64v cut = {};
+        for (uint32_t i = 1; i < kBytes / 8; i += 2)
+            cut[i] = Patch::kCut;
+        words >>= cut;
+    }
     return (u8v)words;
 }
 
+// Loops of a few vectors would stay loops.
+template <uint32_t words, class Patch>
+ODX_INLINE u32v addDifferencesFrom(u32v sum, const Patch& a, const Patch& b)
+{
+    constexpr uint32_t first = Patch::kWords - words;
+    if constexpr (words == 0) {
+        return sum;
+    } else {
+        const u32v next = addDifferences(sum, wordsFrom(a, first), wordsFrom(b, first));
+        return addDifferencesFrom<words - kBytes / 8>(next, a, b);
+    }
+}
 template <class Patch>
 ODX_INLINE uint32_t absoluteDifferences(const Patch& a, const Patch& b)
 {
-    u32v sum = {};
-    for (uint32_t i = 0; i < Patch::kWords; i += kBytes / 8)
-        sum = addDifferences(sum, wordsFrom(a, i), wordsFrom(b, i));
-    return sumOfLanes(sum);
+    return sumOfLanes(addDifferencesFrom<Patch::kWords>(u32v{}, a, b));
+}
+template <uint32_t words, class Patch>
+ODX_INLINE u32v addProductsFrom(u32v sum, const Patch& a, const Patch& b)
+{
+    constexpr uint32_t first = Patch::kWords - words;
+    if constexpr (words == 0) {
+        return sum;
+    } else {
+        const u32v next = addProducts(sum, wordsFrom(a, first), wordsFrom(b, first));
+        return addProductsFrom<words - kBytes / 8>(next, a, b);
+    }
 }
 template <class Patch>
 ODX_INLINE uint32_t products(const Patch& a, const Patch& b)
 {
-    u32v sum = {};
-    for (uint32_t i = 0; i < Patch::kWords; i += kBytes / 8)
-        sum = addProducts(sum, wordsFrom(a, i), wordsFrom(b, i));
-    return sumOfLanes(sum);
+    return sumOfLanes(addProductsFrom<Patch::kWords>(u32v{}, a, b));
 }
 
 uint32_t odxSumOfAbsoluteDiff8x8u8V(const uint8_t* a, unsigned int aStride, const uint8_t* b, unsigned int bStride)
@@ -82,11 +103,11 @@ uint32_t odxDotProduct11x12u8V(const uint8_t* a, unsigned int aStride, const uin
     return products(Rows11x12{a, aStride}, Rows11x12{b, bStride});
 }
 
-// Sums at kBytes / 2 neighbouring places, of at most 65280.
+// Sums at kPatchPlaces neighbouring places, of at most 65280.
 template <uint32_t n>
-ODX_INLINE u16v differencesAt(const uint8_t* patch, size_t patchStride, const uint8_t* src, size_t srcStride)
+ODX_INLINE PlaceSums differencesAt(const uint8_t* patch, size_t patchStride, const uint8_t* src, size_t srcStride)
 {
-    u16v sum = {};
+    PlaceSums sum = {};
     for (uint32_t y = 0; y < n; ++y) {
         for (uint32_t x = 0; x < n; x += 8)
             sum = addDifferencesOf8(sum, src + y * srcStride + x, patch + y * patchStride + x);
@@ -99,7 +120,6 @@ ODX_INLINE void differencesEverywhere(const uint8_t* patch, size_t patchStride, 
                                       uint32_t srcWidth, uint32_t srcHeight, size_t srcStride, uint16_t* dst,
                                       size_t dstStride)
 {
-    constexpr size_t kPlaces = kBytes / 2;
     const size_t places = srcWidth - (n - 1);
     for (size_t y = 0; y + n <= srcHeight; ++y) {
         const uint8_t* const row = src + y * srcStride;
@@ -109,16 +129,16 @@ ODX_INLINE void differencesEverywhere(const uint8_t* patch, size_t patchStride, 
         };
         // The pixels of a vector end one before those that it reads.
         const size_t last = places - 1;
-        if (last < kPlaces) {
+        if (last < kPatchPlaces) {
             for (size_t x = 0; x < last; ++x)
                 single(x);
         } else {
             const auto vector = [&](size_t x) {
-                store(out + x, differencesAt<n>(patch, patchStride, row + x, srcStride));
+                storePlaces(out + x, differencesAt<n>(patch, patchStride, row + x, srcStride));
             };
-            for (size_t x = 0; x + kPlaces < last; x += kPlaces)
+            for (size_t x = 0; x + kPatchPlaces < last; x += kPatchPlaces)
                 vector(x);
-            vector(last - kPlaces);
+            vector(last - kPatchPlaces);
         }
         single(last);
     }
@@ -186,13 +206,12 @@ uint32_t nearestCenteru8V(const uint8_t* vector, uint32_t length, const uint8_t*
 void dotProducts36s8V(const int8_t* a, const int8_t* others, uint32_t count, int32_t* products36)
 {
     constexpr uint32_t whole = 36 / kBytes * kBytes;
-    const auto part = [](const int8_t* p) { return (s8v)loadPart<36 - whole>((const uint8_t*)(p + whole)); };
     const auto sums = [=](const int8_t* other) __attribute__((always_inline))
     {
         u32v sum = {};
         for (uint32_t i = 0; i < whole; i += kBytes)
             sum = addProducts(sum, load<s8v>(a + i), load<s8v>(other + i));
-        return addProducts(sum, part(a), part(other));
+        return addPartProducts<36 - whole>(sum, a + whole, other + whole);
     };
     size_t k = 0;
     for (; count - k >= 4; k += 4) {

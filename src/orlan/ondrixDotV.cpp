@@ -109,14 +109,21 @@ static uint32_t differing(const uint8_t* a, const uint8_t* b, size_t length)
 
 // Lanes whose sum is the number of bits of n bytes, which are few enough for sums of bytes.
 template <uint32_t n, class Source>
+ODX_INLINE u8v addCounts(u8v counts, Source source, uint32_t from)
+{
+    if constexpr (n == 0) {
+        return counts;
+    } else if constexpr (n < kBytes) {
+        return counts + popCount(source.template part<n>(from));
+    } else {
+        return addCounts<n - kBytes>(counts + popCount(source.at(from)), source, from + kBytes);
+    }
+}
+template <uint32_t n, class Source>
 ODX_INLINE u32v bitSums(Source source)
 {
     static_assert(n / kBytes * 8 + 8 <= 255);
-    u8v counts = {};
-    for (uint32_t i = 0; i + kBytes <= n; i += kBytes)
-        counts += popCount(source.at(i));
-    if constexpr (n % kBytes != 0) counts += popCount(source.template part<n % kBytes>(n / kBytes * kBytes));
-    return addBytes(u32v{}, counts);
+    return addBytes(u32v{}, addCounts<n>(u8v{}, source, 0));
 }
 
 template <uint32_t n>
@@ -152,16 +159,6 @@ ODX_INLINE u32v addProductsAt(u32v sum, const int8_t* a, const int8_t* b)
 {
     return addProducts(sum, load<s8v>(a), load<s8v>(b));
 }
-template <uint32_t n>
-ODX_INLINE u32v addPartAt(u32v sum, const uint8_t* a, const uint8_t* b)
-{
-    return addProducts(sum, loadPart<n>(a), loadPart<n>(b));
-}
-template <uint32_t n>
-ODX_INLINE u32v addPartAt(u32v sum, const int8_t* a, const int8_t* b)
-{
-    return addProducts(sum, (s8v)loadPart<n>((const uint8_t*)a), (s8v)loadPart<n>((const uint8_t*)b));
-}
 // The last vector again, without the lanes that were added before.
 ODX_INLINE u32v addLastAt(u32v sum, const uint8_t* a, const uint8_t* b, u8v mask)
 {
@@ -184,15 +181,22 @@ struct LastBytes {
 };
 static constexpr LastBytes kLastBytes;
 
+// Loops of a few vectors would stay loops.
+template <uint32_t n, class T>
+ODX_INLINE u32v addDots(u32v sum, const T* a, const T* b)
+{
+    if constexpr (n == 0) {
+        return sum;
+    } else if constexpr (n < kBytes) {
+        return addPartProducts<n>(sum, a, b);
+    } else {
+        return addDots<n - kBytes>(addProductsAt(sum, a, b), a + kBytes, b + kBytes);
+    }
+}
 template <uint32_t n, class T>
 ODX_INLINE u32v dotSums(const T* a, const T* b)
 {
-    u32v sum = {};
-    for (uint32_t i = 0; i + kBytes <= n; i += kBytes)
-        sum = addProductsAt(sum, a + i, b + i);
-    constexpr uint32_t whole = n / kBytes * kBytes;
-    if constexpr (n != whole) sum = addPartAt<n - whole>(sum, a + whole, b + whole);
-    return sum;
+    return addDots<n>(u32v{}, a, b);
 }
 
 template <uint32_t n, class T>

@@ -41,6 +41,32 @@ ODX_INLINE u32v addProducts(u32v sum, s8v a, s8v b)
                              vmull_s8(vget_high_s8(m), vget_high_s8(n)));
 }
 
+// Four bytes of `q` stand twice: there is nothing beside the second ones.
+template <uint32_t n>
+ODX_INLINE uint8x8_t loadHalf(const void* p)
+{
+    static_assert(n == 4 || n == 8);
+    uint64_t bytes = 0;
+    memcpy(&bytes, p, n);
+    return vcreate_u8(bytes);
+}
+template <uint32_t n>
+ODX_INLINE uint8x8_t loadHalfFreely(const void* q)
+{
+    if constexpr (n == 4) return vreinterpret_u8_u32(vld1_dup_u32((const uint32_t*)q));
+    return loadHalf<n>(q);
+}
+template <uint32_t n>
+ODX_INLINE u32v addPartProducts(u32v sum, const uint8_t* p, const uint8_t* q)
+{
+    return (u32v)vpadalq_u16((uint32x4_t)sum, vmull_u8(loadHalf<n>(p), loadHalfFreely<n>(q)));
+}
+template <uint32_t n>
+ODX_INLINE u32v addPartProducts(u32v sum, const int8_t* p, const int8_t* q)
+{
+    return (u32v)vpadalq_s16((int32x4_t)sum, vmull_s8((int8x8_t)loadHalf<n>(p), (int8x8_t)loadHalfFreely<n>(q)));
+}
+
 ODX_INLINE u32v addBytes(u32v sum, u8v v)
 {
     return (u32v)vpadalq_u16((uint32x4_t)sum, vpaddlq_u8((uint8x16_t)v));
@@ -72,16 +98,26 @@ ODX_INLINE uint32_t sumOfLanes(u32v v)
 #endif
 }
 
+constexpr uint32_t kPatchPlaces = 16;
+typedef u16p PlaceSums;
 template <int k>
-ODX_INLINE uint16x8_t addDifferencesOf(uint16x8_t sum, const uint8_t* p, uint8x8_t q)
+ODX_INLINE PlaceSums addDifferencesOf(const PlaceSums& sum, const uint8_t* p, uint8x8_t q)
 {
-    sum = vabal_u8(sum, vld1_u8(p + k), vdup_lane_u8(q, k));
-    if constexpr (k < 7) return addDifferencesOf<k + 1>(sum, p, q);
-    return sum;
+    const uint8x16_t v = vld1q_u8(p + k);
+    const uint8x8_t byte = vdup_lane_u8(q, k);
+    const PlaceSums next = {(u16v)vabal_u8((uint16x8_t)sum.a, vget_low_u8(v), byte),
+                            (u16v)vabal_u8((uint16x8_t)sum.b, vget_high_u8(v), byte)};
+    if constexpr (k < 7) return addDifferencesOf<k + 1>(next, p, q);
+    return next;
 }
-ODX_INLINE u16v addDifferencesOf8(u16v sum, const uint8_t* p, const uint8_t* q)
+ODX_INLINE PlaceSums addDifferencesOf8(const PlaceSums& sum, const uint8_t* p, const uint8_t* q)
 {
-    return (u16v)addDifferencesOf<0>((uint16x8_t)sum, p, vld1_u8(q));
+    return addDifferencesOf<0>(sum, p, vld1_u8(q));
+}
+ODX_INLINE void storePlaces(uint16_t* p, const PlaceSums& sum)
+{
+    store(p, sum.a);
+    store(p + 8, sum.b);
 }
 
 } // namespace odx::ODX_TARGET::simd

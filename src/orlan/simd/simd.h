@@ -64,7 +64,7 @@
 //   dotShift<n>(u, v, w, j, k, l, c)
 //                                the same with three products; c is even
 //   reciprocal16(v)              65536 / v, rounded, of s32v from 1 to 255
-//   reverse(v)                   the last byte first
+//   reverse(v)                   the last byte first; of u16v, the last 16 bits
 //   zip<size>(v, w)              elements of `size` bytes of both in turns, in each 16 bytes: their first halves
 //   as
 //                                the first vector, their second halves as the second
@@ -88,7 +88,8 @@
 //   rootNear(v), ratioNear(v, w) of f32v, the square root to 2^-20 of itself, of 0 or of what is at least 1; and
 //                                v / w to 2^-12
 //   ByteTable<size>(p)           64, 128 or 256 bytes, which stay as they are; table(v) has those at the places v
-//                                of u8v, below the size; kFast: faster than one byte after the other
+//                                of u8v, below the size
+//   lookUp(table, p, q)          those of 256 at the kLookedUp places from p, to q, which may be p
 //   any(v)                       whether any byte is not 0
 //   highest(v)                   the greatest byte
 //   loadOnce(p)                  load<u8v>(p) for values with several uses: it stays one load with every compiler
@@ -102,15 +103,18 @@
 //                                one vector after the other
 //   loadPart<n>(p)               n bytes, and 0 behind them; n is a multiple of 4 below kBytes (on ARM 4 or 8)
 //   addProducts(sum, v, w)       adds the products of u8v or of s8v to lanes of a u32v, in the target's own order
+//   addPartProducts<n>(sum, p, q)
+//                                the same with those of n bytes, as loadPart has them
 //   addBytes(sum, v), addDifferences(sum, v, w)
 //                                the same with bytes, and with absolute differences of bytes
 //   sumOfLanes(v)                of a u32v
 //   distance(v, w)               |v - w| of u8v and f32v; of s32v, at most INT32_MAX
 //   kPairsVectors                two neighbouring vectors are loaded or stored by one instruction
 //   storeSums(p, a, b, c, d)     that of each of four
-//   addDifferencesOf8(sum, p, q) adds to each lane i of a u16v the absolute differences of p[i] to p[i + 7] and
-//   q[0] to
-//                                q[7]; reads up to p[kBytes / 2 + 7]
+//   addDifferencesOf8(sum, p, q) adds to each of kPatchPlaces sums i of 16 bits, PlaceSums, the absolute
+//   differences of
+//                                p[i] to p[i + 7] and q[0] to q[7]; reads up to p[kPatchPlaces + 7]
+//   storePlaces(p, sums)         these
 //   storePoints(p, bytes, x, y)  the pairs (x + bytes[i], y) of 32 bits, for eight bytes
 #ifndef ODX_ORLAN_SIMD_SIMD_H
 #define ODX_ORLAN_SIMD_SIMD_H

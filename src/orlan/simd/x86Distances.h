@@ -97,6 +97,23 @@ ODX_INLINE uint32_t sumOfLanes(u32v v)
     return (uint32_t)_mm_cvtsi128_si32(all);
 }
 
+template <uint32_t n>
+ODX_INLINE u32v addPartProducts(u32v sum, const uint8_t* p, const uint8_t* q)
+{
+    return addProducts(sum, loadPart<n>(p), loadPart<n>(q));
+}
+template <uint32_t n>
+ODX_INLINE u32v addPartProducts(u32v sum, const int8_t* p, const int8_t* q)
+{
+    return addProducts(sum, (s8v)loadPart<n>((const uint8_t*)p), (s8v)loadPart<n>((const uint8_t*)q));
+}
+
+constexpr uint32_t kPatchPlaces = kBytes / 2;
+typedef u16v PlaceSums;
+ODX_INLINE void storePlaces(uint16_t* p, PlaceSums sum)
+{
+    store(p, sum);
+}
 // A group of 16 bytes has what eight neighbouring sums of eight differences need.
 ODX_INLINE u16v addDifferencesOf8(u16v sum, const uint8_t* p, const uint8_t* q)
 {

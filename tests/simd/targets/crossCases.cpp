@@ -1,5 +1,6 @@
 #include "simd/targets/loops.h"
 
+#include "orlan/simd/columns.h"
 #include "orlan/simd/weighing.h"
 
 namespace odx::ODX_TARGET
@@ -62,9 +63,16 @@ const PrimitiveCase kCases[] = {
              return i < 2 ? p[0] : distanceOf(p[0], p[kBytes]);
          }));
      }},
-    CASE("addDifferencesOf8", 2 * kBytes, uint16_t, kBytes / 2,
-         at<uint16_t>(in + kBytes, i) + sumOf(8, [=](size_t k) { return distanceOf(in[i + k], in[kBytes + k]); }),
-         store(out, addDifferencesOf8((u16v)load<u8v>(in + kBytes), in, in + kBytes))),
+    {"addDifferencesOf8 and storePlaces", 3 * kPatchPlaces + 16,
+     [](In in, Out out, Out expected) {
+         const In p = in + 2 * kPatchPlaces, q = p + kPatchPlaces + 8;
+         PlaceSums sums;
+         memcpy(&sums, in, sizeof sums);
+         numbers<uint16_t, kPatchPlaces>(
+             out, [=](uint16_t* places) { storePlaces(places, addDifferencesOf8(sums, p, q)); });
+         EACH(uint16_t, kPatchPlaces,
+              at<uint16_t>(in, i) + sumOf(8, [=](size_t k) { return distanceOf(p[i + k], q[k]); }));
+     }},
     {"rootNear", kBytes,
      [](In in, Out out, Out expected) {
          const f32v v = __builtin_convertvector(load<s32v>(in) & INT32_MAX, f32v);
@@ -82,6 +90,21 @@ const PrimitiveCase kCases[] = {
     {"ByteTable of 64", 64 + kBytes, bytesOfTable<64>},
     {"ByteTable of 128", 128 + kBytes, bytesOfTable<128>},
     {"ByteTable of 256", 256 + kBytes, bytesOfTable<256>},
+    {"lookUp", 256 + kLookedUp,
+     [](In in, Out out, Out expected) {
+         lookUp(ByteTable<256>(in), in + 256, out);
+         EACH(uint8_t, kLookedUp, in[in[256 + i]]);
+     }},
+    {"storeWordColumns and storeTripleColumns", 96,
+     [](In in, Out out, Out expected) {
+         if constexpr (kStoresColumns) {
+             storeWordColumns(in + 48, -16, out, 16); // upwards
+             EACH(uint32_t, 16, at<uint32_t>(in, (3 - i % 4) * 4 + i / 4));
+             storeTripleColumns(in, 48, out + 64, 6);
+             expected += 64;
+             EACH(uint8_t, 96, in[i % 6 / 3 * 48 + i / 6 * 3 + i % 3]);
+         }
+     }},
     {"distance, pairUp, addWeights, addWeighted, addDots and joinBytes", 3 * kBytes,
      [](In in, Out out, Out expected) {
          // The greatest weights, and the values that are furthest below.
@@ -147,7 +170,8 @@ const PrimitiveCase kCases[] = {
          numbers<int32_t, kBytes / 2>(out, [&n](int32_t* sums) { storeInOrder(sums, dot2<-90, 35>(n)); });
          EACH(int32_t, kBytes / 2, n[i] * -90 + n[i + 1] * 35);
      }},
-    CASE("reverse", kBytes, uint8_t, kBytes, in[kBytes - 1 - i], store(out, reverse(load<u8v>(in)))),
+    CASE("reverse", kBytes, uint8_t, 2 * kBytes, in[i < kBytes ? kBytes - 1 - i : (2 * kBytes - 1 - i) ^ 1],
+         storeAll(out, reverse(load<u8v>(in)), (u8v)reverse(load<u16v>(in)))),
     {"zip", 2 * kBytes,
      [](In in, Out out, Out expected) {
          const u8v v = load<u8v>(in), w = load<u8v>(in + kBytes);
