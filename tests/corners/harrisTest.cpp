@@ -1,14 +1,11 @@
 // Harris corners against a model that computes whole images of responses, and their relatives against the corners.
+#include "corners/corners.h"
 #include "ondrix/harrisCorners.h"
-#include "support/referenceTest.h"
-
-#include "ondrix/modes.h"
 #include "support/childProcess.h"
 #include "support/logCapture.h"
-#include "support/pictures.h"
+#include "support/referenceTest.h"
 #include "support/scratchWatch.h"
 
-#include <algorithm>
 #include <cmath>
 #include <tuple>
 
@@ -16,29 +13,6 @@ using namespace odx::test;
 
 namespace
 {
-
-using Image = Grid<uint8_t>;
-
-Image noisy(int width, int height, int range = 256)
-{
-    return noise<uint8_t>(width, height, 0, range - 1);
-}
-
-struct Corner {
-    uint32_t x, y;
-    int64_t strength;
-
-    bool operator==(const Corner& other) const
-    {
-        return x == other.x && y == other.y && strength == other.strength;
-    }
-};
-using Corners = std::vector<Corner>;
-
-std::ostream& operator<<(std::ostream& stream, const Corner& corner)
-{
-    return stream << "(" << corner.x << "," << corner.y << ": " << corner.strength << ")";
-}
 
 int64_t floorShift(int64_t value, int bits)
 {
@@ -50,16 +24,14 @@ std::tuple<int64_t, int64_t, int64_t> smoothedProducts(const Image& image, int x
 {
     static constexpr int weights[] = {1, 4, 6, 4, 1};
     int64_t xx = 0, yy = 0, xy = 0;
-    for (int j = -2; j <= 2; ++j) {
-        for (int i = -2; i <= 2; ++i) {
-            const int u = x + i, v = y + j, weight = weights[i + 2] * weights[j + 2];
-            const int64_t dx = floorShift(image.at(u + 1, v) - image.at(u - 1, v), 1);
-            const int64_t dy = floorShift(image.at(u, v + 1) - image.at(u, v - 1), 1);
-            xx += weight * dx * dx;
-            yy += weight * dy * dy;
-            xy += weight * dx * dy;
-        }
-    }
+    window(2, 2, [&](int i, int j) {
+        const int u = x + i, v = y + j, weight = weights[i + 2] * weights[j + 2];
+        const int64_t dx = floorShift(image.at(u + 1, v) - image.at(u - 1, v), 1);
+        const int64_t dy = floorShift(image.at(u, v + 1) - image.at(u, v - 1), 1);
+        xx += weight * dx * dx;
+        yy += weight * dy * dy;
+        xy += weight * dx * dy;
+    });
     return {floorShift(xx, 8), floorShift(yy, 8), floorShift(xy, 8)};
 }
 
@@ -92,10 +64,8 @@ Corners corners(const Image& image, int border, int64_t threshold, Strength stre
     for (int y = border; y < image.height - border; ++y) {
         for (int x = border; x < image.width - border; ++x) {
             bool corner = at(x, y) > threshold;
-            for (int j = -2; j <= 2; ++j) {
-                for (int i = -2; i <= 2; ++i)
-                    corner = corner && ((i == 0 && j == 0) || at(x, y) > at(x + i, y + j));
-            }
+            window(2, 2,
+                   [&](int i, int j) { corner = corner && ((i == 0 && j == 0) || at(x, y) > at(x + i, y + j)); });
             if (corner) found.push_back({static_cast<uint32_t>(x), static_cast<uint32_t>(y), at(x, y)});
         }
     }
@@ -148,15 +118,11 @@ class Harris : public odx::test::ReferenceTest
 // A checkered corner at a point between pixels, with pixels that are covered in part.
 Image checkered(double cornerX, double cornerY)
 {
-    Image image(41, 41);
-    for (int y = 0; y < 41; ++y) {
-        for (int x = 0; x < 41; ++x) {
-            const auto covered = [](double edge, int pixel) { return std::clamp(edge - (pixel - 0.5), 0.0, 1.0); };
-            const double left = covered(cornerX, x), top = covered(cornerY, y);
-            image.at(x, y) = static_cast<uint8_t>(std::lround(30 + 200 * (left * top + (1 - left) * (1 - top))));
-        }
-    }
-    return image;
+    return drawn<uint8_t>(41, 41, [=](int x, int y) {
+        const auto covered = [](double edge, int pixel) { return std::clamp(edge - (pixel - 0.5), 0.0, 1.0); };
+        const double left = covered(cornerX, x), top = covered(cornerY, y);
+        return std::lround(30 + 200 * (left * top + (1 - left) * (1 - top)));
+    });
 }
 
 } // namespace
@@ -187,21 +153,17 @@ TEST_F(Harris, MaskBitsRuleOutCorners)
 {
     const Image image = noisy(64, 48);
     const Corners all = detected(image, 0, 0);
-    for (const int shift : {0, 1, 2, 3, -1, -2, -3}) {
-        const auto scaled = [&](unsigned v) { return shift >= 0 ? v << shift : v >> -shift; };
-        const unsigned rowBytes = (scaled(64) + 7) / 8;
-        const Image bits = noisy(static_cast<int>(rowBytes), static_cast<int>(scaled(48)));
+    for (const auto& [times, over] : kScales) {
+        const Mask mask(image, times, over);
         Corners expected;
-        for (const Corner& corner : all) {
-            const unsigned x = scaled(corner.x), y = scaled(corner.y);
-            if ((bits.pixels[rowBytes * y + x / 8] >> (7 - x % 8) & 1) == 0) expected.push_back(corner);
-        }
+        std::copy_if(all.begin(), all.end(), std::back_inserter(expected),
+                     [&](const Corner& corner) { return !mask.excludes(corner.x, corner.y); });
         EXPECT_GT(expected.size(), 5u);
         EXPECT_LT(expected.size(), all.size());
         for (const unsigned more : {0u, 1u}) { // a mask of another size excludes all
             expectFound(more == 0 ? expected : Corners(), [&](uint32_t* xy, uint32_t* count) {
-                odxCornerHarrisInMasku8(image.data(), 64, 48, 0, 0, xy, kPlenty, count, 0, bits.data(), scaled(64),
-                                        scaled(48) + more);
+                odxCornerHarrisInMasku8(image.data(), 64, 48, 0, 0, xy, kPlenty, count, 0, mask.bits.data(),
+                                        mask.width, mask.height + more);
             });
         }
     }
@@ -240,8 +202,8 @@ TEST_F(Harris, TheLocalMaximumIsThatOfTheWindow)
         return status;
     };
     const Image image = noisy(40, 30);
-    for (const auto& [x, y, radius] :
-         {std::tuple{20, 15, 0}, {20, 15, 4}, {0, 0, 5}, {39, 29, 6}, {20, 15, 1000}, {5, 28, 9}}) {
+    const int windows[][3] = {{20, 15, 0}, {20, 15, 4}, {0, 0, 5}, {39, 29, 6}, {20, 15, 1000}, {5, 28, 9}};
+    for (const auto& [x, y, radius] : windows) {
         Corner best = {0, 0, INT64_MIN};
         for (int v = std::max(3, y - radius); v <= std::min(26, y + radius); ++v) {
             for (int u = std::max(3, x - radius); u <= std::min(36, x + radius); ++u) {
@@ -256,12 +218,10 @@ TEST_F(Harris, TheLocalMaximumIsThatOfTheWindow)
     }
     EXPECT_EQ(ONDRIX_SUCCESS, search(Image(40, 30, 9), 40, 0, 20, 15, 4));
     EXPECT_EQ((Corner{16, 11, 0}), found); // the first one of many
-    for (const auto& [width, stride, x, y, radius] : {std::tuple{40u, 0u, 0u, 0u, 2u},
-                                                      {40, 0, 37, 15, 0},
-                                                      {40, 0, 20, 500, 9},
-                                                      {40, 0, 4000000000u, 15, 9},
-                                                      {40, 39, 20, 15, 2},
-                                                      {6, 40, 2, 15, 9}}) {
+    const unsigned refused[][5] = {{40, 0, 0, 0, 2},    {40, 0, 37, 15, 0},
+                                   {40, 0, 20, 500, 9}, {40, 0, 4000000000u, 15, 9},
+                                   {40, 39, 20, 15, 2}, {6, 40, 2, 15, 9}};
+    for (const auto& [width, stride, x, y, radius] : refused) {
         EXPECT_EQ(ONDRIX_BAD_PARAMETER, search(image, width, stride, x, y, radius));
         EXPECT_EQ((Corner{77, 77, 77}), found);
     }
@@ -270,12 +230,9 @@ TEST_F(Harris, TheLocalMaximumIsThatOfTheWindow)
 TEST_F(Harris, GoodFeaturesAreStrongAndApart)
 {
     const Image varied = noisy(64, 48);
-    Image tiled = varied; // in which every corner has equals
-    for (int y = 0; y < 48; ++y) {
-        for (int x = 0; x < 64; ++x)
-            tiled.at(x, y) = varied.pixels[static_cast<size_t>(y % 16 * 64 + x % 16)];
-    }
-    for (const Image& image : {varied, tiled}) {
+    // In the other one every corner has equals.
+    for (const Image& image :
+         {varied, drawn<uint8_t>(64, 48, [&](int x, int y) { return varied.at(x % 16, y % 16); })}) {
         const Corners all = strongestFirst(corners(image, 0, 0, minEigenvalue));
         ASSERT_GT(all.size(), 20u);
         for (const unsigned distance : {0u, 1u, 5u, 12u, 1000000u}) {
@@ -340,12 +297,9 @@ std::pair<double, double> refinedModel(const Image& image, double startX, double
 // corner is further away than the window reaches.
 TEST_F(Harris, RefinementTakesTheStepsOfItsDefinition)
 {
-    Image grainy = checkered(20.3, 19.6), edge(41, 41);
-    const Image grain = noisy(41, 41, 25);
-    for (size_t i = 0; i < grainy.pixels.size(); ++i) {
-        grainy.pixels[i] = static_cast<uint8_t>(grainy.pixels[i] + grain.pixels[i]);
-        edge.pixels[i] = i % 41 < 20 ? 0 : 200;
-    }
+    const Image grain = noisy(41, 41, 25), smooth = checkered(20.3, 19.6),
+                grainy = drawn<uint8_t>(41, 41, [&](int x, int y) { return smooth.at(x, y) + grain.at(x, y); }),
+                edge = drawn<uint8_t>(41, 41, [](int x, int) { return x < 20 ? 0 : 200; });
     int moved = 0, stayed = 0;
     for (const Image& image : {grainy, edge, Image(41, 41, 9), checkered(20, 20), checkered(6.2, 20),
                                checkered(33.8, 20), checkered(5.6, 20)}) {
@@ -432,11 +386,10 @@ TEST_F(Harris, EdgesAlongALineAreThoseOfTheDefinition)
         return odxFindMultipleMaximau8(image.data(), 64, 64, 0, at, right, distance, 7, 20, 0, maxima.data(),
                                        &count);
     };
-    EXPECT_EQ(1u, search(26, 31, 13));
-    EXPECT_EQ(1u, search(28, 13.5f, 12));
-    EXPECT_EQ(1u, search(28, 50.5f, 12));
-    EXPECT_EQ(1u, search(NAN, 31, 12));
-    EXPECT_EQ(1u, search(28, 31, 4000000000u));
+    const std::tuple<float, float, unsigned> beyond[] = {
+        {26, 31, 13}, {28, 13.5f, 12}, {28, 50.5f, 12}, {NAN, 31, 12}, {28, 31, 4000000000u}};
+    for (const auto& [x, y, distance] : beyond)
+        EXPECT_EQ(1u, search(x, y, distance));
     EXPECT_EQ(77u, count);
     EXPECT_EQ(0u, search(32, 14, 12));
     EXPECT_EQ(0u, search(32, 50, 12));
