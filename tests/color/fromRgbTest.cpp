@@ -1,29 +1,14 @@
 // The conversions from RGB, and between layouts of luma and chroma, against their definitions in wide arithmetic.
 // The other columns are held to the reference by the differential test.
+#include "color/colors.h"
 #include "cpu/ondrixColorFromRgbC.h"
-#include "ondrix.h"
-#include "support/referenceTest.h"
 
-#include <gtest/gtest.h>
-
-#include <array>
 #include <cmath>
-#include <functional>
-#include <random>
+
+using namespace odx::test;
 
 namespace
 {
-
-using Bytes = std::vector<uint8_t>;
-
-struct Colour {
-    int64_t r, g, b, a = 255;
-};
-
-uint8_t byte(int64_t value)
-{
-    return static_cast<uint8_t>(value);
-}
 
 // Every combination of values 0, step, 2 * step ... 255, and, for the finest ones, of a greatest and a least value
 // in each sixth of the circle, in an image whose width is no multiple of any vector.
@@ -53,60 +38,18 @@ struct Palette {
     }
     uint32_t height() const { return static_cast<uint32_t>(colours.size() / kWidth); }
     const Colour& at(size_t x, size_t y) const { return colours[y * kWidth + x]; }
-};
-
-// A layout of packed pixels, by the places of its channels.
-struct PixelLayout {
-    size_t size;                 // of a pixel, in bytes
-    bool redFirst;               // in memory, or in the low bits of a 16-bit word
-    bool repeatsHighBits = true; // where a word's channels are widened
-
-    // The colour as it comes out of a pixel of this layout.
-    Colour rounded(const Colour& c) const
-    {
-        if (size != 2) return {c.r, c.g, c.b, size == 4 ? c.a : 255};
-        const auto five = [&](int64_t v) { return v / 8 * 8 + (repeatsHighBits ? v / 32 : 0); };
-        const auto six = [&](int64_t v) { return v / 4 * 4 + (repeatsHighBits ? v / 64 : 0); };
-        return {five(c.r), six(c.g), five(c.b), 255};
-    }
-    Bytes pixel(const Colour& c) const
-    {
-        const int64_t first = redFirst ? c.r : c.b, third = redFirst ? c.b : c.r;
-        const int64_t word = first / 8 + c.g / 4 * 32 + third / 8 * 2048;
-        if (size == 2) return {byte(word % 256), byte(word / 256)};
-        Bytes bytes = {byte(first), byte(c.g), byte(third)};
-        if (size == 4) bytes.push_back(byte(c.a));
-        return bytes;
-    }
-    Bytes image(const Palette& palette) const
+    Bytes image(const PixelLayout& layout) const
     {
         Bytes all;
-        for (const Colour& colour : palette.colours) {
-            const Bytes one = pixel(colour);
+        for (const Colour& colour : colours) {
+            const Bytes one = layout.pixel(colour);
             all.insert(all.end(), one.begin(), one.end());
         }
         return all;
     }
 };
 
-// What these names mean as sources of luma and chroma, and everywhere else.
-namespace blueFirst
-{
-constexpr PixelLayout RGB565 = {2, false, false}, RGB888 = {3, false}, RGBA8888 = {4, false};
-}
-namespace byName
-{
-constexpr PixelLayout RGB565 = {2, true}, RGB888 = {3, true}, RGBA8888 = {4, true}, BGR565 = {2, false},
-                      BGR888 = {3, false}, BGRA8888 = {4, false};
-}
-
 // ---- formulas ----
-
-// Floor of a quotient.
-int64_t floorDiv(int64_t value, int64_t divisor)
-{
-    return value >= 0 ? value / divisor : -((-value + divisor - 1) / divisor);
-}
 
 std::array<uint8_t, 3> yCbCrOf(const Colour& c)
 {
@@ -155,7 +98,7 @@ class FromRgb : public odx::test::ReferenceTest
 void expectPixels(const char* name, decltype(odxColorRGB888ToGrayu8)* operation, const PixelLayout& layout,
                   const Palette& palette, const std::function<Bytes(const Colour&)>& model, bool turned = false)
 {
-    const Bytes src = layout.image(palette);
+    const Bytes src = palette.image(layout);
     const size_t size = model(palette.colours[0]).size(), count = palette.colours.size();
     Bytes dst(count * size + 2, 0x5A);
     operation(src.data(), Palette::kWidth, palette.height(), 0, dst.data(), 0);
@@ -194,7 +137,7 @@ TEST_F(FromRgb, PixelsFollowTheirFormulas)
         const Bytes pair = RGB565.pixel(c);
         return Bytes{pair[1], pair[0]};
     });
-    const Bytes src = RGB888.image(palette);
+    const Bytes src = palette.image(RGB888);
     Bytes packed(src.size()), strided = packed;
     odxColorRGB888toYCrCbu8(src.data(), Palette::kWidth, palette.height(), packed.data());
     odxColorRGB888toYCrCbu8_v2(src.data(), Palette::kWidth, palette.height(), 0, strided.data(), 0);
@@ -218,7 +161,7 @@ std::array<double, 3> exactLab(const Colour& c)
 TEST_F(FromRgb, LabIsTheRoundedExactValueButForTheStatedError)
 {
     const Palette palette(3);
-    const Bytes src = byName::RGBA8888.image(palette);
+    const Bytes src = palette.image(byName::RGBA8888);
     Bytes dst(3 * palette.colours.size());
     odxColorRGBA8888ToLABu8(src.data(), Palette::kWidth, palette.height(), 0, dst.data(), 0);
     double worst = 0;
@@ -249,62 +192,6 @@ TEST_F(FromRgb, LabOfGreysAndPrimaries)
 
 // ---- luma and chroma ----
 
-// A luma and chroma image of any layout. Interleaved chroma of odd widths may be a pair short.
-struct Picture {
-    uint32_t width, height, across, down;
-    bool pairs, defaulted, shortRows;
-    uint32_t yStride, cStride, crStride;
-    Bytes y, cb, cr; // cb also holds pairs
-
-    Picture(uint32_t w, uint32_t h, uint32_t subsampling, bool interleaved, bool packed)
-        : width(w), height(h), across(subsampling == 444 ? 1 : 2), down(subsampling == 420 ? 2 : 1),
-          pairs(interleaved), defaulted(packed), shortRows(interleaved && packed && across == 2)
-    {
-        yStride = packed ? w : w + 3;
-        cStride = shortRows ? w : columns() * (pairs ? 2 : 1) + (packed ? 0 : 5);
-        crStride = packed ? cStride : cStride + 2;
-        y.assign(size_t{yStride} * h, 0x5A);
-        cb.assign(size_t{cStride} * rows(), 0x5A);
-        cr.assign(size_t{crStride} * rows(), 0x5A);
-    }
-    uint32_t argument(uint32_t stride) const { return defaulted ? 0 : stride; }
-    uint32_t columns() const { return (width + across - 1) / across; }
-    uint32_t rows() const { return (height + down - 1) / down; }
-    // The samples of a kind in a row that are stored.
-    uint32_t stored() const { return shortRows ? width / 2 : columns(); }
-
-    void fill()
-    {
-        static std::mt19937 random(5);
-        for (auto* plane : {&y, &cb, &cr})
-            std::generate(plane->begin(), plane->end(), [] { return static_cast<uint8_t>(random()); });
-    }
-    uint8_t& sample(size_t kind, uint32_t i, uint32_t row)
-    {
-        if (pairs) return cb[size_t{cStride} * row + 2 * i + kind];
-        return kind == 0 ? cb[size_t{cStride} * row + i] : cr[size_t{crStride} * row + i];
-    }
-    // Sets every sample, of which at(kind, x, y) gives the luma (0) and the chroma of a pixel.
-    template <class At>
-    void set(At at)
-    {
-        for (uint32_t i = 0; i < width * height; ++i)
-            y[i / width * yStride + i % width] = at(0, i % width, i / width);
-        for (uint32_t row = 0; row < rows(); ++row) {
-            for (uint32_t i = 0; i < 2 * stored(); ++i)
-                sample(i % 2, i / 2, row) = at(1 + i % 2, i / 2 * across, row * down);
-        }
-    }
-    bool operator==(const Picture& other) const { return y == other.y && cb == other.cb && cr == other.cr; }
-};
-
-constexpr bool Planar = false, PseudoPlanar = true;
-
-#define ODX_Planar_ARGUMENTS(p) p.y.data(), p.cb.data(), p.cr.data()
-#define ODX_Planar_STRIDES(p) p.argument(p.yStride), p.argument(p.cStride), p.argument(p.crStride)
-#define ODX_PseudoPlanar_ARGUMENTS(p) p.y.data(), p.cb.data()
-#define ODX_PseudoPlanar_STRIDES(p) p.argument(p.yStride), p.argument(p.cStride)
-
 const struct {
     const char* name;
     PixelLayout layout;
@@ -333,7 +220,7 @@ TEST_F(FromRgb, LumaAndChromaFollowTheirFormula)
         expected.set([&](size_t kind, uint32_t x, uint32_t y) {
             return yCbCrOf(c.layout.rounded(palette.at(x, y)))[kind];
         });
-        c.convert(c.layout.image(palette), dst);
+        c.convert(palette.image(c.layout), dst);
         EXPECT_TRUE(expected == dst) << c.name;
     }
 }
