@@ -1,5 +1,7 @@
 // Handles that programs hold: however many of them live, and wherever the memory ends, nothing is left behind.
 #include "memory/heapWatch.h"
+
+#include "cpu/ondrixMserFxpC.h"
 #include "ondrix/descriptors.h"
 #include "ondrix/modes.h"
 #include "ondrix/mser.h"
@@ -64,6 +66,30 @@ struct Lives {
 };
 
 } // namespace
+
+TEST(Handles, OfRegionsSayWhyThereAreNone)
+{
+    const std::string missing = "ERROR: out of memory initializing MSER.\n";
+    const struct {
+        unsigned served, width;
+        std::string text;
+    } rows[] = {{0, 51, "ERROR: Cannot allocate MSER handle.\n"},
+                {1, 51, missing},
+                {2, 51, missing},
+                {3, 51, missing},
+                {4, 51, missing},
+                {5, 50, "ERROR: image width must be greater than 50 for MSER.\n"}};
+    for (const auto& row : rows) {
+        const size_t before = heapReport().liveBlocks;
+        void* handle = &handle;
+        LogCapture log;
+        const NoMemory noMemory(row.served);
+        EXPECT_EQ(0u, odxMserInitC(row.width, 6, 2, 3, 200, 0.5f, 0.2f, &handle));
+        EXPECT_EQ(nullptr, handle);
+        EXPECT_EQ(before, heapReport().liveBlocks);
+        EXPECT_EQ(row.text, log.take().at(0).text);
+    }
+}
 
 // ONDRIX_TEST_LIVES sets how many.
 TEST(Handles, LeaveNothingBehind)
