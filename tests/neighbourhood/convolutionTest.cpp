@@ -1,6 +1,6 @@
 // The convolutions against their definition.
 #include "ondrix.h"
-#include "support/pictures.h"
+#include "support/drawings.h"
 #include "support/referenceTest.h"
 
 #include <gtest/gtest.h>
@@ -25,13 +25,6 @@ int64_t scaled(int64_t sum, unsigned shift)
     return int64_t{static_cast<int32_t>(static_cast<uint32_t>(sum + half))} >> shift;
 }
 
-template <class T>
-T clampedTo(int64_t value)
-{
-    return static_cast<T>(
-        std::clamp<int64_t>(value, std::numeric_limits<T>::min(), std::numeric_limits<T>::max()));
-}
-
 // The pixel whose window begins at left, top.
 template <class D, class S>
 D filtered(const Grid<S>& src, const Kernel& kernel, int left, int top, unsigned shift, Outside outside = {})
@@ -41,18 +34,15 @@ D filtered(const Grid<S>& src, const Kernel& kernel, int left, int top, unsigned
         for (int j = 0; j < kernel.width; ++j)
             sum += kernel.at(j, i) * sample(src, left + j, top + i, outside);
     }
-    return clampedTo<D>(scaled(sum, shift));
+    return static_cast<D>(
+        std::clamp<int64_t>(scaled(sum, shift), std::numeric_limits<D>::min(), std::numeric_limits<D>::max()));
 }
 
 template <class T>
 Kernel kernelOf(const std::vector<T>& across, const std::vector<T>& down)
 {
-    Kernel kernel(static_cast<int>(across.size()), static_cast<int>(down.size()));
-    for (int i = 0; i < kernel.height; ++i) {
-        for (int j = 0; j < kernel.width; ++j)
-            kernel.at(j, i) = int64_t{across[static_cast<size_t>(j)]} * down[static_cast<size_t>(i)];
-    }
-    return kernel;
+    return drawn<int64_t>(static_cast<int>(across.size()), static_cast<int>(down.size()),
+                          [&](int j, int i) { return int64_t{across.begin()[j]} * down.begin()[i]; });
 }
 
 Kernel turned(const Kernel& kernel)
@@ -73,18 +63,15 @@ void expectBordered(const Grid<S>& src, const Kernel& kernel, unsigned shift, od
                     const Grid<D>& dst)
 {
     const int r = kernel.width / 2, s = kernel.height / 2;
-    for (int y = 0; y < src.height; ++y) {
-        for (int x = 0; x < src.width; ++x) {
+    expectPixels(
+        dst,
+        [&](int x, int y) {
             const bool inside = x >= r && y >= s && x < src.width - r && y < src.height - s;
-            const D expected =
-                !inside && type == ONDRIX_BORDER_UNDEFINED
-                    ? D{77}
-                    : filtered<D>(src, kernel, x - r, y - s, shift, {type == ONDRIX_BORDER_REPLICATE, value});
-            ASSERT_EQ(expected, dst.at(x, y))
-                << kernel.width << "x" << kernel.height << " of " << src.width << "x" << src.height << ", type "
-                << type << ", shift " << shift << " at " << x << "," << y;
-        }
-    }
+            if (!inside && type == ONDRIX_BORDER_UNDEFINED) return D{77};
+            return filtered<D>(src, kernel, x - r, y - s, shift, {type == ONDRIX_BORDER_REPLICATE, value});
+        },
+        "kernel of " + std::to_string(kernel.width) + ", type " + std::to_string(type) + ", shift " +
+            std::to_string(shift));
 }
 
 constexpr odxBorderType kBorders[] = {ONDRIX_BORDER_UNDEFINED, ONDRIX_BORDER_CONSTANT, ONDRIX_BORDER_REPLICATE};
@@ -109,13 +96,13 @@ TEST_F(Convolution, RoundsBetweenThePassesOfFixedSizes)
             const std::vector<int16_t> across = weights(n, most), down = weights(n, most);
             const Kernel row = kernelOf<int16_t>(across, {1}), column = kernelOf<int16_t>({1}, down);
             const Grid<int16_t> src = noise<int16_t>(n + 300 % n, n + 4, -32768, 32767);
-            Grid<int16_t> expected(src.width, src.height, 77), between = expected, dst = expected, any = expected;
-            for (int y = n / 2; y < src.height - n / 2; ++y) {
-                for (int x = 0; x < src.width; ++x)
-                    between.at(x, y) = filtered<int16_t>(src, column, x, y - n / 2, 15);
-                for (int x = n / 2; x < src.width - n / 2; ++x)
-                    expected.at(x, y) = filtered<int16_t>(between, row, x - n / 2, y, 15);
-            }
+            const auto between = drawn<int16_t>(src.width, src.height, [&, r = n / 2](int x, int y) {
+                return filtered<int16_t>(src, column, x, y - r, 15, {true, 0});
+            });
+            const auto expected = drawn<int16_t>(src.width, src.height, [&, r = n / 2](int x, int y) {
+                return src.border(x, y, r) ? int16_t{77} : filtered<int16_t>(between, row, x - r, y, 15);
+            });
+            Grid<int16_t> dst(src.width, src.height, 77), any = dst;
             odxFilterCorrSepNxNs16(across.data(), down.data(), static_cast<unsigned>(n), src.data(), src.w(),
                                    src.h(), 0, any.data(), 0);
             EXPECT_EQ(expected, any) << n;
@@ -221,13 +208,9 @@ TEST_F(Convolution, SumsOfWordsWrap)
                     convolve(ONDRIX_FILTER_SAME, type, dst);
                     expectBordered<int16_t, int16_t>(src, kernel, shift, type, -99, dst);
                 }
-                Grid<int16_t> expected(5, 4), dst = expected;
-                for (int y = 0; y < 4; ++y) {
-                    for (int x = 0; x < 5; ++x)
-                        expected.at(x, y) = filtered<int16_t>(src, kernel, x, y, shift);
-                }
+                Grid<int16_t> dst(5, 4);
                 convolve(ONDRIX_FILTER_VALID, ONDRIX_BORDER_REPLICATE, dst);
-                EXPECT_EQ(expected, dst);
+                expectPixels(dst, [&](int x, int y) { return filtered<int16_t>(src, kernel, x, y, shift); });
             }
         }
     }
@@ -242,13 +225,9 @@ TEST_F(Convolution, KernelsOfAnySizeStayInside)
             const std::vector<int16_t> all = weights(m * n, shift == 0 ? 2 : 32767);
             Kernel kernel(m, n);
             std::copy(all.begin(), all.end(), kernel.pixels.begin());
-            Grid<int16_t> expected(6, 3), dst = expected;
-            for (int y = 0; y < 3; ++y) {
-                for (int x = 0; x < 6; ++x)
-                    expected.at(x, y) = filtered<int16_t>(src, turned(kernel), x, y, shift);
-            }
+            Grid<int16_t> dst(6, 3);
             odxConvValids16(all.data(), M, N, shift, src.data(), src.w(), src.h(), 0, dst.data(), 0);
-            EXPECT_EQ(expected, dst) << m << "x" << n;
+            expectPixels(dst, [&](int x, int y) { return filtered<int16_t>(src, turned(kernel), x, y, shift); });
         }
     }
 }

@@ -1,6 +1,6 @@
 // Erosion and dilation against their definitions.
 #include "ondrix.h"
-#include "support/pictures.h"
+#include "support/drawings.h"
 #include "support/referenceTest.h"
 #include "support/scratchWatch.h"
 
@@ -18,23 +18,17 @@ using Image = Grid<uint8_t>;
 // The window of n columns and rows, with this outside the image.
 Image defined(const Image& src, int64_t n, bool erodes, int outside)
 {
-    Image dst(src.width, src.height);
-    for (int y = 0; y < src.height; ++y) {
-        for (int x = 0; x < src.width; ++x) {
-            int picked = erodes ? 255 : 0;
-            const auto visit = [&](int value) {
-                picked = erodes ? std::min(picked, value) : std::max(picked, value);
-            };
-            const int64_t left = x - n / 2, top = y - n / 2;
-            if (left < 0 || top < 0 || left + n > src.width || top + n > src.height) visit(outside);
-            for (int64_t v = std::max<int64_t>(top, 0); v < std::min<int64_t>(top + n, src.height); ++v) {
-                for (int64_t u = std::max<int64_t>(left, 0); u < std::min<int64_t>(left + n, src.width); ++u)
-                    visit(src.at(static_cast<int>(u), static_cast<int>(v)));
-            }
-            dst.at(x, y) = static_cast<uint8_t>(picked);
+    return drawn<uint8_t>(src.width, src.height, [&](int x, int y) {
+        int picked = erodes ? 255 : 0;
+        const auto visit = [&](int value) { picked = erodes ? std::min(picked, value) : std::max(picked, value); };
+        const int64_t left = x - n / 2, top = y - n / 2;
+        if (left < 0 || top < 0 || left + n > src.width || top + n > src.height) visit(outside);
+        for (int64_t v = std::max<int64_t>(top, 0); v < std::min<int64_t>(top + n, src.height); ++v) {
+            for (int64_t u = std::max<int64_t>(left, 0); u < std::min<int64_t>(left + n, src.width); ++u)
+                visit(src.at(static_cast<int>(u), static_cast<int>(v)));
         }
-    }
-    return dst;
+        return picked;
+    });
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 // The thresholds against their definitions. The other columns are held to the reference by the differential test.
 #include "ondrix.h"
-#include "support/pictures.h"
+#include "support/drawings.h"
 #include "support/referenceTest.h"
 
 using namespace odx::test;
@@ -17,56 +17,46 @@ using Image = Grid<uint8_t>;
 // Every level once.
 Image levels()
 {
-    Image image(256, 1);
-    for (int i = 0; i < 256; ++i)
-        image.at(i, 0) = static_cast<uint8_t>(i);
-    return image;
+    return drawn<uint8_t>(256, 1, [](int x, int) { return x; });
 }
 
-template <class Call>
-Image marked(const Image& src, Call call)
+// What a threshold with these parameters writes.
+template <class Operation, class... Parameters>
+Image marked(const Image& src, Operation operation, Parameters... parameters)
 {
     Image dst(src.width, src.height, 77);
-    call(src.data(), src.w(), src.h(), dst.data());
+    operation(src.data(), src.w(), src.h(), 0, dst.data(), 0, parameters...);
     return dst;
 }
 
-// Marks every level; call is what a function takes in place of (src, width, height, srcStride, dst, dstStride).
-template <class Call, class Keeps>
-void expectLevels(Call call, unsigned inside, unsigned outside, Keeps keeps, const std::string& what)
+// Marks every level, those that are kept with one value and the others with another.
+template <class Keeps, class Operation, class... Parameters>
+void expectLevels(Keeps keeps, int inside, int outside, Operation operation, Parameters... parameters)
 {
-    const Image dst = marked(levels(), call);
     expectPixels(
-        dst, [&](int x, int) { return keeps(x) ? inside : outside; }, what);
+        marked(levels(), operation, parameters...), [&](int x, int) { return keeps(x) ? inside : outside; },
+        "parameters" + ((" " + std::to_string(parameters)) + ...) + ",");
 }
 
 } // namespace
 
 TEST_F(Thresholds, KeepARangeOfLevels)
 {
+    const auto packed = [](auto src, auto width, auto height, auto, auto dst, auto, auto threshold) {
+        odxFilterThresholdu8(src, width, height, threshold, dst);
+    };
     for (const unsigned t : {0u, 1u, 100u, 254u, 255u, 256u, 300u, 2147483647u}) {
-        const std::string what = "threshold " + std::to_string(t);
         const int at = static_cast<int>(t);
         const auto reaches = [&](int level) { return level >= std::min(at, 255); };
-        const auto exceeds = [&](int level) { return level > at; };
-        expectLevels([&](auto s, auto w, auto h, auto d) { odxFilterThresholdu8(s, w, h, t, d); }, 255, 0, reaches,
-                     what);
-        expectLevels([&](auto s, auto w, auto h, auto d) { odxFilterThresholdu8_v2(s, w, h, 0, d, 0, t); }, 255, 0,
-                     reaches, what);
-        expectLevels(
-            [&](auto s, auto w, auto h, auto d) { odxFilterThresholdu8_v3(s, w, h, 0, d, 0, t, 0x107, 200); }, 7,
-            200, exceeds, what);
+        expectLevels(reaches, 255, 0, packed, t);
+        expectLevels(reaches, 255, 0, odxFilterThresholdu8_v2, t);
+        expectLevels([&](int level) { return level > at; }, 7, 200, odxFilterThresholdu8_v3, t, 0x107u, 200u);
     }
     for (const int low : {-2147483647 - 1, -1, 0, 9, 255, 256}) {
         for (const int high : {-2147483647 - 1, -1, 0, 8, 9, 254, 255, 256, 2147483647}) {
-            const std::string what = std::to_string(low) + " to " + std::to_string(high);
             const auto keeps = [&](int level) { return low <= level && level <= high; };
-            expectLevels(
-                [&](auto s, auto w, auto h, auto d) { odxFilterThresholdRangeu8(s, w, h, 0, d, 0, low, high); },
-                255, 0, keeps, what);
-            expectLevels([&](auto s, auto w, auto h,
-                             auto d) { odxFilterThresholdRangeu8_v2(s, w, h, 0, d, 0, low, high, 7, 0x1C8); },
-                         7, 200, keeps, what);
+            expectLevels(keeps, 255, 0, odxFilterThresholdRangeu8, low, high);
+            expectLevels(keeps, 7, 200, odxFilterThresholdRangeu8_v2, low, high, 7u, 0x1C8u);
         }
     }
 }
@@ -97,8 +87,7 @@ TEST_F(Thresholds, OtsuSeparatesLevelsAtTheFirstBest)
     };
     for (const auto& [src, level] : images) {
         for (const unsigned type : {0u, 1u, 2u}) {
-            const Image dst = marked(
-                src, [&](auto s, auto w, auto h, auto d) { odxFilterThresholdOtsuu8(s, w, h, 0, d, 0, type); });
+            const Image dst = marked(src, odxFilterThresholdOtsuu8, type);
             for (size_t i = 0; i < src.pixels.size(); ++i)
                 ASSERT_EQ((src.pixels[i] > level) != (type == 1) ? 255 : 0, dst.pixels[i]) << "level " << level;
         }
