@@ -1,6 +1,7 @@
 // The bilateral filters against their definition.
 #include "ondrix.h"
-#include "support/pictures.h"
+#include "support/drawings.h"
+#include "support/referenceTest.h"
 
 #include <cmath>
 #include <limits>
@@ -35,12 +36,9 @@ int average(const Image& src, int x, int y, int n, float sigmaColor, float sigma
 // Levels near each other, over edges.
 Image picture(int width, int height)
 {
-    Image image = noise<uint8_t>(width, height, 0, 40);
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x)
-            image.at(x, y) = static_cast<uint8_t>(image.at(x, y) + (x > 9 ? 100 : 0) + (y % 8 > 5 ? 115 : 0));
-    }
-    return image;
+    const Image grain = noise<uint8_t>(width, height, 0, 40);
+    return drawn<uint8_t>(
+        width, height, [&](int x, int y) { return grain.at(x, y) + (x > 9 ? 100 : 0) + (y % 8 > 5 ? 115 : 0); });
 }
 
 // The weights F and the sums E of a line from its start.
@@ -81,11 +79,14 @@ Image transposed(const Image& image)
 
 constexpr float kInfinite = std::numeric_limits<float>::infinity();
 
+class Bilateral : public odx::test::ReferenceTest
+{
+};
+
 } // namespace
 
-TEST(Bilateral, WindowsAreWeightedByDistanceAndDifference)
+TEST_F(Bilateral, WindowsAreWeightedByDistanceAndDifference)
 {
-    EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE));
     const auto test = [](int n, auto* plain, auto* filter, int width, int height) {
         const Image src = picture(width, height);
         const auto expect = [&](const Image& dst, float color, float space, bool whole, Outside outside) {
@@ -96,12 +97,9 @@ TEST(Bilateral, WindowsAreWeightedByDistanceAndDifference)
         Image dst(width, height, 77);
         plain(src.data(), src.w(), src.h(), 0, dst.data(), 0);
         expect(dst, 16, static_cast<float>(n) / 4, false, {});
-        for (const auto& [color, space] : {std::pair{30.F, 1.7F},
-                                           {3.F, kInfinite},
-                                           {kInfinite, 1.F},
-                                           {1e-40F, 2.F},
-                                           {kInfinite, kInfinite},
-                                           {50.F, 1e-40F}}) {
+        const float sigmas[][2] = {{30, 1.7F},  {3, kInfinite},         {kInfinite, 1},
+                                   {1e-40F, 2}, {kInfinite, kInfinite}, {50, 1e-40F}};
+        for (const auto& [color, space] : sigmas) {
             for (const odxBorderType type :
                  {ONDRIX_BORDER_UNDEFINED, ONDRIX_BORDER_CONSTANT, ONDRIX_BORDER_REPLICATE}) {
                 Image all(width, height, 77);
@@ -117,9 +115,8 @@ TEST(Bilateral, WindowsAreWeightedByDistanceAndDifference)
     }
 }
 
-TEST(Bilateral, RecursionFollowsItsLines)
+TEST_F(Bilateral, RecursionFollowsItsLines)
 {
-    EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_REFERENCE));
     for (const auto& [width, height] : {std::pair{70, 40}, {130, 3}, {1, 66}, {1, 1}, {64, 64}}) {
         for (const Image& src : {picture(width, height), noise<uint8_t>(width, height, 0, 255)}) {
             for (const auto& [color, space] :
