@@ -10,7 +10,8 @@ namespace odx::test
 
 using Lines = std::vector<LogLine>;
 
-inline Lines operator+(Lines a, const Lines& b)
+template <class T>
+std::vector<T> operator+(std::vector<T> a, const std::vector<T>& b)
 {
     a.insert(a.end(), b.begin(), b.end());
     return a;
@@ -43,36 +44,23 @@ inline Lines loaded()
     snprintf(text, sizeof text, "dlopen_stub completed. adspstubHandle=%p \n", loader.handle);
     return debug(text);
 }
-inline Lines notLoaded()
-{
-    return error("Failed to open libondrixadsp_stub.so!!! adspstubHandle is NULL, no such library \n");
-}
-inline Lines unloaded()
-{
-    return debug("Enter dlclose_stub completed \n");
-}
+inline const Lines notLoaded =
+    error("Failed to open libondrixadsp_stub.so!!! adspstubHandle is NULL, no such library \n");
+inline const Lines unloaded = debug("Enter dlclose_stub completed \n");
 inline Lines cannotLoad(const std::string& symbol)
 {
     return error("Cannot load: " + symbol + " \n");
 }
-inline Lines noSymbols()
-{
-    return error("ondrixadsp_odxZ9SessionInit failed: Unable to load symbols from ondrix stub.");
-}
+inline const Lines noSymbols =
+    error("ondrixadsp_odxZ9SessionInit failed: Unable to load symbols from ondrix stub.");
 inline Lines initialized(int mode)
 {
     return debug("Z9 initialized successfully. Z9 Ondrix functions mode " + std::to_string(mode) +
                  " are enabled.") +
            info("FIT:(FeatureName=>ODXAZ9, Initialized=>1)");
 }
-inline Lines disabled()
-{
-    return error("Z9 initialized failed. Z9 Ondrix functions are disabled.");
-}
-inline Lines closing()
-{
-    return info("ODXAZ9_deinit");
-}
+inline const Lines disabled = error("Z9 initialized failed. Z9 Ondrix functions are disabled.");
+inline const Lines closing = info("ODXAZ9_deinit");
 
 } // namespace odx::test
 

@@ -15,7 +15,7 @@ namespace
 
 const Lines started = debug("ADSP SSR cleanup sequence initiated.");
 const Lines alreadyUp = started + debug("Z9 already up. Skipping reload.");
-const Lines reloading = debug("Trying to reload Z9 stub.") + unloaded();
+const Lines reloading = debug("Trying to reload Z9 stub.") + unloaded;
 const Lines reinitializing = debug("Trying to reinitialize DSP.");
 const Lines reloaded = debug("Stub reloaded successfully.");
 const Lines back = debug("DSP reinitialization success.");
@@ -34,12 +34,12 @@ TEST(Recovery, ACallGetsItsResultWhateverFails)
     const auto recoveries = [](int n) { return [n] { return times(n, recovered()) + remoteAgain; }; };
     const auto withFailingLoads = [](int n) {
         const Lines end = n < 10 ? reloading + loaded() + reloaded + reinitializing + back : Lines{};
-        return started + times(n, reloading + notLoaded()) + end + remoteAgain;
+        return started + times(n, reloading + notLoaded) + end + remoteAgain;
     };
     const auto withoutSymbol = [](const char* symbol, int n) {
         const Lines end = n < 15 ? reinitializing + back : Lines{};
         return started + reloading + loaded() + reloaded +
-               times(n, reinitializing + cannotLoad(symbol) + noSymbols()) + end + remoteAgain;
+               times(n, reinitializing + cannotLoad(symbol) + noSymbols) + end + remoteAgain;
     };
     const auto failing = [](int code) {
         odxStubBehaviour behaviour = {};

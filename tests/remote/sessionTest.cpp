@@ -77,13 +77,13 @@ TEST(Session, OpensOnceForAPowerMode)
                 EXPECT_EQ(initialisations + 1, stub.counts().initialisations);
                 EXPECT_EQ(symbols().size(), symbolsSet());
             }
-            before = closing() + unloaded();
+            before = closing + unloaded;
         }
         EXPECT_EQ(0, odxZ9Initialize(3, std::string(kVersion).data()));
         EXPECT_EQ(0, libLogPrintX);
         for (const bool again : {false, true}) {
             ODXAZ9_deinit();
-            EXPECT_EQ(again ? closing() : before, log.take());
+            EXPECT_EQ(again ? closing : before, log.take());
             expectClosed();
             EXPECT_EQ(4, loader.opened);
             EXPECT_EQ(4, loader.closed);
@@ -129,8 +129,8 @@ TEST(Session, OpensOrFailsWithWhatItFinds)
             stub.behaves(behaviour);
             prepare();
             EXPECT_EQ(result, ODXAZ9_init(1, local));
-            EXPECT_EQ((loader.opened != 0 ? loaded() : notLoaded()) + complaint +
-                          (result == 0 ? initialized(1) : disabled()),
+            EXPECT_EQ((loader.opened != 0 ? loaded() : notLoaded) + complaint +
+                          (result == 0 ? initialized(1) : disabled),
                       log.take());
             EXPECT_EQ(result + 1, ODXAZ9_is_ready());
             EXPECT_EQ(found, symbolsSet());
@@ -139,7 +139,7 @@ TEST(Session, OpensOrFailsWithWhatItFinds)
             EXPECT_EQ(result, ODXAZ9_init(1, local));
             EXPECT_EQ(Lines{}, log.take());
             ODXAZ9_deinit();
-            EXPECT_EQ(closing() + atClosing + unloaded(), log.take());
+            EXPECT_EQ(closing + atClosing + unloaded, log.take());
             EXPECT_EQ(loader.opened, loader.closed);
             loader.missing.clear();
             loader.stub = ODX_TEST_STUB;
@@ -160,18 +160,18 @@ TEST(Session, OpensOrFailsWithWhatItFinds)
     EXPECT_EQ("ondrixadsp_odxTrackLKOpticalFlowf32X", all[1].name);
     EXPECT_EQ("ondrixadsp_odxTrackLKOpticalFlowu8_v2X", all[2].name);
     opening(
-        kVersion, kVersion, [] { loader.failingOpens = 1; }, cannotLoad(all[0].name) + noSymbols(), -1, 0,
+        kVersion, kVersion, [] { loader.failingOpens = 1; }, cannotLoad(all[0].name) + noSymbols, -1, 0,
         cannotLoad("dspRT_deinitZ9"));
     for (const size_t position : {size_t{0}, all.size() / 2, all.size() - 1}) {
         const std::string& name = all[position].name;
         opening(
-            kVersion, kVersion, [&] { loader.missing[name] = kAlways; }, cannotLoad(name) + noSymbols(), -1,
+            kVersion, kVersion, [&] { loader.missing[name] = kAlways; }, cannotLoad(name) + noSymbols, -1,
             position); // those before it
     }
     const std::string lacking = "ondrixadsp_odxFilterMedian3x3u8X";
     const auto place = std::find_if(all.begin(), all.end(), [&](const Symbol& s) { return s.name == lacking; });
     opening(
-        kVersion, kVersion, [] { loader.stub = ODX_TEST_INCOMPLETE_STUB; }, cannotLoad(lacking) + noSymbols(), -1,
+        kVersion, kVersion, [] { loader.stub = ODX_TEST_INCOMPLETE_STUB; }, cannotLoad(lacking) + noSymbols, -1,
         static_cast<size_t>(place - all.begin()));
     // It opens without its own entries.
     const char *const init = "dspRT_initZ9_with_attributes", *const deinit = "dspRT_deinitZ9";
@@ -196,7 +196,7 @@ TEST(Session, OpensWithAProcessorThatDoesNotStart)
         log.take();
 
         EXPECT_EQ(0, ODXAZ9_init(2, kVersion));
-        EXPECT_EQ(closing() + unloaded() + loaded() + initialized(2), log.take());
+        EXPECT_EQ(closing + unloaded + loaded() + initialized(2), log.take());
     });
 }
 
@@ -206,24 +206,24 @@ TEST(Session, FollowsTheOperationMode)
         const Lines version = debug("Ondrix vendor library\n");
         const Lines available = debug("XDSP is available");
         EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_LOW_POWER));
-        EXPECT_EQ(version + closing() + loaded() + initialized(1) + available, log.take());
+        EXPECT_EQ(version + closing + loaded() + initialized(1) + available, log.take());
         EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_LOW_POWER));
         EXPECT_EQ(available, log.take());
         EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_XDSP));
-        EXPECT_EQ(version + closing() + unloaded() + loaded() + initialized(2) + available, log.take());
+        EXPECT_EQ(version + closing + unloaded + loaded() + initialized(2) + available, log.take());
         EXPECT_EQ(2, stub.counts().powerMode);
         EXPECT_EQ(0u, Z9_constraint_checks_enable);
         EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_EXT_CPU));
         EXPECT_EQ(Lines{}, log.take()); // the session stays
         EXPECT_EQ(1u, Z9_constraint_checks_enable);
         EXPECT_EQ(0, odxCleanUp());
-        EXPECT_EQ(closing() + unloaded(), log.take());
+        EXPECT_EQ(closing + unloaded, log.take());
         EXPECT_EQ(loader.opened, loader.closed);
 
         loader.stub.clear();
         EXPECT_EQ(0, odxSetOperationMode(ONDRIX_OP_CPU_OFFLOAD));
-        const Lines failure = notLoaded() + cannotLoad(symbols()[0].name) + noSymbols() + disabled();
+        const Lines failure = notLoaded + cannotLoad(symbols()[0].name) + noSymbols + disabled;
         // The session is probed for the mode alone: the lists of the mode are not looked at without it.
-        EXPECT_EQ(version + closing() + failure, log.take());
+        EXPECT_EQ(version + closing + failure, log.take());
     });
 }

@@ -37,11 +37,6 @@ void withSharedMemory(const std::function<void(LogCapture&)>& body)
 const Events allocated = {"open", "alloc 4096 4096 2000000 1", "map 4096", "sync 3", "register 4096"};
 const Events released = {"unregister 4096", "sync 7", "unmap 4096", "close"};
 
-Events operator+(Events a, const Events& b)
-{
-    a.insert(a.end(), b.begin(), b.end());
-    return a;
-}
 Events first(size_t n, const Events& events)
 {
     return {events.begin(), events.begin() + static_cast<ptrdiff_t>(n)};
