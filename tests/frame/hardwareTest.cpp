@@ -220,17 +220,22 @@ TEST(HardwareMask, TellsFeaturesAndVendor)
 
 TEST(HardwareMask, KnowsTheVendorsBoardsByThreeLetters)
 {
-    for (const char* board : {"vka", "vkb1", "vkc8998", "vkd"}) {
+    const std::pair<const char*, bool> boards[] = {
+        {"vka", true},  {"vkb1", true},  {"vkc8998", true}, {"vkd", true}, {"vk", false}, {"vke1", false},
+        {"VKA", false}, {"xvka", false}, {"vja", false},    {"v", false},  {"vk`", false}};
+    for (const auto& [board, mobile] : boards) {
         onProcessor({board, kOtherSimd.description, board},
-                    [] { EXPECT_TRUE(odxAvailableHardware(0) & ONDRIX_HW_MOBILE); });
-    }
-    for (const char* board : {"vk", "vke1", "VKA", "xvka", "v", "vk`"}) {
-        onProcessor({board, kOtherSimd.description, board},
-                    [] { EXPECT_FALSE(odxAvailableHardware(0) & ONDRIX_HW_MOBILE); });
+                    [mobile = mobile] { EXPECT_EQ(mobile, (odxAvailableHardware(0) & ONDRIX_HW_MOBILE) != 0); });
     }
 }
 
-TEST(RemoteProbe, OpensASessionInThePowerModeOfTheMode)
+class RemoteProbe : public testing::Test
+{
+protected:
+    ~RemoteProbe() override { fakeRemote = {}, XDSP_initflag = 0; }
+};
+
+TEST_F(RemoteProbe, OpensASessionInThePowerModeOfTheMode)
 {
     const struct {
         unsigned mode;
@@ -251,12 +256,10 @@ TEST(RemoteProbe, OpensASessionInThePowerModeOfTheMode)
         odxAvailableHWComponent(row.mode);
         EXPECT_EQ((std::vector<std::string>{"close", open}), fakeRemote.takeEvents()) << row.mode;
     }
-    fakeRemote = {};
 }
 
-TEST(RemoteProbe, ReportsAnAbsentProcessorAndItsTime)
+TEST_F(RemoteProbe, ReportsAnAbsentProcessorAndItsTime)
 {
-    fakeRemote = {};
     LogCapture log;
     EXPECT_EQ(0u, odxAvailableHWComponent(0));
     EXPECT_EQ((std::vector<LogLine>{{3, "ondrix_lib_log", "Ondrix vendor library\n"}}), log.take());
@@ -271,25 +274,18 @@ TEST(RemoteProbe, ReportsAnAbsentProcessorAndItsTime)
     EXPECT_EQ((LogLine{6, "ondrix_runtime_log", start}),
               (LogLine{lines[1].priority, lines[1].tag, lines[1].text.substr(0, start.size())}));
     EXPECT_GT(60000000, std::stoll(lines[1].text.substr(start.size()))); // microseconds, not since 1970
-    fakeRemote = {};
 }
 
-TEST(RemoteProbe, IsMadeOnlyForMobileTargetsAndModesThatMayUseIt)
+TEST_F(RemoteProbe, IsMadeOnlyForMobileTargetsAndModesThatMayUseIt)
 {
     const auto bits = [](int mode) {
         XDSP_initflag = GPU_initflag = 7;
         return odxAvailableHardware(mode) & (ONDRIX_HW_XDSP | ONDRIX_HW_GPU);
     };
-    const int cpuModes[] = {ONDRIX_OP_CPU_PERFORMANCE, ONDRIX_OP_EXT_CPU, ONDRIX_OP_EXT_REFERENCE,
-                            ONDRIX_OP_EXT_ORLAN};
-    const int remoteModes[] = {ONDRIX_OP_LOW_POWER,
-                               ONDRIX_OP_PERFORMANCE,
-                               ONDRIX_OP_CPU_OFFLOAD,
-                               ONDRIX_OP_EXT_DSP,
-                               ONDRIX_OP_EXT_XDSP,
-                               ONDRIX_OP_EXT_GPU,
-                               99,
-                               INT32_MIN};
+    const auto cpuModes = {ONDRIX_OP_CPU_PERFORMANCE, ONDRIX_OP_EXT_CPU, ONDRIX_OP_EXT_REFERENCE,
+                           ONDRIX_OP_EXT_ORLAN};
+    const std::vector<int> remoteModes({ONDRIX_OP_LOW_POWER, ONDRIX_OP_PERFORMANCE, ONDRIX_OP_CPU_OFFLOAD,
+                                        ONDRIX_OP_EXT_DSP, ONDRIX_OP_EXT_XDSP, ONDRIX_OP_EXT_GPU, 99, INT32_MIN});
     onProcessor(kOtherSimdOnVendorBoard, [&] {
         fakeRemote.openResult = 0;
         for (int mode : cpuModes) {
@@ -314,10 +310,8 @@ TEST(RemoteProbe, IsMadeOnlyForMobileTargetsAndModesThatMayUseIt)
     });
 }
 
-TEST(RemoteProbe, DirectSelection)
+TEST_F(RemoteProbe, DirectSelection)
 {
-    fakeRemote = {};
-    XDSP_initflag = 0;
     EXPECT_EQ(-1, odxSelectXDSP6Mode(2));
     EXPECT_EQ(0u, XDSP_initflag);
     fakeRemote.openResult = 0;
@@ -325,8 +319,6 @@ TEST(RemoteProbe, DirectSelection)
     EXPECT_EQ(1u, XDSP_initflag);
     EXPECT_EQ(2, fakeRemote.powerMode);
     EXPECT_EQ(0x123456789ab, odxZ9GetClk());
-    XDSP_initflag = 0;
-    fakeRemote = {};
 }
 
 TEST(PlatformServices, ProcessorCount)
