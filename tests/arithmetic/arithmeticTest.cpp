@@ -123,8 +123,7 @@ constexpr uint16_t kBefore = 60000;
 #define TAKES_depthPolicy(T) , unsigned shift, odxOverflow policy
 #define TAKES_weights(T) , float alpha, float beta, float gamma
 #define TAKES_value(T) , Wide<T> value
-#define TAKES_scalar(T) , Wide<T> scalar
-#define TAKES_scalarShift(T) , Wide<T> scalar, unsigned shift
+#define TAKES_valueShift(T) , Wide<T> value, unsigned shift
 #define TAKES_table(T) , const uint8_t* table
 #define TAKEN_nothing(T) std::vector<std::tuple<>>(1)
 #define TAKEN_policy(T) kPolicies
@@ -133,8 +132,7 @@ constexpr uint16_t kBefore = 60000;
 #define TAKEN_depthPolicy(T) product(shifts(7), kPolicies)
 #define TAKEN_weights(T) kWeights
 #define TAKEN_value(T) scalars<T>()
-#define TAKEN_scalar(T) scalars<T>()
-#define TAKEN_scalarShift(T) product(scalars<T>(), shifts(15))
+#define TAKEN_valueShift(T) product(scalars<T>(), shifts(15))
 #define TAKEN_table(T)                      \
     std::vector<std::tuple<const uint8_t*>> \
     {                                       \
@@ -154,35 +152,35 @@ void expectPixel(Wide<D> expected, D pixel, const char* name, double a, double b
     }
 }
 
-template <class S1, class S2, class D, class Operation, class Sets, class Definition>
-void expectTwo(const char* name, Operation operation, const Sets& sets, Definition definition)
+// `call` an operation with what it takes and a destination, for each set of what it takes, on these sources.
+template <class D, class Sets, class Call, class Definition, class... S>
+void expectPixels(const char* name, const Sets& sets, Call call, Definition definition,
+                  const std::vector<S>&... src)
 {
-    const auto src1 = numbers<S1>(1, true);
-    const auto src2 = numbers<S2>(2, false);
-    std::vector<D> dst(kSide * kSide);
     for (const auto& taken : sets) {
-        std::apply(
-            [&](auto... t) { operation(src1.data(), kSide, kSide, 0, src2.data(), 0, t..., dst.data(), 0); },
-            taken);
+        std::vector<D> dst(kSide * kSide, D(kBefore));
+        std::apply([&](auto... t) { call(dst.data(), t...); }, taken);
         for (size_t i = 0; i < dst.size() && !testing::Test::HasFatalFailure(); ++i) {
-            const auto expected = std::apply([&](auto... t) { return definition(src1[i], src2[i], t...); }, taken);
-            expectPixel<D>(static_cast<Wide<D>>(expected), dst[i], name, double(src1[i]), double(src2[i]));
+            const auto expected = std::apply([&](auto... t) { return definition(src[i]..., t...); }, taken);
+            const double pixels[] = {double(src[i])..., 0};
+            expectPixel<D>(static_cast<Wide<D>>(expected), dst[i], name, pixels[0], pixels[1]);
         }
     }
 }
-
+template <class S1, class S2, class D, class Operation, class Sets, class Definition>
+void expectTwo(const char* name, Operation operation, const Sets& sets, Definition definition)
+{
+    const auto a = numbers<S1>(1, true);
+    const auto b = numbers<S2>(2, false);
+    const auto call = [&](D* dst, auto... t) { operation(a.data(), kSide, kSide, 0, b.data(), 0, t..., dst, 0); };
+    expectPixels<D>(name, sets, call, definition, a, b);
+}
 template <class S, class D, class Operation, class Sets, class Definition>
 void expectOne(const char* name, Operation operation, const Sets& sets, Definition definition)
 {
     const auto src = numbers<S>(1, true);
-    for (const auto& taken : sets) {
-        std::vector<D> dst(kSide * kSide, D(kBefore));
-        std::apply([&](auto... t) { operation(src.data(), kSide, kSide, 0, t..., dst.data(), 0); }, taken);
-        for (size_t i = 0; i < dst.size() && !testing::Test::HasFatalFailure(); ++i) {
-            const auto expected = std::apply([&](auto... t) { return definition(src[i], t...); }, taken);
-            expectPixel<D>(static_cast<Wide<D>>(expected), dst[i], name, double(src[i]), 0);
-        }
-    }
+    const auto call = [&](D* dst, auto... t) { operation(src.data(), kSide, kSide, 0, t..., dst, 0); };
+    expectPixels<D>(name, sets, call, definition, src);
 }
 
 // Each channel, and nothing beside the pixels.
@@ -232,9 +230,7 @@ void expectSet(const char* name, Operation operation)
     }
 }
 
-class Arithmetic : public odx::test::ReferenceTest
-{
-};
+using Arithmetic = odx::test::ReferenceTest;
 
 } // namespace
 

@@ -1,5 +1,6 @@
 // The reference operations on vectors against their definitions, coded the slow way, and numbers worked by hand.
 #include "ondrix.h"
+#include "support/pictures.h"
 #include "support/referenceTest.h"
 
 #include <gtest/gtest.h>
@@ -16,16 +17,14 @@ namespace
 class Descriptors : public odx::test::ReferenceTest
 {
 protected:
-    template <class T>
-    std::vector<T> draw(size_t count)
-    {
-        std::vector<T> values(count);
-        for (T& value : values)
-            value = static_cast<T>(random_() >> 8);
-        return values;
-    }
     std::mt19937 random_{7};
 };
+
+template <class T>
+std::vector<T> draw(int count)
+{
+    return odx::test::noise<T>(count, 1, std::numeric_limits<T>::min(), std::numeric_limits<T>::max()).pixels;
+}
 
 template <class T>
 int64_t sumOfProducts(const T* a, const T* b, size_t n)

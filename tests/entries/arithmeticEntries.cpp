@@ -87,8 +87,7 @@ Entry combined(const Operation& operation, uint32_t planes)
 #define TAKEN_depthPolicy , {depth, policy}, kDepth + kPolicy
 #define TAKEN_weights , Arguments(3, value())
 #define TAKEN_value , Arguments(1, value())
-#define TAKEN_scalar , Arguments(1, value())
-#define TAKEN_scalarShift , {value(), shift}, kShift
+#define TAKEN_valueShift , {value(), shift}, kShift
 #define TAKEN_table , {buffer()}, "", " && table"
 
 Entries entries()

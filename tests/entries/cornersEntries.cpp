@@ -36,7 +36,6 @@ Entries fastEntries()
     const Arguments scores = {buffer(1, 16)}, count = {value(100, {}, {0}), buffer()};
     const Arguments mask = {buffer(), value(40), value(30)}, alignedMask = {buffer(1, 16), value(40), value(30)};
     const Arguments memory = {value(1), optional(1, 16)}, unused = {value(0), optional()};
-    const std::string nineMask = " && bitMask", tenMask = " && mask";
     return {
         ENTRY(odxCornerFast9u8, nine(false), plain + count),
         ENTRY(odxCornerFast9InMasku8, nine(false, " && bitMask"), plain + count + mask),

@@ -19,10 +19,8 @@ Entries entries()
     return {
         ENTRY(odxFilterCorr3x3s8, "kernel && src && dst && w && h",
               {buffer(), buffer(), width(), height(), buffer()}),
-        ENTRY(
-            odxFilterCorr3x3s8_v2,
-            "kernel && src && dst && srcWidth && srcHeight && (srcStride >= srcWidth) && (dstStride >= srcWidth)",
-            {buffer(), buffer(), width(), height(), stride(), buffer(), stride()}),
+        ENTRY(odxFilterCorr3x3s8_v2, "kernel && " + kImages + strides(),
+              {buffer(), buffer(), width(), height(), stride(), buffer(), stride()}),
         ENTRY(odxFilterCorrNxNu8, "", sized({buffer(), size, value()}, 1)),
         ENTRY(odxFilterCorrNxNu8f32, "", sized({buffer(), size}, 4).refusing(wrapping)),
         ENTRY(odxFilterCorrNxNu8s16, "", sized({buffer(), size, value()}, 2)),

@@ -24,9 +24,9 @@ namespace odx::test
 constexpr uint32_t kWidth = 192, kHeight = 144;
 const std::string kImages = "src && dst && srcWidth && srcHeight"; // how most texts begin
 // How they go on, of rows of that length.
-inline std::string strides(const std::string& srcRow = "srcWidth", const std::string& dstRow = "srcWidth")
+inline std::string strides(const std::string& srcRow = "srcWidth", const std::string& dstRow = "")
 {
-    return " && (srcStride >= " + srcRow + ") && (dstStride >= " + dstRow + ")";
+    return " && (srcStride >= " + srcRow + ") && (dstStride >= " + (dstRow.empty() ? srcRow : dstRow) + ")";
 }
 constexpr uint32_t kNever = ~0u; // in place of a size of pixels: never worth the way to a remote target
 

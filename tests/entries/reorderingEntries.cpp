@@ -21,19 +21,17 @@ Entries entries()
     // Products of the checks that wrap, and two strides for one image.
     const std::vector<std::pair<size_t, double>> wide = {{1, 0x80000001}}, high = {{2, 0x80000001}},
                                                  twoStrides = {{0, 65536}, {4, 65536}, {5, 4000}};
-    const std::string transposed = kImages + " && ", dir = " && dir >= 1 && dir <= 3";
+    const std::string dir = " && dir >= 1 && dir <= 3";
     return {
-        ENTRY(odxTransposeu8, transposed + "(srcStride >= srcWidth) && (dstStride >= srcHeight)", image(1, true)),
-        ENTRY(odxTransposeu16, transposed + "(srcStride >= srcWidth*2) && (dstStride >= srcHeight*2)",
+        ENTRY(odxTransposeu8, kImages + strides("srcWidth", "srcHeight"), image(1, true)),
+        ENTRY(odxTransposeu16, kImages + strides("srcWidth*2", "srcHeight*2"),
               image(2, true).refusing({wide, high})),
-        ENTRY(odxTransposef32, transposed + "(srcStride >= srcWidth*4) && (dstStride >= srcHeight*4)",
+        ENTRY(odxTransposef32, kImages + strides("srcWidth*4", "srcHeight*4"),
               image(4, true).refusing({wide, high})),
         ENTRY(odxTransposeRGB888u8, "",
               {optional(), unchecked(width()), unchecked(height()), looseStride(), optional(), looseStride()}),
-        ENTRY(odxFlipu8, transposed + "(srcStride >= srcWidth) && (dstStride >= srcWidth)" + dir,
-              image(1, false, code(1))),
-        ENTRY(odxFlipu16, transposed + "(srcStride >= srcWidth*2) && (dstStride >= srcWidth*2)" + dir,
-              image(2, false, code(1)).refusing({wide})),
+        ENTRY(odxFlipu8, kImages + strides() + dir, image(1, false, code(1))),
+        ENTRY(odxFlipu16, kImages + strides("srcWidth*2") + dir, image(2, false, code(1)).refusing({wide})),
         ENTRY(odxFlipRGB888u8, "", image(3, false, code(1)).refusing({wide})),
         ENTRY(odxRotateImageu8, "", image(1, true, code(1))),
         ENTRY(odxRotateImageInterleavedu8, "",

@@ -90,15 +90,14 @@ Entries entries()
               "src && dst && width && height && ((width & 1) == 0 ) && ((height & 1) == 0)",
               Arguments{buffer(), evenWidth, evenRows, buffer()}.pixels(
                   0)), // its other version is looked at more closely
-        ENTRY(odxScaleDownBy2Gaussian5x5u8_v2,
-              kImages + " && (srcStride >= srcWidth) && (dstStride >= srcWidth/2)",
+        ENTRY(odxScaleDownBy2Gaussian5x5u8_v2, kImages + strides("srcWidth", "srcWidth/2"),
               {buffer(), width(), height(), stride(), buffer(), stride(kWidth / 2)}),
         ENTRY(odxScaleDownBy2Gaussian5x5f32,
               "srcImg && width && height && ((width & 1) == 0 ) && ((height & 1) == 0)",
               {buffer(), multiple(width(), 2), multiple(height(), 2), buffer()}),
         ENTRY(odxScaleDownBy2Gaussian5x5f32_v2,
-              kImages + " && ((srcWidth & 1) == 0 ) && ((srcHeight & 1) == 0) && (srcStride >= srcWidth*4) && "
-                        "(dstStride >= srcWidth*2)",
+              kImages + " && ((srcWidth & 1) == 0 ) && ((srcHeight & 1) == 0)" +
+                  strides("srcWidth*4", "srcWidth*2"),
               Arguments{buffer(), multiple(width(), 2), multiple(height(), 2), stride(4 * kWidth), buffer(),
                         stride(2 * kWidth)}
                   .refusing({{{1, 0x40000002}}, {{1, 0x80000002}}})),
@@ -107,7 +106,7 @@ Entries entries()
                   {{{1, 193}, {5, 96}}})),
         ENTRY(odxScaleUpBy2Gaussian5x5u8, "src && dst && width && height",
               {buffer(), width(), height(), buffer()}),
-        ENTRY(odxScaleUpBy2Gaussian5x5u8_v2, kImages + " && (srcStride >= srcWidth) && (dstStride >= srcWidth*2)",
+        ENTRY(odxScaleUpBy2Gaussian5x5u8_v2, kImages + strides("srcWidth", "srcWidth*2"),
               Arguments{buffer(), width(), height(), stride(), buffer(), stride(2 * kWidth)}.refusing(
                   {{{1, 0x80000001}, {3, 0x80000001}, {5, 2}}})),
         ENTRY(odxUpsampleVerticalu8, upsampled(">=srcWidth)"), upsampling(1, 1)),

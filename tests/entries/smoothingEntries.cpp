@@ -30,12 +30,11 @@ Entries entries()
                    gaussianWidth = width(2, 4, 2).with({0, 1}, {7}).errors(narrow);
     Argument gaussianHeight = height(), gaussianHeight2 = height(2);
     gaussianHeight.gpu = gaussianHeight2.gpu = 2;
+    const Arguments median = {buffer(8, 16), width(1, 8, 8), height()};
     return {
         ENTRY(odxFilterGaussian3x3u8, "src && dst && width && height",
               Arguments{buffer(4), packedGaussianWidth, gaussianHeight, buffer(4), value()}.fromRows(3)),
-        ENTRY(odxFilterGaussian3x3u8_v2,
-              "src && dst && (srcWidth > 1) && (srcHeight > 1) && (srcStride >= srcWidth) && (dstStride >= "
-              "srcWidth)",
+        ENTRY(odxFilterGaussian3x3u8_v2, "src && dst && (srcWidth > 1) && (srcHeight > 1)" + strides(),
               Arguments{buffer(4), gaussianWidth, gaussianHeight2, stride(kWidth, 4), buffer(4), stride(kWidth, 4),
                         value()}
                   .fromRows(3)),
@@ -48,14 +47,11 @@ Entries entries()
               packed(11, 11)),
         ENTRY(odxFilterGaussian11x11u8_v2, gaussianText(10), strided(11, 11, 1, false)),
         ENTRY(odxFilterGaussian5x5s16, "src && dst && width && height && height > 1", packed(1, 2)),
-        ENTRY(odxFilterGaussian5x5s16_v2,
-              kImages + " && (srcStride >= srcWidth*sizeof(int16_t)) && (dstStride >= srcWidth*sizeof(int16_t)) "
-                        "&& srcHeight > 1",
+        ENTRY(odxFilterGaussian5x5s16_v2, kImages + strides("srcWidth*sizeof(int16_t)") + " && srcHeight > 1",
               strided(1, 2, 2, true)),
         ENTRY(odxFilterGaussian5x5s32, "src && dst && width && height && width > 4 && height > 4", packed(5, 5)),
         ENTRY(odxFilterGaussian5x5s32_v2,
-              kImages + " && (srcStride >= srcWidth*sizeof(int32_t)) && (dstStride >= srcWidth*sizeof(int32_t)) "
-                        "&& srcWidth > 4 && srcHeight > 4",
+              kImages + strides("srcWidth*sizeof(int32_t)") + " && srcWidth > 4 && srcHeight > 4",
               strided(5, 5, 4, true)),
         ENTRY(odxBoxFilter3x3u8, boxText(" srcStride >=srcWidth ", 2), box(3)),
         ENTRY(odxBoxFilter3x3u8_v2, "",
@@ -69,14 +65,11 @@ Entries entries()
                         stride(4 * kWidth)}
                   .pixels(4)
                   .refusing({{{0, 65536}, {5, 65536}, {6, 4092}}})),
-        ENTRY(odxFilterMedian3x3u8, "src && dst && width && height",
-              Arguments{buffer(8, 16), width(1, 8, 8), height(), buffer(8, 16)}.fromRows(4)),
+        ENTRY(odxFilterMedian3x3u8, "src && dst && width && height", (median + buffer(8, 16)).fromRows(4)),
         ENTRY(odxFilterMedian3x3u8_v2, kImages + " && (srcStride >= srcWidth) && dstStride",
-              Arguments{buffer(8, 16), width(1, 8, 8), height(), stride(kWidth, 8), buffer(8, 16), looseStride(8)}
-                  .fromRows(4)),
+              (median + stride(kWidth, 8) + buffer(8, 16) + looseStride(8)).fromRows(4)),
         ENTRY(odxFilterMedian3x3u8_v3, "",
-              bordered({buffer(8, 16), width(1, 8, 8), height(), looseStride(8), buffer(8, 16), looseStride(8)})
-                  .fromRows(4)),
+              bordered(median + looseStride(8) + buffer(8, 16) + looseStride(8)).fromRows(4)),
         ENTRY(odxFilterMedianMxNs16, "",
               Arguments{buffer(), width(), height(), stride(2 * kWidth).explicitly(), value(3, {0, 1, 4}, {5}),
                         value(3, {0, 1, 4}, {5}), buffer(), stride(2 * kWidth).explicitly()}

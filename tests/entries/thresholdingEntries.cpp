@@ -37,9 +37,7 @@ Entries entries()
         ENTRY(odxFilterThresholdOtsuu8, "src && dst && srcStride >= srcWidth && dstStride >= srcWidth",
               fixed(stride(), {value()})),
         ENTRY(odxFilterThresholdOtsuu8, sameStride, inPlaceArguments),
-        ENTRY(odxAdaptiveThresholdGaussian3x3u8,
-              "src && dst && (srcWidth > 1) && (srcHeight > 1) && (srcStride >= srcWidth) && (dstStride >= "
-              "srcWidth)",
+        ENTRY(odxAdaptiveThresholdGaussian3x3u8, "src && dst && (srcWidth > 1) && (srcHeight > 1)" + strides(),
               adaptive(2, stride())),
         ENTRY(odxAdaptiveThresholdGaussian5x5u8, gaussianText(4), adaptive(5, looseStride())),
         ENTRY(odxAdaptiveThresholdGaussian11x11u8, gaussianText(10), adaptive(11, looseStride())),

@@ -28,7 +28,7 @@ Entries entries()
     const Arguments triples = {buffer(), checkedSize, checkedSize, stride(3 * kWidth), buffer(),
                                buffer(), width(),     height(),    stride(3 * kWidth), buffer()};
     const std::string packedText = "src && dst && proj && srcWidth && srcHeight && dstWidth && dstHeight",
-                      text = packedText + " && (srcStride >= srcWidth) && (dstStride >= dstWidth)",
+                      text = packedText + strides("srcWidth", "dstWidth"),
                       clippedText = "src && affineMatrix && dst && srcStride >= srcWidth && dstStride >= dstWidth";
     const std::string remapText = "src && (srcStride >= srcWidth*4) && dst && (dstStride >= dstWidth*4) && mapX "
                                   "&& mapY && (mapStride >= (dstWidth*sizeof(float32_t)))";
@@ -37,20 +37,12 @@ Entries entries()
                              buffer(), buffer(),    width(),     height(),      looseStride()};
     const Arguments patches = {buffer(), checkedSize, checkedSize, looseStride(), value(1000, {0}, {1}),
                                buffer(), buffer(),    buffer()};
-    return {
-        ENTRY(odxWarpPerspectiveu8, packedText, packed),
-        ENTRY(odx3ChannelWarpPerspectiveu8, packedText, packed),
-        ENTRY(odxWarpPerspectiveu8_v2, text, source + destination + matrix),
-        ENTRY(odx3ChannelWarpPerspectiveu8_v2, text, source + destination + matrix),
+    const Entries others = {
         ENTRY(odxWarpPerspectiveu8_v3, "", source + destination + matrix + interpolation),
         ENTRY(odxWarpPerspectiveu8_v4, "", source + destination + matrix + interpolation + border),
         ENTRY(odx2PlaneWarpPerspectiveu8, "",
               {buffer(), buffer(), checkedSize, checkedSize, stride(), stride(), buffer(), buffer(), width(),
                height(), stride(), stride(), buffer()}),
-        ENTRY(odxTransformAffineu8, "", patch),
-        ENTRY(odxTransformAffineu8_v2, "", patch),
-        ENTRY(odxTransformAffine8x8u8, "", patches.pixels(0)),
-        ENTRY(odxTransformAffine8x8u8_v2, "", patches.pixels(0)),
         ENTRY(odxTransformAffineClippedu8, clippedText, clipped),
         ENTRY(odxTransformAffineClippedu8_v2, "", clipped + interpolation),
         ENTRY(odxTransformAffineClippedu8_v3, "", clipped + interpolation + border),
@@ -69,6 +61,11 @@ Entries entries()
         ENTRY(odxGetPerspectiveTransformf32, "src1 && src2 && transformCoefficient",
               Arguments{buffer(), buffer(), buffer()}.pixels(0)),
     };
+    return alike(packedText, packed, {OP(odxWarpPerspectiveu8), OP(odx3ChannelWarpPerspectiveu8)}) +
+           alike(text, source + destination + matrix,
+                 {OP(odxWarpPerspectiveu8_v2), OP(odx3ChannelWarpPerspectiveu8_v2)}) +
+           alike("", patch, {OP(odxTransformAffineu8), OP(odxTransformAffineu8_v2)}) +
+           alike("", patches.pixels(0), {OP(odxTransformAffine8x8u8), OP(odxTransformAffine8x8u8_v2)}) + others;
 }
 
 } // namespace odx::test::warps

@@ -15,27 +15,14 @@ using namespace odx::test;
 namespace
 {
 
-struct Place {
-    uint32_t x, y;
-};
-
-// An operation by name, bytes of a pixel, and where the pixel at x, y of a width x height image goes.
+// An operation by name, the bytes of a pixel, and where the pixel at x, y goes: to y, x or to its place, counted
+// from the other end of rows or of columns.
 struct Case {
     const char* name;
     uint32_t size;
-    bool turned;
-    std::function<Place(uint32_t x, uint32_t y, uint32_t width, uint32_t height)> goes;
+    bool turned, mirrored, upsideDown;
     std::function<void(const uint8_t*, uint32_t width, uint32_t height, uint32_t, uint8_t*, uint32_t)> call;
 };
-
-constexpr auto transposed = [](uint32_t x, uint32_t y, uint32_t, uint32_t) { return Place{y, x}; };
-constexpr auto clockwise = [](uint32_t x, uint32_t y, uint32_t, uint32_t h) { return Place{h - 1 - y, x}; };
-constexpr auto counterClockwise = [](uint32_t x, uint32_t y, uint32_t w, uint32_t) { return Place{y, w - 1 - x}; };
-constexpr auto halfTurned = [](uint32_t x, uint32_t y, uint32_t w, uint32_t h) {
-    return Place{w - 1 - x, h - 1 - y};
-};
-constexpr auto upsideDown = [](uint32_t x, uint32_t y, uint32_t, uint32_t h) { return Place{x, h - 1 - y}; };
-constexpr auto mirrored = [](uint32_t x, uint32_t y, uint32_t w, uint32_t) { return Place{w - 1 - x, y}; };
 
 template <class T, class Operation, class... Code>
 auto calling(Operation* operation, Code... code)
@@ -47,32 +34,30 @@ auto calling(Operation* operation, Code... code)
 
 std::vector<Case> cases()
 {
-    std::vector<Case> all = {
-        {"transpose 8", 1, true, transposed, calling<uint8_t>(odxTransposeu8)},
-        {"transpose 16", 2, true, transposed, calling<uint16_t>(odxTransposeu16)},
-        {"transpose float", 4, true, transposed, calling<float>(odxTransposef32)},
-        {"transpose RGB", 3, true, transposed, calling<uint8_t>(odxTransposeRGB888u8)},
-        {"clockwise", 1, true, clockwise, calling<uint8_t>(odxRotateImageu8, 1)},
-        {"half turn", 1, false, halfTurned, calling<uint8_t>(odxRotateImageu8, 2)},
-        {"counter-clockwise", 1, true, counterClockwise, calling<uint8_t>(odxRotateImageu8, 3)},
-        {"pairs clockwise", 2, true, clockwise, calling<uint8_t>(odxRotateImageInterleavedu8, 1)},
-        {"pairs half turn", 2, false, halfTurned, calling<uint8_t>(odxRotateImageInterleavedu8, 2)},
-        {"pairs counter-clockwise", 2, true, counterClockwise, calling<uint8_t>(odxRotateImageInterleavedu8, 3)},
+    return {
+        {"transpose 8", 1, true, false, false, calling<uint8_t>(odxTransposeu8)},
+        {"transpose 16", 2, true, false, false, calling<uint16_t>(odxTransposeu16)},
+        {"transpose float", 4, true, false, false, calling<float>(odxTransposef32)},
+        {"transpose RGB", 3, true, false, false, calling<uint8_t>(odxTransposeRGB888u8)},
+        {"clockwise", 1, true, true, false, calling<uint8_t>(odxRotateImageu8, 1)},
+        {"half turn", 1, false, true, true, calling<uint8_t>(odxRotateImageu8, 2)},
+        {"counter-clockwise", 1, true, false, true, calling<uint8_t>(odxRotateImageu8, 3)},
+        {"pairs clockwise", 2, true, true, false, calling<uint8_t>(odxRotateImageInterleavedu8, 1)},
+        {"pairs half turn", 2, false, true, true, calling<uint8_t>(odxRotateImageInterleavedu8, 2)},
+        {"pairs counter-clockwise", 2, true, false, true, calling<uint8_t>(odxRotateImageInterleavedu8, 3)},
+        {"mirrored", 1, false, true, false, calling<uint8_t>(odxFlipu8, 1)},
+        {"mirrored", 2, false, true, false, calling<uint16_t>(odxFlipu16, 1)},
+        {"mirrored", 3, false, true, false, calling<uint8_t>(odxFlipRGB888u8, 1)},
+        {"upside down", 1, false, false, true, calling<uint8_t>(odxFlipu8, 2)},
+        {"upside down", 2, false, false, true, calling<uint16_t>(odxFlipu16, 2)},
+        {"upside down", 3, false, false, true, calling<uint8_t>(odxFlipRGB888u8, 2)},
+        {"both", 1, false, true, true, calling<uint8_t>(odxFlipu8, 3)},
+        {"both", 2, false, true, true, calling<uint16_t>(odxFlipu16, 3)},
+        {"both", 3, false, true, true, calling<uint8_t>(odxFlipRGB888u8, 3)},
     };
-    const auto add = [&](const char* name, int dir, auto goes) {
-        all.push_back({name, 1, false, goes, calling<uint8_t>(odxFlipu8, dir)});
-        all.push_back({name, 2, false, goes, calling<uint16_t>(odxFlipu16, dir)});
-        all.push_back({name, 3, false, goes, calling<uint8_t>(odxFlipRGB888u8, dir)});
-    };
-    add("mirrored", 1, mirrored);
-    add("upside down", 2, upsideDown);
-    add("both", 3, halfTurned);
-    return all;
 }
 
-class Reordering : public odx::test::ReferenceTest
-{
-};
+using Reordering = odx::test::ReferenceTest;
 
 } // namespace
 
@@ -81,14 +66,16 @@ TEST_F(Reordering, EveryPixelGoesToItsPlace)
     for (const Case& which : cases()) {
         for (const auto& [w, h] : {std::pair{1u, 1u}, {2u, 3u}, {3u, 3u}, {70u, 67u}}) {
             SCOPED_TRACE(std::string(which.name) + " " + std::to_string(which.size));
-            const uint32_t dstWidth = which.turned ? h : w, size = which.size;
+            const uint32_t dstWidth = which.turned ? h : w, dstHeight = which.turned ? w : h, size = which.size;
             std::vector<uint8_t> src(size * w * h), dst(src.size()), expected(src.size());
             for (size_t i = 0; i < src.size(); ++i)
                 src[i] = static_cast<uint8_t>(i * 7 + i / 251);
             for (uint32_t i = 0; i < w * h; ++i) {
-                const Place to = which.goes(i % w, i / w, w, h);
+                const uint32_t x = which.turned ? i / w : i % w, y = which.turned ? i % w : i / w,
+                               toX = which.mirrored ? dstWidth - 1 - x : x,
+                               toY = which.upsideDown ? dstHeight - 1 - y : y;
                 for (uint32_t k = 0; k < size; ++k)
-                    expected[size * (to.y * dstWidth + to.x) + k] = src[size * i + k];
+                    expected[size * (toY * dstWidth + toX) + k] = src[size * i + k];
             }
             which.call(src.data(), w, h, 0, dst.data(), 0);
             EXPECT_EQ(expected, dst);

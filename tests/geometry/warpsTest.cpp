@@ -2,6 +2,7 @@
 // are exact, and against values worked by hand.
 #include "cpu/ondrixWarpC.h"
 #include "ondrix.h"
+#include "support/pictures.h"
 #include "support/referenceTest.h"
 
 #include <gtest/gtest.h>
@@ -18,13 +19,9 @@ namespace
 constexpr unsigned kWidth = 23, kHeight = 19;
 constexpr uint8_t kBefore = 77;
 
-std::vector<uint8_t> noise(size_t count)
+std::vector<uint8_t> noise(int count)
 {
-    std::vector<uint8_t> bytes(count);
-    uint32_t state = 12345;
-    for (uint8_t& byte : bytes)
-        byte = static_cast<uint8_t>((state = state * 1664525 + 1013904223) >> 24);
-    return bytes;
+    return odx::test::noise<uint8_t>(count, 1, 0, 255).pixels;
 }
 
 enum class Kind { nearest, bilinear, fixed };
@@ -156,7 +153,7 @@ TEST_F(Warps, PerspectivesSampleWhereTheMatrixSays)
 TEST_F(Warps, RemapsSampleWhereTheMapsSay)
 {
     std::vector<float> mapX(kWidth * kHeight), mapY(mapX.size());
-    const std::vector<uint8_t> quads = noise(4 * mapX.size());
+    const std::vector<uint8_t> quads = noise(4 * kWidth * kHeight);
     uint8_t* const dst = dst_.data();
     for (const float(&m)[9] : kMatrices) {
         const auto at = [&](unsigned x, unsigned y) { return spot(m, x, y, true); };

@@ -12,9 +12,7 @@ using namespace odx::test;
 namespace
 {
 
-class Integrals : public odx::test::ReferenceTest
-{
-};
+using Integrals = odx::test::ReferenceTest;
 
 using Image = Grid<uint8_t>;
 
@@ -156,13 +154,8 @@ TEST_F(Integrals, PatchesReachBeyondTheImage)
                     src.data(), 11, 7, 0, x, y, static_cast<unsigned>(width), kHeight, sums.data(), stride,
                     squares.data(), stride, static_cast<odxBorderType>(type), 0x1FE);
                 EXPECT_EQ(type == 0 && !inside ? 3 : 0, status);
-                const auto pixelAt = [&](int u, int v) -> int {
-                    const int64_t column = int64_t{x} + u, row = int64_t{y} + v;
-                    const auto nearestColumn = std::clamp<int64_t>(column, 0, 10),
-                               nearestRow = std::clamp<int64_t>(row, 0, 6);
-                    const bool outside = column != nearestColumn || row != nearestRow;
-                    if (outside && type == 1) return 0xFE;
-                    return src.at(static_cast<int>(nearestColumn), static_cast<int>(nearestRow));
+                const auto pixelAt = [&, x = int64_t{x}, y = int64_t{y}](int u, int v) {
+                    return sample(src, x + u, y + v, {type != 1, 0xFE});
                 };
                 const Grid<uint32_t> untouched(width + 3, kHeight + 1, 77);
                 const auto expected = [&](bool squared) {

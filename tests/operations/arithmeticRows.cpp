@@ -195,8 +195,7 @@ void crossProduct(Draw& draw)
 #define DRAWN_depthPolicy(T) DRAWN_depth(T) DRAWN_policy(T)
 #define DRAWN_weights(T) , weight, weight, weight
 #define DRAWN_value(T) , value<T>
-#define DRAWN_scalar(T) , value<T>
-#define DRAWN_scalarShift(T) DRAWN_scalar(T) DRAWN_shift(T)
+#define DRAWN_valueShift(T) DRAWN_value(T) DRAWN_shift(T)
 #define DRAWN_table(T) , table
 
 std::vector<Row> rows()

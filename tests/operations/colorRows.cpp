@@ -72,21 +72,22 @@ struct Planes {
     Image<uint8_t> y, cb, cr;
 };
 
-template <uint32_t subsampling, bool interleaved, class Plane>
-Planes planes(Draw& draw, Extent extent, Plane plane, bool wholePairs = false)
+template <uint32_t subsampling, bool interleaved>
+Planes planes(Draw& draw, Extent extent, Image<uint8_t> (Draw::*plane)(const char*, Extent, bool),
+              bool wholePairs = false)
 {
     const Extent samples = chroma<subsampling>(extent);
     Planes all = {};
-    all.y = plane("Y", extent, false);
+    all.y = (draw.*plane)("Y", extent, false);
     if (!interleaved) {
-        all.cb = plane("Cb", samples, false);
-        all.cr = plane("Cr", samples, false);
+        all.cb = (draw.*plane)("Cb", samples, false);
+        all.cr = (draw.*plane)("Cr", samples, false);
     } else if (wholePairs || subsampling == 444 || extent.width % 2 == 0) {
-        all.cb = plane("C", Extent{2 * samples.width, samples.height}, false);
+        all.cb = (draw.*plane)("C", Extent{2 * samples.width, samples.height}, false);
     } else if (draw.pick("packed pairs", {0, 1}) == 1) { // a pair less
-        all.cb = plane("C", Extent{extent.width, samples.height}, true);
+        all.cb = (draw.*plane)("C", Extent{extent.width, samples.height}, true);
     } else { // which 0 does not stand for
-        all.cb = plane("C", Extent{extent.width + 1, samples.height}, false);
+        all.cb = (draw.*plane)("C", Extent{extent.width + 1, samples.height}, false);
         all.cb.defaulted = false;
     }
     return all;
@@ -108,8 +109,7 @@ void rgbToYCbCr(Draw& draw)
 {
     const Extent extent = mostlyWhole<subsampling>(draw);
     const auto src = sourcePixels(draw, extent, size);
-    const Planes d = planes<subsampling, pairs>(
-        draw, extent, [&](auto... plane) { return draw.destination<uint8_t>(plane...); }, true);
+    const Planes d = planes<subsampling, pairs>(draw, extent, &Draw::destination<uint8_t>, true);
     draw.call(operation, sized(src, extent), pointers<pairs>(d), strides<pairs>(d));
 }
 
@@ -117,10 +117,8 @@ template <uint32_t fromSubsampling, bool fromPairs, uint32_t toSubsampling, bool
 void yCbCr(Draw& draw)
 {
     const Extent extent = draw.extent();
-    const Planes s = planes<fromSubsampling, fromPairs>(
-        draw, extent, [&](auto... plane) { return draw.source<uint8_t>(plane...); });
-    const Planes d = planes<toSubsampling, toPairs>(
-        draw, extent, [&](auto... plane) { return draw.destination<uint8_t>(plane...); });
+    const Planes s = planes<fromSubsampling, fromPairs>(draw, extent, &Draw::source<uint8_t>);
+    const Planes d = planes<toSubsampling, toPairs>(draw, extent, &Draw::destination<uint8_t>);
     draw.call(operation, pointers<fromPairs>(s), extent, strides<fromPairs>(s), pointers<toPairs>(d),
               strides<toPairs>(d));
 }

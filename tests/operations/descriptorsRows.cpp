@@ -297,10 +297,10 @@ void searchVocabulary(Draw& draw)
 
 #define DOT_PRODUCTS(n)                                                                         \
     {"odxDotProduct" #n "x1s8", pair<int8_t, n, odxDotProduct##n##x1s8>},                       \
-    {"odxDotProduct" #n "x1u8", pair<uint8_t, n, odxDotProduct##n##x1u8>},                      \
-    {"odxDotProduct" #n "x4s8", oneWithFour<int8_t, int32_t, n, odxDotProduct##n##x4s8>},       \
-    {"odxDotProduct" #n "x4u8", oneWithFour<uint8_t, uint32_t, n, odxDotProduct##n##x4u8>},     \
-    {"odxDotProductNorm" #n "x4s8", normalised<int8_t, n, odxDotProductNorm##n##x4s8>},         \
+        {"odxDotProduct" #n "x1u8", pair<uint8_t, n, odxDotProduct##n##x1u8>},                  \
+        {"odxDotProduct" #n "x4s8", oneWithFour<int8_t, int32_t, n, odxDotProduct##n##x4s8>},   \
+        {"odxDotProduct" #n "x4u8", oneWithFour<uint8_t, uint32_t, n, odxDotProduct##n##x4u8>}, \
+        {"odxDotProductNorm" #n "x4s8", normalised<int8_t, n, odxDotProductNorm##n##x4s8>},     \
     {                                                                                           \
         "odxDotProductNorm" #n "x4u8", normalised<uint8_t, n, odxDotProductNorm##n##x4u8>       \
     }

@@ -273,6 +273,12 @@ public:
         const auto all = flat<strides>(values);
         run([&] { return std::apply(operation, all); });
     }
+    template <class... T>
+    auto drawn(const std::tuple<T...>& arguments)
+    {
+        return std::apply([&](const auto&... a) { return std::tuple<decltype(drawn(a))...>{drawn(a)...}; },
+                          arguments);
+    }
     template <class T>
     auto drawn(const T& argument)
     {
@@ -329,7 +335,9 @@ private:
     template <class T>
     void fill(const Image<T>& image)
     {
-        if (measures() && (showsPicture(image) || showsNoise(image))) return;
+        if (measures() && std::is_integral_v<T>)
+            return show(image.pixels, size_t{image.stride} * image.height,
+                        std::is_same_v<T, uint8_t> ? image.extent() : Extent());
         static_assert(std::is_arithmetic_v<T>);
         content_ = measures() || sweeps() ? 0 : below(6);
         for (uint32_t y = 0; y < image.height; ++y) {
@@ -341,27 +349,6 @@ private:
             }
         }
     }
-    // Whether the image holds whole numbers: those of a measurement are noise that is made once.
-    template <class T>
-    bool showsNoise(const Image<T>& image)
-    {
-        if constexpr (std::is_integral_v<T>) copyNoise(image.pixels, size_t{image.stride} * image.height);
-        return std::is_integral_v<T>;
-    }
-    // Whether the image is one that the picture of a measurement fits, which it then holds.
-    template <class T>
-    bool showsPicture(const Image<T>& image)
-    {
-        if constexpr (std::is_same_v<T, uint8_t>) {
-            const Extent& extent = measurement_.extent;
-            if (measurement_.picture == nullptr || image.width != extent.width || image.height != extent.height)
-                return false;
-            memcpy(image.pixels, measurement_.picture, size_t{extent.width} * extent.height);
-            return true;
-        } else {
-            return false;
-        }
-    }
     struct Buffer {
         const char* name;
         size_t elementSize, row, stride; // in bytes
@@ -369,7 +356,9 @@ private:
     };
 
     bool sweeps() const { return !measures() && seed_ < kFirstDrawn; }
-    void copyNoise(void* to, size_t size) const; // of another place for each buffer
+    // Fills an image of whole numbers for a measurement: with the picture, where an extent of bytes fits it, or
+    // with noise of another place for each buffer.
+    void show(void* to, size_t size, Extent extent) const;
     uint64_t below(uint64_t n) { return random_() % n; }
     void fillIntegers(uint8_t* row, uint32_t width, size_t elementSize, uint32_t y);
     double realPixel(uint32_t x, uint32_t y);

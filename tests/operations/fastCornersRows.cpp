@@ -5,13 +5,6 @@
 namespace odx::test::fastCorners
 {
 
-// A mask whose size is the image's, times 2^finer, divided by 2^coarser.
-struct Mask {
-    uint32_t finer = 0, coarser = 0;
-    uint32_t width = 0, height = 0;
-    const uint8_t* bits = nullptr;
-};
-
 // The image, of which a border is not searched; at least 3 pixels.
 Extent drawExtent(Draw& draw, uint32_t& border)
 {
@@ -19,19 +12,6 @@ Extent drawExtent(Draw& draw, uint32_t& border)
     const Extent extent = draw.extent(7, 7, 2 * std::max(border, 3u));
     border = std::min(border, (std::min(extent.width, extent.height) - 1) / 2);
     return extent;
-}
-
-Mask drawScale(Draw& draw, Extent& extent)
-{
-    Mask mask;
-    const int scale = draw.pick("mask scale", {0, 1, 2, 3, -1, -2, -3});
-    mask.finer = scale > 0 ? static_cast<uint32_t>(scale) : 0;
-    mask.coarser = scale < 0 ? static_cast<uint32_t>(-scale) : 0;
-    extent.width = std::max(extent.width >> mask.coarser << mask.coarser, 8u);
-    extent.height = std::max(extent.height >> mask.coarser << mask.coarser, 8u);
-    mask.width = (extent.width << mask.finer) >> mask.coarser;
-    mask.height = (extent.height << mask.finer) >> mask.coarser;
-    return mask;
 }
 
 // Detectors that look where a mask has bits, give scores, and suppress what is not the greatest around: with room
@@ -43,8 +23,8 @@ void corners(Draw& draw)
     constexpr bool masked = (kind & kMasked) != 0;
     uint32_t border;
     Extent extent = drawExtent(draw, border);
-    Mask mask;
-    if (masked) mask = drawScale(draw, extent);
+    Extent mask = {};
+    if (masked) mask = maskFor(draw, extent);
     const auto src = draw.source<uint8_t>("src", extent);
     const int barrier =
         draw.pick("barrier", {20, 20, 0, 1, 5, 60, 127, 128, 200, 253, 254, 255, 256, -1, -40, -255, -1000});
@@ -52,14 +32,14 @@ void corners(Draw& draw)
                    capacity = draw.pick("capacity", {pixels, pixels, pixels, pixels / 3, 40u, 7u, 1u, 0u});
     uint32_t *const xy = draw.destinationArray<uint32_t>("xy", 2 * std::max(capacity, 1u)),
                     *const scores = draw.destinationArray<uint32_t>("scores", std::max(capacity, 1u));
-    mask.bits = draw.sourceArray<uint8_t>("mask", masked ? (mask.width + 7) / 8 * mask.height : 1);
+    const uint8_t* const bits = draw.sourceArray<uint8_t>("mask", masked ? (mask.width + 7) / 8 * mask.height : 1);
     if (masked && draw.pick("misfit", {0, 0, 0, 0, 0, 0, 0, 1}) == 1) mask.width -= 1;
     // Its content is nobody's business, so the room is no source and no destination.
     const uint32_t nms = draw.pick("nms", {1u, 0u, 7u});
     std::vector<uint32_t> room(3 * size_t{capacity} + extent.height, draw.number("seed", 0u, 99u, 0u));
     uint32_t count = 0;
     draw.call(operation, sized(src), barrier, border, xy, when<(kind & kScored) != 0>(scores), capacity, &count,
-              when<masked>(mask.bits, mask.width, mask.height),
+              when<masked>(bits, mask.width, mask.height),
               when<(kind & kSuppressing) != 0>(nms, nms == 0 ? nullptr : room.data()));
     draw.result(count);
 }

@@ -45,14 +45,7 @@ void corners(Draw& draw)
 void cornersInMask(Draw& draw)
 {
     Extent extent = drawExtent(draw);
-    Extent mask = extent;
-    const int shift = draw.pick("mask", {0, 1, 2, 3, -1, -2, -3});
-    if (!draw.measures()) { // sizes that halve as often
-        const uint32_t whole = 1u << std::max(-shift, 0);
-        extent = {(extent.width + whole - 1) / whole * whole, (extent.height + whole - 1) / whole * whole};
-        mask = shift >= 0 ? Extent{extent.width << shift, extent.height << shift}
-                          : Extent{extent.width >> -shift, extent.height >> -shift};
-    }
+    const Extent mask = maskFor(draw, extent);
     const auto src = draw.source<uint8_t>("src", extent);
     const auto bits = draw.source<uint8_t>("bits", {(mask.width + 7) / 8, mask.height}, true);
     const CornerList list(draw);

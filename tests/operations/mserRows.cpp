@@ -50,14 +50,11 @@ void extraction(Draw& draw)
     }
     const uint32_t most = draw.number("most", 0u, 2000u, 10000u),
                    mostPoints = draw.number("points", 0u, 60000u, 2000000u);
-    float* const variation = draw.destinationArray<float>("variation", most);
-    int32_t* const polarity = draw.destinationArray<int32_t>("polarity", most);
-    uint32_t *const id = draw.destinationArray<uint32_t>("id", most),
-                    *const counter = draw.destinationArray<uint32_t>("counter", most),
-                    *const boxes = draw.destinationArray<uint32_t>("boxes", 4 * most);
+    const auto numbers = to<uint32_t>("numbers", most);
     draw.call(operation, handle.handle, sized(src), most, results<uint32_t, counts>, to<Count>("numPoints", most),
-              mostPoints, to<uint32_t>("array", 2 * mostPoints), when<extended>(variation, polarity, id, counter),
-              when<box>(boxes));
+              mostPoints, to<uint32_t>("array", 2 * mostPoints),
+              when<extended>(to<float>("variation", most), to<int32_t>("polarity", most), numbers, numbers),
+              when<box>(to<uint32_t>("boxes", 4 * most)));
 }
 
 std::vector<Row> rows()

@@ -70,13 +70,23 @@ auto strides(const I&... images)
     return std::tuple(images.strideArgument()...);
 }
 
+// The size of a mask for an image, of sides that are 2, 4 or 8 times its own, or such shares of them.
+inline Extent maskFor(Draw& draw, Extent& extent)
+{
+    const int shift = draw.pick("mask", {0, 1, 2, 3, -1, -2, -3}), up = std::max(shift, 0),
+              down = std::max(-shift, 0);
+    const uint32_t whole = 1u << down; // sizes that halve as often
+    extent = {(extent.width + whole - 1) / whole * whole, (extent.height + whole - 1) / whole * whole};
+    return {extent.width << up >> down, extent.height << up >> down};
+}
+
 // ---- shapes ----
 
 // The rows of an operation and of its second version, which have the same shape<arguments..., operation>.
-#define VERSIONS(operation, shape, ...)                             \
-    {#operation, shape<__VA_ARGS__, operation>},                    \
-    {                                                               \
-        #operation "_v2", shape<__VA_ARGS__, operation##_v2>        \
+#define VERSIONS(operation, shape, ...)                        \
+    {#operation, shape<__VA_ARGS__, operation>},               \
+    {                                                          \
+#operation "_v2", shape < __VA_ARGS__, operation##_v2> \
     }
 
 // operation(arguments...).

@@ -11,9 +11,7 @@ namespace
 using Bytes = Grid<uint8_t>;
 const std::vector<int> kGaussian = {1, 4, 6, 4, 1};
 
-class Pyramids : public odx::test::ReferenceTest
-{
-};
+using Pyramids = odx::test::ReferenceTest;
 
 using Sizes = std::vector<std::pair<uint32_t, uint32_t>>;
 Sizes sizesOf(const std::vector<odxPyrLevelStrided>& levels)

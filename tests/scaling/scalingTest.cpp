@@ -10,9 +10,7 @@ using namespace odx::test;
 namespace
 {
 
-class Scaling : public odx::test::ReferenceTest
-{
-};
+using Scaling = odx::test::ReferenceTest;
 
 using Bytes = Grid<uint8_t>;
 constexpr uint8_t kUntouched = 77;

@@ -54,9 +54,7 @@ int asIs(int v)
     return v;
 }
 
-class Statistics : public odx::test::ReferenceTest
-{
-};
+using Statistics = odx::test::ReferenceTest;
 
 // As bits, which tell zeros and not-a-numbers apart.
 template <class T>

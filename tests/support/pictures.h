@@ -68,11 +68,11 @@ struct Outside {
 };
 
 template <class T>
-int64_t sample(const Grid<T>& src, int x, int y, Outside outside)
+int64_t sample(const Grid<T>& src, int64_t x, int64_t y, Outside outside)
 {
-    if (src.holds(x, y)) return src.at(x, y);
-    if (!outside.replicate) return outside.constant;
-    return src.at(std::clamp(x, 0, src.width - 1), std::clamp(y, 0, src.height - 1));
+    const auto u = std::clamp<int64_t>(x, 0, src.width - 1), v = std::clamp<int64_t>(y, 0, src.height - 1);
+    const bool inside = u == x && v == y;
+    return inside || outside.replicate ? src.at(static_cast<int>(u), static_cast<int>(v)) : outside.constant;
 }
 
 // Calls f(dx, dy) over a window.

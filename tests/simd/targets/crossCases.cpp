@@ -48,7 +48,9 @@ const PrimitiveCase kCases[] = {
          7 + sumOf(kBytes, [=](size_t k) { return (int8_t)in[k] * (int8_t)in[k + kBytes]; }),
          put<uint32_t>(out, 0, sumOfLanes(addProducts(u32v{7}, load<s8v>(in), load<s8v>(in + kBytes))))),
     CASE("addProducts of s16v", 2 * kBytes, uint32_t, 1,
-         kBytes / 4 * 5 + sumOf(kBytes / 2, [=](size_t k) { return at<int16_t>(in, k) * (at<int16_t>(in + kBytes, k) >> 1); }),
+         kBytes / 4 * 5 + sumOf(kBytes / 2, [=](size_t k) {
+             return at<int16_t>(in, k) * (at<int16_t>(in + kBytes, k) >> 1);
+         }),
          put<uint32_t>(out, 0, sumOfLanes(addProducts(s32v{} + 5, load<s16v>(in), load<s16v>(in + kBytes) >> 1)))),
     {"addBytes, addDifferences and storeSums", 4 * kBytes,
      [](In in, Out out, Out expected) {
@@ -140,15 +142,12 @@ const PrimitiveCase kCases[] = {
     {"storePairs of f32v", 2 * kBytes, pairsStored<float, f32v>},
     CASE("narrowMask", 2 * kBytes, int16_t, kBytes / 2, at<int32_t>(in, i) > 0 ? -1 : 0,
          store(out, narrowMask({load<s32v>(in) > 0, load<s32v>(in + kBytes) > 0}))),
-    {"sumOfSquares", 2 * kBytes,
-     [](In in, Out out, Out expected) {
-         const s32p sums = sumOfSquares(load<s16v>(in), load<s16v>(in + kBytes));
-         storeAll(out, sums.a, sums.b);
-         for (size_t i = 0; i < kBytes / 2; ++i) {
-             const int64_t a = at<int16_t>(in, i), b = at<int16_t>(in + kBytes, i);
-             put<int32_t>(expected, i, a * a + b * b);
-         }
-     }},
+    CASE("sumOfSquares", 2 * kBytes, uint32_t, kBytes / 2,
+         sumOf(2, [=](size_t k) {
+             const int64_t v = at<int16_t>(in + kBytes * k, i);
+             return v * v;
+         }),
+         put<s32p>(out, 0, sumOfSquares(load<s16v>(in), load<s16v>(in + kBytes)))),
     CASE("eachTwice", kBytes, uint8_t, kBytes, in[i / 2 * 2],
          store(out, join(ofHalves<u16p>(eachTwice((s16v)(load<u16v>(in) & 0xFF)), [](u16v v) { return v; })))),
     CASE("dots", kBytes + 4, uint8_t, kBytes,
@@ -196,9 +195,9 @@ const PrimitiveCase kCases[] = {
     {"sums of a vector", kBytes,
      [](In in, Out out, Out expected) {
          const u8v v = load<u8v>(in);
-         uint64_t sum = 0, greatest = 0, bits = 0;
+         const uint32_t sum = sumOf(kBytes, [=](size_t i) { return in[i]; });
+         uint64_t greatest = 0, bits = 0;
          for (size_t i = 0; i < kBytes; ++i) {
-             sum += in[i];
              greatest = greatest < in[i] ? in[i] : greatest;
              bits |= uint64_t{in[i] > 127} << i;
          }
@@ -281,13 +280,9 @@ const PrimitiveCase kCases[] = {
                            at<uint32_t>(in + kBytes, i) + (uint32_t)(p[i] * pair[0] + p[kLanes + i] * pair[1]));
          }
      }},
-    {"loadOnce and loadHalves", 3 * kBytes / 2,
-     [](In in, Out out, Out expected) {
-         storeAll(out, loadOnce(in), loadHalves(in, in + kBytes));
-         memcpy(expected, in, kBytes);
-         memcpy(expected + kBytes, in, kBytes / 2);
-         memcpy(expected + 3 * kBytes / 2, in + kBytes, kBytes / 2);
-     }},
+    CASE("loadOnce", kBytes, uint8_t, kBytes, in[i], store(out, loadOnce(in))),
+    CASE("loadHalves", 3 * kBytes / 2, uint8_t, kBytes, in[i < kBytes / 2 ? i : kBytes / 2 + i],
+         store(out, loadHalves(in, in + kBytes))),
     CASE("repeat and rotate", 16, uint8_t, 2 * kBytes, in[(i + i / kBytes * 5) % 16],
          storeAll(out, repeat(at<uint64_t>(in, 0), at<uint64_t>(in, 1)),
                   rotate<5>(repeat(at<uint64_t>(in, 0), at<uint64_t>(in, 1))))),
