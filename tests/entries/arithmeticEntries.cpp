@@ -5,18 +5,6 @@
 namespace odx::test::arithmetic
 {
 
-// A packed row, as texts have it.
-template <class T>
-std::string row(const std::string& width, uint32_t channels)
-{
-    std::string type = "float";
-    if (std::is_integral_v<T>) {
-        if (sizeof(T) == 1 && channels == 1) return width;
-        type = (std::is_signed_v<T> ? "int" : "uint") + std::to_string(8 * sizeof(T)) + "_t";
-    }
-    return width + "*sizeof(" + type + ")" + (channels == 1 ? "" : "*" + std::to_string(channels));
-}
-
 // The stride of an image.
 template <class T>
 Argument strideFor(uint32_t channels = 1)

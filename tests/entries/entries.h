@@ -30,6 +30,18 @@ inline std::string strides(const std::string& srcRow = "srcWidth", const std::st
 }
 constexpr uint32_t kNever = ~0u; // in place of a size of pixels: never worth the way to a remote target
 
+// A packed row, as texts have it.
+template <class T>
+std::string row(const std::string& width, uint32_t channels = 1)
+{
+    std::string type = "float";
+    if (std::is_integral_v<T>) {
+        if (sizeof(T) == 1 && channels == 1) return width;
+        type = (std::is_signed_v<T> ? "int" : "uint") + std::to_string(8 * sizeof(T)) + "_t";
+    }
+    return width + "*sizeof(" + type + ")" + (channels == 1 ? "" : "*" + std::to_string(channels));
+}
+
 using Values = std::vector<double>;
 struct Argument {
     enum Kind { kPointer, kColumns, kRows, kStride, kOther };

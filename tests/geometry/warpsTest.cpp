@@ -87,6 +87,12 @@ Spot spot(const float* m, unsigned x, unsigned y, bool perspective)
     return {row(0) / den, row(3) / den};
 }
 
+// Inside the picture.
+Spot nearest(Spot s)
+{
+    return {fmin(fmax(s.x, 0), kWidth - 1), fmin(fmax(s.y, 0), kHeight - 1)};
+}
+
 class Warps : public odx::test::ReferenceTest
 {
 protected:
@@ -176,9 +182,7 @@ TEST_F(Warps, RemapsSampleWhereTheMapsSay)
             EXPECT_EQ(0, remap(odxRemapu8_v2, grey_, type, ONDRIX_BORDER_CONSTANT, 200));
             expectSamples(grey_, 1, kind, at, 200, 200, "constant");
             EXPECT_EQ(0, remap(odxRemapu8_v2, grey_, type, ONDRIX_BORDER_REPLICATE, 200));
-            const auto clamped = [&](unsigned x, unsigned y) {
-                return Spot{fmin(fmax(at(x, y).x, 0), kWidth - 1), fmin(fmax(at(x, y).y, 0), kHeight - 1)};
-            };
+            const auto clamped = [&](unsigned x, unsigned y) { return nearest(at(x, y)); };
             expectSamples(grey_, 1, kind, clamped, 0, 0, "replicated"); // pixels beyond have no share
         }
         EXPECT_EQ(3, remap(odxRemapu8, grey_, static_cast<odxInterpolationType>(3)));
@@ -220,9 +224,7 @@ TEST_F(Warps, ClippedTransformsLeaveWhatIsOutside)
         clip(odxTransformAffineClippedu8_v3, ONDRIX_INTERPOLATION_BILINEAR, ONDRIX_BORDER_CONSTANT, 200u);
         expectSamples(grey_, 1, Kind::fixed, at, 200, 200, "constant");
         clip(odxTransformAffineClippedu8_v3, ONDRIX_INTERPOLATION_BILINEAR, ONDRIX_BORDER_REPLICATE, 200u);
-        const auto clamped = [&](unsigned x, unsigned y) {
-            return Spot{fmin(fmax(at(x, y).x, 0), kWidth - 1), fmin(fmax(at(x, y).y, 0), kHeight - 1)};
-        };
+        const auto clamped = [&](unsigned x, unsigned y) { return nearest(at(x, y)); };
         expectSamples(grey_, 1, Kind::fixed, clamped, {}, 0, "replicated");
     }
     // Bicubic: whole positions copy, flat stays flat, and half a pixel has the weights -1/16, 9/16, 9/16, -1/16.

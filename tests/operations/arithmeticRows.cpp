@@ -39,9 +39,9 @@ void addSpecial(Draw& draw, const Image<float>& image)
         memcpy(&image.at(i % image.width, i / image.width), &kPatterns[i % 13], sizeof(float));
 }
 template <class T>
-Image<T> sourceOf(Draw& draw, const char* name, Extent extent)
+Image<T> sourceOf(Draw& draw, const char* name, Extent extent, bool packed = false)
 {
-    const Image<T> image = draw.source<T>(name, extent);
+    const Image<T> image = draw.source<T>(name, extent, packed);
     if constexpr (std::is_floating_point_v<T>) addSpecial(draw, image);
     return image;
 }
@@ -60,7 +60,7 @@ void settle(const Image<T>& image)
 
 // Where the result goes: to an image of its own, or to a source whose elements are as large.
 template <class D, class S>
-Image<D> destinationOf(Draw& draw, Extent extent, const Image<S>& source, const char* what)
+Image<D> destinationOf(Draw& draw, Extent extent, const Image<S>& source, const char* what, bool packed = false)
 {
     if constexpr (sizeof(S) == sizeof(D)) {
         if (!draw.measures() && draw.pick(what, {0, 0, 1}) == 1) {
@@ -69,17 +69,18 @@ Image<D> destinationOf(Draw& draw, Extent extent, const Image<S>& source, const 
                     source.defaulted};
         }
     }
-    return draw.destination<D>("dst", extent);
+    return draw.destination<D>("dst", extent, packed);
 }
 
 template <class S1, class S2, class D, auto* operation, auto... rest>
 void two(Draw& draw)
 {
+    constexpr bool packed = arity(operation) < 8 + sizeof...(rest);
     const Extent extent = draw.extent();
-    const auto src1 = sourceOf<S1>(draw, "src1", extent);
-    const auto src2 = sourceOf<S2>(draw, "src2", extent);
-    const auto dst = sizeof(S1) == sizeof(D) ? destinationOf<D>(draw, extent, src1, "in src1")
-                                             : destinationOf<D>(draw, extent, src2, "in src2");
+    const auto src1 = sourceOf<S1>(draw, "src1", extent, packed);
+    const auto src2 = sourceOf<S2>(draw, "src2", extent, packed);
+    const auto dst = sizeof(S1) == sizeof(D) ? destinationOf<D>(draw, extent, src1, "in src1", packed)
+                                             : destinationOf<D>(draw, extent, src2, "in src2", packed);
     draw.call(operation, sized(src1, extent), src2, rest..., dst);
     settle(dst);
 }
@@ -123,14 +124,6 @@ void setElements(Draw& draw)
         }
     }();
     draw.call(operation, sized(dst, extent), value, mask.pixels, masked ? mask.strideArgument() : 1);
-}
-
-void packedDifference(Draw& draw)
-{
-    const auto src1 = draw.source<uint8_t>("src1", draw.extent(), true),
-               src2 = draw.source<uint8_t>("src2", src1.extent(), true),
-               dst = draw.destination<uint8_t>("dst", src1.extent(), true);
-    draw.call(odxImageDiffu8, src1.pixels, src1.extent(), src2.pixels, dst.pixels);
 }
 
 template <auto* operation, size_t... more>
@@ -206,7 +199,7 @@ std::vector<Row> rows()
 #define TO_VALUES(name, T, channels) {#name, toValues<T, channels, name>},
 #define SET(name, T, channels) {#name, setElements<T, channels, name>},
 #include "operations/arithmetic.def"
-        {"odxImageDiffu8", packedDifference},
+        {"odxImageDiffu8", two<uint8_t, uint8_t, uint8_t, odxImageDiffu8>},
         {"odxChannelCombine2Planesu8", combine<odxChannelCombine2Planesu8, 2>},
         {"odxChannelCombine3Planesu8", combine<odxChannelCombine3Planesu8, 3>},
         {"odxChannelCombine4Planesu8", combine<odxChannelCombine4Planesu8, 4>},

@@ -26,23 +26,16 @@ Extent extentFor(Draw& draw, uint32_t M, uint32_t N)
     return draw.extent(1, 1, std::max(M, N) - 1);
 }
 
-template <uint32_t K, auto* operation>
+// Of a size that is fixed, or else drawn and given.
+template <uint32_t fixed, auto* operation>
 void rounded(Draw& draw)
 {
     constexpr bool packed = arity(operation) < 8;
-    const auto weights = [](Draw& d) { return kernel(d, "kernel", K); };
-    const auto src = draw.source<int16_t>("src", draw.extent(K, K), packed),
-               dst = draw.destination<int16_t>("dst", src.extent(), packed);
-    draw.call(operation, weights, weights, sized(src), dst);
-}
-
-void roundedNxN(Draw& draw)
-{
-    const uint32_t n = draw.pick("N", {21u, 3u, 5u, 7u, 17u, 31u});
-    const auto src = draw.source<int16_t>("src", draw.extent(n, n)),
-               dst = draw.destination<int16_t>("dst", src.extent());
+    const uint32_t n = fixed != 0 ? fixed : draw.pick("N", {21u, 3u, 5u, 7u, 17u, 31u});
     const auto weights = [=](Draw& d) { return kernel(d, "kernel", n); };
-    draw.call(odxFilterCorrSepNxNs16, weights, weights, n, sized(src), dst);
+    const auto src = draw.source<int16_t>("src", draw.extent(n, n), packed),
+               dst = draw.destination<int16_t>("dst", src.extent(), packed);
+    draw.call(operation, weights, weights, when<fixed == 0>(n), sized(src), dst);
 }
 
 constexpr auto shift = between<0u, 31u, 7u>;
@@ -104,7 +97,7 @@ std::vector<Row> rows()
         VERSIONS(odxFilterCorrSep13x13s16, rounded, 13),
         VERSIONS(odxFilterCorrSep15x15s16, rounded, 15),
         VERSIONS(odxFilterCorrSep17x17s16, rounded, 17),
-        {"odxFilterCorrSepNxNs16", roundedNxN},
+        {"odxFilterCorrSepNxNs16", rounded<0, odxFilterCorrSepNxNs16>},
         {"odxFilterConvolveMxNu8", anyKernel<uint8_t, odxFilterConvolveMxNu8>},
         {"odxFilterConvolveMxNu8s16", anyKernel<int16_t, odxFilterConvolveMxNu8s16>},
         {"odxFilterCorrSepMxNu8", separableBytes},

@@ -21,12 +21,13 @@ const float* inverseLengths(Draw& draw, uint32_t count)
 template <class T, uint32_t n, auto* operation>
 constexpr auto pair = taking<operation, array<T, n>, array<T, n>>;
 
-// operation(a, b, length).
+// operation(a, b, length), or of one array.
 template <class T, auto* operation>
 void arrays(Draw& draw)
 {
     const uint32_t length = draw.length(0, sizeof(T));
-    draw.call(operation, from<T>("a", length), from<T>("b", length), length);
+    const auto array = from<T>("array", length);
+    draw.call(operation, array, when<arity(operation) == 3>(array), length);
 }
 
 template <class T, auto* operation>
@@ -308,8 +309,8 @@ void searchVocabulary(Draw& draw)
 std::vector<Row> rows()
 {
     return {
-        {"odxBitCountu8", arrayToResult<uint8_t, odxBitCountu8>},
-        {"odxBitCountu32", arrayToResult<uint32_t, odxBitCountu32>},
+        {"odxBitCountu8", arrays<uint8_t, odxBitCountu8>},
+        {"odxBitCountu32", arrays<uint32_t, odxBitCountu32>},
         {"odxBitCount32x1u8", count<32, odxBitCount32x1u8>},
         {"odxBitCount64x1u8", count<64, odxBitCount64x1u8>},
         {"odxBitCount32x4u8", fourCounts<32, odxBitCount32x4u8>},

@@ -184,16 +184,10 @@ void Draw::fillIntegers(uint8_t* row, uint32_t width, size_t elementSize, uint32
         }
     };
     const auto fillWith = [&](auto valueAt) {
-        switch (elementSize) {
-        case 1:
-            return fillAs(uint8_t{0}, valueAt);
-        case 2:
-            return fillAs(uint16_t{0}, valueAt);
-        case 4:
-            return fillAs(uint32_t{0}, valueAt);
-        default:
-            return fillAs(uint64_t{0}, valueAt);
-        }
+        elementSize == 1   ? fillAs(uint8_t{0}, valueAt)
+        : elementSize == 2 ? fillAs(uint16_t{0}, valueAt)
+        : elementSize == 4 ? fillAs(uint32_t{0}, valueAt)
+                           : fillAs(uint64_t{0}, valueAt);
     };
     const auto eitherOf = [&](uint64_t one, uint64_t other) {
         uint64_t bits = 0;

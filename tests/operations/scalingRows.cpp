@@ -48,12 +48,6 @@ void rescaling(Draw& draw)
         draw, extent, {(upX * extent.width + rounds) / down, (upY * extent.height + rounds) / down});
 }
 
-void threeToTwo(Draw& draw)
-{
-    const Extent extent = draw.extent(3, 3);
-    rescale<uint8_t, 1, odxScaleDown3To2u8>(draw, extent, {extent.width / 3 * 2, extent.height / 3 * 2});
-}
-
 // Operations whose sizes are given.
 
 template <uint32_t channels, auto* operation, class... Numbers>
@@ -206,7 +200,7 @@ std::vector<Row> rows()
     return {
         VERSIONS(odxScaleDownBy2u8, whole, uint8_t, 1, 2),
         VERSIONS(odxScaleDownBy4u8, whole, uint8_t, 1, 4),
-        {"odxScaleDown3To2u8", threeToTwo},
+        {"odxScaleDown3To2u8", rescaling<odxScaleDown3To2u8, 2, 2, 1, 3, 3>},
         {"odxScaleDownu8", blocks<odxScaleDownu8>},
         {"odxScaleDownu8_v2", blocks<odxScaleDownu8_v2>},
         {"odxScaleDownMNu8", toAnySize<1, 20, odxScaleDownMNu8>},

@@ -106,14 +106,6 @@ void imageToImage(Draw& draw)
     draw.call(operation, sized(src), draw.destination<Destination>("dst", src.extent(), packed), rest...);
 }
 
-// result = operation(src, length).
-template <class Source, auto* operation>
-void arrayToResult(Draw& draw)
-{
-    const uint32_t length = draw.length(1, sizeof(Source));
-    draw.call(operation, from<Source>("src", length), length);
-}
-
 } // namespace odx::test
 
 #endif
