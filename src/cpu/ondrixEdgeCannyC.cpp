@@ -1,5 +1,4 @@
 // Canny's edges: the way through the image, and the reference's loops.
-#include "cpu/border.h"
 #include "cpu/ondrixEdgeC.h"
 #include "cpu/ondrixEdgeCanny.h"
 #include "cpu/ondrixEdgeRows.h"
@@ -160,8 +159,15 @@ odxStatus edge::detectEdges(const Loops& loops, const EdgeImage& image, Limits l
     for (uint32_t y0 = 0, count; y0 < height; y0 += count) {
         count = height - y0 < bandHeight ? height - y0 : bandHeight;
         for (uint32_t i = 0; i < count + 2 * r; ++i) {
-            border::copyLine(plane, border::Outside<uint8_t>{true, 0}, -int64_t{r}, int64_t{y0} + i - r,
-                             width + 2 * r, source.get() + pitch * i);
+            const int64_t y = int64_t{y0} + i - r;
+            const uint8_t* const row = rowOf(plane.src, plane.srcStride,
+                                             y < 0        ? 0
+                                             : y < height ? static_cast<size_t>(y)
+                                                          : height - 1);
+            uint8_t* const line = source.get() + pitch * i;
+            memset(line, row[0], r);
+            memcpy(line + r, row, width);
+            memset(line + r + width, row[width - 1], r);
         }
         int16_t *const newX = gx + pitch * kept, *const newY = gy + pitch * kept;
         loops.gradients(source.get(), pitch, newX, newY, pitch, width, count);

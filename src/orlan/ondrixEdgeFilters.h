@@ -224,8 +224,8 @@ struct SobelY : Window<K, K, kBytes / 2> {
 // Outputs of the Sobel sums, the first of which has its uppermost leftmost tap at `src`; strides in bytes, the
 // width at least kBytes. Either output may be null.
 template <uint32_t K>
-ODX_INLINE void sobelInterior(const uint8_t* src, size_t srcStride, int16_t* dx, int16_t* dy, size_t stride,
-                              uint32_t width, uint32_t height)
+[[gnu::noinline]] void sobelInterior(const uint8_t* src, size_t srcStride, int16_t* dx, int16_t* dy, size_t stride,
+                                     uint32_t width, uint32_t height)
 {
     const Rows<int16_t> outX = {dx, stride}, outY = {dy, stride};
     if constexpr (K == 3) {
