@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <math.h>
 #include <string.h>
-#include <type_traits>
 
 using namespace odx;
 
@@ -25,8 +24,6 @@ struct Weights {
 };
 
 constexpr uint32_t kSums = 8;
-// Sums of so many weights of 8 bits times their columns fit 32 bits.
-constexpr uint32_t kPart = 4096;
 
 template <class Sum>
 Sum total(Sum (&sums)[kSums])
@@ -38,6 +35,45 @@ Sum total(Sum (&sums)[kSums])
     return sums[0];
 }
 
+// Calls add(x, k) for each column of a row with the sums that it goes to.
+template <class Add>
+void eachColumn(uint32_t count, Add add)
+{
+    const uint32_t whole = count / kSums * kSums;
+    for (uint32_t x = 0; x < whole; x += kSums) {
+        for (uint32_t k = 0; k < kSums; ++k)
+            add(x + k, k);
+    }
+    for (uint32_t x = whole; x < count; ++x)
+        add(x, x - whole);
+}
+
+template <class Sum, class T>
+odxPartMoments<Sum> momentsOfPart(const T* row, uint32_t count)
+{
+    Sum sums[kSums] = {}, byColumn[kSums] = {};
+    eachColumn(count, [&](uint32_t x, uint32_t k) {
+        const auto weight = static_cast<Sum>(row[x]);
+        sums[k] += weight;
+        byColumn[k] += weight * static_cast<Sum>(static_cast<int32_t>(x)); // with a sign, conversions are short
+    });
+    return {total(sums), total(byColumn)};
+}
+odxPartMoments<uint32_t> momentsOf(const uint8_t* row, uint32_t count)
+{
+    odxPartMoments<uint32_t> m;
+    momentsOfPartu8_(row, count, &m);
+    return m;
+}
+odxPartMoments<int64_t> momentsOf(const int32_t* row, uint32_t count)
+{
+    return momentsOfPart<int64_t>(row, count);
+}
+odxPartMoments<double> momentsOf(const float* row, uint32_t count)
+{
+    return momentsOfPart<double>(row, count);
+}
+
 struct Moments {
     double m00 = 0, m10 = 0, m01 = 0;
 };
@@ -46,27 +82,13 @@ struct Moments {
 template <class T>
 Moments momentsOf(const Weights<T>& weights, const odxWindow& window)
 {
-    using Sum = std::conditional_t<std::is_same_v<T, uint8_t>, uint32_t,
-                                   std::conditional_t<std::is_same_v<T, float>, double, int64_t>>;
     Moments m;
     for (uint32_t y = 0; y < window.height; ++y) {
         const T* row = weights.row(window.y + y) + window.x;
         for (uint32_t from = 0, count; from < window.width; from += count, row += count) {
-            count = std::min(window.width - from, kPart);
-            Sum sums[kSums] = {}, byColumn[kSums] = {};
-            const auto add = [&](uint32_t x, uint32_t k) {
-                const auto weight = static_cast<Sum>(row[x]);
-                sums[k] += weight;
-                byColumn[k] += weight * static_cast<Sum>(x);
-            };
-            const uint32_t whole = count / kSums * kSums;
-            for (uint32_t x = 0; x < whole; x += kSums) {
-                for (uint32_t k = 0; k < kSums; ++k)
-                    add(x + k, k);
-            }
-            for (uint32_t x = whole; x < count; ++x)
-                add(x, x - whole);
-            const auto sum = static_cast<double>(total(sums)), atColumns = static_cast<double>(total(byColumn));
+            count = std::min(window.width - from, kTrackedPart);
+            const auto part = momentsOf(row, count);
+            const auto sum = static_cast<double>(part.sum), atColumns = static_cast<double>(part.atColumns);
             m.m00 += sum;
             m.m10 += atColumns + sum * from;
             m.m01 += sum * y;
@@ -87,12 +109,12 @@ Spread spreadOf(const Weights<T>& weights, const odxWindow& window, double xc, d
     for (uint32_t y = 0; y < window.height; ++y) {
         const T* const row = weights.row(window.y + y) + window.x;
         double sums[kSums] = {}, byU[kSums] = {}, byUU[kSums] = {};
-        for (uint32_t x = 0; x < window.width; ++x) {
+        eachColumn(window.width, [&](uint32_t x, uint32_t k) {
             const double weight = static_cast<double>(row[x]), u = window.x + x - xc;
-            sums[x % kSums] += weight;
-            byU[x % kSums] += weight * u;
-            byUU[x % kSums] += weight * u * u;
-        }
+            sums[k] += weight;
+            byU[k] += weight * u;
+            byUU[k] += weight * u * u;
+        });
         const double v = window.y + y - yc;
         spread.xx += total(byUU);
         spread.xy += total(byU) * v;
@@ -214,6 +236,11 @@ int32_t greatestShift(uint32_t at, uint32_t radius, uint32_t size)
 } // namespace
 
 extern "C" {
+
+void momentsOfPartu8C(const uint8_t* row, uint32_t count, odxPartMoments<uint32_t>* moments)
+{
+    *moments = momentsOfPart<uint32_t>(row, count);
+}
 
 unsigned int odxMeanShiftu8C(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
                              unsigned int srcStride, odxWindow* window, unsigned int iterationLimit, float epsilon)
