@@ -18,53 +18,72 @@ decltype(odxTableLookupu8C) odxTableLookupu8V;
 
 // ---- smallest and largest element ----
 
-// Elements as numbers of the same order, which the layer has a minimum and a maximum of: two of each, one to look
-// for the smallest and one for the largest. The search begins with what nothing is beyond, or, of floats, with
-// what only numbers are beyond.
+// Elements as keys of the same order: two of each, one to look for the smallest and one for the largest. The
+// search begins with what nothing is beyond, or, of floats, with what only numbers are beyond, or infinities.
 template <class V>
 struct Keys {
     V low, high;
 };
-template <class T>
-struct Order;
+template <class V>
+struct Itself {
+    typedef V Vector;
 
-template <class T, class Key, class KeyVector, Key flip, Key least, Key greatest>
-struct WholeOrder {
-    typedef Key Number;
-    typedef KeyVector Vector;
-    static constexpr Key kLow = greatest, kHigh = least;
-    static constexpr bool kSkips = false;
-
-    ODX_MEMBER static Keys<Vector> keys(const void* p)
+    ODX_MEMBER static Keys<V> keys(const void* p)
     {
-        const Vector v = load<Vector>(p) ^ flip;
+        const V v = load<V>(p);
         return {v, v};
     }
 };
+struct ByInstruction {
+    template <class V>
+    ODX_MEMBER static V lesser(V v, V than)
+    {
+        return min(v, than);
+    }
+    template <class V>
+    ODX_MEMBER static V greater(V v, V than)
+    {
+        return max(v, than);
+    }
+};
+
+template <class T, class V, T least, T greatest>
+struct WholeOrder : Itself<V>, ByInstruction {
+    typedef T Number;
+    static constexpr T kLow = greatest, kHigh = least;
+};
+template <class T>
+struct Order;
 template <>
-struct Order<uint8_t> : WholeOrder<uint8_t, uint8_t, u8v, 0, 0, UINT8_MAX> {
+struct Order<uint8_t> : WholeOrder<uint8_t, u8v, 0, UINT8_MAX> {
 };
 template <>
-struct Order<int16_t> : WholeOrder<int16_t, int16_t, s16v, 0, INT16_MIN, INT16_MAX> {
+struct Order<int16_t> : WholeOrder<int16_t, s16v, INT16_MIN, INT16_MAX> {
 };
 template <>
-struct Order<uint16_t> : WholeOrder<uint16_t, int16_t, s16v, INT16_MIN, INT16_MIN, INT16_MAX> {
+struct Order<uint16_t> : WholeOrder<uint16_t, u16v, 0, UINT16_MAX> {
 };
 template <>
-struct Order<int32_t> : WholeOrder<int32_t, int32_t, s32v, 0, INT32_MIN, INT32_MAX> {
+struct Order<int32_t> : WholeOrder<int32_t, s32v, INT32_MIN, INT32_MAX> {
 };
 template <>
-struct Order<uint32_t> : WholeOrder<uint32_t, int32_t, s32v, INT32_MIN, INT32_MIN, INT32_MAX> {
+struct Order<uint32_t> : WholeOrder<uint32_t, u32v, 0, UINT32_MAX> {
 };
-// The magnitude with its sign is in order, zeros are equal, and not-a-numbers are what is beyond the infinities at
-// +-0x7F800000. Moved by so much that they leave the 32 bits at one end, they come back at the other, where they
-// are neither small nor large. Floats would not do: 32-bit NEON takes denormal ones for 0.
-template <>
-struct Order<float> {
+// Comparisons with a not-a-number do not hold, so that none gets in.
+struct FloatOrder : Itself<f32v> {
+    typedef float Number;
+    static constexpr float kLow = __builtin_inff(), kHigh = -__builtin_inff();
+
+    ODX_MEMBER static f32v lesser(f32v v, f32v than) { return v < than ? v : than; }
+    ODX_MEMBER static f32v greater(f32v v, f32v than) { return v > than ? v : than; }
+};
+// Where vectors of floats take denormal ones for 0: the magnitude with its sign is in order, zeros are equal, and
+// not-a-numbers are what is beyond the infinities at +-0x7F800000. Moved by so much that they leave the 32 bits at
+// one end, they come back at the other, where they are neither small nor large.
+struct FloatBitOrder : ByInstruction {
     typedef int32_t Number;
     typedef s32v Vector;
-    static constexpr int32_t kLow = 0x7F000001, kHigh = -0x7F000002;
-    static constexpr bool kSkips = true;
+    static constexpr int32_t kLow = 0x7F000000, kHigh = -0x7F000001;
 
     ODX_MEMBER static Keys<s32v> keys(const void* p)
     {
@@ -72,6 +91,9 @@ struct Order<float> {
         const u32v key = (u32v)((v & INT32_MAX) ^ sign) - (u32v)sign;
         return {(s32v)(key - 0x00800000), (s32v)(key + 0x007FFFFF)};
     }
+};
+template <>
+struct Order<float> : std::conditional_t<kFlushesDenormals, FloatBitOrder, FloatOrder> {
 };
 
 template <class T>
@@ -94,7 +116,7 @@ struct Search {
     typedef Order<T> O;
     typedef typename O::Vector V;
     typedef typename O::Number K;
-    static constexpr size_t kLanes = kBytes / sizeof(T), kStretch = 64 * kLanes;
+    static constexpr size_t kLanes = kBytes / sizeof(T), kStretch = 4096 / sizeof(T);
     V low = V{} + O::kLow, high = V{} + O::kHigh;
     Stretch<T> lowest, highest;
 
@@ -127,7 +149,7 @@ struct Search {
             T padded[kLanes];
             pad(p, n, padded);
             const Keys<V> k = O::keys(padded);
-            return take(min(low, k.low), max(high, k.high), {p, n, 0, y});
+            return take(O::lesser(k.low, low), O::greater(k.high, high), {p, n, 0, y});
         }
         for (size_t x = 0, count; x < n; x += count) {
             count = n - x < kStretch ? n - x : kStretch;
@@ -135,19 +157,24 @@ struct Search {
                 x -= kLanes - count;
                 count = kLanes;
             }
-            V low0 = low, low1 = low, high0 = high, high1 = high;
-            size_t i = 0;
-            for (; count - i >= 2 * kLanes; i += 2 * kLanes) {
-                const Keys<V> k = O::keys(p + x + i), l = O::keys(p + x + i + kLanes);
-                low0 = min(low0, k.low);
-                low1 = min(low1, l.low);
-                high0 = max(high0, k.high);
-                high1 = max(high1, l.high);
-            }
-            const Keys<V> k = O::keys(p + x + (i + kLanes <= count ? i : count - kLanes)),
-                          l = O::keys(p + x + count - kLanes);
-            take(min(min(low0, low1), min(k.low, l.low)), max(max(high0, high1), max(k.high, l.high)),
-                 {p + x, count, x, y});
+            V lows[2] = {low, low}, highs[2] = {high, high};
+            const T *q = p + x, *const end = q + count;
+            for (size_t left = count / (8 * kLanes); left != 0; --left, q += 8 * kLanes)
+                addVectors<8>(q, lows, highs);
+            for (size_t left = count / (2 * kLanes) % 4; left != 0; --left, q += 2 * kLanes)
+                addVectors<2>(q, lows, highs);
+            addVectors<1>(end - q < (ptrdiff_t)kLanes ? end - kLanes : q, lows, highs);
+            addVectors<1>(end - kLanes, lows, highs);
+            take(O::lesser(lows[0], lows[1]), O::greater(highs[0], highs[1]), {p + x, count, x, y});
+        }
+    }
+    template <size_t n>
+    ODX_MEMBER static void addVectors(const T* p, V (&lows)[2], V (&highs)[2])
+    {
+        for (size_t i = 0; i < n; ++i) {
+            const Keys<V> k = O::keys(p + i * kLanes);
+            lows[i % 2] = O::lesser(k.low, lows[i % 2]);
+            highs[i % 2] = O::greater(k.high, highs[i % 2]);
         }
     }
 
@@ -184,9 +211,22 @@ ODX_INLINE Extremes<T> extremesOf(Search<T>& search, const T* src, uint32_t widt
     const size_t n = packed ? (size_t)width * height : width;
     for (size_t y = 0; y < (packed ? 1 : height); ++y)
         search.addRow(rowOf(src, stride, y), n, y);
-    if (O::kSkips && search.low[0] == O::kLow) return noExtremes<T>();
-    return {search.template place<true>(search.lowest, width), search.template place<false>(search.highest, width),
-            true};
+    const auto least = [&]() __attribute__((always_inline))
+    {
+        return search.template place<true>(search.lowest, width);
+    };
+    const auto greatest = [&]() __attribute__((always_inline))
+    {
+        return search.template place<false>(search.highest, width);
+    };
+    if constexpr (std::is_floating_point_v<T>) {
+        // Nothing is below what is only infinite, nor above it.
+        const bool nothingBelow = search.low[0] == O::kLow, nothingAbove = search.high[0] == O::kHigh;
+        if (nothingBelow && nothingAbove) return noExtremes<T>();
+        if (nothingBelow) return {greatest(), greatest(), true};
+        if (nothingAbove) return {least(), least(), true};
+    }
+    return {least(), greatest(), true};
 }
 
 template <class T>

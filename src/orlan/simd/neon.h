@@ -33,6 +33,23 @@ ODX_INLINE s32v max(s32v a, s32v b)
     return (s32v)vmaxq_s32((int32x4_t)a, (int32x4_t)b);
 }
 
+ODX_INLINE u16v min(u16v a, u16v b)
+{
+    return (u16v)vminq_u16((uint16x8_t)a, (uint16x8_t)b);
+}
+ODX_INLINE u16v max(u16v a, u16v b)
+{
+    return (u16v)vmaxq_u16((uint16x8_t)a, (uint16x8_t)b);
+}
+ODX_INLINE u32v min(u32v a, u32v b)
+{
+    return (u32v)vminq_u32((uint32x4_t)a, (uint32x4_t)b);
+}
+ODX_INLINE u32v max(u32v a, u32v b)
+{
+    return (u32v)vmaxq_u32((uint32x4_t)a, (uint32x4_t)b);
+}
+
 ODX_INLINE u16v loadWiden(const uint8_t* p)
 {
     return (u16v)vmovl_u8(vld1_u8(p));

@@ -28,7 +28,7 @@
 //                                of every second pixel, as 16-bit lanes
 //   fineSums<a, b, c>(p)         (a * first + b * second + c * third + 32768) >> 16 of kBytes pixels of 3 bytes;
 //                                weights are positive, a and c below 32768, and their sum is 65535
-//   min, max                     of u8v, s16v and s32v
+//   min, max                     of integers of 8, 16 and 32 bits, but not s8v
 //   split(v), join(pair)         bytes to 16 bits (or signed 16 to 32) and back, as a pair in the target's own
 //                                lane order: even and odd lanes on x86, halves on ARM. join takes values that fit.
 //   joinShifted<n>(pair)         join(pair >> n)

@@ -42,6 +42,23 @@ ODX_INLINE s32v max(s32v a, s32v b)
     return (s32v)ODX_MM(max_epi32)((ODX_MI)a, (ODX_MI)b);
 }
 
+ODX_INLINE u16v min(u16v a, u16v b)
+{
+    return (u16v)ODX_MM(min_epu16)((ODX_MI)a, (ODX_MI)b);
+}
+ODX_INLINE u16v max(u16v a, u16v b)
+{
+    return (u16v)ODX_MM(max_epu16)((ODX_MI)a, (ODX_MI)b);
+}
+ODX_INLINE u32v min(u32v a, u32v b)
+{
+    return (u32v)ODX_MM(min_epu32)((ODX_MI)a, (ODX_MI)b);
+}
+ODX_INLINE u32v max(u32v a, u32v b)
+{
+    return (u32v)ODX_MM(max_epu32)((ODX_MI)a, (ODX_MI)b);
+}
+
 ODX_INLINE u16v loadWiden(const uint8_t* p)
 {
 #if ODX_VECTOR_BYTES == 64
