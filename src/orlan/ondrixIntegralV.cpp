@@ -30,14 +30,21 @@ ODX_INLINE Done vectors(integral::Pixel, const uint8_t* src, uint32_t count, uin
     const auto step = [&](const uint8_t* p, size_t i) __attribute__((always_inline))
     {
         both = sums.next(p);
-        storeAdded(dst + i, above + i, both.a);
-        storeAdded(dst + i + kPixels / 2, above + i + kPixels / 2, both.b);
+        storeAdded(dst + i, above + i, both);
     };
     step(first + SumsBefore::kBefore, 0);
     size_t i = kPixels;
-    for (; count - i >= 2 * kPixels; i += 2 * kPixels) {
-        step(src + i, i);
-        step(src + i + kPixels, i + kPixels);
+    const uint8_t* p = src + i;
+    const T* q = above + i;
+    T* r = dst + i;
+    for (size_t left = (count - i) / (2 * kPixels); left != 0; --left, i += 2 * kPixels) {
+        const Pair<u32p> four = sums.nextTwo(p);
+        both = four.b;
+        storeAdded(r, q, four.a);
+        storeAdded(r + kPixels, q + kPixels, four.b);
+        p += 2 * kPixels;
+        q += 2 * kPixels;
+        r += 2 * kPixels;
     }
     if (count - i >= kPixels) {
         step(src + i, i);
@@ -50,17 +57,27 @@ template <class T>
 ODX_INLINE Done vectors(integral::Square, const uint8_t* src, uint32_t count, uint32_t sum, const T* above, T* dst)
 {
     dst[0] = above[0] + sum;
-    u32v before = u32v{} + sum;
-    uint32_t i = 0;
-    for (; count - i >= kPixels; i += kPixels) {
-        const u16v pixels = loadWiden(src + i);
-        const u32p squares = widenInOrder(pixels * pixels);
-        const u32v first = runningSums(squares.a), second = runningSums(squares.b) + lastLane(first);
-        storeAdded(dst + i + 1, above + i + 1, first + before);
-        storeAdded(dst + i + 1 + kPixels / 2, above + i + 1 + kPixels / 2, second + before);
-        before += lastLane(second);
+    SquareSums sums(sum);
+    u32p both;
+    const T* q = above + 1;
+    T* r = dst + 1;
+    const auto step = [&]() __attribute__((always_inline))
+    {
+        pin(q);
+        pin(r);
+        both = sums.next(src);
+        storeAdded(r, q, both);
+        src += kPixels;
+        q += kPixels;
+        r += kPixels;
+    };
+    const uint32_t steps = count / kPixels;
+    if (steps % 2 != 0) step();
+    for (uint32_t left = steps / 2; left != 0; --left) {
+        step();
+        step();
     }
-    return {i, before[0]};
+    return {steps * kPixels, both.b[kPixels / 2 - 1]};
 }
 
 // As Lines::next, of sums of 32 bits.
@@ -115,19 +132,32 @@ void tiltedRowV(const uint8_t* src, const uint8_t* srcAbove, uint32_t width, con
 {
     const uint32_t inner = width - 1; // entries 1 to inner have neighbours on both sides
     if (inner < kPixels) return tiltedRowC(src, srcAbove, width, above, twoAbove, dst);
-    const auto entries = [=](uint32_t x, u32v pixels) __attribute__((always_inline))
-    {
-        const u32v both = load<u32v>(above + x) + load<u32v>(above + x + 2);
-        store(dst + x + 1, both - load<u32v>(twoAbove + x + 1) + pixels);
-    };
     dst[0] = above[1];
-    // The last ones may have been there before.
-    for (uint32_t i = 0; i < inner; i += kPixels) {
-        const uint32_t x = i < inner - kPixels ? i : inner - kPixels;
-        const u32p pixels = widenInOrder(loadWiden(src + x) + loadWiden(srcAbove + x));
-        entries(x, pixels.a);
-        entries(x + kPixels / 2, pixels.b);
+    const uint32_t *left = above, *right = above + 2, *up = twoAbove + 1;
+    const uint8_t *p = src, *q = srcAbove;
+    uint32_t* r = dst + 1;
+    const auto step = [&](uint32_t by) __attribute__((always_inline))
+    {
+        pin(left), pin(right), pin(up), pin(r);
+        const u32p pixels = widenInOrder(loadWiden(p) + loadWiden(q));
+        const auto entries = [=](uint32_t i, u32v sum) __attribute__((always_inline))
+        {
+            return load<u32v>(left + i) + load<u32v>(right + i) - load<u32v>(up + i) + sum;
+        };
+        const u32v first = entries(0, pixels.a), second = entries(kPixels / 2, pixels.b);
+        store(r, first);
+        store(r + kPixels / 2, second);
+        p += by, q += by, left += by, right += by, up += by, r += by;
+    };
+    const uint32_t before = inner / kPixels - 1;
+    if (before % 2 != 0) step(kPixels);
+    for (uint32_t i = before / 2; i != 0; --i) {
+        step(kPixels);
+        step(kPixels);
     }
+    const uint32_t beyond = inner % kPixels;
+    step(beyond != 0 ? beyond : kPixels); // the last ones may have been there before
+    if (beyond != 0) step(kPixels);
     dst[width] = above[inner] + src[inner] + srcAbove[inner];
 }
 

@@ -2,11 +2,11 @@
 //
 //   SumsBefore(sum)      runs along bytes: each next(p) gives, for kBytes / 2 of them, in order, as 32 bits,
 //                        `sum` and all bytes before, modulo 2^32. Bytes follow each other from call to call; it
-//                        reads kBefore bytes in front of p, which are 0 the first time
-//   runningSums(v)       of each lane and all before it, of a u32v, modulo 2^32
-//   lastLane(v)          the last lane of a u32v in every lane
+//                        reads kBefore bytes in front of p, which are 0 the first time; nextTwo(p) gives two of
+//                        these
+//   SquareSums(sum)      the same with the squares of these bytes, each included, and without bytes in front
 //   widenInOrder(v)      the lanes of a u16v as 32 bits, in order
-//   storeAdded(p, q, v)  q[i] + v[i] of a u32v, in 32 or 64 bits
+//   storeAdded(p, q, v)  q[i] + v[i] of a u32v or a u32p in order, in 32 or 64 bits
 #ifndef ODX_ORLAN_SIMD_PREFIX_H
 #define ODX_ORLAN_SIMD_PREFIX_H
 
@@ -36,6 +36,7 @@ ODX_INLINE u32v lastOfSixteen(u32v v)
                                         ODX_MM(unpackhi_epi32)((ODX_MI)v, (ODX_MI)v));
 }
 
+// Of each lane and all before it.
 ODX_INLINE u32v runningSums(u32v v)
 {
     v += movedUp<4>(v);
@@ -51,6 +52,7 @@ ODX_INLINE u32v runningSums(u32v v)
 #endif
 }
 
+// In every lane.
 ODX_INLINE u32v lastLane(u32v v)
 {
 #if ODX_VECTOR_BYTES == 64
@@ -118,6 +120,12 @@ public:
     }
 #endif
 
+    ODX_MEMBER Pair<u32p> nextTwo(const uint8_t* p)
+    {
+        const u32p first = next(p);
+        return {first, next(p + kBytes / 2)};
+    }
+
 private:
     ODX_MEMBER u32p add(u32v first, u32v second)
     {
@@ -135,6 +143,24 @@ private:
     u32v sums_;
 };
 
+class SquareSums
+{
+public:
+    ODX_MEMBER explicit SquareSums(uint32_t sum) : before_(u32v{} + sum) {}
+    ODX_MEMBER u32p next(const uint8_t* p)
+    {
+        const u16v bytes = loadWiden(p);
+        const u32p squares = widenInOrder(bytes * bytes);
+        const u32v first = runningSums(squares.a), second = runningSums(squares.b) + lastLane(first);
+        const u32p sums = {first + before_, second + before_};
+        before_ += lastLane(second);
+        return sums;
+    }
+
+private:
+    u32v before_;
+};
+
 #elif defined(__ARM_NEON)
 
 // The sum before a byte is the one before the byte four earlier, and the four in between.
@@ -144,36 +170,50 @@ public:
     static constexpr uint32_t kBefore = 8;
 
     ODX_MEMBER explicit SumsBefore(uint32_t sum) : sums_(vdupq_n_u32(sum)) {}
-    ODX_MEMBER u32p next(const uint8_t* p)
+    ODX_MEMBER u32p next(const uint8_t* p) { return add(vaddl_u8(vld1_u8(p - 1), vld1_u8(p - 2))); }
+    ODX_MEMBER Pair<u32p> nextTwo(const uint8_t* p)
     {
-        const uint8x8_t bytes = vld1_u8(p - 1);
-        const uint16x8_t two = vaddl_u8(bytes, vext_u8(bytes_, bytes, 7));
+        const uint8x16_t one = vld1q_u8(p - 1), other = vld1q_u8(p - 2);
+        const u32p low = add(vaddl_u8(vget_low_u8(one), vget_low_u8(other)));
+        return {low, add(vaddl_u8(vget_high_u8(one), vget_high_u8(other)))};
+    }
+
+private:
+    // Pairs of bytes become fours, and these sums.
+    ODX_MEMBER u32p add(uint16x8_t two)
+    {
         const uint16x8_t four = vaddq_u16(two, vextq_u16(two_, two, 6));
-        bytes_ = bytes;
         two_ = two;
         const uint32x4_t first = vaddw_u16(sums_, vget_low_u16(four));
         sums_ = vaddw_u16(first, vget_high_u16(four));
         return {(u32v)first, (u32v)sums_};
     }
-
-private:
-    uint8x8_t bytes_ = vdup_n_u8(0);
     uint16x8_t two_ = vdupq_n_u16(0);
     uint32x4_t sums_;
 };
 
-ODX_INLINE u32v runningSums(u32v v)
+// The sum up to a square is the one four squares earlier, and those four.
+class SquareSums
 {
-    const uint32x4_t zero = vdupq_n_u32(0);
-    uint32x4_t n = (uint32x4_t)v;
-    n = vaddq_u32(n, vextq_u32(zero, n, 3));
-    return (u32v)vaddq_u32(n, vextq_u32(zero, n, 2));
-}
+public:
+    ODX_MEMBER explicit SquareSums(uint32_t sum) : sums_(vdupq_n_u32(sum)) {}
+    ODX_MEMBER u32p next(const uint8_t* p)
+    {
+        const uint8x8_t bytes = vld1_u8(p);
+        const uint16x8_t one = vmull_u8(bytes, bytes), other = vextq_u16(one_, one, 7);
+        const uint32x4_t low = vaddl_u16(vget_low_u16(one), vget_low_u16(other)),
+                         high = vaddl_u16(vget_high_u16(one), vget_high_u16(other));
+        const uint32x4_t first = vaddq_u32(vaddq_u32(low, vextq_u32(two_, low, 2)), sums_);
+        sums_ = vaddq_u32(vaddq_u32(high, vextq_u32(low, high, 2)), first);
+        one_ = one;
+        two_ = high;
+        return {(u32v)first, (u32v)sums_};
+    }
 
-ODX_INLINE u32v lastLane(u32v v)
-{
-    return (u32v)vdupq_lane_u32(vget_high_u32((uint32x4_t)v), 1);
-}
+private:
+    uint16x8_t one_ = vdupq_n_u16(0);
+    uint32x4_t two_ = vdupq_n_u32(0), sums_;
+};
 
 ODX_INLINE u32p widenInOrder(u16v v)
 {
@@ -183,11 +223,28 @@ ODX_INLINE u32p widenInOrder(u16v v)
 ODX_INLINE void storeAdded(uint64_t* p, const uint64_t* q, u32v v)
 {
     const uint32x4_t n = (uint32x4_t)v;
-    vst1q_u64(p, vaddw_u32(vld1q_u64(q), vget_low_u32(n)));
-    vst1q_u64(p + 2, vaddw_u32(vld1q_u64(q + 2), vget_high_u32(n)));
+    const uint64x2_t low = vaddw_u32(vld1q_u64(q), vget_low_u32(n)),
+                     high = vaddw_u32(vld1q_u64(q + 2), vget_high_u32(n));
+    vst1q_u64(p, low);
+    vst1q_u64(p + 2, high);
 }
 
 #endif
+
+// Loads come first: pairs of them are one instruction then, though the addresses may be those of the stores.
+ODX_INLINE void storeAdded(uint32_t* p, const uint32_t* q, const u32p& v)
+{
+    constexpr uint32_t kLanes = kBytes / 4;
+    const u32v a = load<u32v>(q) + v.a, b = load<u32v>(q + kLanes) + v.b;
+    store(p, a);
+    store(p + kLanes, b);
+}
+ODX_INLINE void storeAdded(uint64_t* p, const uint64_t* q, const u32p& v)
+{
+    constexpr uint32_t kLanes = kBytes / 4;
+    storeAdded(p, q, v.a);
+    storeAdded(p + kLanes, q + kLanes, v.b);
+}
 
 } // namespace odx::ODX_TARGET::simd
 

@@ -28,6 +28,7 @@
 //                                of every second pixel, as 16-bit lanes
 //   fineSums<a, b, c>(p)         (a * first + b * second + c * third + 32768) >> 16 of kBytes pixels of 3 bytes;
 //                                weights are positive, a and c below 32768, and their sum is 65535
+//   pin(p)                       the pointer has its value here, in a register that further steps begin from
 //   min, max                     of integers of 8, 16 and 32 bits, but not s8v
 //   split(v), join(pair)         bytes to 16 bits (or signed 16 to 32) and back, as a pair in the target's own
 //                                lane order: even and odd lanes on x86, halves on ARM. join takes values that fit.
@@ -154,6 +155,17 @@ typedef int16_t s16v ODX_VECTOR;
 typedef uint32_t u32v ODX_VECTOR;
 typedef int32_t s32v ODX_VECTOR;
 typedef float f32v ODX_VECTOR;
+
+// Where stepping costs nothing, compilers would still compute the addresses of all neighbours from one pointer.
+template <class T>
+ODX_INLINE void pin(T*& p)
+{
+#if defined(__ARM_NEON)
+    asm("" : "+r"(p));
+#else
+    (void)p;
+#endif
+}
 
 template <class V>
 ODX_INLINE V load(const void* p)
