@@ -145,6 +145,7 @@ private:
             const int16_t* const p = products + x - 2;
             s32p sum = dot2<1, 4>(p) + dot2<6, 4>(p + 2) + split(load<s16v>(p + 4));
             for (uint32_t i = 0; i < kStages; ++i, stages += 2 * kBytes / sizeof(int32_t)) {
+                if constexpr (!kPairsVectors) pin(stages);
                 int32_t* const second = stages + kBytes / sizeof(int32_t);
                 const s32p next = sum + s32p{load<s32v>(stages), load<s32v>(second)};
                 store(stages, sum.a);
