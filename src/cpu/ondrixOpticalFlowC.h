@@ -15,7 +15,7 @@ struct FlowSamples {
     const uint8_t* bytes;
     uint32_t pitch, count;
     float fx, fy;
-    float* pixels; // room for all that is read, as floats
+    float* pixels; // room for as many values between them
 };
 
 // The window in image 1: samples and gradients in rows of `pitch`, with gradients of 0 in the last column of each

@@ -14,19 +14,24 @@ namespace
 
 constexpr uint32_t kLanes = kBytes / sizeof(float), kVectors = kFlowSums / kLanes;
 
-// Each pixel becomes a float once.
-ODX_INLINE void convertPixels(const FlowSamples& at)
+// Values between neighbours in a row: each pixel becomes a float once, and serves the rows above and below.
+ODX_INLINE void betweenColumns(const FlowSamples& at)
 {
-    const uint32_t end = at.count + at.pitch + 1;
-    for (uint32_t i = 0; i < end; i += kLanes)
-        store(at.pixels + i, loadFloats(at.bytes + i));
+    const uint8_t* p = at.bytes;
+    float *q = at.pixels, *const end = q + at.count + at.pitch;
+    const f32v right = f32v{} + at.fx, left = 1 - right;
+    for (f32p v = loadFloats(p), next; q < end; q += 2 * kLanes, v = next) {
+        p += 2 * kLanes;
+        next = loadFloats(p);
+        store(q, left * v.a + right * following(v.a, v.b));
+        store(q + kLanes, left * v.b + right * following(v.b, next.a));
+    }
 }
 
 ODX_INLINE f32v samplesAt(const FlowSamples& at, uint32_t i)
 {
-    const float *const above = at.pixels + i, *const below = above + at.pitch;
-    return (1 - at.fy) * ((1 - at.fx) * load<f32v>(above) + at.fx * load<f32v>(above + 1)) +
-           at.fy * ((1 - at.fx) * load<f32v>(below) + at.fx * load<f32v>(below + 1));
+    const float* const above = at.pixels + i;
+    return (1 - at.fy) * load<f32v>(above) + at.fy * load<f32v>(above + at.pitch);
 }
 
 // kFlowSums sums of floats.
@@ -46,7 +51,7 @@ struct Sums {
 
 void odxFlowSampleV(const FlowSamples* at, float* samples)
 {
-    convertPixels(*at);
+    betweenColumns(*at);
     for (uint32_t i = 0; i < at->count; i += kLanes)
         store(samples + i, samplesAt(*at, i));
 }
@@ -98,7 +103,7 @@ void odxFlowMomentsV(const FlowWindow* window, float* sums)
 
 void odxFlowMismatchV(const FlowSamples* at, const FlowWindow* window, float* sums)
 {
-    convertPixels(*at);
+    betweenColumns(*at);
     Sums x = {}, y = {};
     for (uint32_t i = 0; i < window->count; i += kFlowSums) {
         for (uint32_t k = 0; k < kVectors; ++k) {

@@ -526,12 +526,16 @@ ODX_INLINE u8v addSat(u8v v, u8v w)
 {
     return (u8v)vqaddq_u8((uint8x16_t)v, (uint8x16_t)w);
 }
-ODX_INLINE f32v loadFloats(const uint8_t* p)
+ODX_INLINE f32p loadFloats(const uint8_t* p)
 {
-    uint32_t four;
-    memcpy(&four, p, sizeof four);
-    const uint16x4_t words = vget_low_u16(vmovl_u8(vcreate_u8(four)));
-    return (f32v)vcvtq_f32_u32(vmovl_u16(words));
+    const uint16x8_t words = vmovl_u8(vld1_u8(p));
+    return {(f32v)vcvtq_f32_u32(vmovl_u16(vget_low_u16(words))),
+            (f32v)vcvtq_f32_u32(vmovl_u16(vget_high_u16(words)))};
+}
+
+ODX_INLINE f32v following(f32v v, f32v next)
+{
+    return (f32v)vextq_f32((float32x4_t)v, (float32x4_t)next, 1);
 }
 
 ODX_INLINE float sumOfHalves(f32v v)

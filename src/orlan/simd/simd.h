@@ -73,7 +73,8 @@
 //   storeBytes(p, a, b, c, d)    kBytes bytes from the lanes of s32v, which are below 256, in order
 //   popCount(v)                  set bits of each byte; kCountsBits: by one instruction
 //   sumOfBytes(v)                of all of them
-//   loadFloats(p)                kBytes / 4 bytes as floats, in order
+//   loadFloats(p)                kBytes / 2 bytes as a pair of floats, in order
+//   following(v, next)           the lanes of a f32v from the second on, and the first of the next one
 //   sumOfHalves(v)               of the lanes of a f32v: the upper half is added to the lower one until one is
 //                                left
 //   loadRows(p, stride)          kBytes / 16 rows of 16 bytes
@@ -190,6 +191,7 @@ typedef Pair<u16v> u16p;
 typedef Pair<s16v> s16p;
 typedef Pair<s32v> s32p;
 typedef Pair<u32v> u32p;
+typedef Pair<f32v> f32p;
 
 // One vector a channel.
 struct u8x2 {

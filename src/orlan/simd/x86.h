@@ -514,13 +514,25 @@ ODX_INLINE u8v addSat(u8v v, u8v w)
 {
     return (u8v)ODX_MM(adds_epu8)((ODX_MI)v, (ODX_MI)w);
 }
-ODX_INLINE f32v loadFloats(const uint8_t* p)
+ODX_INLINE f32v following(f32v v, f32v next)
 {
 #if ODX_VECTOR_BYTES == 64
-    return (f32v)_mm512_cvtepi32_ps(_mm512_cvtepu8_epi32(_mm_loadu_si128((const __m128i*)p)));
+    return (f32v)_mm512_alignr_epi32((__m512i)next, (__m512i)v, 1);
 #else
-    return (f32v)_mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(_mm_loadl_epi64((const __m128i*)p)));
+    const __m256i halves = _mm256_permute2x128_si256((__m256i)v, (__m256i)next, 0x21);
+    return (f32v)_mm256_alignr_epi8(halves, (__m256i)v, 4);
 #endif
+}
+ODX_INLINE f32p loadFloats(const uint8_t* p)
+{
+    const auto floats = [](const uint8_t* bytes) {
+#if ODX_VECTOR_BYTES == 64
+        return (f32v)_mm512_cvtepi32_ps(_mm512_cvtepu8_epi32(_mm_loadu_si128((const __m128i*)bytes)));
+#else
+        return (f32v)_mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(_mm_loadl_epi64((const __m128i*)bytes)));
+#endif
+    };
+    return {floats(p), floats(p + kBytes / 4)};
 }
 
 ODX_INLINE float sumOfHalves(f32v v)

@@ -206,21 +206,26 @@ const PrimitiveCase kCases[] = {
          put<uint64_t>(out, 2, any(v)), put<uint64_t>(expected, 2, sum != 0);
          put<uint64_t>(out, 3, laneBits((s8v)(v > 127))), put<uint64_t>(expected, 3, bits);
      }},
-    {"loadFloats and sumOfHalves", kBytes / 4,
+    {"following", 2 * kBytes,
+     [](In in, Out out, Out expected) {
+         store(out, following(load<f32v>(in), load<f32v>(in + kBytes)));
+         EACH(uint32_t, kBytes / 4, at<uint32_t>(in, i + 1));
+     }},
+    {"loadFloats and sumOfHalves", kBytes / 2,
      [](In in, Out out, Out expected) {
          constexpr uint32_t kLanes = kBytes / 4;
-         const f32v v = loadFloats(in);
-         store(out, v);
+         const f32p v = loadFloats(in);
+         storeAll(out, v.a, v.b);
          float sums[kLanes];
-         for (size_t i = 0; i < kLanes; ++i) {
+         for (size_t i = 0; i < 2 * kLanes; ++i)
              put<float>(expected, i, in[i]);
+         for (size_t i = 0; i < kLanes; ++i)
              sums[i] = static_cast<float>(in[i]) * 0.37F; // so that the order shows
-         }
          for (uint32_t n = kLanes / 2; n > 0; n /= 2) {
              for (uint32_t k = 0; k < n; ++k)
                  sums[k] += sums[k + n];
          }
-         put<float>(out, kLanes, sumOfHalves(v * 0.37F)), put<float>(expected, kLanes, sums[0]);
+         put<float>(out, 2 * kLanes, sumOfHalves(v.a * 0.37F)), put<float>(expected, 2 * kLanes, sums[0]);
      }},
     CASE("loadRows", 5 * kBytes, uint8_t, kBytes, in[i / 16 * 19 + i % 16], store(out, loadRows(in, 19))),
     {"addDistances and sumsOfDistances", 5 * kBytes,
