@@ -400,6 +400,26 @@ template <class Path, class Rule, uint32_t C>
 void warpReference(const Path& path, const Source& source, const Target& target, const Border& border,
                    bool clipped, uint32_t* dstBorder);
 
+// Whether a patch lies inside an image, and where its first pixel does.
+ODX_WARP_INLINE bool beginPatch(const Source& source, const float* position, const float* affine,
+                                const Target& patch, float (&first)[2])
+{
+    const float a = affine[0], b = affine[1], c = affine[2], d = affine[3];
+    const float hw = static_cast<float>(patch.width) / 2, hh = static_cast<float>(patch.height) / 2;
+    const float x = position[0] - (hw * a + hh * b), y = position[1] - (hw * c + hh * d);
+    const float right = static_cast<float>(patch.width - 1), bottom = static_cast<float>(patch.height - 1);
+    const Inclusive inside(source);
+    const float columns[] = {0.0f, right}, rows[] = {0.0f, bottom};
+    for (const float column : columns) {
+        for (const float row : rows) {
+            if (!inside.holds(x + column * a + row * b, y + column * c + row * d)) return false;
+        }
+    }
+    first[0] = x;
+    first[1] = y;
+    return true;
+}
+
 // ---- arguments ----
 
 // What the perspective warps and remaps do with a border type: the constant one has a ring in bilinear mode.

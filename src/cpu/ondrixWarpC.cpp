@@ -103,28 +103,6 @@ uint8_t sampleNear(const warp::Source& source, float x, float y)
     return out;
 }
 
-// Whether the patch lies inside the image.
-bool cutPatch(const warp::Source& source, const float* position, const float* affine, const warp::Target& patch)
-{
-    const float a = affine[0], b = affine[1], c = affine[2], d = affine[3];
-    const float hw = static_cast<float>(patch.width) / 2, hh = static_cast<float>(patch.height) / 2;
-    float x = position[0] - (hw * a + hh * b), y = position[1] - (hw * c + hh * d);
-    const float right = static_cast<float>(patch.width - 1), bottom = static_cast<float>(patch.height - 1);
-    const warp::Inclusive inside(source);
-    for (const float column : {0.0f, right}) {
-        for (const float row : {0.0f, bottom}) {
-            if (!inside.holds(x + column * a + row * b, y + column * c + row * d)) return false;
-        }
-    }
-    for (uint32_t row = 0; row < patch.height; ++row, x += b, y += d) {
-        uint8_t* const out = rowOf(patch.pixels, patch.stride, row);
-        float sx = x, sy = y;
-        for (uint32_t column = 0; column < patch.width; ++column, sx += a, sy += c)
-            out[column] = sampleNear(source, sx, sy);
-    }
-    return true;
-}
-
 // Sine and cosine in double precision by their series about the nearest multiple of a quarter turn: the same on
 // every system, and far more exact than a float.
 struct Turn {
@@ -161,21 +139,40 @@ extern "C" {
 #define ODX_WARP_COLUMN(name) name##C
 #include "cpu/ondrixWarpOperations.inc"
 
+bool cutPatchC(const warp::Source& source, const float* position, const float* affine, const warp::Target& patch)
+{
+    float first[2];
+    if (!warp::beginPatch(source, position, affine, patch, first)) return false;
+    for (uint32_t row = 0; row < patch.height; ++row, first[0] += affine[1], first[1] += affine[3]) {
+        uint8_t* const out = rowOf(patch.pixels, patch.stride, row);
+        float x = first[0], y = first[1];
+        for (uint32_t column = 0; column < patch.width; ++column, x += affine[0], y += affine[2])
+            out[column] = sampleNear(source, x, y);
+    }
+    return true;
+}
+
+void clippedBicubicC(const warp::Affine& path, const warp::Source& source, const warp::Target& target,
+                     uint32_t* dstBorder)
+{
+    clippedBy<warp::Bicubic, 3>(path, source, target, warp::kLeft, dstBorder);
+}
+
 void odx3ChannelTransformAffineClippedBCu8C(const uint8_t* src, unsigned srcWidth, unsigned srcHeight,
                                             unsigned srcStride, const float* affineMatrix, uint8_t* dst,
                                             unsigned dstWidth, unsigned dstHeight, unsigned dstStride,
                                             uint32_t* dstBorder)
 {
-    clippedBy<warp::Bicubic, 3>(warp::Affine{affineMatrix}, warp::Source{src, srcWidth, srcHeight, srcStride},
-                                warp::Target{dst, dstWidth, dstHeight, dstStride}, warp::kLeft, dstBorder);
+    clippedBicubic_({affineMatrix}, {src, srcWidth, srcHeight, srcStride}, {dst, dstWidth, dstHeight, dstStride},
+                    dstBorder);
 }
 
 int odxTransformAffineu8C(const uint8_t* src, unsigned srcWidth, unsigned srcHeight, unsigned srcStride,
                           const float* position, const float* affine, uint8_t* patch, unsigned patchWidth,
                           unsigned patchHeight, unsigned patchStride)
 {
-    return cutPatch({src, srcWidth, srcHeight, srcStride}, position, affine,
-                    {patch, patchWidth, patchHeight, patchStride})
+    return cutPatch_({src, srcWidth, srcHeight, srcStride}, position, affine,
+                     {patch, patchWidth, patchHeight, patchStride})
                ? 0
                : 1;
 }
@@ -185,8 +182,8 @@ int odxTransformAffine8x8u8C(const uint8_t* src, unsigned srcWidth, unsigned src
 {
     int result = 0;
     for (size_t i = 0; i < nPositions; ++i) {
-        if (!cutPatch({src, srcWidth, srcHeight, srcStride}, positions + 2 * i, affines + 4 * i,
-                      {patches + 64 * i, 8, 8, 8}))
+        if (!cutPatch_({src, srcWidth, srcHeight, srcStride}, positions + 2 * i, affines + 4 * i,
+                       {patches + 64 * i, 8, 8, 8}))
             result = 1;
     }
     return result;

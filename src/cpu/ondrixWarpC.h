@@ -2,9 +2,31 @@
 #ifndef ODX_CPU_ONDRIX_WARP_C_H
 #define ODX_CPU_ONDRIX_WARP_C_H
 
+#include "frame/helpers.h"
 #include "ondrix/warps.h"
 
+namespace odx::warp
+{
+
+struct Affine;
+struct Source;
+struct Target;
+
+// The bicubic transform of pixels of three bytes; what is outside is left.
+using ClippedBicubic = void(const Affine& path, const Source& source, const Target& target, uint32_t* dstBorder);
+
+// A patch about a position, by an affine map of four coefficients; whether it lies inside the image.
+using CutPatch = bool(const Source& source, const float* position, const float* affine, const Target& patch);
+
+} // namespace odx::warp
+
 extern "C" {
+
+odx::warp::ClippedBicubic clippedBicubicC;
+ODX_HELPER_POINTER(clippedBicubic);
+odx::warp::CutPatch cutPatchC;
+ODX_HELPER_POINTER(cutPatch);
+
 decltype(odxWarpPerspectiveu8) odxWarpPerspectiveu8C;
 decltype(odxWarpPerspectiveu8_v2) odxWarpPerspectiveu8_v2C;
 decltype(odxWarpPerspectiveu8_v3) odxWarpPerspectiveu8_v3C;

@@ -247,6 +247,76 @@ ODX_INLINE void remap(const warp::Maps& path, const warp::Source& source, const 
     }
 }
 
+// ---- patches ----
+
+// Patches of at most 16 columns, in vectors of rows: whether all pixels are sampled.
+template <uint32_t nColumns>
+ODX_INLINE bool cutRows(const warp::Source& source, float (&first)[2], const float* affine,
+                        const warp::Target& patch)
+{
+    constexpr uint32_t n = nColumns * kLanes, strip = n / kStrips;
+    const warp::Sampler<warp::Bilinear> sampler(source, warp::kZeros);
+    const Inside inside = Inside::of(sampler);
+    const Step step = {affine[0], affine[2], 0};
+    for (uint32_t y = 0; y < patch.height; y += kLanes) {
+        const uint32_t rows = patch.height - y < kLanes ? patch.height - y : kLanes;
+        Sums<warp::Affine> sums[kStrips] = {};
+        for (uint32_t r = 0; r < kLanes; ++r) {
+            warp::Affine::Row row{nullptr, first[0], first[1]};
+            for (uint32_t k = 0; k < kBlockColumns; ++k) {
+                const uint32_t lane = r * kBlockColumns + k;
+                sums[lane / kLanes].start(lane % kLanes, row);
+                row.numX += step.x;
+                row.numY += step.y;
+            }
+            if (r + 1 < rows || rows == kLanes) {
+                first[0] += affine[1];
+                first[1] += affine[3];
+            }
+        }
+        Tile<warp::Bilinear, n> tile;
+        tile.fill(
+            strip / kLanes, [&](uint32_t i, auto set) __attribute__((always_inline)) {
+                for (uint32_t k = 0; k < kStrips; ++k) {
+                    f32v sx, sy;
+                    sums[k].position(sx, sy);
+                    set(k * strip + i * kLanes, sx, sy);
+                    // Columns that the patch does not have are the last one.
+                    for (uint32_t j = 0; j < kBlockColumns && (i + 1) * kBlockColumns < patch.width; ++j)
+                        sums[k].step(step);
+                }
+            });
+        if (!tile.isBelow(inside.endX, inside.endY)) return false;
+        uint8_t planes[1][kLanes * kPitch];
+        Transposed<1> out{planes, 0, {}};
+        blendInside<warp::Bilinear, 1>(
+            source, false, tile.x,
+            tile.y, [&](uint32_t i, const s32v(&v)[1][4]) __attribute__((always_inline)) { out.take(i, v); });
+        out.end();
+        for (uint32_t r = 0; r < rows; ++r) {
+            uint8_t* const to = rowOf(patch.pixels, patch.stride, y + r);
+            if (patch.width == 8) {
+                memcpy(to, planes[0] + r * kPitch, 8);
+            } else {
+                memcpy(to, planes[0] + r * kPitch, patch.width);
+            }
+        }
+    }
+    return true;
+}
+
+bool cutPatchV(const warp::Source& source, const float* position, const float* affine, const warp::Target& patch)
+{
+    float first[2];
+    if (!isAddressable(source) || patch.width > 16) return cutPatchC(source, position, affine, patch);
+    if (!warp::beginPatch(source, position, affine, patch, first)) return false;
+    constexpr uint32_t kNarrow = kBlockColumns == 1 ? 8 : 16;
+    const bool done = patch.width <= kNarrow ? cutRows<kNarrow>(source, first, affine, patch)
+                                             : cutRows<16>(source, first, affine, patch);
+    // By rounding, or in the last row or column, a pixel may have none beside it.
+    return done || cutPatchC(source, position, affine, patch);
+}
+
 // ---- operations ----
 
 template <class Rule, uint32_t C, class Path>
@@ -285,6 +355,12 @@ static void warpPlanes(const Path& path, const warp::Source (&sources)[2], const
         return warpBy<Rule, 1>(path, sources[1], targets[1], border);
     }
     warpTiles<false, Rule, 1, 2>(path, sources, targets, border, nullptr);
+}
+
+void clippedBicubicV(const warp::Affine& path, const warp::Source& source, const warp::Target& target,
+                     uint32_t* dstBorder)
+{
+    clippedBy<warp::Bicubic, 3>(path, source, target, warp::kLeft, dstBorder);
 }
 
 #define ODX_WARP_COLUMN(name) name##V
