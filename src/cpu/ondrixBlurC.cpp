@@ -396,6 +396,12 @@ odxStatus odxFilterMedian3x3u8_v3C(const uint8_t* src, unsigned int srcWidth, un
     return ONDRIX_SUCCESS;
 }
 
+void medianInteriorC(const int16_t* src, uint32_t width, uint32_t height, uint32_t srcStride, int16_t* dst,
+                     uint32_t dstStride)
+{
+    interior3x3({src, width, height, srcStride, dst, dstStride}, median3x3Row<int16_t>);
+}
+
 odxStatus odxFilterMedianMxNs16C(const int16_t* src, unsigned int srcWidth, unsigned int srcHeight,
                                  unsigned int srcStride, unsigned int M, unsigned int N, int16_t* dst,
                                  unsigned int dstStride)
@@ -407,7 +413,7 @@ odxStatus odxFilterMedianMxNs16C(const int16_t* src, unsigned int srcWidth, unsi
     const Plane<int16_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
     copyFrame(plane, M, N);
     if (M == 3 && N == 3) {
-        interior3x3(plane, median3x3Row<int16_t>);
+        medianInterior_(src, srcWidth, srcHeight, srcStride, dst, dstStride);
         return ONDRIX_SUCCESS;
     }
     const uint32_t count = static_cast<uint32_t>(area);

@@ -2,6 +2,7 @@
 #ifndef ODX_CPU_ONDRIX_BLUR_C_H
 #define ODX_CPU_ONDRIX_BLUR_C_H
 
+#include "frame/helpers.h"
 #include "ondrix/smoothing.h"
 
 extern "C" {
@@ -19,6 +20,11 @@ decltype(odxBoxFilterNxNf32) odxBoxFilterNxNf32C;
 decltype(odxFilterMedian3x3u8_v2) odxFilterMedian3x3u8C;
 decltype(odxFilterMedian3x3u8_v3) odxFilterMedian3x3u8_v3C;
 decltype(odxFilterMedianMxNs16) odxFilterMedianMxNs16C;
+
+// 3x3 medians of 16 bits, inside the image.
+void medianInteriorC(const int16_t* src, uint32_t width, uint32_t height, uint32_t srcStride, int16_t* dst,
+                     uint32_t dstStride);
+ODX_HELPER_POINTER(medianInterior);
 }
 
 #endif

@@ -450,72 +450,88 @@ void odxBoxFilterNxNf32V(const float* src, unsigned int srcWidth, unsigned int s
 
 // ---- medians ----
 
-ODX_INLINE u8v middle(u8v a, u8v b, u8v c)
+template <class V>
+ODX_INLINE V middle(V a, V b, V c)
 {
     return max(min(a, b), min(max(a, b), c));
 }
 
 // Three neighbours of a row, sorted.
+template <class V>
 struct Sorted {
-    u8v low = {}, mid = {}, high = {};
+    V low = {}, mid = {}, high = {};
 };
 
-ODX_INLINE Sorted sortedRow(const uint8_t* row)
+template <class V, class T>
+ODX_INLINE Sorted<V> sortedRow(const T* row)
 {
-    const u8v a = load<u8v>(row), b = load<u8v>(row + 1), c = load<u8v>(row + 2);
-    const u8v lesser = min(a, b), greater = max(a, b);
+    const V a = load<V>(row), b = load<V>(row + 1), c = load<V>(row + 2);
+    const V lesser = min(a, b), greater = max(a, b);
     return {min(lesser, c), max(lesser, min(greater, c)), max(greater, c)};
 }
 
 // What two rows bring to the median of a window: the greater of the lowest, both of the middle ones, sorted, and
 // the lesser of the highest.
+template <class V>
 struct TwoSorted {
-    u8v low, mid, midUpper, high;
+    V low, mid, midUpper, high;
 };
 
-ODX_INLINE TwoSorted combine(const Sorted& a, const Sorted& b)
+template <class V>
+ODX_INLINE TwoSorted<V> combine(const Sorted<V>& a, const Sorted<V>& b)
 {
     return {max(a.low, b.low), min(a.mid, b.mid), max(a.mid, b.mid), min(a.high, b.high)};
 }
 
 // The median of a window whose rows are sorted.
-ODX_INLINE u8v medianOf(const TwoSorted& two, const Sorted& row)
+template <class V>
+ODX_INLINE V medianOf(const TwoSorted<V>& two, const Sorted<V>& row)
 {
     return middle(max(two.low, row.low), max(two.mid, min(two.midUpper, row.mid)), min(two.high, row.high));
 }
 
 // A row is sorted once for the three windows that hold it, and combined with the next for the two that hold both.
-struct Median3x3 : Window<3, 3, kBytes> {
-    Sorted rows[2];
+template <class V, class T>
+struct Median3x3 : Window<3, 3, kBytes / sizeof(T)> {
+    Sorted<V> rows[2];
 
-    ODX_MEMBER u8v push(const uint8_t* row)
+    ODX_MEMBER V push(const T* row)
     {
-        const Sorted next = sortedRow(row);
-        const u8v median = medianOf(combine(rows[0], rows[1]), next);
+        const Sorted<V> next = sortedRow<V>(row);
+        const V median = medianOf(combine(rows[0], rows[1]), next);
         rows[0] = rows[1];
         rows[1] = next;
         return median;
     }
-    ODX_MEMBER Both<u8v> pushBoth(const uint8_t* row, const uint8_t* after)
+    ODX_MEMBER Both<V> pushBoth(const T* row, const T* after)
     {
-        const Sorted next = sortedRow(row), last = sortedRow(after);
-        const TwoSorted shared = combine(rows[1], next);
-        const Both<u8v> medians = {medianOf(shared, rows[0]), medianOf(shared, last)};
+        const Sorted<V> next = sortedRow<V>(row), last = sortedRow<V>(after);
+        const TwoSorted<V> shared = combine(rows[1], next);
+        const Both<V> medians = {medianOf(shared, rows[0]), medianOf(shared, last)};
         rows[0] = next;
         rows[1] = last;
         return medians;
     }
-    ODX_MEMBER static void write(u8v median, uint8_t* out) { store(out, median); }
+    ODX_MEMBER static void write(V median, T* out) { store(out, median); }
 };
 
 void odxFilterMedian3x3u8V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
                            unsigned int srcStride, uint8_t* dst, unsigned int dstStride)
 {
     const Plane<uint8_t> plane = {src, srcWidth, srcHeight, srcStride, dst, dstStride};
-    if (tooNarrow<Median3x3>(plane)) {
+    if (tooNarrow<Median3x3<u8v, uint8_t>>(plane)) {
         return odxFilterMedian3x3u8C(src, srcWidth, srcHeight, srcStride, dst, dstStride);
     }
-    filterInterior(Median3x3(), plane);
+    filterInterior(Median3x3<u8v, uint8_t>(), plane);
+}
+
+void medianInteriorV(const int16_t* src, uint32_t width, uint32_t height, uint32_t srcStride, int16_t* dst,
+                     uint32_t dstStride)
+{
+    using Filter = Median3x3<s16v, int16_t>;
+    const Plane<int16_t> plane = {src, width, height, srcStride, dst, dstStride};
+    if (tooNarrow<Filter>(plane)) return medianInteriorC(src, width, height, srcStride, dst, dstStride);
+    filterInterior(Filter(), plane);
 }
 
 odxStatus odxFilterMedian3x3u8_v3V(const uint8_t* src, unsigned int srcWidth, unsigned int srcHeight,
