@@ -70,47 +70,60 @@ struct VectorLoops {
         }
     };
 
-    // For n pixels, of a vector at least: the last vectors overlap.
-    template <class At>
-    ODX_MEMBER static void forAll(size_t n, At at)
+    // For n pixels, of a vector at least: the last vectors overlap. Two are made before one is kept, so that
+    // compilers load and store them in pairs.
+    template <class Make, class Keep>
+    ODX_MEMBER static void forAll(size_t n, Make make, Keep keep)
     {
         size_t i = 0;
         for (; n - i >= 2 * kBytes; i += 2 * kBytes) {
-            at(i);
-            at(i + kBytes);
+            const auto first = make(i), second = make(i + kBytes);
+            keep(i, first);
+            keep(i + kBytes, second);
         }
-        if (n - i >= kBytes) at(i);
-        at(n - kBytes);
+        if (n - i >= kBytes) keep(i, make(i));
+        keep(n - kBytes, make(n - kBytes));
     }
+
+    struct Entered {
+        u8v picked, sum;
+    };
 
     ODX_MEMBER static void widen(const uint8_t* in, const morph::Step& step, size_t n, uint8_t* out)
     {
         const Runs runs(step);
-        forAll(n, [=](size_t i) { store(out + i, runs.at(in + i)); });
+        forAll(
+            n, [=](size_t i) { return runs.at(in + i); }, [=](size_t i, u8v v) { store(out + i, v); });
     }
     ODX_MEMBER static void enter(const uint8_t* in, const morph::Step& step, uint8_t* sum, uint8_t* row, size_t n)
     {
         const Runs runs(step);
-        forAll(n, [=](size_t i) {
+        const auto make = [=](size_t i) {
             const u8v picked = runs.at(in + i);
-            store(row + i, picked);
-            store(sum + i, pick(load<u8v>(sum + i), picked));
-        });
+            return Entered{picked, pick(load<u8v>(sum + i), picked)};
+        };
+        forAll(n, make, [=](size_t i, const Entered& e) { store(row + i, e.picked), store(sum + i, e.sum); });
     }
     ODX_MEMBER static void enter(const uint8_t* in, const morph::Step& step, uint8_t* sum, uint8_t* row,
                                  const uint8_t* with, uint8_t* out, size_t n)
     {
+        struct Finished : Entered {
+            u8v output;
+        };
         const Runs runs(step);
-        forAll(n, [=](size_t i) {
+        const auto make = [=](size_t i) {
             const u8v picked = runs.at(in + i), all = pick(load<u8v>(sum + i), picked);
-            store(row + i, picked);
-            store(sum + i, all);
-            store(out + i, pick(load<u8v>(with + i), all));
+            return Finished{{picked, all}, pick(load<u8v>(with + i), all)};
+        };
+        forAll(n, make, [=](size_t i, const Finished& f) {
+            store(row + i, f.picked), store(sum + i, f.sum), store(out + i, f.output);
         });
     }
     ODX_MEMBER static void combine(const uint8_t* a, const uint8_t* b, uint8_t* out, size_t n)
     {
-        forAll(n, [=](size_t i) { store(out + i, pick(load<u8v>(a + i), load<u8v>(b + i))); });
+        forAll(
+            n, [=](size_t i) { return pick(load<u8v>(a + i), load<u8v>(b + i)); },
+            [=](size_t i, u8v v) { store(out + i, v); });
     }
     // Down to the vectors' own end, which the rows have room for.
     ODX_MEMBER static void complete(uint8_t* ring, size_t stride, uint32_t rows, size_t n)
