@@ -10,18 +10,33 @@ namespace odx::ODX_TARGET
 {
 using namespace simd;
 
+constexpr uint32_t kSide = 8, kPixels = kSide * kSide;
+
+// Loops of a few vectors would stay loops.
+template <uint32_t k>
+ODX_INLINE u32v addPixels(u32v sum, const u8v* pixels, const uint8_t* window)
+{
+    const u32v next = addProducts(sum, *pixels, load<u8v>(window));
+    if constexpr (k + kBytes < kPixels) return addPixels<k + kBytes>(next, pixels + 1, window + kBytes);
+    return next;
+}
+
 void odxPatchProducts8x8V(const int16_t* patch, const uint8_t* strip, uint32_t count, int32_t* sums)
 {
-    constexpr uint32_t kSide = 8, kLanes = kBytes / sizeof(int16_t), kVectors = 64 / kLanes;
-    s16v pixels[kVectors];
-    for (uint32_t k = 0; k < kVectors; ++k)
-        pixels[k] = load<s16v>(patch + kLanes * k);
-    for (uint32_t n = 0; n < count; ++n) {
-        s32v sum = {};
-        for (uint32_t k = 0; k < kVectors; ++k)
-            sum = addProducts(sum, pixels[k], (s16v)loadWiden(strip + kSide * n + kLanes * k));
-        sums[n] = (int32_t)sumOfLanes(sum);
+    alignas(kBytes) uint8_t bytes[kPixels];
+    for (uint32_t i = 0; i < kPixels; ++i)
+        bytes[i] = (uint8_t)patch[i];
+    u8v pixels[kPixels / kBytes];
+    memcpy(pixels, bytes, sizeof pixels);
+    const auto at = [&](uint32_t n) { return addPixels<0>(u32v{}, pixels, strip + kSide * n); };
+    uint32_t n = 0;
+    for (; count - n >= 4; n += 4) {
+        uint32_t four[4];
+        storeSums(four, at(n), at(n + 1), at(n + 2), at(n + 3));
+        memcpy(sums + n, four, sizeof four);
     }
+    for (; n < count; ++n)
+        sums[n] = (int32_t)sumOfLanes(at(n));
 }
 
 } // namespace odx::ODX_TARGET

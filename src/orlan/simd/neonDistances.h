@@ -53,8 +53,10 @@ ODX_INLINE uint8x8_t loadHalf(const void* p)
 template <uint32_t n>
 ODX_INLINE uint8x8_t loadHalfFreely(const void* q)
 {
-    if constexpr (n == 4) return vreinterpret_u8_u32(vld1_dup_u32((const uint32_t*)q));
-    return loadHalf<n>(q);
+    if constexpr (n == 8) return loadHalf<n>(q);
+    uint32_t word;
+    memcpy(&word, q, sizeof word);
+    return vreinterpret_u8_u32(vdup_n_u32(word));
 }
 template <uint32_t n>
 ODX_INLINE u32v addPartProducts(u32v sum, const uint8_t* p, const uint8_t* q)
