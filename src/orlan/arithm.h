@@ -120,6 +120,27 @@ ODX_INLINE f32v product(f32v a, f32v b)
     return a * b;
 }
 
+// Whether the difference of each number to any other is neither denormal nor hides a denormal one: it is a
+// multiple of 2^-124, and the number swallows what is smaller.
+ODX_INLINE bool keepSumsNormal(const void* numbers, uint32_t count)
+{
+    uint32_t bits[4];
+    memcpy(bits, numbers, count * sizeof *bits);
+    for (uint32_t i = 0; i < count; ++i) {
+        if ((bits[i] & INT32_MAX) < 28u << 23) return false;
+    }
+    return true;
+}
+ODX_INLINE f32v plainDifference(f32v a, f32v b)
+{
+    return (f32v)((u32v)(a - b) & INT32_MAX);
+}
+template <class V>
+ODX_INLINE V plainDifference(V a, V b)
+{
+    return distance(a, b);
+}
+
 ODX_INLINE f32v absoluteDifference(f32v a, f32v b)
 {
     if (kFlushesDenormals) return (f32v)((u32v)difference(a, b) & INT32_MAX);

@@ -6,6 +6,8 @@
 #include "cpu/ondrixChannelC.h"
 #include "orlan/family.h"
 
+#include <type_traits>
+
 namespace odx::ODX_TARGET
 {
 using namespace arithm;
@@ -149,7 +151,7 @@ struct Directions : Lanes<kBytes> {
 
 // ---- interleaved channels, and elements that a mask marks ----
 
-template <class T, uint32_t channels>
+template <class T, uint32_t channels, bool plain>
 struct ToValues : Lanes<Pattern<T, channels>::kPixels>, Pattern<T, channels> {
     static constexpr bool kIsShort = true;
     using Pattern<T, channels>::Pattern;
@@ -157,11 +159,22 @@ struct ToValues : Lanes<Pattern<T, channels>::kPixels>, Pattern<T, channels> {
     ODX_MEMBER void operator()(const Pixel<T, channels>* in, Pixel<T, channels>* out) const
     {
         for (uint32_t i = 0; i < this->kVectors; ++i) {
-            const Vector<T> v = load<Vector<T>>((const char*)in + kBytes * i);
-            store((char*)out + kBytes * i, absoluteDifference(v, this->vector[i]));
+            const Vector<T> v = load<Vector<T>>((const char*)in + kBytes * i), w = this->vector[i];
+            store((char*)out + kBytes * i, plain ? plainDifference(v, w) : absoluteDifference(v, w));
         }
     }
 };
+
+template <class T, uint32_t channels>
+ODX_INLINE void toValues(const T* value, uint32_t width, uint32_t height, Rows<const T> src, Rows<T> dst)
+{
+    const Rows from = {pixelsOf<T, channels>(src.pixels), src.stride};
+    const Rows to = {pixelsOf<T, channels>(dst.pixels), dst.stride};
+    bool plain = false;
+    if constexpr (kFlushesDenormals && std::is_same_v<T, float>) plain = keepSumsNormal(value, channels);
+    if (plain) return forVectors(ToValues<T, channels, true>(value), width, height, from, to);
+    forVectors(ToValues<T, channels, false>(value), width, height, from, to);
+}
 
 template <class T, uint32_t channels>
 struct SetAll : Lanes<Pattern<T, channels>::kPixels>, Pattern<T, channels> {
@@ -328,8 +341,12 @@ struct Weights {
 #define ODX_TO_VALUES(name, T, channels) \
     void name(ODX_ONE_IMAGE(T, T, values)) \
     { \
-        forVectors(ToValues<T, channels>(value), srcWidth, srcHeight, Rows{pixelsOf<T, channels>(src), srcStride}, \
-                   Rows{pixelsOf<T, channels>(dst), dstStride}); \
+        toValues<T, channels>(value, srcWidth, srcHeight, Rows{src, srcStride}, Rows{dst, dstStride}); \
+    }
+#define ODX_TO_VALUE(name, T) \
+    void name(ODX_ONE_IMAGE(T, T, value)) \
+    { \
+        toValues<T, 1>(&value, srcWidth, srcHeight, Rows{src, srcStride}, Rows{dst, dstStride}); \
     }
 #define ODX_SET(name, T) \
     void name(ODX_MASKED_IMAGE(T, value)) \
@@ -371,7 +388,7 @@ ODX_TWO(odxMagnitudes16V, int16_t, int16_t, int16_t, nothing, magnitude(a, b))
 
 ODX_ONE(odxAbsDiffVu8V, uint8_t, uint8_t, value, absoluteDifference(v, u8v{} + value))
 ODX_ONE(odxAbsDiffVs32V, int32_t, int32_t, value, absoluteDifference(v, s32v{} + value))
-ODX_ONE(odxAbsDiffVf32V, float, float, value, absoluteDifference(v, splat(value)))
+ODX_TO_VALUE(odxAbsDiffVf32V, float)
 ODX_ONE(odxAddScalars16V, int16_t, int16_t, scalar, addSat(v, s16v{} + scalar))
 ODX_ONE(odxAddScalarf32V, float, float, scalar, sum(v, splat(scalar)))
 ODX_ONE(odxMultiplyScalars16V, int16_t, int16_t, scalarShift, scaledProduct(v, s16v{} + scalar, shift))
