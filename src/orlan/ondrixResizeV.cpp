@@ -88,8 +88,10 @@ ODX_INLINE void nearest(const Resize& image)
                     out[i] = row[columns[i]];
                 return;
             }
-            for (uint32_t i = 0; i < count; i += kBytes)
-                storeOutputs(out + i, windows.of(0, row, i), count - i);
+            uint32_t i = 0;
+            for (; count - i >= kBytes; i += kBytes)
+                store(out + i, windows.of(0, row, i));
+            if (i != count) storeOutputs(out + i, windows.of(0, row, i), count - i);
         });
 }
 
@@ -222,9 +224,8 @@ struct CubicV : Cubic<channels> {
     {
         const auto sum = [&](uint32_t i) {
             s32v total = s32v{} + 4096;
-            typedef int16_t s16quarter __attribute__((vector_size(kBytes / 2)));
             for (uint32_t k = 0; k < 4; ++k)
-                total += __builtin_convertvector(load<s16quarter>(lines[k] + i), s32v) * (int32_t)taps.weight[k];
+                total = addProducts(total, lines[k] + i, taps.weight[k]);
             return max(total, s32v{}) >> 13;
         };
         for (uint32_t i = 0; i < count; i += kBytes)

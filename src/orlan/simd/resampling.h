@@ -13,6 +13,7 @@
 //   between(v, w)                (3 * v + w + 2) >> 2 and (v + 3 * w + 2) >> 2 of u8v
 //   threeAndOne(v, w)            3 * v + w of u8v as 16 bits, in split's order
 //   joinRounded<n>(pair)         join((pair + 2^(n - 1)) >> n)
+//   addProducts(sum, p, k)       sum + p[i] * k for each lane of a s32v, of 16 bits
 //   storeWeighted(p, v, w, k)    v[i] * k[2i] + w[i] * k[2i + 1] of two u8v as kBytes words of 32 bits, in order
 #ifndef ODX_ORLAN_SIMD_RESAMPLING_H
 #define ODX_ORLAN_SIMD_RESAMPLING_H
@@ -142,6 +143,12 @@ ODX_INLINE void storeWeighted(int32_t* p, u8v v, u8v w, const int16_t* weights)
 #endif
 }
 
+ODX_INLINE s32v addProducts(s32v sum, const int16_t* p, int16_t k)
+{
+    typedef int16_t s16half __attribute__((vector_size(kBytes / 2)));
+    return sum + __builtin_convertvector(load<s16half>(p), s32v) * (int32_t)k;
+}
+
 // From the mean of both, rounded down; the other means are rounded up.
 ODX_INLINE u8x2 between(u8v v, u8v w)
 {
@@ -226,9 +233,16 @@ ODX_INLINE u8v lookup(const uint8_t* row, const uint32_t* bases, u8v places)
     const uint8x16x2_t window = {{vld1q_u8(p), vld1q_u8(p + 16)}};
     return (u8v)vqtbl2q_u8(window, n);
 #else
-    const uint8x8x4_t window = {{vld1_u8(p), vld1_u8(p + 8), vld1_u8(p + 16), vld1_u8(p + 24)}};
+    const uint8x16_t lower = vld1q_u8(p), upper = vld1q_u8(p + 16);
+    const uint8x8x4_t window = {
+        {vget_low_u8(lower), vget_high_u8(lower), vget_low_u8(upper), vget_high_u8(upper)}};
     return (u8v)vcombine_u8(vtbl4_u8(window, vget_low_u8(n)), vtbl4_u8(window, vget_high_u8(n)));
 #endif
+}
+
+ODX_INLINE s32v addProducts(s32v sum, const int16_t* p, int16_t k)
+{
+    return (s32v)vmlal_n_s16((int32x4_t)sum, vld1_s16(p), k);
 }
 
 // From the mean of both, rounded down; the other means are rounded up.

@@ -62,6 +62,14 @@ const PrimitiveCase kCases[] = {
          store(out, joinRounded<2>(threeAndOne(load<u8v>(in), load<u8v>(in + kBytes))));
          EACH(uint8_t, kBytes, (3 * in[i] + in[kBytes + i] + 2) >> 2);
      }},
+    {"addProducts of 16 bits and a number", 2 * kBytes + 2,
+     [](In in, Out out, Out expected) {
+         int16_t numbers[kBytes / 4], k;
+         memcpy(numbers, in + kBytes, sizeof numbers);
+         memcpy(&k, in + 2 * kBytes, sizeof k);
+         store(out, addProducts(load<s32v>(in) >> 1, numbers, k));
+         EACH(int32_t, kBytes / 4, (at<int32_t>(in, i) >> 1) + numbers[i] * k);
+     }},
     {"storeWeighted", 6 * kBytes,
      [](In in, Out out, Out expected) {
          int16_t weights[2 * kBytes];
