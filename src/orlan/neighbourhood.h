@@ -53,6 +53,8 @@
 #include "cpu/image.h"
 #include "orlan/simd/simd.h"
 
+#include <type_traits>
+
 namespace odx::ODX_TARGET
 {
 using namespace simd;
@@ -68,14 +70,21 @@ struct Window {
 //
 // Rows up to kNearRow bytes: a block of them stays in the nearest caches, so that blocks are high and the run-up
 // of a strip weighs little. Longer rows come from far away, more of them at a time than processors follow by
-// themselves: blocks are low, strips as wide as registers allow, and what comes next is fetched ahead. Rows that
-// lie a multiple of 2048 bytes apart share a few lines of the first cache: blocks are lower still.
-constexpr size_t kNearRow = 2048;
+// themselves, and so do those that are written: strips are as wide as registers allow, and what comes next on
+// either side is fetched ahead. Then higher blocks are better, too, as long as their rows do not share lines of
+// the first cache: those a multiple of 4096 bytes apart do.
+constexpr size_t kNearRow = 2048, kCachePage = 4096;
+constexpr uint32_t kFewRows = kBytes < 64 ? 6 : 4, kManyRows = 48; // of blocks whose rows share lines, or do not
 
 constexpr uint32_t blockRows(uint32_t windowRows, bool nearby, size_t srcStride)
 {
     const uint32_t runUp = windowRows > 1 ? windowRows - 1 : 1;
-    return nearby ? 8 * runUp : srcStride % 2048 != 0 ? 4 * runUp : 4;
+    if (nearby) return 8 * runUp;
+    // Row i + apart is the first to share its lines with row i.
+    const size_t lowestBit = srcStride & (0 - srcStride),
+                 apart = lowestBit < kCachePage ? kCachePage / lowestBit : 1;
+    const size_t rows = kFewRows * apart;
+    return rows < kManyRows ? (uint32_t)rows : kManyRows;
 }
 
 // How many vectors a strip is wide: nearby rows a line of the cache, others two vectors, if what the filters carry
@@ -89,7 +98,8 @@ template <class Filter, bool nearby>
 constexpr uint32_t kAcross = (kBytes < 64 || !nearby) && 2 * sizeof(Filter) <= (kRegisters - 6) * kBytes ? 2 : 1;
 
 // How far ahead of a strip distant rows are fetched, in bytes: about as long as memory takes, so that low blocks,
-// which are done sooner, reach further. ARM's processors are left to themselves: there it has not been measured.
+// which are done sooner, reach further to what they read. ARM's processors are left to themselves: there it has
+// not been measured.
 #if defined(__ARM_NEON)
 constexpr bool kFetchesAhead = false;
 #else
@@ -97,16 +107,19 @@ constexpr bool kFetchesAhead = true;
 #endif
 constexpr uint32_t fetchDistance(uint32_t rowsAtOnce)
 {
-    return rowsAtOnce <= 4 ? 1024 : 512;
+    return rowsAtOnce > 2 * kFewRows ? 256 : kBytes < 64 ? 512 : 1024;
 }
+constexpr uint32_t kFetchOut = 256;
 
-// Hints to the cache may point anywhere.
-template <bool nearby, uint32_t bytes>
-ODX_INLINE void fetchAhead(const void* p, uint32_t ahead)
+// Fetches elements from `ahead` bytes behind p on, to be read or written. Hints to the cache may point anywhere.
+template <bool nearby, uint32_t elements, class T>
+ODX_INLINE void fetchAhead(T* p, uint32_t ahead)
 {
     if constexpr (!nearby && kFetchesAhead) {
-        for (uint32_t i = 0; i < bytes; i += 64)
-            __builtin_prefetch((const void*)((uintptr_t)p + ahead + i)); // NOLINT(performance-no-int-to-ptr)
+        for (uint32_t i = 0; i < elements * sizeof(T); i += 64) {
+            const auto* const at = (const void*)((uintptr_t)p + ahead + i); // NOLINT(performance-no-int-to-ptr)
+            __builtin_prefetch(at, std::is_const<T>::value ? 0 : 1);
+        }
     }
 }
 
@@ -240,18 +253,22 @@ template <uint32_t n, bool nearby, class Filter, class S, class... D>
 ODX_INLINE void filterStrip(const Filter& filter, const S* in, size_t stride, uint32_t rows, uint32_t ahead,
                             Rows<D>... out)
 {
-    constexpr uint32_t step = Filter::kStep, bytes = n * Filter::kLanes * step * sizeof(S);
+    constexpr uint32_t step = Filter::kStep, columns = n * Filter::kLanes;
     Beside<Filter, n> filters(filter);
+    const auto fetchOut = [](const Rows<D>&... rowOut) {
+        (fetchAhead<nearby, columns>(rowOut.pixels, kFetchOut), ...);
+    };
     for (uint32_t i = 0; i + step < Filter::kRows; ++i, in = rowOf(in, stride, 1)) {
-        fetchAhead<nearby, bytes>(in, ahead);
+        fetchAhead<nearby, columns * step>(in, ahead);
         filters.enter(in);
     }
     const auto row = [&] {
         for (uint32_t i = 1; i < step; ++i, in = rowOf(in, stride, 1)) {
-            fetchAhead<nearby, bytes>(in, ahead);
+            fetchAhead<nearby, columns * step>(in, ahead);
             filters.enter(in);
         }
-        fetchAhead<nearby, bytes>(in, ahead);
+        fetchAhead<nearby, columns * step>(in, ahead);
+        fetchOut(out...);
         filters.step(in, out.pixels...);
         in = rowOf(in, stride, 1);
         ((out = out.next()), ...);
@@ -259,8 +276,10 @@ ODX_INLINE void filterStrip(const Filter& filter, const S* in, size_t stride, ui
     for (; rows >= 2; rows -= 2) {
         if constexpr (step == 1 && ((kWritesLast && kRegisters == 32) || TakesBoth<Filter, S>::value)) {
             const S* const next = rowOf(in, stride, 1);
-            fetchAhead<nearby, bytes>(in, ahead);
-            fetchAhead<nearby, bytes>(next, ahead);
+            fetchAhead<nearby, columns * step>(in, ahead);
+            fetchAhead<nearby, columns * step>(next, ahead);
+            fetchOut(out...);
+            fetchOut(out.next()...);
             filters.stepBoth(in, next, out...);
             in = rowOf(next, stride, 1);
             ((out = out.next().next()), ...);
