@@ -20,7 +20,7 @@ struct Rows {
     const uint8_t* p;
     size_t stride;
 
-    static constexpr uint32_t kWords = n * n / 8, kCut = 0;
+    static constexpr uint32_t kWords = n * n / 8, kPerRow = n / 8, kCut = 0;
     ODX_MEMBER const uint8_t* at(uint32_t i) const { return p + i / (n / 8) * stride + i % (n / 8) * 8; }
 };
 // Twelve rows of eleven pixels: every second word holds the last three.
@@ -28,7 +28,7 @@ struct Rows11x12 {
     const uint8_t* p;
     size_t stride;
 
-    static constexpr uint32_t kWords = 24, kCut = 40;
+    static constexpr uint32_t kWords = 24, kPerRow = 0, kCut = 40;
     ODX_MEMBER const uint8_t* at(uint32_t i) const { return p + i / 2 * stride + i % 2 * 3; }
 };
 
@@ -36,7 +36,9 @@ template <class Patch>
 ODX_INLINE u8v wordsFrom(const Patch& patch, uint32_t first)
 {
     u64v words = {};
-    if constexpr (kBytes == 16) {
+    if constexpr (kBytes == 16 && Patch::kPerRow == 2) {
+        words = load<u64v>(patch.at(first));
+    } else if constexpr (kBytes == 16) {
         words = (u64v)loadHalves(patch.at(first), patch.at(first + 1));
     } else {
         for (uint32_t i = 0; i < kBytes / 8; ++i)

@@ -138,11 +138,11 @@ private:
 
 template <>
 struct Block<3> {
-    static constexpr size_t kColumns = kBytes, kRows = 2;
+    static constexpr size_t kColumns = kBytes, kRows = 1;
 
-    ODX_MEMBER static void move(const uint8_t* src, ptrdiff_t srcStride, uint8_t* dst, ptrdiff_t dstStride)
+    ODX_MEMBER static void move(const uint8_t* src, ptrdiff_t, uint8_t* dst, ptrdiff_t dstStride)
     {
-        storeTripleColumns(src, srcStride, dst, dstStride);
+        storeTripleColumn(src, dst, dstStride);
     }
 };
 

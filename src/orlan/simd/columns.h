@@ -3,8 +3,8 @@
 //   kStoresColumns                whether there are instructions for it; without them there are none of these:
 //   storeWordColumns(p, stride, q, qStride)
 //                                 four rows of four 32-bit words from p on, transposed to q
-//   storeTripleColumns(p, stride, q, qStride)
-//                                 two rows of kBytes pixels of 3 bytes
+//   storeTripleColumn(p, q, stride)
+//                                 kBytes pixels of 3 bytes, each to a row of its own
 #ifndef ODX_ORLAN_SIMD_COLUMNS_H
 #define ODX_ORLAN_SIMD_COLUMNS_H
 
@@ -33,23 +33,21 @@ ODX_INLINE void storeWordColumns(const uint8_t* p, ptrdiff_t pStride, uint8_t* q
 }
 
 template <int lane>
-ODX_INLINE void storeTripleLanes(uint8_t* q, ptrdiff_t stride, const uint8x8x3_t& a, const uint8x8x3_t& b)
+ODX_INLINE uint8_t* storeTripleLanes(uint8_t* q, ptrdiff_t stride, const uint8x8x3_t& pixels)
 {
-    vst3_lane_u8(q, a, lane);
-    vst3_lane_u8(q + 3, b, lane);
-    if constexpr (lane < 7) storeTripleLanes<lane + 1>(q + stride, stride, a, b);
+    vst3_lane_u8(q, pixels, lane);
+    if constexpr (lane < 7) return storeTripleLanes<lane + 1>(q + stride, stride, pixels);
+    return q + stride;
 }
-ODX_INLINE void storeTripleColumns(const uint8_t* p, ptrdiff_t pStride, uint8_t* q, ptrdiff_t qStride)
+ODX_INLINE void storeTripleColumn(const uint8_t* p, uint8_t* q, ptrdiff_t stride)
 {
-    const uint8_t* const next = p + pStride;
-    storeTripleLanes<0>(q, qStride, vld3_u8(p), vld3_u8(next));
-    storeTripleLanes<0>(q + 8 * qStride, qStride, vld3_u8(p + 24), vld3_u8(next + 24));
+    storeTripleLanes<0>(storeTripleLanes<0>(q, stride, vld3_u8(p)), stride, vld3_u8(p + 24));
 }
 #else
 constexpr bool kStoresColumns = false;
 
 ODX_INLINE void storeWordColumns(const uint8_t*, ptrdiff_t, uint8_t*, ptrdiff_t) {}
-ODX_INLINE void storeTripleColumns(const uint8_t*, ptrdiff_t, uint8_t*, ptrdiff_t) {}
+ODX_INLINE void storeTripleColumn(const uint8_t*, uint8_t*, ptrdiff_t) {}
 #endif
 
 } // namespace odx::ODX_TARGET::simd

@@ -97,12 +97,13 @@ const PrimitiveCase kCases[] = {
          lookUp(ByteTable<256>(in), in + 256, out);
          EACH(uint8_t, kLookedUp, in[in[256 + i]]);
      }},
-    {"storeWordColumns and storeTripleColumns", 96,
+    {"storeWordColumns and storeTripleColumn", 96,
      [](In in, Out out, Out expected) {
          if constexpr (kStoresColumns) {
              storeWordColumns(in + 48, -16, out, 16); // upwards
              EACH(uint32_t, 16, at<uint32_t>(in, (3 - i % 4) * 4 + i / 4));
-             storeTripleColumns(in, 48, out + 64, 6);
+             storeTripleColumn(in, out + 64, 6);
+             storeTripleColumn(in + 48, out + 67, 6);
              expected += 64;
              EACH(uint8_t, 96, in[i % 6 / 3 * 48 + i / 6 * 3 + i % 3]);
          }
