@@ -99,20 +99,25 @@ ODX_INLINE void prefetchSource(const warp::Source& s, const Tile<Rule, kTile>& t
         most = tile.y[i] > most ? tile.y[i] : most;
     }
     const float aheadX = 2 * (tile.x[corners[0]] - tile.x[0]), aheadY = 2 * (tile.y[corners[0]] - tile.y[0]);
-    const auto first = (int32_t)(least + aheadY), last = (int32_t)(most + aheadY) + 1;
-    const ptrdiff_t across = (ptrdiff_t)C * (int32_t)(tile.x[0] + aheadX), stride = (ptrdiff_t)s.stride;
-    for (int32_t y = first; y <= last; ++y)
-        prefetch((uintptr_t)s.pixels + (uintptr_t)(stride * y + across));
+    const auto within = [](float v, uint32_t size) {
+        const auto place = (int32_t)v;
+        return place < 0 ? 0 : (uint32_t)place < size ? (uint32_t)place : size - 1;
+    };
+    const uint32_t last = within(most + aheadY + 1.0f, s.height);
+    const size_t across = C * size_t{within(tile.x[0] + aheadX, s.width)};
+    for (uint32_t y = within(least + aheadY, s.height); y <= last; ++y)
+        __builtin_prefetch(rowOf(s.pixels, s.stride, y) + across);
 }
 // and of the destination.
 template <uint32_t C>
 ODX_INLINE void prefetchTarget(const warp::Target& target, uint32_t x, uint32_t y, uint32_t rows)
 {
-    constexpr size_t kAhead = 128, kLine = 64;
+    constexpr uint32_t kAhead = 128, kLine = 64;
+    if (target.width - x < kAhead + kPitch) return;
     for (uint32_t r = 0; r < rows; ++r) {
-        const uintptr_t to = (uintptr_t)rowOf(target.pixels, target.stride, y + r) + C * (x + kAhead);
-        for (size_t line = 0; line < C * kPitch; line += kLine)
-            prefetchForStore(to + line);
+        const uint8_t* const to = rowOf(target.pixels, target.stride, y + r) + C * size_t{x + kAhead};
+        for (uint32_t line = 0; line < C * kPitch; line += kLine)
+            __builtin_prefetch(to + line, 1);
     }
 }
 
@@ -310,9 +315,12 @@ bool cutPatchV(const warp::Source& source, const float* position, const float* a
     float first[2];
     if (!isAddressable(source) || patch.width > 16) return cutPatchC(source, position, affine, patch);
     if (!warp::beginPatch(source, position, affine, patch, first)) return false;
-    constexpr uint32_t kNarrow = kBlockColumns == 1 ? 8 : 16;
-    const bool done = patch.width <= kNarrow ? cutRows<kNarrow>(source, first, affine, patch)
-                                             : cutRows<16>(source, first, affine, patch);
+    bool done;
+    if (kBlockColumns == 1 && patch.width <= 8) {
+        done = cutRows < kBlockColumns == 1 ? 8 : 16 > (source, first, affine, patch);
+    } else {
+        done = cutRows<16>(source, first, affine, patch);
+    }
     // By rounding, or in the last row or column, a pixel may have none beside it.
     return done || cutPatchC(source, position, affine, patch);
 }

@@ -37,9 +37,9 @@ struct WordOf<4> {
 
 // What is added to coordinates, so that those from 0 to below Inside::of have all pixels.
 template <class Rule>
-constexpr float kShift = Rule::kRounds ? 0.5f : 0.0f;
-template <>
-constexpr float kShift<warp::Bicubic> = -1.0f;
+constexpr float kShift = std::is_same_v<Rule, warp::Bicubic> ? -1.0f
+                         : Rule::kRounds                     ? 0.5f
+                                                             : 0.0f;
 
 // Blends the squares of four vectors of positions, whose fractions are set before: channel c to `out`.
 template <class Rule>

@@ -22,7 +22,8 @@ struct PrimitiveCases {
 };
 
 // The tables, each in a file of its name.
-#define ODX_PRIMITIVE_CASES crossCases, laneCases, pixelCases, prefixCases, productCases, resamplingCases
+#define ODX_PRIMITIVE_CASES \
+    crossCases, gatheringCases, laneCases, pixelCases, prefixCases, productCases, resamplingCases
 
 } // namespace odx::test
 

@@ -8,8 +8,7 @@
 //   gatherEach<Word>(p, offsets) what lies there, as words
 //   gatherSixteens(p, offsets, words)
 //                                sixteen bytes of each lane, as four words
-//   prefetch(address), prefetchForStore(address)
-//                                of what may lie outside of all memory; kPrefetches: they are worth their cost
+//   kPrefetches                  prefetching is worth its cost
 //   floatsOfByte<n>(v)           that byte of each word as a float
 //   mulRound15(v, w)             (v * w + 16384) >> 15 of s16v, not both -32768
 //   mulRound16(v, w)             (v * w + 32768) >> 16 of s16v
@@ -35,15 +34,6 @@ constexpr uint32_t kBlockColumns = 4;
 #else
 constexpr uint32_t kBlockColumns = 1;
 #endif
-
-ODX_INLINE void prefetch(uintptr_t address)
-{
-    __builtin_prefetch((const void*)address);
-}
-ODX_INLINE void prefetchForStore(uintptr_t address)
-{
-    __builtin_prefetch((const void*)address, 1);
-}
 
 // The squares of four pixels in each 16 bytes, channel after channel, become words of each channel. Two rows of
 // pixels of three bytes are the first six of eight bytes and the last six of eight, so that nothing else is read.
