@@ -47,11 +47,6 @@ ODX_INLINE constexpr size_t shiftOfSecondRow()
 
 constexpr bool kPrefetches = true;
 
-ODX_INLINE u32v max(u32v v, u32v w)
-{
-    return (u32v)ODX_MM(max_epu32)((ODX_MI)v, (ODX_MI)w);
-}
-
 // Both rows of a square.
 template <uint32_t C>
 ODX_INLINE __m128i loadSquare(const uint8_t* p, size_t stride)
@@ -233,11 +228,6 @@ ODX_INLINE uint32_t firstLane(s32v v)
 #elif defined(__ARM_NEON)
 
 constexpr bool kPrefetches = false;
-
-ODX_INLINE u32v max(u32v v, u32v w)
-{
-    return (u32v)vmaxq_u32((uint32x4_t)v, (uint32x4_t)w);
-}
 
 // A word from memory, at any address, in a lane.
 template <int lane>
