@@ -97,7 +97,7 @@ struct Kernels {
             walk(Gradient<edge::Central, Whole>(), src, stride, columns, rows,
                  Rows<int16_t>{gx, sizeof *gx * pitch}, Rows<int16_t>{gy, sizeof *gy * pitch});
         } else {
-            sobelInterior<Loop::kKernel>(src, stride, gx, gy, sizeof *gx * pitch, columns, rows);
+            sobelInterior(Loop::kKernel, src, stride, gx, gy, sizeof *gx * pitch, columns, rows);
         }
     }
 

@@ -221,19 +221,10 @@ struct SobelY : Window<K, K, kBytes / 2> {
     ODX_MEMBER static void write(s16v sum, int16_t* out) { store(out, sum); }
 };
 
-// Outputs of the Sobel sums, the first of which has its uppermost leftmost tap at `src`; strides in bytes, the
-// width at least kBytes. Either output may be null.
-template <uint32_t K>
-[[gnu::noinline]] void sobelInterior(const uint8_t* src, size_t srcStride, int16_t* dx, int16_t* dy, size_t stride,
-                                     uint32_t width, uint32_t height)
-{
-    const Rows<int16_t> outX = {dx, stride}, outY = {dy, stride};
-    if constexpr (K == 3) {
-        if (dx && dy) return walk(Gradient<edge::Sobel, Whole>(), src, srcStride, width, height, outX, outY);
-    }
-    if (dx) walk(SobelX<K>(), src, srcStride, width, height, outX);
-    if (dy) walk(SobelY<K>(), src, srcStride, width, height, outY);
-}
+// Outputs of the KxK Sobel sums, K one of 3, 5, 7, the first of which has its uppermost leftmost tap at `src`;
+// strides in bytes, the width at least kBytes. Either output may be null. One copy serves the filters and Canny.
+void sobelInterior(uint32_t K, const uint8_t* src, size_t srcStride, int16_t* dx, int16_t* dy, size_t stride,
+                   uint32_t width, uint32_t height);
 
 } // namespace odx::ODX_TARGET
 

@@ -70,6 +70,20 @@ void odxFilterSobel3x3u8V(const uint8_t* src, unsigned int srcWidth, unsigned in
 
 // ---- Sobel filters with a border type ----
 
+void sobelInterior(uint32_t K, const uint8_t* src, size_t srcStride, int16_t* dx, int16_t* dy, size_t stride,
+                   uint32_t width, uint32_t height)
+{
+    const Rows<int16_t> outX = {dx, stride}, outY = {dy, stride};
+    const auto each = [&](const auto& x, const auto& y) {
+        if (dx) walk(x, src, srcStride, width, height, outX);
+        if (dy) walk(y, src, srcStride, width, height, outY);
+    };
+    if (K == 3 && dx && dy) return walk(Gradient<edge::Sobel, Whole>(), src, srcStride, width, height, outX, outY);
+    if (K == 3) return each(SobelX<3>(), SobelY<3>());
+    if (K == 5) return each(SobelX<5>(), SobelY<5>());
+    each(SobelX<7>(), SobelY<7>());
+}
+
 template <uint32_t K, class Reference>
 ODX_INLINE odxStatus sobel(Reference* reference, const uint8_t* src, uint32_t width, uint32_t height,
                            uint32_t srcStride, int16_t* dx, int16_t* dy, uint32_t dxyStride,
@@ -80,7 +94,7 @@ ODX_INLINE odxStatus sobel(Reference* reference, const uint8_t* src, uint32_t wi
     if (planeX.interiorWidth(K) < kBytes)
         return reference(src, width, height, srcStride, dx, dy, dxyStride, borderType, borderValue);
     const auto first = [=](int16_t* image) { return image ? rowOf(image, dxyStride, K / 2) + K / 2 : nullptr; };
-    sobelInterior<K>(src, srcStride, first(dx), first(dy), dxyStride, width - K + 1, planeX.interiorHeight(K));
+    sobelInterior(K, src, srcStride, first(dx), first(dy), dxyStride, width - K + 1, planeX.interiorHeight(K));
     edge::sobelFrame<K>(planeX, planeY, borderType, borderValue);
     return ONDRIX_SUCCESS;
 }
