@@ -75,11 +75,13 @@ struct Window {
 // the first cache: those a multiple of 4096 bytes apart do.
 constexpr size_t kNearRow = 2048, kCachePage = 4096;
 constexpr uint32_t kFewRows = kBytes < 64 ? 6 : 4, kManyRows = 48; // of blocks whose rows share lines, or do not
+constexpr uint32_t kLevelRows = 16; // of a level, which reads four times what it writes
 
-constexpr uint32_t blockRows(uint32_t windowRows, bool nearby, size_t srcStride)
+constexpr uint32_t blockRows(uint32_t windowRows, uint32_t step, bool nearby, size_t srcStride)
 {
     const uint32_t runUp = windowRows > 1 ? windowRows - 1 : 1;
     if (nearby) return 8 * runUp;
+    if (step != 1) return kLevelRows;
     // Row i + apart is the first to share its lines with row i.
     const size_t lowestBit = srcStride & (0 - srcStride),
                  apart = lowestBit < kCachePage ? kCachePage / lowestBit : 1;
@@ -254,9 +256,10 @@ ODX_INLINE void filterStrip(const Filter& filter, const S* in, size_t stride, ui
                             Rows<D>... out)
 {
     constexpr uint32_t step = Filter::kStep, columns = n * Filter::kLanes;
+    constexpr bool written = nearby || step != 1; // without waiting: few stores, or to lines that are there
     Beside<Filter, n> filters(filter);
     const auto fetchOut = [](const Rows<D>&... rowOut) {
-        (fetchAhead<nearby, columns>(rowOut.pixels, kFetchOut), ...);
+        (fetchAhead<written, columns>(rowOut.pixels, kFetchOut), ...);
     };
     for (uint32_t i = 0; i + step < Filter::kRows; ++i, in = rowOf(in, stride, 1)) {
         fetchAhead<nearby, columns * step>(in, ahead);
@@ -302,7 +305,7 @@ ODX_INLINE void walkRows(const Filter& filter, const S* src, size_t srcStride, u
                          Rows<D>... out)
 {
     constexpr uint32_t lanes = Filter::kLanes;
-    const uint32_t rowsAtOnce = blockRows(Filter::kRows, nearby, srcStride);
+    const uint32_t rowsAtOnce = blockRows(Filter::kRows, Filter::kStep, nearby, srcStride);
     forStrips<lanes, kAcross<Filter, nearby>>(
         width, height, columnsToAligned(firstOf(out...)) % lanes, rowsAtOnce,
         [&](auto side, uint32_t x, uint32_t y, uint32_t rows) {
