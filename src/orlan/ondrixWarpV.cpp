@@ -148,7 +148,7 @@ ODX_INLINE void warpTiles(const Path& path, const warp::Source* sources, const w
             const uint32_t columns = width - x < kPitch ? width - x : kPitch;
             for (uint32_t p = 0; kPrefetches && p < nPlanes; ++p)
                 prefetchTarget<C>(targets[p], x, y, rows);
-            uint8_t planes[nPlanes * C][kLanes * kPitch];
+            uint8_t planes[nPlanes * C + 1][kLanes * kPitch]; // one more: vectors may begin amid the last row
             for (uint32_t t = 0; t < columns; t += 16) {
                 Tile<Rule, kTile> tile;
                 tile.fill(

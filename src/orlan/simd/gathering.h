@@ -1,26 +1,27 @@
 // What warps ask of the vector layer besides the rest of it. The square of a pixel is the pixel, the one right of
 // it, and the two below.
 //
-//   kBlockColumns                vectors of positions are blocks of so many columns, and kLanes / kBlockColumns
-//   rows max(v, w)                    of u32v gatherSquares<C>(p, stride, offsets, squares)
-//                                the squares of the pixels of C bytes that lie so far behind p: for each channel
-//                                the four bytes of each lane as a word; the stride is at least 2
-//   gatherEach<Word>(p, offsets) what lies there, as words
+//   kBlockColumns              vectors of positions are blocks of so many columns, and kLanes / kBlockColumns rows
+//   gatherSquares<C>(p, stride, offsets, squares)
+//                              the squares of the pixels of C bytes that lie so far behind p: for each channel the
+//                              four bytes of each lane as a word; the stride is at least 2
+//   gatherEach<Word>(p, offsets)
+//                              what lies there, as words
 //   gatherSixteens(p, offsets, words)
-//                                sixteen bytes of each lane, as four words
-//   kPrefetches                  prefetching is worth its cost
-//   floatsOfByte<n>(v)           that byte of each word as a float
-//   mulRound15(v, w)             (v * w + 16384) >> 15 of s16v, not both -32768
-//   mulRound16(v, w)             (v * w + 32768) >> 16 of s16v
-//   transposePairs(v, w)         the even 16-bit lanes of both in turns, then the odd ones
+//                              sixteen bytes of each lane, as four words
+//   kPrefetches                prefetching is worth its cost
+//   floatsOfByte<n>(v)         that byte of each word as a float
+//   mulRound15(v, w)           (v * w + 16384) >> 15 of s16v, not both -32768
+//   mulRound16(v, w)           (v * w + 32768) >> 16 of s16v
+//   transposePairs(v, w)       the even 16-bit lanes of both in turns, then the odd ones
 //   storeRows(p, pitch, a, b, c, d)
-//                                (where blocks have four columns) the lanes of four blocks side by side, below
-//                                256, as rows of 16 bytes
-//   Window<C>                    (there, too) squares that are all in a small part of an image
-//     columns, rows              its size in pixels
+//                              (where blocks have four columns) the lanes of four blocks side by side, below 256,
+//                              as rows of 16 bytes
+//   Window<C>                  (there, too) squares that are all in a small part of an image
+//     columns, rows            its size in pixels
 //     find(p, stride, x, y, squares)
-//                                the squares of the pixels at these places of the window at p, which are below
-//                                columns - 1 and rows - 1
+//                              the squares of the pixels at these places of the window at p, which are below
+//                              columns - 1 and rows - 1
 #ifndef ODX_ORLAN_SIMD_GATHERING_H
 #define ODX_ORLAN_SIMD_GATHERING_H
 
@@ -148,7 +149,7 @@ ODX_INLINE s16v mulRound15(s16v v, s16v w)
 }
 ODX_INLINE s16v mulRound16(s16v v, s16v w)
 {
-    return (s16v)ODX_MM(mulhi_epi16)((ODX_MI)v, (ODX_MI)w) + (s16v)((u16v)(v * w) >> 15);
+    return (s16v)ODX_MM(mulhi_epi16)((ODX_MI)v, (ODX_MI)w) + (s16v)((u16v)v * (u16v)w >> 15);
 }
 
 ODX_INLINE s16p transposePairs(s16v v, s16v w)
