@@ -338,8 +338,8 @@ template <uint32_t channels>
 ODX_INLINE void upsampleRowOf(const uint8_t* src, uint8_t* dst, size_t pixels)
 {
     forVectors<kBytes>((pixels - 1) * channels, [&](size_t i) {
-        const u8x2 pixels = between(load<u8v>(src + i), load<u8v>(src + i + channels));
-        storeBetween<channels>(dst + channels + 2 * i, pixels.a, pixels.b);
+        const u8x2 two = between(load<u8v>(src + i), load<u8v>(src + i + channels));
+        storeBetween<channels>(dst + channels + 2 * i, two.a, two.b);
     });
     for (size_t c = 0; c < channels; ++c) {
         dst[c] = src[c];
