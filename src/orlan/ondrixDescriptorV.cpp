@@ -53,38 +53,35 @@ ODX_INLINE u8v wordsFrom(const Patch& patch, uint32_t first)
     return (u8v)words;
 }
 
-// Loops of a few vectors would stay loops.
-template <uint32_t words, class Patch>
-ODX_INLINE u32v addDifferencesFrom(u32v sum, const Patch& a, const Patch& b)
+// Adds what `add` makes of each two vectors. Loops of a few vectors would stay loops.
+template <uint32_t words, class Patch, class Add>
+ODX_INLINE u32v addVectors(u32v sum, const Patch& a, const Patch& b, Add add)
 {
     constexpr uint32_t first = Patch::kWords - words;
     if constexpr (words == 0) {
         return sum;
     } else {
-        const u32v next = addDifferences(sum, wordsFrom(a, first), wordsFrom(b, first));
-        return addDifferencesFrom<words - kBytes / 8>(next, a, b);
+        const u32v next = add(sum, wordsFrom(a, first), wordsFrom(b, first));
+        return addVectors<words - kBytes / 8>(next, a, b, add);
     }
 }
 template <class Patch>
 ODX_INLINE uint32_t absoluteDifferences(const Patch& a, const Patch& b)
 {
-    return sumOfLanes(addDifferencesFrom<Patch::kWords>(u32v{}, a, b));
-}
-template <uint32_t words, class Patch>
-ODX_INLINE u32v addProductsFrom(u32v sum, const Patch& a, const Patch& b)
-{
-    constexpr uint32_t first = Patch::kWords - words;
-    if constexpr (words == 0) {
-        return sum;
-    } else {
-        const u32v next = addProducts(sum, wordsFrom(a, first), wordsFrom(b, first));
-        return addProductsFrom<words - kBytes / 8>(next, a, b);
-    }
+    const auto add = [](u32v sum, u8v v, u8v w) __attribute__((always_inline))
+    {
+        return addDifferences(sum, v, w);
+    };
+    return sumOfLanes(addVectors<Patch::kWords>(u32v{}, a, b, add));
 }
 template <class Patch>
 ODX_INLINE uint32_t products(const Patch& a, const Patch& b)
 {
-    return sumOfLanes(addProductsFrom<Patch::kWords>(u32v{}, a, b));
+    const auto add = [](u32v sum, u8v v, u8v w) __attribute__((always_inline))
+    {
+        return addProducts(sum, v, w);
+    };
+    return sumOfLanes(addVectors<Patch::kWords>(u32v{}, a, b, add));
 }
 
 uint32_t odxSumOfAbsoluteDiff8x8u8V(const uint8_t* a, unsigned int aStride, const uint8_t* b, unsigned int bStride)

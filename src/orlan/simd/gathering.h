@@ -73,10 +73,7 @@ ODX_INLINE u8v loadSquares(const uint8_t* p, size_t stride, const uint32_t* offs
 template <int i>
 ODX_INLINE __m128i insertSquare(__m128i v, const uint8_t* p, size_t stride)
 {
-    uint16_t above, below;
-    memcpy(&above, p, sizeof above);
-    memcpy(&below, p + stride, sizeof below);
-    return _mm_insert_epi16(_mm_insert_epi16(v, above, 2 * i), below, 2 * i + 1);
+    return _mm_insert_epi16(_mm_insert_epi16(v, load<uint16_t>(p), 2 * i), load<uint16_t>(p + stride), 2 * i + 1);
 }
 ODX_INLINE __m128i fourSquares(const uint8_t* p, size_t stride, const uint32_t* offsets)
 {
@@ -129,11 +126,8 @@ ODX_INLINE u32v gatherEach(const uint8_t* p, u32v offsets)
 {
     uint32_t at[kBytes / 4], words[kBytes / 4];
     store(at, offsets);
-    for (uint32_t i = 0; i < kBytes / 4; ++i) {
-        Word word;
-        memcpy(&word, p + at[i], sizeof word);
-        words[i] = word;
-    }
+    for (uint32_t i = 0; i < kBytes / 4; ++i)
+        words[i] = load<Word>(p + at[i]);
     return load<u32v>(words);
 }
 
@@ -234,9 +228,7 @@ constexpr bool kPrefetches = false;
 template <int lane>
 ODX_INLINE uint16x8_t loadLane(uint16x8_t v, const uint8_t* p)
 {
-    uint16_t word;
-    memcpy(&word, p, sizeof word);
-    return vsetq_lane_u16(word, v, lane);
+    return vsetq_lane_u16(load<uint16_t>(p), v, lane);
 }
 template <int i>
 ODX_INLINE uint16x8_t loadLanes(uint16x8_t v, const uint8_t* p, size_t stride)
@@ -288,13 +280,8 @@ ODX_INLINE void gatherSixteens(const uint8_t* p, u32v offsets, u32v (&words)[4])
 template <class Word>
 ODX_INLINE u32v gatherEach(const uint8_t* p, u32v offsets)
 {
-    const auto word = [p](uint32_t offset) __attribute__((always_inline))
-    {
-        Word w;
-        memcpy(&w, p + offset, sizeof w);
-        return (uint32_t)w;
-    };
-    return u32v{word(offsets[0]), word(offsets[1]), word(offsets[2]), word(offsets[3])};
+    return u32v{load<Word>(p + offsets[0]), load<Word>(p + offsets[1]), load<Word>(p + offsets[2]),
+                load<Word>(p + offsets[3])};
 }
 
 // Conversion shifts at no cost.
