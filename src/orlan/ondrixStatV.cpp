@@ -247,6 +247,18 @@ struct Lists {
         for (; bits != 0; bits &= bits - 1)
             places.add(x + (size_t)__builtin_ctzll(bits) / sizeof(T), y);
     }
+    // Whether one of n vectors may hold an extreme.
+    template <size_t n>
+    ODX_MEMBER bool mayHold(const T* p) const
+    {
+        typename O::Vector low = typename O::Vector{} + O::kLow, high = typename O::Vector{} + O::kHigh;
+        for (size_t i = 0; i < n; ++i) {
+            const Keys<typename O::Vector> k = O::keys(p + i * kLanes);
+            low = O::lesser(k.low, low);
+            high = O::greater(k.high, high);
+        }
+        return any((u8v)((low == search.low) | (high == search.high)));
+    }
     ODX_MEMBER void addVector(const T* p, size_t x, size_t y, uint64_t valid) const
     {
         const Keys<typename O::Vector> k = O::keys(p);
@@ -263,6 +275,11 @@ struct Lists {
             return addVector(padded, 0, y, (uint64_t{1} << n * sizeof(T)) - 1);
         }
         size_t x = 0;
+        for (; n - x >= 4 * kLanes; x += 4 * kLanes) {
+            if (!mayHold<4>(p + x)) continue;
+            for (size_t i = 0; i < 4 * kLanes; i += kLanes)
+                addVector(p + x + i, x + i, y, ~uint64_t{0});
+        }
         for (; n - x >= kLanes; x += kLanes)
             addVector(p + x, x, y, ~uint64_t{0});
         const size_t left = n - x, last = n - kLanes;
