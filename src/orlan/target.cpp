@@ -6,23 +6,39 @@
 #include "frame/shared.h"
 #include "frame/tables.h"
 #include "orlan/family.h"
+#include "orlan/narrow.h"
 #include "orlan/simd/target.h"
+
+#define DECLARE_NARROW(name) decltype(name##C) name##V;
+namespace odx::avx2
+{
+ODX_NARROW(DECLARE_NARROW)
+}
 
 namespace odx::ODX_TARGET
 {
 
+// The functions that the column takes: the target's own, but for those that it takes from AVX2.
+namespace taken
+{
+using namespace ODX_TARGET;
+#define TAKE_NARROW(name) using avx2::name##V;
+ODX_NARROW(TAKE_NARROW)
+} // namespace taken
+
 static void fillColumn([[maybe_unused]] void** publicColumn, [[maybe_unused]] void** internalColumn)
 {
 #define ODX_OPERATION(slot, name, index, columns, ...) \
-    ODX_IF_##columns##_V(publish(publicColumn[slot * kImplementations], reinterpret_cast<void*>(&name##V));)
+    ODX_IF_##columns##_V(publish(publicColumn[slot * kImplementations], reinterpret_cast<void*>(&taken::name##V));)
 #define ODX_INTERNAL(entry, name, index, columns, ...) \
-    ODX_IF_##columns##_V(publish(internalColumn[entry * kImplementations], reinterpret_cast<void*>(&name##V));)
+    ODX_IF_##columns##_V(                              \
+        publish(internalColumn[entry * kImplementations], reinterpret_cast<void*>(&taken::name##V));)
 #include "frame/operations/families.def"
 }
 
 static void pointHelpers()
 {
-#define ODX_HELPER(name, columns) ODX_IF_##columns##_V(name##_ = &name##V;)
+#define ODX_HELPER(name, columns) ODX_IF_##columns##_V(name##_ = &taken::name##V;)
 #include "frame/operations/families.def"
 }
 
