@@ -49,6 +49,7 @@ Call patchSearch(const Measurement& measurement)
     };
 }
 
+// Ten times over the same window, as our row: no move is too small to go on.
 template <int type, bool adaptive>
 Call windowTracker(const Measurement& measurement)
 {
@@ -56,7 +57,7 @@ Call windowTracker(const Measurement& measurement)
     const cv::Rect start(weights.cols / 3, weights.rows / 3, weights.cols / 3, weights.rows / 3);
     return [weights, start]() {
         cv::Rect window = start;
-        const cv::TermCriteria criteria(cv::TermCriteria::COUNT | cv::TermCriteria::EPS, 10, 1);
+        const cv::TermCriteria criteria(cv::TermCriteria::COUNT | cv::TermCriteria::EPS, 10, 0);
         if (adaptive) {
             benchmarkUses(cv::CamShift(weights, window, criteria));
         } else {

@@ -34,7 +34,7 @@ void windowTracker(Draw& draw)
     const auto src = draw.source<T>("src", draw.extent(1, 1, 0));
     const WindowInPlace window(draw, src.extent());
     const uint32_t limit = draw.pick("limit", {10u, 0u, 1u, 40u});
-    const float epsilon = draw.real("epsilon", 0, 4, 1);
+    const float epsilon = draw.real("epsilon", 0, 4, 0); // measured, it goes on
     const auto ellipse = [](Draw& d) {
         return reinterpret_cast<odxTrackedEllipse*>(d.destinationArray<float>("ellipse", 5));
     };
