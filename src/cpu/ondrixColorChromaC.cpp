@@ -48,10 +48,12 @@ struct Sample {
 };
 
 // How a row of chroma is stored.
+// - kBytes: of a sample in its plane
 // - samples(wanted, stride): how many a row has, of those that the width asks for
 // - load<n>(cb, cr, i): the first sample of the i-th group of n
 // - store<n>(cb, cr, i, sample): the i-th group of n equal samples
 struct Planar {
+    static constexpr size_t kBytes = 1;
     static size_t samples(size_t wanted, uint32_t) { return wanted; }
 
     template <size_t n>
@@ -70,6 +72,7 @@ struct Planar {
 
 // `cb` is the plane of pairs.
 struct PseudoPlanar {
+    static constexpr size_t kBytes = 2;
     static size_t samples(size_t wanted, uint32_t stride) { return wanted <= stride / 2 ? wanted : stride / 2; }
 
     template <size_t n>
@@ -126,21 +129,38 @@ void chromaRow(const uint8_t* __restrict srcCb, const uint8_t* __restrict srcCr,
     }
 }
 
+// No gaps between rows of so many samples.
+template <class Kind, class Byte>
+bool packed(const Image<Byte>& image, size_t samples)
+{
+    return image.cbStride == Kind::kBytes * samples && image.crStride == image.cbStride;
+}
+
 template <class From, uint32_t fromSubsampling, class To, uint32_t toSubsampling>
 void convert(const Image<const uint8_t>& src, size_t width, size_t height, const Image<uint8_t>& dst)
 {
     using In = Covers<fromSubsampling>;
     using Out = Covers<toSubsampling>;
-    for (size_t y = 0; y < height; ++y)
-        memcpy(rowOf(dst.y, dst.yStride, y), rowOf(src.y, src.yStride, y), width);
+    // What has no gaps is one long row.
+    const bool packedLuma = src.yStride == width && dst.yStride == width;
+    const size_t lumaRows = packedLuma ? 1 : height, lumaBytes = packedLuma ? width * height : width;
+    for (size_t y = 0; y < lumaRows; ++y)
+        memcpy(rowOf(dst.y, dst.yStride, y), rowOf(src.y, src.yStride, y), lumaBytes);
 
-    const size_t available = From::samples((width + In::kAcross - 1) / In::kAcross, src.cbStride);
-    const size_t count = To::samples((width + Out::kAcross - 1) / Out::kAcross, dst.cbStride);
-    for (size_t y = 0; y < height; y += Out::kDown) {
-        const size_t in = y / In::kDown, out = y / Out::kDown;
+    size_t available = From::samples((width + In::kAcross - 1) / In::kAcross, src.cbStride);
+    size_t count = To::samples((width + Out::kAcross - 1) / Out::kAcross, dst.cbStride);
+    size_t rows = (height + Out::kDown - 1) / Out::kDown;
+    if (In::kDown == Out::kDown && In::kAcross * available == Out::kAcross * count &&
+        packed<From>(src, available) && packed<To>(dst, count)) {
+        available *= rows;
+        count *= rows;
+        rows = 1;
+    }
+    for (size_t y = 0; y < rows; ++y) {
+        const size_t in = y * Out::kDown / In::kDown;
         chromaRow<From, In::kAcross, To, Out::kAcross>(
             rowOf(src.cb, src.cbStride, in), rowOf(src.cr, src.crStride, in), available,
-            rowOf(dst.cb, dst.cbStride, out), rowOf(dst.cr, dst.crStride, out), count);
+            rowOf(dst.cb, dst.cbStride, y), rowOf(dst.cr, dst.crStride, y), count);
     }
 }
 
