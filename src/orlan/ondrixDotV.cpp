@@ -219,19 +219,31 @@ ODX_INLINE uint32_t dot(const T* a, const T* b, size_t length)
             sum += (uint32_t)(a[i] * b[i]);
         return sum;
     }
-    u32v sum = {}, other = {};
-    size_t i = 0;
-    for (; length - i >= 2 * kBytes; i += 2 * kBytes) {
-        sum = addProductsAt(sum, a + i, b + i);
-        other = addProductsAt(other, a + i + kBytes, b + i + kBytes);
+    u32v sum = {}, second = {}, third = {}, fourth = {}; // what adds products may take four cycles
+    const auto addNext = [&](u32v & to) __attribute__((always_inline))
+    {
+        to = addProductsAt(to, a, b);
+        a += kBytes;
+        b += kBytes;
+    };
+    for (; length >= 4 * kBytes; length -= 4 * kBytes) {
+        addNext(sum);
+        addNext(second);
+        addNext(third);
+        addNext(fourth);
     }
-    if (length - i >= kBytes) {
-        sum = addProductsAt(sum, a + i, b + i);
-        i += kBytes;
+    if (length >= 2 * kBytes) {
+        addNext(sum);
+        addNext(second);
+        length -= 2 * kBytes;
     }
-    const size_t last = length - kBytes;
-    if (i != length) other = addLastAt(other, a + last, b + last, load<u8v>(kLastBytes.bytes + (length - i)));
-    return sumOfLanes(sum + other);
+    if (length >= kBytes) {
+        addNext(third);
+        length -= kBytes;
+    }
+    const T *const p = a + length - kBytes, *const q = b + length - kBytes;
+    if (length != 0) fourth = addLastAt(fourth, p, q, load<u8v>(kLastBytes.bytes + length));
+    return sumOfLanes((sum + second) + (third + fourth));
 }
 
 #define ODX_COLUMN(name) name##V
