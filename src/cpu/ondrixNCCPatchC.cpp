@@ -21,14 +21,13 @@ enum Status { kFound = 0, kTooWide = 1, kOutside = 2, kNothing = 3, kFlatPatch =
 constexpr int32_t kFlatScore = -127;
 
 struct Patch {
-    int16_t pixels[kPixels];
+    const uint8_t* pixels;
     int32_t sum = 0, variance;
 
-    explicit Patch(const uint8_t* bytes)
+    explicit Patch(const uint8_t* bytes) : pixels(bytes)
     {
         int32_t squares = 0;
         for (int32_t i = 0; i < kPixels; ++i) {
-            pixels[i] = bytes[i];
             sum += bytes[i];
             squares += bytes[i] * bytes[i];
         }
@@ -116,9 +115,8 @@ public:
     Found search(const Patch& patch, int32_t threshold, Inside inside)
     {
         if (threshold != 0 && patch.variance < threshold) return {kFlatPatch, kFlatScore, {-1, -1}};
-        for (int32_t x = 0; x <= 2 * rx_; ++x)
-            odxPatchProducts8x8_(patch.pixels, strips_[x], static_cast<uint32_t>(2 * ry_ + 1),
-                                 products_ + x * kMostSums);
+        odxPatchProducts8x8_(patch.pixels, strips_[0], kMostSums, static_cast<uint32_t>(2 * rx_ + 1),
+                             static_cast<uint32_t>(2 * ry_ + 1), products_);
         Found best = {kNothing, 0, {0, 0}};
         float bestN2 = 1, bestVariance = 1;
         Candidate bestCandidate = {};
@@ -222,13 +220,20 @@ int searchAround(const uint8_t* patchPixels, const uint8_t* src, uint32_t width,
 
 extern "C" {
 
-void odxPatchProducts8x8C(const int16_t* patch, const uint8_t* strip, uint32_t count, int32_t* sums)
+void odxPatchProducts8x8C(const uint8_t* patch, const uint8_t* strips, size_t pitch, uint32_t columns,
+                          uint32_t count, int32_t* sums)
 {
-    for (uint32_t n = 0; n < count; ++n, strip += kSide) {
-        int32_t sum = 0;
-        for (int32_t i = 0; i < kPixels; ++i)
-            sum += patch[i] * strip[i];
-        sums[n] = sum;
+    int16_t pixels[kPixels];
+    for (int32_t i = 0; i < kPixels; ++i)
+        pixels[i] = patch[i];
+    for (uint32_t x = 0; x < columns; ++x, strips += kSide * pitch, sums += pitch) {
+        const uint8_t* strip = strips;
+        for (uint32_t n = 0; n < count; ++n, strip += kSide) {
+            int32_t sum = 0;
+            for (int32_t i = 0; i < kPixels; ++i)
+                sum += pixels[i] * strip[i];
+            sums[n] = sum;
+        }
     }
 }
 

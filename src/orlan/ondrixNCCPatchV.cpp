@@ -21,22 +21,22 @@ ODX_INLINE u32v addPixels(u32v sum, const u8v* pixels, const uint8_t* window)
     return next;
 }
 
-void odxPatchProducts8x8V(const int16_t* patch, const uint8_t* strip, uint32_t count, int32_t* sums)
+void odxPatchProducts8x8V(const uint8_t* patch, const uint8_t* strips, size_t pitch, uint32_t columns,
+                          uint32_t count, int32_t* sums)
 {
-    alignas(kBytes) uint8_t bytes[kPixels];
-    for (uint32_t i = 0; i < kPixels; ++i)
-        bytes[i] = (uint8_t)patch[i];
     u8v pixels[kPixels / kBytes];
-    memcpy(pixels, bytes, sizeof pixels);
-    const auto at = [&](uint32_t n) { return addPixels<0>(u32v{}, pixels, strip + kSide * n); };
-    uint32_t n = 0;
-    for (; count - n >= 4; n += 4) {
-        uint32_t four[4];
-        storeSums(four, at(n), at(n + 1), at(n + 2), at(n + 3));
-        memcpy(sums + n, four, sizeof four);
+    memcpy(pixels, patch, sizeof pixels);
+    for (; columns != 0; --columns, strips += kSide * pitch, sums += pitch) {
+        const auto at = [&](uint32_t n) { return addPixels<0>(u32v{}, pixels, strips + kSide * n); };
+        uint32_t n = 0;
+        for (; count - n >= 4; n += 4) {
+            uint32_t four[4];
+            storeSums(four, at(n), at(n + 1), at(n + 2), at(n + 3));
+            memcpy(sums + n, four, sizeof four);
+        }
+        for (; n < count; ++n)
+            sums[n] = (int32_t)sumOfLanes(at(n));
     }
-    for (; n < count; ++n)
-        sums[n] = (int32_t)sumOfLanes(at(n));
 }
 
 } // namespace odx::ODX_TARGET
