@@ -53,9 +53,16 @@ ODX_INLINE u32v addProducts(u32v sum, u8v a, u8v b)
 }
 ODX_INLINE u32v addProducts(u32v sum, s8v a, s8v b)
 {
+#if ODX_VECTOR_BYTES == 64 && !defined(ODX_EMULATE_AVX512)
+    // a + 128 is a byte; 128 * b is taken away as 128 * (-1 - b) and 4 * 128.
+    const __m512i byte = _mm512_set1_epi8((char)0x80), less = _mm512_set1_epi32(4 * 128);
+    return (u32v)_mm512_dpbusd_epi32((__m512i)sum, (__m512i)a ^ byte, (__m512i)b) +
+           (u32v)_mm512_dpbusd_epi32(less, byte, ~(__m512i)b);
+#else
     const auto even = [](s8v v) { return (ODX_MI)((s16v)((u16v)v << 8) >> 8); };
     const auto odd = [](s8v v) { return (ODX_MI)((s16v)v >> 8); };
     return sum + (u32v)ODX_MM(madd_epi16)(even(a), even(b)) + (u32v)ODX_MM(madd_epi16)(odd(a), odd(b));
+#endif
 }
 
 ODX_INLINE u32v addBytes(u32v sum, u8v v)
