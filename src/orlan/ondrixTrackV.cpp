@@ -49,42 +49,47 @@ struct Places {
 static constexpr Places kPlaces;
 
 // Lanes hold the sums of their columns. Those before each vector, added up, are each vector's sum times the
-// vectors behind it.
-ODX_INLINE odxPartMoments<uint32_t> momentsOfVectors(const uint8_t* row, uint32_t vectors)
+// vectors behind it. What is left of a row are the last lanes of a vector that ends there.
+ODX_INLINE odxPartMoments<uint32_t> momentsOfVectors(const uint8_t* row, uint32_t vectors, u8v rest,
+                                                     uint32_t restAt)
 {
-    const s16v one = s16v{} + 1;
     u16p columns = {};
-    s32v before = {};
+    u32v before = {};
     for (uint32_t i = 0; i < vectors; ++i) {
-        before = addProducts(addProducts(before, (s16v)columns.a, one), (s16v)columns.b, one);
+        before = addWords(addWords(before, columns.a), columns.b);
         columns = columns + split(load<u8v>(row + kBytes * i));
     }
+    columns = columns + split(rest);
     const u16p places = split(load<u8v>(kPlaces.bytes));
-    const s16v a = (s16v)columns.a, b = (s16v)columns.b;
-    const uint32_t sum = sumOfLanes(addProducts(addProducts(s32v{}, a, one), b, one)),
-                   inside = sumOfLanes(addProducts(addProducts(s32v{}, a, (s16v)places.a), b, (s16v)places.b));
-    return {sum, (sum * (vectors - 1) - sumOfLanes(before)) * kBytes + inside};
+    const u32v sum = addWords(addWords(u32v{}, columns.a), columns.b);
+    const s32v inside =
+        addProducts(addProducts(s32v{}, (s16v)columns.a, (s16v)places.a), (s16v)columns.b, (s16v)places.b);
+    uint32_t sums[4]; // of all, before, inside, rest
+    storeSums(sums, sum, before, (u32v)inside, addBytes(u32v{}, rest));
+    return {sums[0], ((sums[0] - sums[3]) * (vectors - 1) - sums[1]) * kBytes + sums[2] + sums[3] * restAt};
 }
 
 void momentsOfPartu8V(const uint8_t* row, uint32_t count, odxPartMoments<uint32_t>* moments)
 {
-    constexpr uint32_t kMost = INT16_MAX / UINT8_MAX; // that lanes can add
+    constexpr uint32_t kMost = INT16_MAX / UINT8_MAX - 1; // that lanes can add, with the rest
+    uint8_t padded[kBytes];
+    if (count < kBytes) {
+        memset(padded, 0, sizeof padded);
+        memcpy(padded, row, count);
+        row = padded;
+        count = kBytes;
+    }
+    const uint32_t restAt = count - kBytes;
+    const u8v places = load<u8v>(kPlaces.bytes);
+    u8v rest = load<u8v>(row + restAt) & (u8v)(places >= (uint8_t)(kBytes - count % kBytes));
     *moments = {0, 0};
-    const auto add = [=](const uint8_t* p, uint32_t vectors, uint32_t x) __attribute__((always_inline))
-    {
-        const odxPartMoments<uint32_t> part = momentsOfVectors(p, vectors);
+    for (uint32_t x = 0, vectors = count / kBytes, n; vectors != 0; vectors -= n, x += n * kBytes) {
+        n = vectors < kMost ? vectors : kMost;
+        const odxPartMoments<uint32_t> part = momentsOfVectors(row + x, n, rest, restAt - x);
         moments->sum += part.sum;
         moments->atColumns += part.atColumns + part.sum * x;
-    };
-    uint32_t x = 0;
-    for (uint32_t vectors = count / kBytes, n; vectors != 0; vectors -= n, x += n * kBytes) {
-        n = vectors < kMost ? vectors : kMost;
-        add(row + x, n, x);
+        rest = u8v{};
     }
-    if (x == count) return;
-    uint8_t last[kBytes] = {};
-    memcpy(last, row + x, count - x);
-    add(last, 1, x);
 }
 
 } // namespace odx::ODX_TARGET

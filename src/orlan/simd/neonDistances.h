@@ -73,6 +73,10 @@ ODX_INLINE u32v addBytes(u32v sum, u8v v)
 {
     return (u32v)vpadalq_u16((uint32x4_t)sum, vpaddlq_u8((uint8x16_t)v));
 }
+ODX_INLINE u32v addWords(u32v sum, u16v v)
+{
+    return (u32v)vpadalq_u16((uint32x4_t)sum, (uint16x8_t)v);
+}
 ODX_INLINE u32v addDifferences(u32v sum, u8v a, u8v b)
 {
     return addBytes(sum, (u8v)vabdq_u8((uint8x16_t)a, (uint8x16_t)b));

@@ -109,6 +109,7 @@
 //                                the same with those of n bytes, as loadPart has them
 //   addBytes(sum, v), addDifferences(sum, v, w)
 //                                the same with bytes, and with absolute differences of bytes
+//   addWords(sum, v)             the same with 16-bit numbers below 2^15
 //   sumOfLanes(v)                of a u32v
 //   distance(v, w)               |v - w| of u8v and f32v; of s32v, at most INT32_MAX
 //   kPairsVectors                two neighbouring vectors are loaded or stored by one instruction

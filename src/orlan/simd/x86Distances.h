@@ -69,6 +69,10 @@ ODX_INLINE u32v addBytes(u32v sum, u8v v)
 {
     return sum + (u32v)ODX_MM(sad_epu8)((ODX_MI)v, ODX_MI{});
 }
+ODX_INLINE u32v addWords(u32v sum, u16v v)
+{
+    return sum + (u32v)ODX_MM(madd_epi16)((ODX_MI)v, ODX_MM(set1_epi16)(1));
+}
 ODX_INLINE u32v addDifferences(u32v sum, u8v a, u8v b)
 {
     return sum + (u32v)ODX_MM(sad_epu8)((ODX_MI)a, (ODX_MI)b);

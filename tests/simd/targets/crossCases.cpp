@@ -52,6 +52,8 @@ const PrimitiveCase kCases[] = {
              return at<int16_t>(in, k) * (at<int16_t>(in + kBytes, k) >> 1);
          }),
          put<uint32_t>(out, 0, sumOfLanes(addProducts(s32v{} + 5, load<s16v>(in), load<s16v>(in + kBytes) >> 1)))),
+    CASE("addWords", kBytes, uint32_t, 1, 7 + sumOf(kBytes / 2, [=](size_t k) { return at<uint16_t>(in, k) >> 1; }),
+         put<uint32_t>(out, 0, sumOfLanes(addWords(u32v{7}, load<u16v>(in) >> 1)))),
     {"addBytes, addDifferences and storeSums", 4 * kBytes,
      [](In in, Out out, Out expected) {
          const auto v = [=](int k) { return load<u8v>(in + kBytes * (size_t)k); };
