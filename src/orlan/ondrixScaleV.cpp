@@ -102,7 +102,7 @@ int odxScaleDown3To2u8V(const uint8_t* src, unsigned int width, unsigned int hei
                 return Sides{threeAndOne(v.a, v.b), threeAndOne(v.c, v.b)};
             };
             const auto corner = [](const u16p& outer, const u16p& inner) {
-                return joinShifted<4>(u16p{outer.a * 3 + inner.a, outer.b * 3 + inner.b});
+                return joinThrees<4>({outer.a * 3 + inner.a, outer.b * 3 + inner.b});
             };
             const Sides a = sides(top), b = sides(middle), c = sides(bottom);
             store2(upper + 2 * x, corner(a.left, b.left), corner(a.right, b.right));
@@ -373,7 +373,7 @@ ODX_INLINE void upsampleSquaresOf(const uint8_t* above, const uint8_t* below, ui
                   d = load<u8v>(below + i + channels);
         const auto outputs = [=](uint8_t* out, const u16p& left, const u16p& right) {
             const auto first = [](const u16p& p, const u16p& q) {
-                return joinRounded<4>({p.a * 3 + q.a, p.b * 3 + q.b});
+                return joinRoundedThrees<4>({p.a * 3 + q.a, p.b * 3 + q.b});
             };
             storeBetween<channels>(out, first(left, right), first(right, left));
         };

@@ -11,7 +11,9 @@
 //   lookup(row, bases, places)   kBytes bytes, in order: each at its place, below kLookupWindow, from one of the
 //                                bases, of which there is one for kLookup outputs
 //   between(v, w)                (3 * v + w + 2) >> 2 and (v + 3 * w + 2) >> 2 of u8v
-//   threeAndOne(v, w)            3 * v + w of u8v as 16 bits, in split's order
+//   threeAndOne(v, w)            3 * v + w of u8v as 16 bits, in an order of their own
+//   joinThrees<n>(pair), joinRoundedThrees<n>(pair)
+//                                bytes of what has that order, divided by 2^n; the second rounds
 //   joinRounded<n>(pair)         join((pair + 2^(n - 1)) >> n)
 //   addProducts(sum, p, k)       sum + p[i] * k for each lane of a s32v, of 16 bits
 //   storeWeighted(p, v, w, k)    v[i] * k[2i] + w[i] * k[2i + 1] of two u8v as kBytes words of 32 bits, in order
@@ -157,8 +159,21 @@ ODX_INLINE u8x2 between(u8v v, u8v w)
 }
 ODX_INLINE u16p threeAndOne(u8v v, u8v w)
 {
-    const u16p a = split(v);
-    return a + (a << 1) + split(w);
+    const u8x2 pairs = zip<1>(v, w);
+    const ODX_MI weights = ODX_MM(set1_epi16)(3 | 1 << 8);
+    return {(u16v)ODX_MM(maddubs_epi16)((ODX_MI)pairs.a, weights),
+            (u16v)ODX_MM(maddubs_epi16)((ODX_MI)pairs.b, weights)};
+}
+template <int n>
+ODX_INLINE u8v joinThrees(const u16p& p)
+{
+    return (u8v)ODX_MM(packus_epi16)((ODX_MI)(p.a >> n), (ODX_MI)(p.b >> n));
+}
+template <int n>
+ODX_INLINE u8v joinRoundedThrees(const u16p& p)
+{
+    constexpr uint16_t half = 1 << (n - 1);
+    return joinThrees<n>({p.a + half, p.b + half});
 }
 template <int n>
 ODX_INLINE u8v joinRounded(const u16p& p)
@@ -261,6 +276,17 @@ template <int n>
 ODX_INLINE u8v joinRounded(const u16p& p)
 {
     return (u8v)vcombine_u8(vrshrn_n_u16((uint16x8_t)p.a, n), vrshrn_n_u16((uint16x8_t)p.b, n));
+}
+
+template <int n>
+ODX_INLINE u8v joinThrees(const u16p& p)
+{
+    return joinShifted<n>(p);
+}
+template <int n>
+ODX_INLINE u8v joinRoundedThrees(const u16p& p)
+{
+    return joinRounded<n>(p);
 }
 
 ODX_INLINE void storeWeighted(int32_t* p, u8v v, u8v w, const int16_t* weights)

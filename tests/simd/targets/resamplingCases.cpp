@@ -57,10 +57,15 @@ const PrimitiveCase kCases[] = {
          expected += kBytes;
          EACH(uint8_t, kBytes, (in[i] + 3 * in[kBytes + i] + 2) >> 2);
      }},
-    {"threeAndOne and joinRounded", 2 * kBytes,
+    {"threeAndOne, joinThrees, joinRoundedThrees and joinRounded", 2 * kBytes,
      [](In in, Out out, Out expected) {
-         store(out, joinRounded<2>(threeAndOne(load<u8v>(in), load<u8v>(in + kBytes))));
+         const u16p threes = threeAndOne(load<u8v>(in), load<u8v>(in + kBytes));
+         storeAll(out, joinThrees<2>(threes), joinRoundedThrees<2>(threes), joinRounded<1>(split(load<u8v>(in))));
+         EACH(uint8_t, kBytes, (3 * in[i] + in[kBytes + i]) >> 2);
+         expected += kBytes;
          EACH(uint8_t, kBytes, (3 * in[i] + in[kBytes + i] + 2) >> 2);
+         expected += kBytes;
+         EACH(uint8_t, kBytes, (in[i] + 1) >> 1);
      }},
     {"addProducts of 16 bits and a number", 2 * kBytes + 2,
      [](In in, Out out, Out expected) {
