@@ -104,19 +104,19 @@ Sums sumsOf(const uint8_t* src, uint32_t width, uint32_t height, uint32_t stride
 
 // ---- histograms ----
 
-[[gnu::always_inline]] inline void countOne(uint32_t* table, size_t level)
+[[gnu::always_inline]] inline void countOne(uint16_t* table, size_t level)
 {
-    const uint32_t count = table[level];
+    const uint16_t count = table[level];
 #if defined(__aarch64__)
     asm("" : "+r"(level)); // both addresses shift it for nothing, where compilers would shift it before
 #endif
-    table[level] = count + 1;
+    table[level] = static_cast<uint16_t>(count + 1);
 }
 
 // Neighbours count in tables of their own: those of a flat area need not wait for each other. Addresses of tables
 // that come as arguments stay in registers, so that a pixel takes its level, a load, an addition and a store.
-[[gnu::noinline]] void countRow(const uint8_t* row, size_t width, uint32_t* a, uint32_t* b, uint32_t* c,
-                                uint32_t* d)
+[[gnu::noinline]] void countRow(const uint8_t* row, size_t width, uint16_t* a, uint16_t* b, uint16_t* c,
+                                uint16_t* d)
 {
     constexpr size_t kWords = 2, kAtOnce = kWords * sizeof(size_t);
     const uint8_t* const end = row + width / kAtOnce * kAtOnce;
@@ -194,11 +194,24 @@ namespace odx::stat
 
 void countLevels(const uint8_t* src, uint32_t width, uint32_t height, size_t stride, uint32_t (&counts)[256])
 {
-    uint32_t tables[4][256] = {};
-    for (uint32_t y = 0; y < height; ++y)
-        countRow(rowOf(src, stride, y), width, tables[0], tables[1], tables[2], tables[3]);
-    for (size_t i = 0; i < 256; ++i)
-        counts[i] = tables[0][i] + tables[1][i] + tables[2][i] + tables[3][i];
+    // Of 16 bits, tables take half as many cache lines. One gets a fourth of a row's pixels and the last few.
+    constexpr uint32_t kMost = UINT16_MAX, kLastFew = 16;
+    bool first = true;
+    for (uint32_t x = 0, columns; x < width; x += columns) {
+        columns = std::min(width - x, kMost);
+        const uint32_t rows = kMost / (columns / 4 + kLastFew);
+        for (uint32_t y = 0; y < height;) {
+            uint16_t tables[4][256] = {};
+            for (const uint32_t end = y + std::min(height - y, rows); y < end; ++y)
+                countRow(rowOf(src, stride, y) + x, columns, tables[0], tables[1], tables[2], tables[3]);
+            for (size_t i = 0; i < 256; ++i) {
+                const uint32_t sum = uint32_t{tables[0][i]} + tables[1][i] + tables[2][i] + tables[3][i];
+                counts[i] = first ? sum : counts[i] + sum;
+            }
+            first = false;
+        }
+    }
+    if (first) memset(counts, 0, sizeof counts);
 }
 
 void equalize(const uint8_t* src, uint32_t width, uint32_t height, uint32_t srcStride, uint8_t* dst,

@@ -139,6 +139,9 @@ TEST_F(Statistics, CountLevelsAndSpreadThem)
             ASSERT_EQ(rest == 0 ? v : ((upTo[v + 1U] - c0) * 255 + rest / 2) / rest, dst.at(x, y));
         });
     }
+    Words counts(256); // more pixels of a level than 16 bits count, also in a fourth of the image
+    Picture<uint8_t>(70001, 5, 1, [](int) { return 7; }).run(odxImageIntensityHistogram, counts.data());
+    EXPECT_EQ(350005U, counts[7]);
 }
 
 TEST_F(Statistics, MeasureMeanAndVariance)
