@@ -50,6 +50,11 @@ struct RowSums {
         sums = addPairs(sums, neighbours(p), weights);
         others.add(p + kLanes, weights);
     }
+    ODX_MEMBER void addWords(const uint32_t* p, u32v weight)
+    {
+        sums = {sums.a + load<u32v>(p) * weight, sums.b + load<u32v>(p + kLanes / 2) * weight};
+        others.addWords(p + kLanes, weight);
+    }
     // The upper halves of numbers whose lower ones were added before.
     ODX_MEMBER void addTops(const int16_t* p, const Taps& taps)
     {
@@ -70,6 +75,7 @@ template <>
 struct RowSums<0> {
     ODX_MEMBER explicit RowSums(u32v) {}
     ODX_MEMBER void add(const int16_t*, s16v) {}
+    ODX_MEMBER void addWords(const uint32_t*, u32v) {}
     ODX_MEMBER void addTops(const int16_t*, const Taps&) {}
     template <class D>
     ODX_MEMBER void write(int, D*) const
@@ -83,14 +89,16 @@ constexpr uint32_t kTile = 1024; // of outputs: its rows stay in the first-level
 constexpr uint32_t kLine = kTile + kLeastColumns + kMostTaps + 1; // what a tile has between the passes
 
 // What is between the passes. A sum, which began as `start`, is 65536 * high + low + 32768, if `high` is kept,
-// else low + 32768, or it is rounded. So low stands for the sum less `offset`.
+// else low + 32768, or it is rounded. So low stands for the sum less `offset`. Where 32-bit lanes are multiplied,
+// sums stay as they are.
 struct Line {
     int16_t low[kLine], high[kLine];
 };
 template <bool keepsHigh>
 struct Exact {
-    static constexpr bool kHigh = keepsHigh;
-    uint32_t start;
+    typedef ODX_TARGET::Line Line;
+    static constexpr bool kHigh = keepsHigh, kWords = false;
+    uint32_t start = 0;
 
     ODX_MEMBER uint32_t offset() const { return 32768 - start; }
     ODX_MEMBER static void keep(const u32p& sums, Line& line, uint32_t x)
@@ -101,7 +109,8 @@ struct Exact {
     }
 };
 struct Rounded {
-    static constexpr bool kHigh = false;
+    typedef ODX_TARGET::Line Line;
+    static constexpr bool kHigh = false, kWords = false;
     static constexpr uint32_t start = 16384;
 
     ODX_MEMBER static uint32_t offset() { return 0; }
@@ -110,6 +119,22 @@ struct Rounded {
         store(line.low + x, joinWideSat({(s32v)sums.a >> 15, (s32v)sums.b >> 15}));
     }
 };
+struct Whole {
+    struct Line {
+        uint32_t low[kLine];
+    };
+    [[maybe_unused]] static constexpr bool kHigh = false, kWords = true;
+    [[maybe_unused]] static constexpr uint32_t start = 0;
+
+    ODX_MEMBER static uint32_t offset() { return 0; }
+    ODX_MEMBER static void keep(const u32p& sums, Line& line, uint32_t x)
+    {
+        store(line.low + x, sums.a);
+        store(line.low + x + kLanes / 2, sums.b);
+    }
+};
+
+using AnySums = std::conditional_t<kMultipliesWords, Whole, Exact<true>>;
 
 // The sums of n vectors of columns, of two outputs one above the other.
 template <uint32_t n>
@@ -126,7 +151,7 @@ struct ColumnSums {
         others.add(row + kLanes, next + kLanes, weights, below);
     }
     template <class Between>
-    ODX_MEMBER void keep(const Between& between, Line* lines, uint32_t x) const
+    ODX_MEMBER void keep(const Between& between, typename Between::Line* lines, uint32_t x) const
     {
         between.keep(upper, lines[0], x);
         between.keep(lower, lines[1], x);
@@ -138,7 +163,7 @@ struct ColumnSums<0> {
     ODX_MEMBER explicit ColumnSums(u32v) {}
     ODX_MEMBER void add(const int16_t*, const int16_t*, s16v, s16v) {}
     template <class Between>
-    ODX_MEMBER void keep(const Between&, Line*, uint32_t) const
+    ODX_MEMBER void keep(const Between&, typename Between::Line*, uint32_t) const
     {
     }
 };
@@ -147,7 +172,7 @@ struct ColumnSums<0> {
 // lower. A single output has no row below its window.
 template <uint32_t n, class Between>
 ODX_INLINE void sumColumns(const Taps& taps, const Between& between, const int16_t* in, size_t stride, bool single,
-                           Line* lines, uint32_t x)
+                           typename Between::Line* lines, uint32_t x)
 {
     ColumnSums<n> sums(u32v{} + between.start);
     uint32_t i = 0;
@@ -159,11 +184,17 @@ ODX_INLINE void sumColumns(const Taps& taps, const Between& between, const int16
 
 // n vectors of outputs from what is between the passes; sums begin with `start`.
 template <uint32_t n, class Between, class D>
-ODX_INLINE void sumRow(const Taps& taps, const Line& line, uint32_t x, uint32_t start, int shift, D* out)
+ODX_INLINE void sumRow(const Taps& taps, const typename Between::Line& line, uint32_t x, uint32_t start, int shift,
+                       D* out)
 {
     RowSums<n> sums(u32v{} + start);
-    for (uint32_t j = 0; j < taps.count; j += 2)
-        sums.add(line.low + x + j, repeatPair(taps.padded + j + 1));
+    if constexpr (Between::kWords) {
+        for (uint32_t j = 0; j < taps.count; ++j)
+            sums.addWords(line.low + x + j, u32v{} + (uint32_t)taps[j]);
+    } else {
+        for (uint32_t j = 0; j < taps.count; j += 2)
+            sums.add(line.low + x + j, repeatPair(taps.padded + j + 1));
+    }
     if constexpr (Between::kHigh) sums.addTops(line.high + x, taps);
     sums.write(shift, out);
 }
@@ -176,7 +207,7 @@ ODX_INLINE auto separable(const Taps& across, const Taps& down, Scale scale, con
         sumOfTaps += (uint32_t)across[j];
     const uint32_t start = scale.half + between.offset() * sumOfTaps;
     return [=, &across, &down](Rows<const int16_t> src, Rows<D> dst, uint32_t width, uint32_t height) {
-        Line lines[2];
+        typename Between::Line lines[2];
         for (uint32_t x0 = 0, count; x0 < width; x0 += count) {
             count = columnsOf(width - x0, kTile);
             const uint32_t columns = count + across.count - 1;
@@ -190,7 +221,7 @@ ODX_INLINE auto separable(const Taps& across, const Taps& down, Scale scale, con
                 });
                 for (uint32_t i = 0; i < (single ? 1 : 2); ++i) {
                     D* const out = dst.at(x0, y + i).pixels;
-                    forVectors<2>(count, [&](auto side, uint32_t x) {
+                    forVectors<Between::kWords ? 4 : 2>(count, [&](auto side, uint32_t x) {
                         sumRow<decltype(side)::value, Between>(across, lines[i], x, start, scale.shift, out + x);
                     });
                 }
@@ -320,11 +351,11 @@ odxStatus odxFilterCorrSepMxNu8V(const int16_t* kernelX, unsigned int M, const i
     for (uint32_t i = 0; i < N; ++i)
         (down[i] > 0 ? positive : negative) += (uint32_t)(down[i] > 0 ? down[i] : -down[i]);
     // Sums that fit 16 bits, from the least possible one on, have no upper half.
-    const bool done = 255 * (positive + negative) <= 65535
-                          ? filtered(plane, M, N, borderType, borderValue,
-                                     separable<uint8_t>(across, down, scale, Exact<false>{255 * negative}))
-                          : filtered(plane, M, N, borderType, borderValue,
-                                     separable<uint8_t>(across, down, scale, Exact<true>{0}));
+    const bool done =
+        255 * (positive + negative) <= 65535
+            ? filtered(plane, M, N, borderType, borderValue,
+                       separable<uint8_t>(across, down, scale, Exact<false>{255 * negative}))
+            : filtered(plane, M, N, borderType, borderValue, separable<uint8_t>(across, down, scale, AnySums()));
     if (done) return ONDRIX_SUCCESS;
     return odxFilterCorrSepMxNu8C(kernelX, M, kernelY, N, shift, src, srcWidth, srcHeight, srcStride, dst,
                                   dstStride, borderType, borderValue);
@@ -338,7 +369,7 @@ odxStatus odxFilterConvSepMxNs16V(const int16_t* kernelX, unsigned int M, odxKer
                                   uint32_t borderValue)
 {
     const Taps across(kernelX, M, Taps::kTurned, symmetryX), down(kernelY, N, Taps::kTurned, symmetryY);
-    const auto filter = separable<int16_t>(across, down, Scale(shift), Exact<true>{0});
+    const auto filter = separable<int16_t>(across, down, Scale(shift), AnySums());
     const uint32_t inside = srcWidth - M + 1;
     if (region == ONDRIX_FILTER_VALID && inside >= kLanes) {
         filter({src, srcStride}, {dst, dstStride}, inside, srcHeight - N + 1);

@@ -7,6 +7,9 @@
 //                                vectors are in the order of mulWide and joinWideSat, those of neighbours in the
 //                                order of split and joinSat
 //   halves(sums)                 the lower and the upper halves of a u32p in mulWide's order, as an s16p in order
+//   kMultipliesWords             products of 32-bit lanes cost no more than twice those of 16-bit ones, and
+//   mulWide's
+//                                order is in order
 //   atTop(v)                     the lanes of an s16v times 65536, in split's order
 #ifndef ODX_ORLAN_SIMD_PRODUCTS_H
 #define ODX_ORLAN_SIMD_PRODUCTS_H
@@ -22,6 +25,8 @@ ODX_INLINE s16p neighbours(const int16_t* p)
 }
 
 #if defined(__AVX2__)
+
+constexpr bool kMultipliesWords = false;
 
 ODX_INLINE s16p interleave(s16v v, s16v w)
 {
@@ -44,6 +49,8 @@ ODX_INLINE u32p atTop(s16v v)
 }
 
 #elif defined(__ARM_NEON)
+
+constexpr bool kMultipliesWords = true;
 
 ODX_INLINE s16p interleave(s16v v, s16v w)
 {
