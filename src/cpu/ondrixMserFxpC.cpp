@@ -254,13 +254,15 @@ private:
 
     static void bound(const uint32_t* points, uint32_t size, uint32_t* box)
     {
-        uint32_t least[2] = {points[0], points[1]}, most[2] = {points[0], points[1]};
-        for (size_t k = 0; k < 2 * size_t{size}; ++k) {
-            least[k % 2] = points[k] < least[k % 2] ? points[k] : least[k % 2];
-            most[k % 2] = points[k] > most[k % 2] ? points[k] : most[k % 2];
+        uint32_t left = points[0], top = points[1], right = left, bottom = top;
+        for (size_t k = 0; k < 2 * size_t{size}; k += 2) {
+            left = std::min(left, points[k]);
+            right = std::max(right, points[k]);
+            top = std::min(top, points[k + 1]);
+            bottom = std::max(bottom, points[k + 1]);
         }
-        memcpy(box, least, sizeof least);
-        memcpy(box + 2, most, sizeof most);
+        const uint32_t all[4] = {left, top, right, bottom};
+        memcpy(box, all, sizeof all);
     }
 
     const Contours<Count> to_;
