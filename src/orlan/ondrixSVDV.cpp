@@ -428,6 +428,9 @@ uint32_t odxSolveLDLf32V(float* A, const float* b, float* diag, unsigned int n, 
 void odxSVDf32V(const float* A, unsigned int m, unsigned int n, float* w, float* U, float* Vt, float* tmpU,
                 float* tmpV)
 {
+    // Two doubles a vector are what compilers make of the reference. Without any, the target's scalar code is
+    // better.
+    if (kBytes == 16 && !kFlushesDenormals) return odxSVDf32C(A, m, n, w, U, Vt, tmpU, tmpV);
     svd::decompose(A, m, n, w, U, Vt, tmpU, tmpV);
 }
 
