@@ -11,6 +11,13 @@
 //   mulWide's
 //                                order is in order
 //   atTop(v)                     the lanes of an s16v times 65536, in split's order
+//
+// and, where ODX_SIMD_BYTE_PAIRS says that there are instructions for them, of signed bytes:
+//
+//   addBytePairs(sums, p, w)     adds the products of kBytes pairs of bytes with two weights, each to a lane of
+//   its
+//                                own, in order; mulBytePairs(p, w) begins with them
+//   addNeighbours(sums, w)       adds the two lanes of each pair to a sum of 32 bits
 #ifndef ODX_ORLAN_SIMD_PRODUCTS_H
 #define ODX_ORLAN_SIMD_PRODUCTS_H
 
@@ -74,6 +81,42 @@ ODX_INLINE u32p atTop(s16v v)
 {
     const uint16x8_t n = (uint16x8_t)v;
     return {(u32v)vshll_n_u16(vget_low_u16(n), 16), (u32v)vshll_n_u16(vget_high_u16(n), 16)};
+}
+
+#define ODX_SIMD_BYTE_PAIRS
+struct s16x4 {
+    s16v a, b, c, d;
+};
+ODX_INLINE s8v repeatBytes(const int8_t* two)
+{
+    int16_t both;
+    memcpy(&both, two, sizeof both);
+    int16x8_t weights = vdupq_n_s16(both);
+#if defined(__aarch64__)
+    // Compilers that see equal halves would move those of the pixels that meet the upper one.
+    asm("" : "+w"(weights));
+#endif
+    return (s8v)weights;
+}
+ODX_INLINE s16x4 mulBytePairs(const int8_t* p, s8v w)
+{
+    const int8x16_t v = vld1q_s8(p), next = vld1q_s8(p + kBytes), weights = (int8x16_t)w;
+    const int8x8_t low = vget_low_s8(weights), high = vget_high_s8(weights);
+    return {(s16v)vmull_s8(vget_low_s8(v), low), (s16v)vmull_s8(vget_high_s8(v), high),
+            (s16v)vmull_s8(vget_low_s8(next), low), (s16v)vmull_s8(vget_high_s8(next), high)};
+}
+ODX_INLINE s16x4 addBytePairs(const s16x4& sums, const int8_t* p, s8v w)
+{
+    const int8x16_t v = vld1q_s8(p), next = vld1q_s8(p + kBytes), weights = (int8x16_t)w;
+    const int8x8_t low = vget_low_s8(weights), high = vget_high_s8(weights);
+    return {(s16v)vmlal_s8((int16x8_t)sums.a, vget_low_s8(v), low),
+            (s16v)vmlal_s8((int16x8_t)sums.b, vget_high_s8(v), high),
+            (s16v)vmlal_s8((int16x8_t)sums.c, vget_low_s8(next), low),
+            (s16v)vmlal_s8((int16x8_t)sums.d, vget_high_s8(next), high)};
+}
+ODX_INLINE s32v addNeighbours(s32v sums, s16v w)
+{
+    return (s32v)vpadalq_s16((int32x4_t)sums, (int16x8_t)w);
 }
 
 #endif

@@ -40,6 +40,21 @@ const PrimitiveCase kCases[] = {
              put<int16_t>(expected, i, clamped((int32_t)sum >> 13, -32768, 32767));
          }
      }},
+#ifdef ODX_SIMD_BYTE_PAIRS
+    {"mulBytePairs, addBytePairs and addNeighbours", 4 * kBytes + 2,
+     [](In in, Out out, Out expected) {
+         const auto* const p = reinterpret_cast<const int8_t*>(in);
+         const int8_t two[] = {(int8_t)(p[4 * kBytes] / 2), (int8_t)(p[4 * kBytes + 1] / 2)};
+         const s16x4 sums = addBytePairs(mulBytePairs(p, repeatBytes(two)), p + 2 * kBytes, repeatBytes(two));
+         const s16v each[] = {sums.a, sums.b, sums.c, sums.d};
+         for (size_t i = 0; i < 4; ++i)
+             store(out + i * kBytes, addNeighbours(s32v{} + 7, each[i]));
+         for (size_t i = 0; i < kBytes; ++i) {
+             const int first = p[2 * i] + p[2 * i + 2 * kBytes], second = p[2 * i + 1] + p[2 * i + 1 + 2 * kBytes];
+             put<int32_t>(expected, i, 7 + first * two[0] + second * two[1]);
+         }
+     }},
+#endif
 };
 
 } // namespace
