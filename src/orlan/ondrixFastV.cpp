@@ -253,7 +253,7 @@ public:
         uint32_t count = count_;
         while (corners != 0) {
             const uint32_t first = (uint32_t)__builtin_ctz(corners), some = corners >> first & 0xFF;
-            storePoints(xy_ + 2 * count, kPlaces.of[some], x + first, y);
+            storePoints(xy_ + 2 * size_t{count}, kPlaces.of[some], x + first, y);
             count += kPlaces.count[some];
             corners &= ~(uint32_t{0xFF} << first);
         }
@@ -316,9 +316,9 @@ ODX_STAGE bool emit(const Batch& batch, Scan& upTo, CornerList& list, Excluded& 
         }
         const uint32_t x = (uint32_t)(p - scan.row);
         // A row's first and last vector overlap their neighbours: what was found before is not found again. All of
-        // a part may have been.
-        if (x < scan.x) corners &= (uint32_t)(~uint64_t{0} << (scan.x - x));
-        if (scan.x < x + kPart) scan.x = x + kPart;
+        // a part may have been. Parts of a row's last vector may begin before those of the one before it.
+        if (__builtin_expect(x < scan.x, 0)) corners &= (uint32_t)(~uint64_t{0} << (scan.x - x));
+        if (kParts == 1 || scan.x < x + kPart) scan.x = x + kPart;
         outbox.put(x, scan.y, without(excluded, x, corners));
         if (outbox.full() && outbox.moveTo(list)) return true;
     }
