@@ -25,6 +25,16 @@ template <class T, uint32_t channels>
     return reinterpret_cast<Pixel<T, channels>*>(image);
 }
 
+// Three numbers are no vector: all columns have this one.
+[[gnu::always_inline]] static inline void crossProduct(const float* src1, const float* src2, float* dst)
+{
+    const float x = src1[1] * src2[2] - src1[2] * src2[1], y = src1[2] * src2[0] - src1[0] * src2[2],
+                z = src1[0] * src2[1] - src1[1] * src2[0];
+    dst[0] = x;
+    dst[1] = y;
+    dst[2] = z;
+}
+
 // The octant's boundaries between two directions, at the tangents of (2k - 1) pi / 256 for k = 1 to 32: the
 // largest fractions below them whose denominators are at most 32768. Quotients of two 16-bit gradients are above a
 // fraction if and only if they are above the tangent. The last one is above all quotients.

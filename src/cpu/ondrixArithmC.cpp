@@ -253,10 +253,6 @@ void odxAverages32C(const int32_t* src, unsigned int srcWidth, unsigned int srcH
 
 void odxCrossProduct3x1f32C(const float* src1, const float* src2, float* dst)
 {
-    const float x = src1[1] * src2[2] - src1[2] * src2[1], y = src1[2] * src2[0] - src1[0] * src2[2],
-                z = src1[0] * src2[1] - src1[1] * src2[0];
-    dst[0] = x;
-    dst[1] = y;
-    dst[2] = z;
+    crossProduct(src1, src2, dst);
 }
 }

@@ -465,10 +465,9 @@ void odxAverages32V(const int32_t* src, unsigned int srcWidth, unsigned int srcH
     *average = mean(src, srcWidth, srcHeight, srcStride);
 }
 
-// Three numbers are no vector.
 void odxCrossProduct3x1f32V(const float* src1, const float* src2, float* dst)
 {
-    odxCrossProduct3x1f32C(src1, src2, dst);
+    crossProduct(src1, src2, dst);
 }
 
 } // namespace odx::ODX_TARGET
