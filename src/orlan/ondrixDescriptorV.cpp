@@ -11,6 +11,50 @@ using namespace simd;
 
 // ---- patches ----
 
+#ifdef ODX_SIMD_ROWS
+
+template <uint32_t width, uint32_t height>
+struct Patch {
+    const uint8_t* p;
+    size_t stride;
+
+    ODX_MEMBER const uint8_t* at(uint32_t y) const { return p + y * stride; }
+};
+template <uint32_t n>
+using Rows = Patch<n, n>;
+using Rows11x12 = Patch<11, 12>;
+
+// What `add` makes of each two rows.
+template <uint32_t width, uint32_t height, class Sum, class Add>
+ODX_INLINE uint32_t overRows(Patch<width, height> a, Patch<width, height> b, Sum sum, Add add)
+{
+    for (uint32_t y = 0; y < height; y += kRowsAtOnce, a.p = a.at(kRowsAtOnce), b.p = b.at(kRowsAtOnce)) {
+        pin(a.p);
+        pin(b.p);
+        for (uint32_t i = 0; i < kRowsAtOnce; ++i)
+            sum = add(sum, a.at(i), b.at(i));
+    }
+    return sumOfLanes(sum);
+}
+template <uint32_t n>
+ODX_INLINE uint32_t absoluteDifferences(const Rows<n>& a, const Rows<n>& b)
+{
+    return overRows(
+        a, b, u16v{}, [](u16v sum, const uint8_t* p, const uint8_t* q) __attribute__((always_inline)) {
+            return addRowDistances<n>(sum, p, q);
+        });
+}
+template <uint32_t width, uint32_t height>
+ODX_INLINE uint32_t products(const Patch<width, height>& a, const Patch<width, height>& b)
+{
+    return overRows(
+        a, b, u32v{}, [](u32v sum, const uint8_t* p, const uint8_t* q) __attribute__((always_inline)) {
+            return addRowProducts<width>(sum, p, q);
+        });
+}
+
+#else
+
 typedef uint64_t u64v ODX_VECTOR;
 
 // Patches whose pixels are words of eight; at(i) gives the address of word i. The low kCut bits of every second
@@ -83,6 +127,8 @@ ODX_INLINE uint32_t products(const Patch& a, const Patch& b)
     };
     return sumOfLanes(addVectors<Patch::kWords>(u32v{}, a, b, add));
 }
+
+#endif
 
 uint32_t odxSumOfAbsoluteDiff8x8u8V(const uint8_t* a, unsigned int aStride, const uint8_t* b, unsigned int bStride)
 {

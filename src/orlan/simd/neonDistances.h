@@ -104,6 +104,38 @@ ODX_INLINE uint32_t sumOfLanes(u32v v)
 #endif
 }
 
+#define ODX_SIMD_ROWS
+#if defined(__aarch64__)
+constexpr uint32_t kRowsAtOnce = 4;
+#else
+constexpr uint32_t kRowsAtOnce = 1;
+#endif
+template <uint32_t n>
+ODX_INLINE u16v addRowDistances(u16v sum, const uint8_t* p, const uint8_t* q)
+{
+    if constexpr (n == 16) return addDistances(sum, load<u8v>(p), load<u8v>(q));
+    static_assert(n == 8 || n == 16);
+    return (u16v)vabal_u8((uint16x8_t)sum, vld1_u8(p), vld1_u8(q));
+}
+// The last three of eleven bytes end another eight.
+template <uint32_t n>
+ODX_INLINE u32v addRowProducts(u32v sum, const uint8_t* p, const uint8_t* q)
+{
+    static_assert(n == 8 || n == 11);
+    sum = addPartProducts<8>(sum, p, q);
+    if constexpr (n == 8) return sum;
+    const uint8x8_t last = vand_u8(vld1_u8(p + 3), vcreate_u8(~uint64_t{0} << 40));
+    return (u32v)vpadalq_u16((uint32x4_t)sum, vmull_u8(last, vld1_u8(q + 3)));
+}
+ODX_INLINE uint32_t sumOfLanes(u16v v)
+{
+#if defined(__aarch64__)
+    return vaddlvq_u16((uint16x8_t)v);
+#else
+    return sumOfLanes((u32v)vpaddlq_u16((uint16x8_t)v));
+#endif
+}
+
 constexpr uint32_t kPatchPlaces = 16;
 typedef u16p PlaceSums;
 template <int k>

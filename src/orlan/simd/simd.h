@@ -111,6 +111,10 @@
 //                                the same with bytes, and with absolute differences of bytes
 //   addWords(sum, v)             the same with 16-bit numbers below 2^15
 //   sumOfLanes(v)                of a u32v
+//   addRowDistances<n>(sum, p, q), addRowProducts<n>(sum, p, q), sumOfLanes(sum)
+//                                distances of 8 or 16 bytes in a u16v, and products of 8 or 11 in a u32v, where
+//                                ODX_SIMD_ROWS says that few bytes are worth a register
+//   kRowsAtOnce                  rows that offsets from the first one reach at no cost
 //   distance(v, w)               |v - w| of u8v and f32v; of s32v, at most INT32_MAX
 //   kPairsVectors                two neighbouring vectors are loaded or stored by one instruction
 //   storeSums(p, a, b, c, d)     that of each of four

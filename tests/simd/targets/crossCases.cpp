@@ -242,6 +242,17 @@ const PrimitiveCase kCases[] = {
          }
          put<uint64_t>(out, 0, sumsOfDistances(sums[0], sums[1], sums[2], sums[3]));
      }},
+#ifdef ODX_SIMD_ROWS
+    {"addRowDistances, addRowProducts and sumOfLanes", 32,
+     [](In in, Out out, Out expected) {
+         const auto distances = [=](size_t i) { return distanceOf(in[i], in[i + 16]); };
+         const auto products = [=](size_t i) { return in[i] * in[i + 16]; };
+         put<uint32_t>(out, 0, sumOfLanes(addRowDistances<8>(addRowDistances<16>(u16v{}, in, in + 16), in, in + 16)));
+         put<uint32_t>(out, 1, sumOfLanes(addRowProducts<8>(addRowProducts<11>(u32v{}, in, in + 16), in, in + 16)));
+         put<uint32_t>(expected, 0, sumOf(16, distances) + sumOf(8, distances));
+         put<uint32_t>(expected, 1, sumOf(11, products) + sumOf(8, products));
+     }},
+#endif
     {"any, highest and laneBits of one byte", 2,
      [](In in, Out out, Out expected) {
          const size_t place = in[0] % kBytes;
