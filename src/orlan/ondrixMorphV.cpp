@@ -71,11 +71,19 @@ struct VectorLoops {
     };
 
     // For n pixels, of a vector at least: the last vectors overlap. Two are made before one is kept, so that
-    // compilers load and store them in pairs.
+    // compilers load and store them in pairs; where pairs are instructions, two of these share what each row's
+    // place costs.
     template <class Make, class Keep>
     ODX_MEMBER static void forAll(size_t n, Make make, Keep keep)
     {
         size_t i = 0;
+        for (; kPairsVectors && n - i >= 4 * kBytes; i += 4 * kBytes) {
+            const auto a = make(i), b = make(i + kBytes), c = make(i + 2 * kBytes), d = make(i + 3 * kBytes);
+            keep(i, a);
+            keep(i + kBytes, b);
+            keep(i + 2 * kBytes, c);
+            keep(i + 3 * kBytes, d);
+        }
         for (; n - i >= 2 * kBytes; i += 2 * kBytes) {
             const auto first = make(i), second = make(i + kBytes);
             keep(i, first);
@@ -125,19 +133,40 @@ struct VectorLoops {
             n, [=](size_t i) { return pick(load<u8v>(a + i), load<u8v>(b + i)); },
             [=](size_t i, u8v v) { store(out + i, v); });
     }
-    // Down to the vectors' own end, which the rows have room for.
+    // Down to the end of the longest vectors, which the rows have room for.
     ODX_MEMBER static void complete(uint8_t* ring, size_t stride, uint32_t rows, size_t n)
     {
-        for (size_t i = 0; i < n; i += kBytes) {
+        constexpr uint32_t kAtOnce = kPairsVectors ? 4 : 1;
+        static_assert(kAtOnce * kBytes <= morph::kVector);
+        for (size_t i = 0; i < n; i += kAtOnce * kBytes) {
             uint8_t* row = ring + stride * (rows - 1) + i;
-            u8v picked = load<u8v>(row);
+            Below<kAtOnce> picked(row);
             for (uint32_t k = rows - 1; k > 1; --k) {
                 row -= stride;
-                picked = pick(picked, load<u8v>(row));
-                store(row, picked);
+                picked.add(row);
             }
         }
     }
+
+    // The picks of the rows below, n vectors side by side.
+    template <uint32_t n, class = void>
+    struct Below {
+        u8v first;
+        Below<n - 1> others;
+
+        ODX_MEMBER explicit Below(const uint8_t* row) : first(load<u8v>(row)), others(row + kBytes) {}
+        ODX_MEMBER void add(uint8_t* row)
+        {
+            first = pick(first, load<u8v>(row));
+            others.add(row + kBytes);
+            store(row, first);
+        }
+    };
+    template <class Nothing>
+    struct Below<0, Nothing> {
+        ODX_MEMBER explicit Below(const uint8_t*) {}
+        ODX_MEMBER void add(uint8_t*) {}
+    };
 };
 
 // False for an image that is too narrow for vectors.
