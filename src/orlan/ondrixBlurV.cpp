@@ -6,6 +6,7 @@
 #include "frame/log.h"
 #include "frame/scratch.h"
 #include "orlan/neighbourhood.h"
+#include "orlan/squares.h"
 
 #define ODX_FAMILY_LIST "frame/operations/smoothing.def"
 #include "orlan/family.h"
@@ -373,19 +374,79 @@ ODX_INLINE void boxOutputRow(float* sums, const float* entering, const float* le
                              float reciprocal)
 {
     constexpr uint32_t lanes = kBytes / sizeof(float);
-    uint32_t x = 0;
-    for (; width - x >= lanes; x += lanes) {
+    const auto sumAt = [=](uint32_t x) __attribute__((always_inline))
+    {
         f32v sum = load<f32v>(sums + x);
         if (enters) sum += load<f32v>(entering + x);
         if (leaves) sum -= load<f32v>(leaving + x);
+        return sum;
+    };
+    const auto keep = [=](uint32_t x, f32v sum) __attribute__((always_inline))
+    {
         store(sums + x, sum);
         store(out + x, sum * reciprocal);
+    };
+    uint32_t x = 0;
+    for (; kPairsVectors && width - x >= 4 * lanes; x += 4 * lanes) {
+        const f32v a = sumAt(x), b = sumAt(x + lanes), c = sumAt(x + 2 * lanes), d = sumAt(x + 3 * lanes);
+        keep(x, a);
+        keep(x + lanes, b);
+        keep(x + 2 * lanes, c);
+        keep(x + 3 * lanes, d);
     }
+    for (; width - x >= lanes; x += lanes)
+        keep(x, sumAt(x));
     for (; x < width; ++x) {
         if (enters) sums[x] += entering[x];
         if (leaves) sums[x] -= leaving[x];
         out[x] = sums[x] * reciprocal;
     }
+}
+
+// blur::boxRowSums of kLanesOfSums rows, each of which is a lane: where windows are inside the row, squares of
+// pixels are transposed, and so are their sums.
+constexpr uint32_t kLanesOfSums = 4;
+[[maybe_unused]] ODX_INLINE void boxRowSumsInLanes(const float* const* in, float* const* out, uint32_t width,
+                                                   uint32_t before, uint32_t after)
+{
+    float sum[kLanesOfSums] = {};
+    const auto single = [&](size_t x) {
+        const bool enters = width - x > after, leaves = x > before;
+        for (uint32_t i = 0; i < kLanesOfSums; ++i) {
+            if (enters) sum[i] += in[i][x + after];
+            if (leaves) sum[i] -= in[i][x - before - 1];
+            out[i][x] = sum[i];
+        }
+    };
+    for (uint32_t x = 0; x < after && x < width; ++x) {
+        for (uint32_t i = 0; i < kLanesOfSums; ++i)
+            sum[i] += in[i][x];
+    }
+    size_t x = 0;
+    for (; x < width && x <= before; ++x)
+        single(x);
+    f32v sums;
+    memcpy(&sums, sum, sizeof sum);
+    for (; x + after + kLanesOfSums <= width; x += kLanesOfSums) {
+        u8v entering[kLanesOfSums], leaving[kLanesOfSums];
+        for (uint32_t i = 0; i < kLanesOfSums; ++i) {
+            entering[i] = load<u8v>(in[i] + x + after);
+            leaving[i] = load<u8v>(in[i] + x - before - 1);
+        }
+        transposeSquares<4>(entering);
+        transposeSquares<4>(leaving);
+        for (uint32_t i = 0; i < kLanesOfSums; ++i) {
+            sums += (f32v)entering[i];
+            sums -= (f32v)leaving[i];
+            entering[i] = (u8v)sums;
+        }
+        transposeSquares<4>(entering);
+        for (uint32_t i = 0; i < kLanesOfSums; ++i)
+            store(out[i] + x, entering[i]);
+    }
+    memcpy(sum, &sums, sizeof sum);
+    for (; x < width; ++x)
+        single(x);
 }
 
 // The reference keeps the row sums of the whole image. Here a ring of rows does, which stays in the cache: row
@@ -420,7 +481,13 @@ void odxBoxFilterNxNf32V(const float* src, unsigned int srcWidth, unsigned int s
                 in[i] = rowOf(src, srcStride, row);
                 out[i] = ring(row);
             }
-            blur::boxRowSums(in, out, srcWidth, before, after);
+            if constexpr (kBytes == kLanesOfSums * sizeof(float)) {
+                static_assert(batch == 2 * kLanesOfSums);
+                boxRowSumsInLanes(in, out, srcWidth, before, after);
+                boxRowSumsInLanes(in + kLanesOfSums, out + kLanesOfSums, srcWidth, before, after);
+            } else {
+                blur::boxRowSums(in, out, srcWidth, before, after);
+            }
             summed = srcHeight - summed > batch ? summed + batch : srcHeight;
         }
     };
