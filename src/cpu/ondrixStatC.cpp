@@ -298,6 +298,7 @@ void odxImageIntensityStatsC(const uint8_t* src, unsigned int srcWidth, unsigned
                                ONDRIX_VARIANCE_POPULATION);
 }
 
+using NormalizedBytes = normalization::Bytes;
 #define ODX_COLUMN(name) name##C
 #include "cpu/ondrixStatOperations.inc"
 

@@ -1,6 +1,7 @@
 // SIMD bilateral filters. Lines that are narrower than a vector are the reference's.
 #include "cpu/ondrixBilateral.h"
 #include "cpu/ondrixReorderC.h"
+#include "orlan/simd/roots.h"
 #include "orlan/simd/weighing.h"
 
 #define ODX_FAMILY_LIST "frame/operations/bilateral.def"
@@ -15,16 +16,6 @@ decltype(odxTransposeu8C) odxTransposeu8V;
 
 namespace
 {
-
-// numerator / denominator, rounded down, of what is not negative; the quotient is below 512.
-ODX_INLINE s32v quotient(s32v numerator, s32v denominator)
-{
-    const f32v near =
-        ratioNear(__builtin_convertvector(numerator, f32v), __builtin_convertvector(denominator, f32v));
-    // It is off by less than 1/8, so that this is the quotient, or one more.
-    const s32v most = __builtin_convertvector(near + 0.15f, s32v);
-    return most + ((numerator - most * denominator) >> 31);
-}
 
 // Entries of a table at distances; none behind the first `size` differs from the last one.
 template <uint32_t size>

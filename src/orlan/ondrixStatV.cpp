@@ -1,10 +1,10 @@
-// SIMD statistics: the search for extremes and sums; moments and local normalisation are the reference's loops.
+// SIMD statistics: the search for extremes and sums; moments and sums of boxes are the reference's loops.
 #include "cpu/ondrixArithmC.h"
 #include "cpu/ondrixMoments.h"
 #include "cpu/ondrixNormalize.h"
 #include "cpu/ondrixStat.h"
 #include "cpu/ondrixStatC.h"
-#include "orlan/simd/simd.h"
+#include "orlan/simd/roots.h"
 
 #define ODX_FAMILY_LIST "frame/operations/statistics.def"
 #include "orlan/family.h"
@@ -461,6 +461,48 @@ void momentsOfBandu8V(const uint8_t* src, uint32_t stride, uint32_t width, uint3
     sums = binary != 0 ? moments::band(src, stride, width, height, tileOfBytes<true>)
                        : moments::band(src, stride, width, height, tileOfBytes<false>);
 }
+
+// ---- local normalisation of bytes, in 32 bits ----
+
+struct NormalizedBytes : normalization::Bytes {
+    const int32_t pixels, factor, least;
+
+    ODX_MEMBER NormalizedBytes(uint32_t N, uint32_t deviation, uint32_t minDeviation)
+        : Bytes(N, deviation, minDeviation), pixels((int32_t)(N * N)), factor((int32_t)gain), least((int32_t)floor)
+    {
+    }
+
+    // What is under the root, below 2^34, is known modulo 2^32 and, from floats, to 2^15: sums of floats with 2^55
+    // are multiples of 2^32.
+    ODX_MEMBER s32v rootOf(s32v sum, s32v square) const
+    {
+        const f32v s = __builtin_convertvector(sum, f32v), q = __builtin_convertvector(square, f32v);
+        const u32v low = (u32v)square * (uint32_t)pixels - (u32v)sum * (u32v)sum;
+        const f32v lower = __builtin_convertvector((s32v)low, f32v);
+        const f32v upper = ((q * (float)pixels - s * s) - lower + 0x1.8p55f) - 0x1.8p55f;
+        return floorRoot((upper + lower) * 256.0f, low << 8);
+    }
+    ODX_MEMBER s32v levels(s32v v, s32v sum, s32v square) const
+    {
+        const s32v divisor = max(rootOf(sum, square), s32v{} + least), a = (v * pixels - sum) * factor,
+                   sign = a >> 31;
+        return (quotient(2 * ((a ^ sign) - sign) + divisor, 2 * divisor) ^ sign) - sign + 128;
+    }
+    ODX_MEMBER void row(const uint8_t* v, const Sum* sums, const Sum* squares, uint8_t* out, uint32_t count) const
+    {
+        constexpr uint32_t kLanes = kBytes / 2;
+        if (count < kLanes) return Bytes::row(v, sums, squares, out, count);
+        for (uint32_t x = 0;; x += kLanes) {
+            if (count - x < kLanes) x = count - kLanes;
+            const s32p wide = widenInOrder((s16v)loadWiden(v + x));
+            const auto at = [=](const Sum* p) { return load<s32v>(p + x); };
+            const s32v a = levels(wide.a, at(sums), at(squares)),
+                       b = levels(wide.b, at(sums + kLanes / 2), at(squares + kLanes / 2));
+            storeNarrow(out + x, (u16v)min(max((s16v)narrowMask({a, b}), s16v{}), s16v{} + 255));
+            if (x + kLanes == count) return;
+        }
+    }
+};
 
 #define ODX_COLUMN(name) name##V
 #include "cpu/ondrixStatOperations.inc"

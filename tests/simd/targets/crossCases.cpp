@@ -1,6 +1,7 @@
 #include "simd/targets/loops.h"
 
 #include "orlan/simd/columns.h"
+#include "orlan/simd/roots.h"
 #include "orlan/simd/weighing.h"
 
 namespace odx::ODX_TARGET
@@ -90,6 +91,21 @@ const PrimitiveCase kCases[] = {
              ratioNear(__builtin_convertvector(numerator, f32v), __builtin_convertvector(denominator, f32v));
          near(ratio, 0x1p-12, out, expected,
               [=](size_t i) { return (double)numerator[i] / (double)denominator[i]; });
+     }},
+    {"floorRoot", kBytes,
+     [](In in, Out out, Out expected) {
+         float nearly[kBytes / 4];
+         uint32_t low[kBytes / 4];
+         for (size_t i = 0; i < kBytes / 4; ++i) {
+             // The least and the greatest number with a root of up to 2^23, of all sizes.
+             const uint32_t random = at<uint32_t>(in, i);
+             const uint64_t root = ((random & 0x7FFFFF) + 1) >> (random >> 27),
+                            square = root * root + (random >> 26 & 1) * 2 * root;
+             nearly[i] = (float)square;
+             low[i] = (uint32_t)square;
+             put<uint32_t>(expected, i, root);
+         }
+         store(out, floorRoot(load<f32v>(nearly), load<u32v>(low)));
      }},
     {"ByteTable of 64", 64 + kBytes, bytesOfTable<64>},
     {"ByteTable of 128", 128 + kBytes, bytesOfTable<128>},
