@@ -5,7 +5,9 @@
 //     push(y)                       takes the gradients of image row y; rows come one after the other
 //     const Planes& smooth()        the products of gradients, smoothed over the five rows pushed last
 //     harrisRow(planes, out)        responses of a smoothed row, at their columns
+//     eigenvalueRow(planes, out)    the same of smaller eigenvalues, in 1/256
 //     kLeastWidth                   of an image
+//     anyAbove(row, count, limit)   whether one of these responses is; may be true where none is
 //     maxima(recent, from, to, threshold, f)
 //                                   f(x) for each maximum of the middle one of five response rows, in order, until
 //                                   f returns false
@@ -54,26 +56,13 @@ ODX_HARRIS_INLINE int32_t harrisResponse(int32_t xx, int32_t yy, int32_t xy)
     return xx * yy - (xy * xy + static_cast<int32_t>(static_cast<uint32_t>(trace * trace) >> 4));
 }
 
-// The smaller eigenvalue, in 1/256. The square root of a whole number below 2^52 rounds down exactly in double
-// precision. The compiler's vectors serve all columns.
-ODX_HARRIS_INLINE void minEigenvalueRow(const Planes& planes, int32_t* __restrict out, uint32_t width)
-{
-    const int16_t *const xx = planes.xx, *const yy = planes.yy, *const xy = planes.xy;
-    const size_t end = width - kMargin;
-    for (size_t x = kMargin; x < end; ++x) {
-        const int32_t difference = xx[x] - yy[x];
-        const double square = difference * difference + 4 * (xy[x] * xy[x]);
-        out[x] = (256 * (xx[x] + yy[x]) - static_cast<int32_t>(__builtin_sqrt(square * 65536))) >> 1;
-    }
-}
-
 // Columns that are searched for maxima at a time.
 constexpr uint32_t kSearched = 128;
 
 // The largest of the 24 neighbours of a chunk of columns, by columns first: `column[x]` is the maximum of column
 // from - 2 + x over all five rows, `around[x]` that without the middle row.
 struct Neighbours {
-    static constexpr uint32_t kPadding = 20; // four columns, and room for a vector
+    static constexpr uint32_t kPadding = 32; // four columns, and room for vectors
     int32_t column[kSearched + kPadding], around[kSearched + kPadding];
 };
 
@@ -116,7 +105,7 @@ ODX_HARRIS_INLINE void forResponses(const View& view, Visit visit)
             if constexpr (measure == Measure::Harris) {
                 rows.harrisRow(smoothed, out);
             } else {
-                minEigenvalueRow(smoothed, out, view.width);
+                rows.eigenvalueRow(smoothed, out);
             }
             for (uint32_t i = 1; i < kRing; ++i)
                 recent.row[i - 1] = recent.row[i];
@@ -271,6 +260,7 @@ ODX_HARRIS_INLINE odxStatus localMaximum(const View& view, uint32_t centreX, uin
     bool found = false;
     forResponses<Rows, Measure::Harris>(part, [&](uint32_t row, const Recent& recent) {
         const int32_t* const responses = recent.row[kRing - 1];
+        if (found && !Rows::anyAbove(responses + (left - x0), right - left, *response)) return true;
         for (uint32_t column = left; column < right; ++column) {
             if (found && responses[column - x0] <= *response) continue;
             found = true;

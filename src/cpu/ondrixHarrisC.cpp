@@ -55,6 +55,26 @@ public:
             out[x] = harrisResponse(xx[x], yy[x], xy[x]);
     }
 
+    // The square root of a whole number below 2^52 rounds down exactly in double precision.
+    void eigenvalueRow(const Planes& planes, int32_t* __restrict out) const
+    {
+        const int16_t *const xx = planes.xx, *const yy = planes.yy, *const xy = planes.xy;
+        const size_t end = view_.width - kMargin;
+        for (size_t x = kMargin; x < end; ++x) {
+            const int32_t difference = xx[x] - yy[x];
+            const double square = difference * difference + 4 * (xy[x] * xy[x]);
+            out[x] = (256 * (xx[x] + yy[x]) - static_cast<int32_t>(__builtin_sqrt(square * 65536))) >> 1;
+        }
+    }
+
+    static bool anyAbove(const int32_t* responses, uint32_t count, int32_t limit)
+    {
+        int32_t largest = INT32_MIN;
+        for (uint32_t x = 0; x < count; ++x)
+            largest = std::max(largest, responses[x]);
+        return largest > limit;
+    }
+
     template <class F>
     static void maxima(const Recent& recent, uint32_t from, uint32_t to, int32_t threshold, F f)
     {
@@ -85,10 +105,7 @@ private:
         const int32_t* row[kRing];
         for (uint32_t i = 0; i < kRing; ++i)
             row[i] = recent.row[i] + from - 2;
-        int32_t largest = INT32_MIN;
-        for (size_t x = 2; x < size_t{count} + 2; ++x)
-            largest = std::max(largest, row[2][x]);
-        if (largest <= threshold) return false;
+        if (!anyAbove(row[2] + 2, count, threshold)) return false;
 
         Neighbours n;
         for (size_t x = 0; x < size_t{count} + 4; ++x) {
@@ -173,15 +190,10 @@ void logNoCandidates(const char* operation)
 namespace
 {
 
-bool earlier(const Candidate& a, const Candidate& b)
-{
-    return a.y != b.y ? a.y < b.y : a.x < b.x;
-}
-
-bool stronger(const Candidate& a, const Candidate& b)
-{
+constexpr auto earlier = [](const Candidate& a, const Candidate& b) { return a.y != b.y ? a.y < b.y : a.x < b.x; };
+constexpr auto stronger = [](const Candidate& a, const Candidate& b) {
     return a.response != b.response ? a.response > b.response : earlier(a, b);
-}
+};
 
 // Kept corners in cells as large as the least distance, so that only the cells around a corner need a look.
 class Cells

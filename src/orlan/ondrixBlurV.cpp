@@ -35,7 +35,7 @@ struct Gaussian5x5s16 : Window<5, 5, kBytes / 2> {
 
     ODX_MEMBER auto push(const int16_t* row)
     {
-        return column.push(dot2<1, 4>(row) + dot2<6, 4>(row + 2) + split(load<s16v>(row + 4)));
+        return column.push(binomials5(row));
     }
     ODX_MEMBER static void write(const s32p& sum, int16_t* out) { store(out, joinShifted<8>(sum)); }
 };

@@ -2,7 +2,8 @@
 // neighbouring rows, whose state lies in memory. Rows have room for whole vectors beyond their end.
 #include "cpu/ondrixHarris.h"
 #include "cpu/ondrixHarrisC.h"
-#include "orlan/simd/simd.h"
+#include "orlan/simd/prefix.h"
+#include "orlan/simd/roots.h"
 
 #define ODX_FAMILY_LIST "frame/operations/harrisCorners.def"
 #include "orlan/family.h"
@@ -62,49 +63,75 @@ public:
         }
     }
 
-    // Reads up to a vector beyond `to`, which the rows have room for.
+    // What is under the root is below 2^31: products of gradients are at most 2^14, and their double is squared
+    // modulo 2^16.
+    ODX_MEMBER void eigenvalueRow(const Planes& planes, int32_t* out) const
+    {
+        const uint32_t end = view_.width - harris::kMargin;
+        for (uint32_t x = harris::kMargin; x < end; x += kLanes) {
+            const u16v xx = load<u16v>(planes.xx + x), yy = load<u16v>(planes.yy + x),
+                       xy = load<u16v>(planes.xy + x);
+            const s32p squares = sumOfSquares((s16v)(xx - yy), (s16v)(xy + xy));
+            const u32p trace = widenInOrder(xx + yy);
+            store(out + x, eigenvalue(trace.a, squares.a));
+            store(out + x + kWords, eigenvalue(trace.b, squares.b));
+        }
+    }
+
+    // Looks at up to two vectors beyond the last one, too.
+    ODX_MEMBER static bool anyAbove(const int32_t* responses, uint32_t count, int32_t limit)
+    {
+        s32p above = {};
+        for (uint32_t x = 0; x < count; x += 2 * kWords) {
+            const s32p response = loadBoth(responses + x);
+            above = {above.a | (response.a > limit), above.b | (response.b > limit)};
+        }
+        return any((u8v)(above.a | above.b));
+    }
+
+    // Reads up to two vectors beyond `to`, which the rows have room for.
     template <class F>
     ODX_MEMBER static void maxima(const Recent& recent, uint32_t from, uint32_t to, int32_t threshold, F f)
     {
         using harris::kSearched;
         for (uint32_t count; from < to; from += count) {
             count = to - from < kSearched ? to - from : kSearched;
-            s32v above = {};
-            for (uint32_t x = 0; x < count; x += kWords)
-                above |= load<s32v>(recent.row[2] + from + x) > threshold;
-            if (!any((u8v)above)) continue;
+            if (!anyAbove(recent.row[2] + from, count, threshold)) continue;
 
             harris::Neighbours n;
-            for (uint32_t x = 0; x < count + 4; x += kWords) {
+            for (uint32_t x = 0; x < count + 4; x += 2 * kWords) {
                 const auto row = [&](uint32_t i) __attribute__((always_inline))
                 {
-                    return load<s32v>(recent.row[i] + from - 2 + x);
+                    return loadBoth(recent.row[i] + from - 2 + x);
                 };
-                const s32v around = max(max(row(0), row(1)), max(row(3), row(4)));
-                store(n.around + x, around);
-                store(n.column + x, max(around, row(2)));
+                const s32p around = greatest(greatest(row(0), row(1)), greatest(row(3), row(4)));
+                storeBoth(n.around + x, around);
+                storeBoth(n.column + x, greatest(around, row(2)));
             }
-            for (uint32_t x = 0; x < count; x += kWords) {
+            for (uint32_t x = 0; x < count; x += 2 * kWords) {
                 const auto column = [&](uint32_t i) __attribute__((always_inline))
                 {
-                    return load<s32v>(n.column + x + i);
+                    return loadBoth(n.column + x + i);
                 };
-                const s32v response = load<s32v>(recent.row[2] + from + x);
-                const s32v beside = max(max(column(0), column(1)), max(column(3), column(4)));
-                const s32v maximum =
-                    (response > max(beside, load<s32v>(n.around + x + 2))) & (response > threshold);
-                if (!any((u8v)maximum)) continue;
+                const s32p response = loadBoth(recent.row[2] + from + x);
+                const s32p beside = greatest(greatest(column(0), column(1)), greatest(column(3), column(4)));
+                const s32p limit = greatest(beside, loadBoth(n.around + x + 2));
+                const auto maximum = [=](s32v v, s32v than) { return (v > than) & (v > threshold); };
+                const s16v maxima = narrowBoth({maximum(response.a, limit.a), maximum(response.b, limit.b)});
+                if (!any((u8v)maxima)) continue;
                 // The lanes that are set, of those up to `count`, by the first of their bytes.
-                uint64_t lanes = laneBits((s8v)maximum) & 0x1111111111111111;
-                if (count - x < kWords) lanes &= (uint64_t{1} << (4 * (count - x))) - 1;
+                uint64_t lanes = laneBits((s8v)maxima) & 0x5555555555555555;
+                if (count - x < 2 * kWords) lanes &= (uint64_t{1} << (2 * (count - x))) - 1;
                 for (; lanes != 0; lanes &= lanes - 1) {
-                    if (!f(from + x + (uint32_t)__builtin_ctzll(lanes) / 4)) return;
+                    if (!f(from + x + (uint32_t)__builtin_ctzll(lanes) / 2)) return;
                 }
             }
         }
     }
 
 private:
+    ODX_MEMBER static s32p greatest(const s32p& p, const s32p& q) { return {max(p.a, q.a), max(p.b, q.b)}; }
+
     ODX_MEMBER static size_t padded(uint32_t width) { return size_t{width} + 2 * kLanes; }
     // Vectors that cross cache lines would make the stages slow.
     ODX_MEMBER static int32_t* aligned(int16_t* p)
@@ -120,6 +147,11 @@ private:
     {
         const s32v trace = xx + yy;
         return xx * yy - (xy * xy + (s32v)((u32v)(trace * trace) >> 4));
+    }
+    ODX_MEMBER static s32v eigenvalue(u32v trace, s32v square)
+    {
+        const s32v root = floorRoot(__builtin_convertvector(square, f32v) * 65536.0f, (u32v)square << 16);
+        return ((s32v)(trace << 8) - root) >> 1;
     }
 
     // Products of `count` columns, at least a vector's lanes, from column 1 on.
@@ -142,14 +174,11 @@ private:
     {
         const uint32_t end = view_.width - harris::kMargin;
         for (uint32_t x = harris::kMargin; x < end; x += kLanes) {
-            const int16_t* const p = products + x - 2;
-            s32p sum = dot2<1, 4>(p) + dot2<6, 4>(p + 2) + split(load<s16v>(p + 4));
+            s32p sum = binomials5(products + x - 2);
             for (uint32_t i = 0; i < kStages; ++i, stages += 2 * kBytes / sizeof(int32_t)) {
                 if constexpr (!kPairsVectors) pin(stages);
-                int32_t* const second = stages + kBytes / sizeof(int32_t);
-                const s32p next = sum + s32p{load<s32v>(stages), load<s32v>(second)};
-                store(stages, sum.a);
-                store(second, sum.b);
+                const s32p next = sum + loadBoth(stages);
+                storeBoth(stages, sum);
                 sum = next;
             }
             store(out + x, joinShifted<8>(sum));

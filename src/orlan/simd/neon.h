@@ -165,6 +165,38 @@ ODX_INLINE s16v narrowMask(const s32p& p)
     return (s16v)vcombine_s16(vmovn_s32((int32x4_t)p.a), vmovn_s32((int32x4_t)p.b));
 }
 
+#if defined(__aarch64__)
+ODX_INLINE s32p loadBoth(const int32_t* p)
+{
+    return {load<s32v>(p), load<s32v>(p + 4)};
+}
+ODX_INLINE void storeBoth(int32_t* p, const s32p& v)
+{
+    store(p, v.a);
+    store(p + 4, v.b);
+}
+ODX_INLINE s16v narrowBoth(const s32p& p)
+{
+    return narrowMask(p);
+}
+#else
+// Every second lane stands in the other vector: compilers take that for one instruction.
+ODX_INLINE s32p loadBoth(const int32_t* p)
+{
+    const int32x4x2_t n = vld2q_s32(p);
+    return {(s32v)n.val[0], (s32v)n.val[1]};
+}
+ODX_INLINE void storeBoth(int32_t* p, const s32p& v)
+{
+    const int32x4x2_t n = {{(int32x4_t)v.a, (int32x4_t)v.b}};
+    vst2q_s32(p, n);
+}
+ODX_INLINE s16v narrowBoth(const s32p& p)
+{
+    return (s16v)vbslq_u32(vdupq_n_u32(0xFFFF), (uint32x4_t)p.a, (uint32x4_t)p.b);
+}
+#endif
+
 ODX_INLINE s32p sumOfSquares(s16v v, s16v w)
 {
     const auto sum = [](int16x4_t a, int16x4_t b) { return (s32v)vmlal_s16(vmull_s16(a, a), b, b); };
@@ -255,6 +287,18 @@ ODX_INLINE s32p dot2(const int16_t* p)
     const int16x8_t v = (int16x8_t)load<s16v>(p), w = (int16x8_t)load<s16v>(p + 1);
     return {(s32v)vmlal_n_s16(vmull_n_s16(vget_low_s16(v), a), vget_low_s16(w), b),
             (s32v)vmlal_n_s16(vmull_n_s16(vget_high_s16(v), a), vget_high_s16(w), b)};
+}
+
+ODX_INLINE s32p binomials5(const int16_t* p)
+{
+    const auto sum = [](int16x4_t a, int16x4_t b, int16x4_t c, int16x4_t d, int16x4_t e) {
+        return (s32v)vmlal_n_s16(vmlal_n_s16(vmlal_n_s16(vaddl_s16(a, e), b, 4), c, 6), d, 4);
+    };
+    const int16x8_t a = (int16x8_t)load<s16v>(p), b = (int16x8_t)load<s16v>(p + 1),
+                    c = (int16x8_t)load<s16v>(p + 2), d = (int16x8_t)load<s16v>(p + 3),
+                    e = (int16x8_t)load<s16v>(p + 4);
+    return {sum(vget_low_s16(a), vget_low_s16(b), vget_low_s16(c), vget_low_s16(d), vget_low_s16(e)),
+            sum(vget_high_s16(a), vget_high_s16(b), vget_high_s16(c), vget_high_s16(d), vget_high_s16(e))};
 }
 
 // The words from p stand in the lower half, those from q in the upper one.

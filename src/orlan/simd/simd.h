@@ -5,6 +5,9 @@
 // the backend adds what compilers do not find by themselves:
 //
 //   load<V>(p), store(p, v)      whole vectors, any alignment
+//   loadBoth(p), storeBoth(p, pair)
+//                                two neighbouring vectors of 32-bit numbers, as a pair in an order of its own
+//   narrowBoth(pair)             two comparisons of lanes in that order as one of 16-bit lanes, in order
 //   loadWiden(p)                 kBytes / 2 bytes as a u16v, in order
 //   storeNarrow(p, v)            the low bytes of a u16v whose lanes are below 256, in order
 //   load2(p), load3(p), load4(p) kBytes pixels of 2, 3 or 4 interleaved bytes as one vector a channel, in order
@@ -48,7 +51,9 @@
 //   mulCentred<k>(v)             (v - 128) * k of a u8v as signed values; k up to 255
 //   eachTwice(v)                 each 16-bit lane for two neighbouring bytes, as a pair in the same order
 //   dot2<a, b>(p)                p[i] * a + p[i + 1] * b of s16 for each lane i, as a pair in the same order
-//   dots<w...>(p)                p[i] * w0 + p[i + 1] * w1 + ... of bytes for each lane i, as a pair in the same
+//   binomials5(p)                p[i] + 4 * p[i + 1] + 6 * p[i + 2] + 4 * p[i + 3] + p[i + 4] of s16, in the same
+//   way dots<w...>(p)                p[i] * w0 + p[i + 1] * w1 + ... of bytes for each lane i, as a pair in the
+//   same
 //                                order; an odd number of weights up to 127, the outer ones 1
 //   dotsFor<n, w...>(p)          the same, with the second of the pair times 2^(8 - n) where that helps
 //   joinDots<n>(pair)            joinShifted<n> of these sums; they are below 2^(8 + n)

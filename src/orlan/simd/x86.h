@@ -223,6 +223,20 @@ ODX_INLINE s16v narrowMask(const s32p& p)
 #endif
 }
 
+ODX_INLINE s32p loadBoth(const int32_t* p)
+{
+    return {load<s32v>(p), load<s32v>(p + kBytes / 4)};
+}
+ODX_INLINE void storeBoth(int32_t* p, const s32p& v)
+{
+    store(p, v.a);
+    store(p + kBytes / 4, v.b);
+}
+ODX_INLINE s16v narrowBoth(const s32p& p)
+{
+    return narrowMask(p);
+}
+
 ODX_INLINE s32p sumOfSquares(s16v v, s16v w)
 {
     const ODX_MI low = ODX_MM(unpacklo_epi16)((ODX_MI)v, (ODX_MI)w),
@@ -316,6 +330,11 @@ ODX_INLINE s32p dot2(const int16_t* p)
     const ODX_MI weights = ODX_MM(set1_epi32)((a & 0xFFFF) | b << 16);
     return {(s32v)ODX_MM(madd_epi16)((ODX_MI)load<s16v>(p), weights),
             (s32v)ODX_MM(madd_epi16)((ODX_MI)load<s16v>(p + 1), weights)};
+}
+
+ODX_INLINE s32p binomials5(const int16_t* p)
+{
+    return dot2<1, 4>(p) + dot2<6, 4>(p + 2) + split(load<s16v>(p + 4));
 }
 
 ODX_INLINE s16v widenPairs(const int8_t* p, const int8_t* q)
