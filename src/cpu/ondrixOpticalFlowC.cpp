@@ -25,7 +25,7 @@ struct Level {
 
 // The part of a window that is left of it, as columns and rows of the whole window.
 struct Part {
-    int64_t left, top, right, bottom;
+    int32_t left, top, right, bottom;
 
     bool empty() const { return left >= right || top >= bottom; }
     uint32_t width() const { return static_cast<uint32_t>(right - left); }
@@ -56,28 +56,10 @@ int32_t floorOf(float x)
     return i - (x < static_cast<float>(i) ? 1 : 0);
 }
 
-uint64_t roundedUp(uint64_t n)
+template <class T>
+T roundedUp(T n)
 {
     return (n + kFlowSums - 1) / kFlowSums * kFlowSums;
-}
-
-void copyPixels(uint8_t* to, const uint8_t* from, size_t n)
-{
-    // The last copy may overlap the one before.
-    if (n >= 16) {
-        for (size_t i = 0; i < n - 16; i += 16)
-            memcpy(to + i, from + i, 16);
-        memcpy(to + n - 16, from + n - 16, 16);
-    } else if (n >= 8) {
-        memcpy(to, from, 8);
-        memcpy(to + n - 8, from + n - 8, 8);
-    } else if (n >= 4) {
-        memcpy(to, from, 4);
-        memcpy(to + n - 4, from + n - 4, 4);
-    } else {
-        for (size_t i = 0; i < n; ++i)
-            to[i] = from[i];
-    }
 }
 
 // The inner loop of the mode, or its reference where the mode's cannot be taken.
@@ -96,8 +78,8 @@ class Tracker
 {
 public:
     Tracker(int windowWidth, int windowHeight, const Options& options)
-        : halfX_(windowWidth >> 1), halfY_(windowHeight >> 1), width_(2 * int64_t{halfX_} + 1),
-          height_(2 * int64_t{halfY_} + 1), options_(options), memory_(floatsNeeded())
+        : halfX_(std::min(windowWidth >> 1, kMostPixels)), halfY_(std::min(windowHeight >> 1, kMostPixels)),
+          width_(2 * halfX_ + 1), height_(2 * halfY_ + 1), options_(options), memory_(floatsNeeded())
     {
         if (!memory_) return;
         memset(memory_.get(), 0, sizeof(float) * floatsNeeded());
@@ -161,32 +143,35 @@ private:
     static constexpr float kSingular = 1e-7F, kReversed = 0.01F;
 
     // Windows of so many pixels have no memory: counts below fit in 32 bits.
-    static constexpr int64_t kMostPixels = 1 << 24;
-    uint64_t area(int64_t margin) const
+    static constexpr int32_t kMostPixels = 1 << 24;
+    uint64_t area(int32_t right, int32_t below) const
     {
-        return static_cast<uint64_t>(width_ + margin) * static_cast<uint64_t>(height_ + margin);
+        return static_cast<uint64_t>(width_ + right) * static_cast<uint64_t>(height_ + below);
     }
-    uint64_t windowFloats() const { return roundedUp(static_cast<uint64_t>((width_ + 1) * height_)) + kFlowSlack; }
-    uint64_t marginFloats() const { return roundedUp(area(3)) + kFlowSlack; }
-    uint64_t pixelCount() const { return roundedUp(area(3)) + static_cast<uint64_t>(width_) + 2 * kFlowSlack; }
+    uint64_t windowFloats() const { return roundedUp(area(1, 0)) + kFlowSlack; }
+    uint64_t marginFloats() const { return roundedUp(area(3, 3)) + kFlowSlack; }
+    uint64_t pixelCount() const { return roundedUp(area(3, 3)) + static_cast<uint64_t>(width_) + 2 * kFlowSlack; }
     uint64_t floatsNeeded() const
     {
-        if (width_ > kMostPixels || height_ > kMostPixels || width_ * height_ > kMostPixels) return UINT64_MAX;
+        if (area(0, 0) > kMostPixels) return UINT64_MAX;
         return marginFloats() + pixelCount() + 6 * windowFloats() + pixelCount() / sizeof(float) + 1;
     }
 
     Part partAt(const Level& level, Point point) const
     {
         if (!near(point)) return {};
-        const int64_t left = int64_t{floorOf(point.x)} - halfX_, top = int64_t{floorOf(point.y)} - halfY_;
-        return {std::max<int64_t>(0, -left), std::max<int64_t>(0, -top), std::min(width_, level.width - left),
-                std::min(height_, level.height - top)};
+        const int32_t left = floorOf(point.x) - halfX_, top = floorOf(point.y) - halfY_;
+        const auto end = [](int32_t size, uint32_t length, int32_t first) {
+            return static_cast<int32_t>(std::min<int64_t>(size, int64_t{length} - first));
+        };
+        return {std::max(0, -left), std::max(0, -top), end(width_, level.width, left),
+                end(height_, level.height, top)};
     }
 
     // Fetches the pixels that samples of the part of a window about the point lie between, with a margin.
     FlowSamples samplesAt(const Level& level, Point point, const Part& part, uint32_t margin)
     {
-        const auto start = [](float at, int64_t from, int64_t to, int64_t size, float samples) {
+        const auto start = [](float at, int32_t from, int32_t to, int32_t size, float samples) {
             const float centre = at + static_cast<float>(from + to - size) * 0.5F;
             return centre - (samples - 1) * 0.5F;
         };
@@ -198,25 +183,34 @@ private:
         fetch(level, wholeX, wholeY, pitch, height + 1);
         return {bytes_,
                 pitch,
-                static_cast<uint32_t>(roundedUp(uint64_t{pitch} * height)),
+                roundedUp(pitch * height),
                 std::max(x - static_cast<float>(wholeX), 0.0001F),
                 y - static_cast<float>(wholeY),
                 pixels_};
     }
 
-    void fetch(const Level& level, int64_t x, int64_t y, uint32_t columns, uint32_t rows)
+    void fetch(const Level& level, int32_t x, int32_t y, uint32_t columns, uint32_t rows)
     {
-        const int64_t lastColumn = int64_t{level.width} - 1, lastRow = int64_t{level.height} - 1;
+        constexpr uint32_t kAtOnce = 8;
         uint8_t* to = bytes_;
-        for (uint32_t j = 0; j < rows; ++j, to += columns) {
-            const uint8_t* const row =
-                level.pixels + level.stride * static_cast<size_t>(std::clamp<int64_t>(y + j, 0, lastRow));
-            if (x >= 0 && x + columns <= level.width) {
-                copyPixels(to, row + x, columns);
-            } else {
-                for (uint32_t i = 0; i < columns; ++i)
-                    to[i] = row[std::clamp<int64_t>(x + i, 0, lastColumn)];
+        const auto left = static_cast<uint32_t>(x), top = static_cast<uint32_t>(y);
+        const uint32_t wide = (columns + kAtOnce - 1) / kAtOnce * kAtOnce;
+        if (x >= 0 && y >= 0 && left + wide <= level.width && top + rows <= level.height) {
+            // What is copied beyond the end of a row, the next one writes again.
+            const uint8_t* from = level.pixels + level.stride * top + left;
+            for (uint32_t j = 0; j < rows; ++j, to += columns, from += level.stride) {
+                for (uint32_t i = 0; i < columns; i += kAtOnce)
+                    memcpy(to + i, from + i, kAtOnce);
             }
+            return;
+        }
+        const auto inside = [](int32_t first, uint32_t i, uint32_t size) {
+            return static_cast<size_t>(std::clamp<int64_t>(int64_t{first} + i, 0, int64_t{size} - 1));
+        };
+        for (uint32_t j = 0; j < rows; ++j, to += columns) {
+            const uint8_t* const row = level.pixels + level.stride * inside(y, j, level.height);
+            for (uint32_t i = 0; i < columns; ++i)
+                to[i] = row[inside(x, i, level.width)];
         }
     }
 
@@ -243,7 +237,7 @@ private:
         window.width = part.width();
         window.height = part.height();
         window.pitch = window.width + 1;
-        window.count = static_cast<uint32_t>(roundedUp(uint64_t{window.pitch} * window.height));
+        window.count = roundedUp(window.pitch * window.height);
     }
 
     // The part of the window in image 1, with an end to each row.
@@ -263,8 +257,7 @@ private:
         return &part_;
     }
 
-    const int halfX_, halfY_;
-    const int64_t width_, height_;
+    const int32_t halfX_, halfY_, width_, height_;
     const Options options_;
     Scratch<float> memory_;
     float *margin_, *pixels_;
