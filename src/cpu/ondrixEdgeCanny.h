@@ -1,8 +1,9 @@
 // Canny edges: what reference and SIMD code have in common, which is everything but loops over rows.
 //
 // The image goes through a band of a few rows that stays in the cache: source rows with replicated margins, their
-// gradients, their magnitudes. Pixels that stay after thinning are marked in an image of bytes; strong ones are
-// put on a stack, from which weak neighbours are reached. Each pixel comes to the stack once at most.
+// gradients, their magnitudes. Pixels that stay after thinning are marked in an image of bytes. Strong ones, or
+// weak ones that touch one of them and so become strong, are put on a stack, from which weak neighbours are
+// reached. Each pixel comes to the stack once at most.
 //
 // A detector says what kind of edges: the types below. Kernels are a column's loops, with static functions, each
 // for the part of a detector that it depends on:
@@ -12,8 +13,11 @@
 //                       elements
 //   magnitudes<Magnitudes>(gx, gy, m, count)
 //   thin<Thinning>(row, count, limits, marks, place, stack)
-//                       marks of `count` pixels; stores the places of strong ones, of which the first pixel's is
-//                       `place`, and returns the end of the stack
+//                       marks of `count` pixels; unless kReaches, it stores the places of strong ones, of which
+//                       the first pixel's is `place`; returns the end of the stack
+//   reach(marks, pitch, count, place, stack)
+//                       with kReaches alone: makes weak marks strong that touch a strong one, in their row or one
+//                       beside it, and stores their places in the same way
 //   finish(marks, dst, count)
 //                       255 where a mark is strong, else 0
 //
@@ -108,6 +112,8 @@ struct Loops {
     void (*magnitudes)(const int16_t* gx, const int16_t* gy, void* m, uint32_t count);
     uint32_t* (*thin)(const BandRow<void>& row, uint32_t count, Limits limits, uint8_t* marks, uint32_t place,
                       uint32_t* stack);
+    uint32_t* (*reach)(uint8_t* marks, ptrdiff_t pitch, uint32_t count, uint32_t place,
+                       uint32_t* stack); // or null
     void (*finish)(const uint8_t* marks, uint8_t* dst, uint32_t count);
 };
 
@@ -130,7 +136,18 @@ uint32_t* thinnedRow(const BandRow<void>& row, uint32_t count, Limits limits, ui
 {
     using M = typename Loop::Magnitude;
     const BandRow<M> typed = {row.gx, row.gy, static_cast<const M*>(row.m), row.pitch};
-    return Kernels::template thin<Loop>(typed, count, limits, marks, place, stack);
+    if constexpr (Kernels::kReaches) {
+        Kernels::template thin<Loop>(typed, count, limits, marks);
+        return stack;
+    } else {
+        return Kernels::template thin<Loop>(typed, count, limits, marks, place, stack);
+    }
+}
+template <class Kernels>
+uint32_t* reachedRow(uint8_t* marks, ptrdiff_t pitch, uint32_t count, uint32_t place, uint32_t* stack)
+{
+    if constexpr (Kernels::kReaches) return Kernels::reach(marks, pitch, count, place, stack);
+    return stack;
 }
 template <class Kernels>
 void finishedRow(const uint8_t* marks, uint8_t* dst, uint32_t count)
@@ -148,6 +165,7 @@ odxStatus detectEdges(const EdgeImage& image, Limits limits)
                                      gradientRows<Kernels, Gradient>,
                                      magnitudeRow<Kernels, typename Detector::MagnitudeLoop>,
                                      thinnedRow<Kernels, typename Detector::ThinningLoop>,
+                                     Kernels::kReaches ? reachedRow<Kernels> : nullptr,
                                      finishedRow<Kernels>};
     return detectEdges(kLoops, image, limits);
 }

@@ -16,6 +16,8 @@ namespace
 {
 
 struct Kernels {
+    static constexpr bool kReaches = false;
+
     template <class Loop>
     static void gradients(const uint8_t* src, size_t stride, int16_t* gx, int16_t* gy, size_t pitch,
                           uint32_t width, uint32_t rows)
@@ -139,14 +141,20 @@ odxStatus edge::detectEdges(const Loops& loops, const EdgeImage& image, Limits l
     uint32_t* top = stack.get();
 
     const auto marksOf = [&](uint32_t y) { return marks.get() + pitch * y; };
+    const uint32_t count = inside ? width - 2 * margin : 0;
+    const auto reachRow = [&](uint32_t y) { // whose neighbours have marks
+        uint8_t* const row = marksOf(y) + margin;
+        top =
+            loops.reach(row, static_cast<ptrdiff_t>(pitch), count, static_cast<uint32_t>(row - marks.get()), top);
+    };
     const auto thinRow = [&](uint32_t y, size_t row) { // which is that of the band
         uint8_t* const out = marksOf(y);
         const BandRow<void> at = {gx + pitch * row + margin, gy + pitch * row + margin,
                                   magnitudesOf(row) + margin * loops.magnitude, static_cast<ptrdiff_t>(pitch)};
-        const uint32_t count = width - 2 * margin;
         top = loops.thin(at, count, limits, out + margin, static_cast<uint32_t>(out + margin - marks.get()), top);
         memset(out, 0, margin);
         memset(out + width - margin, 0, margin + 2);
+        if (loops.reach != nullptr && y > margin) reachRow(y - 1);
     };
     if (inside) {
         for (uint32_t y = 0; y < margin; ++y) {
@@ -156,9 +164,9 @@ odxStatus edge::detectEdges(const Loops& loops, const EdgeImage& image, Limits l
     }
 
     uint32_t kept = 0; // rows of the band before
-    for (uint32_t y0 = 0, count; y0 < height; y0 += count) {
-        count = height - y0 < bandHeight ? height - y0 : bandHeight;
-        for (uint32_t i = 0; i < count + 2 * r; ++i) {
+    for (uint32_t y0 = 0, rowsNow; y0 < height; y0 += rowsNow) {
+        rowsNow = height - y0 < bandHeight ? height - y0 : bandHeight;
+        for (uint32_t i = 0; i < rowsNow + 2 * r; ++i) {
             const int64_t y = int64_t{y0} + i - r;
             const uint8_t* const row = rowOf(plane.src, plane.srcStride,
                                              y < 0        ? 0
@@ -170,14 +178,14 @@ odxStatus edge::detectEdges(const Loops& loops, const EdgeImage& image, Limits l
             memset(line + r + width, row[width - 1], r);
         }
         int16_t *const newX = gx + pitch * kept, *const newY = gy + pitch * kept;
-        loops.gradients(source.get(), pitch, newX, newY, pitch, width, count);
-        for (uint32_t i = 0; i < count; ++i) {
+        loops.gradients(source.get(), pitch, newX, newY, pitch, width, rowsNow);
+        for (uint32_t i = 0; i < rowsNow; ++i) {
             const size_t row = pitch * i, bytes = sizeof(int16_t) * size_t{width};
             if (image.gx != nullptr) memcpy(rowOf(image.gx, image.gradStride, y0 + i), newX + row, bytes);
             if (image.gy != nullptr) memcpy(rowOf(image.gy, image.gradStride, y0 + i), newY + row, bytes);
             if (inside) loops.magnitudes(newX + row, newY + row, magnitudesOf(kept + i), width);
         }
-        const uint32_t filled = kept + count; // of the band, which begins with row y0 - kept of the image
+        const uint32_t filled = kept + rowsNow; // of the band, which begins with row y0 - kept of the image
         for (uint32_t i = 1; inside && i + 1 < filled; ++i) {
             const uint32_t y = y0 - kept + i;
             if (y >= margin && y < height - margin) thinRow(y, i);
@@ -191,7 +199,10 @@ odxStatus edge::detectEdges(const Loops& loops, const EdgeImage& image, Limits l
         }
     }
 
-    if (inside) trace(marks.get(), pitch, stack.get(), top);
+    if (inside) {
+        if (loops.reach != nullptr) reachRow(height - margin - 1);
+        trace(marks.get(), pitch, stack.get(), top);
+    }
     for (uint32_t y = 0; y < height; ++y) {
         uint8_t* const out = rowOf(plane.dst, plane.dstStride, y);
         if (inside) {

@@ -88,6 +88,8 @@ ODX_INLINE Sectors sectorsOf(edge::FactorTwo, s16v x, s16v y)
 }
 
 struct Kernels {
+    static constexpr bool kReaches = true;
+
     template <class Loop>
     ODX_MEMBER static void gradients(const uint8_t* src, size_t stride, int16_t* gx, int16_t* gy, size_t pitch,
                                      uint32_t width, uint32_t rows)
@@ -122,8 +124,8 @@ struct Kernels {
     }
 
     template <class Loop>
-    ODX_MEMBER static uint32_t* thin(const edge::BandRow<typename Loop::Magnitude>& row, uint32_t count,
-                                     edge::Limits limits, uint8_t* marks, uint32_t place, uint32_t* stack)
+    ODX_MEMBER static void thin(const edge::BandRow<typename Loop::Magnitude>& row, uint32_t count,
+                                edge::Limits limits, uint8_t* marks)
     {
         using V = Lanes<typename Loop::Magnitude>;
         const V low = V::all(limits.low), high = V::all(limits.high);
@@ -151,12 +153,27 @@ struct Kernels {
             const s16v kept = ((across(1) & sectors.horizontal) | (steep & ~sectors.horizontal)) & candidates;
             const s16v strong = kept & above(m, high);
             storeNarrow(marks + x, (u16v)((kept & edge::kWeak) | (strong & edge::kStrong)));
+        }
+    }
 
-            constexpr uint64_t everySecond = 0x5555555555555555;
-            uint64_t found = laneBits((s8v)strong) & everySecond;
-            if (count - x < kLanes) found &= (uint64_t{1} << 2 * (count - x)) - 1;
-            for (; found != 0; found &= found - 1)
-                *stack++ = place + x + (uint32_t)__builtin_ctzll(found) / 2;
+    // Weak marks have the highest bit and not the lowest one, which only strong ones have.
+    ODX_MEMBER static uint32_t* reach(uint8_t* marks, ptrdiff_t pitch, uint32_t count, uint32_t place,
+                                      uint32_t* stack)
+    {
+        for (uint32_t x = 0; x < count; x += kBytes) {
+            const u8v here = load<u8v>(marks + x), weak = here >> 7 & ~here;
+            if (!any(weak)) continue;
+            const auto three = [=](const uint8_t* p) {
+                return load<u8v>(p - 1) | load<u8v>(p) | load<u8v>(p + 1);
+            };
+            const u8v around = three(marks + x - pitch) | three(marks + x) | three(marks + x + pitch);
+            uint64_t found = laneBits((s8v)(u8v{} - (weak & around)));
+            if (count - x < kBytes) found &= (uint64_t{1} << (count - x)) - 1;
+            for (; found != 0; found &= found - 1) {
+                const uint32_t at = x + (uint32_t)__builtin_ctzll(found);
+                marks[at] = edge::kStrong;
+                *stack++ = place + at;
+            }
         }
         return stack;
     }
