@@ -201,7 +201,7 @@ class Cells
 public:
     Cells(const View& view, uint32_t minDistance)
         : distance_(minDistance), columns_(view.width / minDistance + 1), rows_(view.height / minDistance + 1),
-          first_(uint64_t{columns_} * rows_)
+          perCell_(1.0 / minDistance), first_(uint64_t{columns_} * rows_)
     {
         if (first_) std::fill(first_.get(), first_.get() + size_t{columns_} * rows_, kNone);
     }
@@ -211,7 +211,7 @@ public:
     bool add(const Candidate* candidates, uint32_t* next, uint32_t index)
     {
         const Candidate& candidate = candidates[index];
-        const uint32_t column = candidate.x / distance_, row = candidate.y / distance_;
+        const uint32_t column = cellOf(candidate.x), row = cellOf(candidate.y);
         for (uint32_t r = row - (row > 0); r <= std::min(row + 1, rows_ - 1); ++r) {
             for (uint32_t c = column - (column > 0); c <= std::min(column + 1, columns_ - 1); ++c) {
                 for (uint32_t i = cell(c, r); i != kNone; i = next[i]) {
@@ -227,6 +227,9 @@ public:
 private:
     static constexpr uint32_t kNone = UINT32_MAX;
 
+    // Rounded, quotients are off by less than 1 / distance, so that corners that are nearer are in cells side by
+    // side.
+    uint32_t cellOf(uint32_t place) const { return static_cast<uint32_t>(place * perCell_); }
     uint32_t& cell(uint32_t column, uint32_t row) const { return first_[size_t{row} * columns_ + column]; }
     bool near(const Candidate& a, const Candidate& b) const
     {
@@ -235,6 +238,7 @@ private:
     }
 
     const uint32_t distance_, columns_, rows_;
+    const double perCell_;
     const Scratch<uint32_t> first_;
 };
 

@@ -23,7 +23,12 @@ struct Distances {
     ByteTable<size> table;
 
     ODX_MEMBER explicit Distances(const uint8_t* entries) : table(entries) {}
-    ODX_MEMBER u8v operator()(u8v d) const { return table(size < 256 ? min(d, u8v{} + (uint8_t)(size - 1)) : d); }
+    ODX_MEMBER static u8v within(u8v d) { return size < 256 ? min(d, u8v{} + (uint8_t)(size - 1)) : d; }
+    ODX_MEMBER u8v operator()(u8v d) const { return table(within(d)); }
+    ODX_MEMBER u8x4 operator()(const u8x4& d) const
+    {
+        return lookUpFour(table, {within(d.a), within(d.b), within(d.c), within(d.d)});
+    }
 };
 
 // ---- windows ----
@@ -88,22 +93,25 @@ struct Sums {
     {
         s16p weight[2] = {}, value[2] = {};
         const u8x2 centres = pairUp(centre, centre);
-        const auto take = [&](uint32_t g) {
-            const u8x2 pixels =
-                pairUp(load<u8v>(plan.pairs[pair].first + x), load<u8v>(plan.pairs[pair].second + x));
-            ++pair;
-            const u8x2 w = {range(distance(pixels.a, centres.a)), range(distance(pixels.b, centres.b))};
-            const u8x2 v = {valuesOf(pixels.a, centres.a), valuesOf(pixels.b, centres.b)};
-            weight[g] = addWeights(weight[g], w);
-            return addWeighted(kNear ? value[g] : s16p{}, w, v);
+        const auto next = [&]() {
+            const Plan::Pair& p = plan.pairs[pair++];
+            return pairUp(load<u8v>(p.first + x), load<u8v>(p.second + x));
+        };
+        const auto valuesOfPair = [&](const u8x2& pixels) -> u8x2 {
+            return {valuesOf(pixels.a, centres.a), valuesOf(pixels.b, centres.b)};
         };
         for (uint32_t g = 0; g < 2; ++g) {
             while (pair < groups[g].end) {
-                const s16p first = take(g);
+                const u8x2 p = next(), q = next();
+                const u8x4 found = range(u8x4{distance(p.a, centres.a), distance(p.b, centres.b),
+                                              distance(q.a, centres.a), distance(q.b, centres.b)});
+                const u8x2 v = {found.a, found.b}, w = {found.c, found.d};
+                weight[g] = addWeights(addWeights(weight[g], v), w);
                 if constexpr (kNear) {
-                    value[g] = first;
+                    value[g] = addWeighted(addWeighted(value[g], v, valuesOfPair(p)), w, valuesOfPair(q));
                 } else {
-                    values = addDots(values, first, take(g), groups[g].weight, groups[g].weight);
+                    values = addDots(values, addWeighted(s16p{}, v, valuesOfPair(p)),
+                                     addWeighted(s16p{}, w, valuesOfPair(q)), groups[g].weight, groups[g].weight);
                 }
             }
         }

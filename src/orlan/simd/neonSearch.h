@@ -45,20 +45,24 @@ struct ByteTable {
 };
 
 #if defined(__aarch64__)
+template <uint32_t size>
+ODX_INLINE u8x4 lookUpFour(const ByteTable<size>& table, const u8x4& v)
+{
+    return {table(v.a), table(v.b), table(v.c), table(v.d)};
+}
 constexpr uint32_t kLookedUp = kBytes;
 ODX_INLINE void lookUp(const ByteTable<256>& table, const uint8_t* in, uint8_t* out)
 {
     store(out, table(load<u8v>(in)));
 }
 #else
-// The registers hold an eighth of the table, and of four vectors the places from there on and what was found.
-constexpr uint32_t kLookedUp = 4 * kBytes;
+// The registers hold 32 bytes of the table, and of four vectors the places from there on and what was found.
 struct Found {
     uint8x16_t place;
     uint8x8_t low, high;
 
     // The first part's; vtbl gives 0 for places beyond it.
-    ODX_MEMBER Found(const uint8_t* p, const uint8x8x4_t& part) : place(vld1q_u8(p))
+    ODX_MEMBER Found(u8v v, const uint8x8x4_t& part) : place((uint8x16_t)v)
     {
         low = vtbl4_u8(part, vget_low_u8(place));
         high = vtbl4_u8(part, vget_high_u8(place));
@@ -69,7 +73,7 @@ struct Found {
         low = vtbx4_u8(low, part, vget_low_u8(place));
         high = vtbx4_u8(high, part, vget_high_u8(place));
     }
-    ODX_MEMBER void store(uint8_t* p) const { vst1q_u8(p, vcombine_u8(low, high)); }
+    ODX_MEMBER u8v all() const { return (u8v)vcombine_u8(low, high); }
 };
 ODX_INLINE uint8x8x4_t tablePart(const uint8_t* p)
 {
@@ -87,12 +91,23 @@ ODX_INLINE void lookUpParts(const uint8_t* table, Found& a, Found& b, Found& c, 
     a.look(part), b.look(part), c.look(part), d.look(part);
     if constexpr (parts > 1) lookUpParts<parts - 1>(table + 32, a, b, c, d);
 }
-ODX_INLINE void lookUp(const ByteTable<256>& table, const uint8_t* in, uint8_t* out)
+template <uint32_t size>
+ODX_INLINE u8x4 lookUpFour(const ByteTable<size>& table, const u8x4& v)
 {
     const uint8x8x4_t part = tablePart(table.table);
-    Found a(in, part), b(in + 16, part), c(in + 32, part), d(in + 48, part);
-    lookUpParts<7>(table.table + 32, a, b, c, d);
-    a.store(out), b.store(out + 16), c.store(out + 32), d.store(out + 48);
+    Found a(v.a, part), b(v.b, part), c(v.c, part), d(v.d, part);
+    lookUpParts<size / 32 - 1>(table.table + 32, a, b, c, d);
+    return {a.all(), b.all(), c.all(), d.all()};
+}
+constexpr uint32_t kLookedUp = 4 * kBytes;
+ODX_INLINE void lookUp(const ByteTable<256>& table, const uint8_t* in, uint8_t* out)
+{
+    const u8x4 found =
+        lookUpFour(table, {load<u8v>(in), load<u8v>(in + 16), load<u8v>(in + 32), load<u8v>(in + 48)});
+    store(out, found.a);
+    store(out + 16, found.b);
+    store(out + 32, found.c);
+    store(out + 48, found.d);
 }
 #endif
 

@@ -96,6 +96,7 @@
 //                                v / w to 2^-12
 //   ByteTable<size>(p)           64, 128 or 256 bytes, which stay as they are; table(v) has those at the places v
 //                                of u8v, below the size
+//   lookUpFour(table, v)         those at the places in each vector of a u8x4
 //   lookUp(table, p, q)          those of 256 at the kLookedUp places from p, to q, which may be p
 //   any(v)                       whether any byte is not 0
 //   highest(v)                   the greatest byte

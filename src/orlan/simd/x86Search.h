@@ -55,6 +55,11 @@ struct ByteTable {
 };
 #endif
 
+template <uint32_t size>
+ODX_INLINE u8x4 lookUpFour(const ByteTable<size>& table, const u8x4& v)
+{
+    return {table(v.a), table(v.b), table(v.c), table(v.d)};
+}
 constexpr uint32_t kLookedUp = kBytes;
 ODX_INLINE void lookUp(const ByteTable<256>& table, const uint8_t* in, uint8_t* out)
 {
