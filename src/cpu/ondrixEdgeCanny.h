@@ -35,7 +35,7 @@ namespace odx::edge
 {
 
 constexpr uint32_t kSlack = 64;
-constexpr uint8_t kWeak = 128, kStrong = 255;
+constexpr uint8_t kWeak = 128, kStrong = 1; // marks
 
 // Tangents of 22.5 and 67.5 degrees in 1/32768 divide the directions; kTangent, and kTangent + 2 * 32768.
 constexpr uint32_t kTangent = 13573;

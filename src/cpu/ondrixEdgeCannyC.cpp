@@ -85,12 +85,12 @@ struct Kernels {
     }
 };
 
-// Whether any byte of a word is a weak mark: its highest bit is set, its lowest is not.
+// Whether any byte of a word is a weak mark.
 uint32_t weakBytes(const uint8_t* p)
 {
     uint32_t word;
     memcpy(&word, p, sizeof word);
-    return (word >> 7) & ~word & 0x01010101;
+    return word & 0x80808080;
 }
 
 // Makes weak marks strong that touch a strong one, from those on the stack on.

@@ -18,6 +18,8 @@ namespace
 constexpr uint32_t kLanes = kBytes / 2;
 static_assert(kBytes <= edge::kSlack);
 
+constexpr int16_t kOtherMark = edge::kWeak ^ edge::kStrong;
+
 // ---- magnitudes in 16 and in 32 bits ----
 
 ODX_INLINE void storeMagnitude(int16_t* p, const s16v& v)
@@ -30,7 +32,7 @@ ODX_INLINE void storeMagnitude(int32_t* p, const s32p& v)
     store(p + kLanes / 2, v.b);
 }
 
-// kLanes magnitudes, in order, and comparisons of them as masks of 16 bits.
+// kLanes magnitudes, and comparisons of them as masks of 16 bits, in order.
 struct Narrow {
     s16v v;
 
@@ -40,7 +42,7 @@ struct Narrow {
 struct Wide {
     s32p v;
 
-    ODX_MEMBER static Wide at(const int32_t* p) { return {{load<s32v>(p), load<s32v>(p + kLanes / 2)}}; }
+    ODX_MEMBER static Wide at(const int32_t* p) { return {loadBoth(p)}; }
     ODX_MEMBER static Wide all(int32_t value) { return {{s32v{} + value, s32v{} + value}}; }
 };
 template <class M>
@@ -52,7 +54,7 @@ ODX_INLINE s16v above(const Narrow& a, const Narrow& b)
 }
 ODX_INLINE s16v above(const Wide& a, const Wide& b)
 {
-    return narrowMask({a.v.a > b.v.a, a.v.b > b.v.b});
+    return narrowBoth({a.v.a > b.v.a, a.v.b > b.v.b});
 }
 
 // Above the first neighbour, and above the other or not below it.
@@ -64,7 +66,7 @@ ODX_INLINE s16v stays(const Narrow& m, const Narrow& first, const Narrow& other)
 template <bool strict>
 ODX_INLINE s16v stays(const Wide& m, const Wide& first, const Wide& other)
 {
-    return narrowMask({(m.v.a > first.v.a) & (strict ? m.v.a > other.v.a : m.v.a >= other.v.a),
+    return narrowBoth({(m.v.a > first.v.a) & (strict ? m.v.a > other.v.a : m.v.a >= other.v.a),
                        (m.v.b > first.v.b) & (strict ? m.v.b > other.v.b : m.v.b >= other.v.b)});
 }
 
@@ -107,7 +109,8 @@ struct Kernels {
     ODX_MEMBER static void magnitudes(const int16_t* gx, const int16_t* gy, typename Loop::Magnitude* m,
                                       uint32_t count)
     {
-        for (size_t x = 0; x < count; x += kLanes) {
+        const auto magnitude = [=](size_t x) __attribute__((always_inline))
+        {
             const s16v dx = load<s16v>(gx + x), dy = load<s16v>(gy + x);
             if constexpr (Loop::kSquares) {
                 const s32p sum = sumOfSquares(dx, dy);
@@ -120,6 +123,10 @@ struct Kernels {
                 storeMagnitude(m + x, {max(wideX.a, -wideX.a) + max(wideY.a, -wideY.a),
                                        max(wideX.b, -wideX.b) + max(wideY.b, -wideY.b)});
             }
+        };
+        for (size_t x = 0; x < count; x += 2 * kLanes) {
+            magnitude(x);
+            magnitude(x + kLanes);
         }
     }
 
@@ -129,14 +136,16 @@ struct Kernels {
     {
         using V = Lanes<typename Loop::Magnitude>;
         const V low = V::all(limits.low), high = V::all(limits.high);
-        for (uint32_t x = 0; x < count; x += kLanes) {
+        const auto candidatesAt = [=](uint32_t x) __attribute__((always_inline))
+        {
+            return above(V::at(row.m + x), low);
+        };
+        const auto thinAt = [=](uint32_t x) __attribute__((always_inline))
+        {
             const auto* const at = row.m + x;
             const V m = V::at(at);
             const s16v candidates = above(m, low);
-            if (!any((u8v)candidates)) {
-                storeNarrow(marks + x, u16v{});
-                continue;
-            }
+            if (!any((u8v)candidates)) return storeNarrow(marks + x, u16v{});
             const s16v gx = load<s16v>(row.gx + x), gy = load<s16v>(row.gy + x);
             const Sectors sectors = sectorsOf(typename Loop::Sectors(), abs(gx), abs(gy));
             const auto across = [&](ptrdiff_t next) __attribute__((always_inline))
@@ -152,27 +161,42 @@ struct Kernels {
             const s16v steep = (diagonal & sectors.diagonal) | (across(row.pitch) & ~sectors.diagonal);
             const s16v kept = ((across(1) & sectors.horizontal) | (steep & ~sectors.horizontal)) & candidates;
             const s16v strong = kept & above(m, high);
-            storeNarrow(marks + x, (u16v)((kept & edge::kWeak) | (strong & edge::kStrong)));
+            storeNarrow(marks + x, (u16v)((kept & edge::kWeak) ^ (strong & kOtherMark)));
+        };
+        for (uint32_t x = 0; x < count; x += 2 * kLanes) {
+            if (!any((u8v)(candidatesAt(x) | candidatesAt(x + kLanes)))) {
+                store(marks + x, u8v{});
+                continue;
+            }
+            thinAt(x);
+            thinAt(x + kLanes);
         }
     }
 
-    // Weak marks have the highest bit and not the lowest one, which only strong ones have.
     ODX_MEMBER static uint32_t* reach(uint8_t* marks, ptrdiff_t pitch, uint32_t count, uint32_t place,
                                       uint32_t* stack)
     {
-        for (uint32_t x = 0; x < count; x += kBytes) {
-            const u8v here = load<u8v>(marks + x), weak = here >> 7 & ~here;
-            if (!any(weak)) continue;
-            const auto three = [=](const uint8_t* p) {
-                return load<u8v>(p - 1) | load<u8v>(p) | load<u8v>(p + 1);
-            };
-            const u8v around = three(marks + x - pitch) | three(marks + x) | three(marks + x + pitch);
-            uint64_t found = laneBits((s8v)(u8v{} - (weak & around)));
-            if (count - x < kBytes) found &= (uint64_t{1} << (count - x)) - 1;
-            for (; found != 0; found &= found - 1) {
-                const uint32_t at = x + (uint32_t)__builtin_ctzll(found);
-                marks[at] = edge::kStrong;
-                *stack++ = place + at;
+        static_assert(edge::kWeak == 128 && edge::kStrong == 1);
+        const auto at = [=](uint32_t x) { return load<u8v>(marks + x); };
+        for (uint32_t from = 0; from < count; from += edge::kSlack) {
+            u8v all = at(from);
+            for (uint32_t x = kBytes; x < edge::kSlack; x += kBytes)
+                all |= at(from + x);
+            if (!any(all & edge::kWeak)) continue;
+            for (uint32_t x = from; x < count && x < from + edge::kSlack; x += kBytes) {
+                const u8v weak = at(x) & edge::kWeak;
+                if (!any(weak)) continue;
+                const auto three = [](const uint8_t* p) {
+                    return load<u8v>(p - 1) | load<u8v>(p) | load<u8v>(p + 1);
+                };
+                const u8v around = three(marks + x - pitch) | three(marks + x) | three(marks + x + pitch);
+                uint64_t found = laneBits((s8v)(weak & around << 7) < 0);
+                if (count - x < kBytes) found &= (uint64_t{1} << (count - x)) - 1;
+                for (; found != 0; found &= found - 1) {
+                    const uint32_t reached = x + (uint32_t)__builtin_ctzll(found);
+                    marks[reached] = edge::kStrong;
+                    *stack++ = place + reached;
+                }
             }
         }
         return stack;
@@ -180,12 +204,12 @@ struct Kernels {
 
     ODX_MEMBER static void finish(const uint8_t* marks, uint8_t* dst, uint32_t count)
     {
-        const auto edges = [=](uint32_t x) { return u8v{} - (load<u8v>(marks + x) & 1); };
+        const auto edges = [=](uint32_t x) { return (u8v)(load<u8v>(marks + x) == edge::kStrong); };
         uint32_t x = 0;
         for (; count - x >= kBytes; x += kBytes)
             store(dst + x, edges(x));
         for (; x < count; ++x)
-            dst[x] = (uint8_t) - (marks[x] & 1);
+            dst[x] = marks[x] == edge::kStrong ? 255 : 0;
     }
 };
 
