@@ -299,6 +299,7 @@ void odxImageIntensityStatsC(const uint8_t* src, unsigned int srcWidth, unsigned
 }
 
 using NormalizedBytes = normalization::Bytes;
+using normalization::normalize;
 #define ODX_COLUMN(name) name##C
 #include "cpu/ondrixStatOperations.inc"
 

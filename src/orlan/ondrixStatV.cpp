@@ -4,6 +4,7 @@
 #include "cpu/ondrixNormalize.h"
 #include "cpu/ondrixStat.h"
 #include "cpu/ondrixStatC.h"
+#include "orlan/simd/prefix.h"
 #include "orlan/simd/roots.h"
 
 #define ODX_FAMILY_LIST "frame/operations/statistics.def"
@@ -488,21 +489,146 @@ struct NormalizedBytes : normalization::Bytes {
                    sign = a >> 31;
         return (quotient(2 * ((a ^ sign) - sign) + divisor, 2 * divisor) ^ sign) - sign + 128;
     }
-    ODX_MEMBER void row(const uint8_t* v, const Sum* sums, const Sum* squares, uint8_t* out, uint32_t count) const
+    // From the sums of all columns before each box, and before those behind it.
+    ODX_MEMBER void row(const uint8_t* v, const uint32_t* sums, const uint32_t* squares, uint32_t N, uint8_t* out,
+                        uint32_t count) const
     {
         constexpr uint32_t kLanes = kBytes / 2;
-        if (count < kLanes) return Bytes::row(v, sums, squares, out, count);
         for (uint32_t x = 0;; x += kLanes) {
             if (count - x < kLanes) x = count - kLanes;
             const s32p wide = widenInOrder((s16v)loadWiden(v + x));
-            const auto at = [=](const Sum* p) { return load<s32v>(p + x); };
-            const s32v a = levels(wide.a, at(sums), at(squares)),
-                       b = levels(wide.b, at(sums + kLanes / 2), at(squares + kLanes / 2));
+            const auto box = [=](const uint32_t* p) { return load<s32v>(p + x + N) - load<s32v>(p + x); };
+            const s32v a = levels(wide.a, box(sums), box(squares)),
+                       b = levels(wide.b, box(sums + kLanes / 2), box(squares + kLanes / 2));
             storeNarrow(out + x, (u16v)min(max((s16v)narrowMask({a, b}), s16v{}), s16v{} + 255));
             if (x + kLanes == count) return;
         }
     }
 };
+
+// Sums of the columns of N rows, and of what is left of each, in which the first and the last column are repeated.
+class ColumnSums
+{
+    static constexpr uint32_t kLanes = kBytes / 2;
+
+public:
+    ODX_MEMBER static size_t words(uint32_t width, uint32_t N)
+    {
+        return padded(width) * 3 / 2 + 2 * (padded(width) + N);
+    }
+
+    ODX_MEMBER ColumnSums(uint32_t* memory, uint32_t width, uint32_t N)
+        : width_(width), margin_(N / 2), sums_(memory), squares_(memory + padded(width) + N),
+          columnSquares_(squares_ + padded(width) + N), columnSums_((uint16_t*)(columnSquares_ + padded(width)))
+    {
+        memset(columnSquares_, 0, padded(width) * (sizeof *columnSquares_ + sizeof *columnSums_));
+    }
+
+    ODX_MEMBER void add(const uint8_t* row)
+    {
+        forColumns(
+            row, row, [&](const uint8_t* p, const uint8_t*, size_t x) __attribute__((always_inline)) {
+                const u16v v = loadWiden(p);
+                change(x, v, widenInOrder(v * v));
+            });
+    }
+    // The row that comes, the one that goes, and then what is left of each column.
+    ODX_MEMBER void move(const uint8_t* in, const uint8_t* out)
+    {
+        forColumns(
+            in, out, [&](const uint8_t* p, const uint8_t* q, size_t x) __attribute__((always_inline)) {
+                const u16v v = loadWiden(p), w = loadWiden(q);
+                change(x, v - w, widenInOrder(v * v) - widenInOrder(w * w));
+            });
+    }
+    ODX_MEMBER void sumUp() const
+    {
+        uint32_t sum = 0, square = 0;
+        for (uint32_t i = 0; i < margin_; ++i) {
+            sums_[i] = sum, sum += columnSums_[0];
+            squares_[i] = square, square += columnSquares_[0];
+        }
+        sums_[margin_] = sum;
+        squares_[margin_] = square;
+        uint32_t *p = sums_ + margin_ + 1, *q = squares_ + margin_ + 1;
+        const uint32_t *s = columnSquares_, *const end = s + width_;
+        const uint16_t* c = columnSums_;
+        u32v before = u32v{} + sum, squaresBefore = u32v{} + square;
+        const auto next = [](uint32_t * &to, u32v v, u32v & sums) __attribute__((always_inline))
+        {
+            const u32v running = runningSums(v) + sums;
+            sums = u32v{} + running[kLanes / 2 - 1];
+            pin(to);
+            store(to, running);
+            to += kLanes / 2;
+        };
+        uint32_t *to = p, *squaresTo = q;
+        for (; s < end; s += kLanes, c += kLanes) {
+            pin(s), pin(c);
+            const u32p both = widenInOrder(load<u16v>(c));
+            next(to, both.a, before);
+            next(to, both.b, before);
+            next(squaresTo, load<u32v>(s), squaresBefore);
+            next(squaresTo, load<u32v>(s + kLanes / 2), squaresBefore);
+        }
+        const size_t last = width_ - 1;
+        for (size_t i = width_; i < width_ + margin_; ++i) {
+            p[i] = p[i - 1] + columnSums_[last];
+            q[i] = q[i - 1] + columnSquares_[last];
+        }
+    }
+    ODX_MEMBER const uint32_t* sums() const { return sums_; }
+    ODX_MEMBER const uint32_t* squares() const { return squares_; }
+
+private:
+    ODX_MEMBER static size_t padded(uint32_t width) { return (size_t{width} + kLanes) / kLanes * kLanes; }
+    template <class Step>
+    ODX_MEMBER void forColumns(const uint8_t* p, const uint8_t* q, Step step) const
+    {
+        size_t x = 0;
+        for (; width_ - x >= kLanes; x += kLanes)
+            step(p + x, q + x, x);
+        if (x == width_) return;
+        uint8_t lastOfP[kLanes] = {}, lastOfQ[kLanes] = {};
+        memcpy(lastOfP, p + x, width_ - x);
+        memcpy(lastOfQ, q + x, width_ - x);
+        step(lastOfP, lastOfQ, x);
+    }
+    // Sums of a column are below 2^13.
+    ODX_MEMBER void change(size_t x, u16v v, const u32p& square) const
+    {
+        store(columnSums_ + x, load<u16v>(columnSums_ + x) + v);
+        storeAdded(columnSquares_ + x, columnSquares_ + x, square);
+    }
+
+    const size_t width_;
+    const uint32_t margin_;
+    uint32_t *const sums_, *const squares_, *const columnSquares_;
+    uint16_t* const columnSums_;
+};
+
+ODX_INLINE odxStatus normalize(const NormalizedBytes& type, uint32_t N, const Plane<uint8_t>& plane)
+{
+    if (plane.width < kBytes / 2) {
+        return normalization::normalize(static_cast<const normalization::Bytes&>(type), N, plane);
+    }
+    const Scratch<uint32_t> memory(ColumnSums::words(plane.width, N));
+    if (!memory) return ONDRIX_NO_MEMORY;
+    ColumnSums columns(memory.get(), plane.width, N);
+    const auto row = [&](int64_t y) {
+        const int64_t last = int64_t{plane.height} - 1;
+        return rowOf(plane.src, plane.srcStride, (size_t)(y < 0 ? 0 : y < last ? y : last));
+    };
+    const int64_t r = N / 2;
+    for (int64_t k = -r; k <= r; ++k)
+        columns.add(row(k));
+    for (uint32_t y = 0; y < plane.height; ++y) {
+        if (y != 0) columns.move(row(y + r), row(y - r - 1));
+        columns.sumUp();
+        type.row(row(y), columns.sums(), columns.squares(), N, rowOf(plane.dst, plane.dstStride, y), plane.width);
+    }
+    return ONDRIX_SUCCESS;
+}
 
 #define ODX_COLUMN(name) name##V
 #include "cpu/ondrixStatOperations.inc"

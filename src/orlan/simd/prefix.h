@@ -5,6 +5,7 @@
 //                        reads kBefore bytes in front of p, which are 0 the first time; nextTwo(p) gives two of
 //                        these
 //   SquareSums(sum)      the same with the squares of these bytes, each included, and without bytes in front
+//   runningSums(v)       of a u32v: of each lane and all before it
 //   widenInOrder(v)      the lanes of a u16v as 32 bits, in order
 //   storeAdded(p, q, v)  q[i] + v[i] of a u32v or a u32p in order, in 32 or 64 bits
 #ifndef ODX_ORLAN_SIMD_PREFIX_H
@@ -36,7 +37,6 @@ ODX_INLINE u32v lastOfSixteen(u32v v)
                                         ODX_MM(unpackhi_epi32)((ODX_MI)v, (ODX_MI)v));
 }
 
-// Of each lane and all before it.
 ODX_INLINE u32v runningSums(u32v v)
 {
     v += movedUp<4>(v);
@@ -214,6 +214,12 @@ private:
     uint16x8_t one_ = vdupq_n_u16(0);
     uint32x4_t two_ = vdupq_n_u32(0), sums_;
 };
+
+ODX_INLINE u32v runningSums(u32v v)
+{
+    const uint32x4_t zero = vdupq_n_u32(0), n = (uint32x4_t)v, two = vaddq_u32(n, vextq_u32(zero, n, 3));
+    return (u32v)vaddq_u32(two, vextq_u32(zero, two, 2));
+}
 
 ODX_INLINE u32p widenInOrder(u16v v)
 {

@@ -18,13 +18,12 @@ namespace odx::ODX_TARGET::simd
 
 #if defined(__arm__)
 
-// The estimate of 1 / root becomes good to 2^-21 or so, and a root that it leaves off by a few is put right by
-// what is left over: it is then the one below or above the exact one.
+// The estimate of 1 / root becomes good to 2^-16, so that the root is off by at most 130, and what is left over
+// fits 32 bits. That puts the root right: it is then the exact one, or one more.
 ODX_INLINE s32v floorRoot(f32v near, u32v low)
 {
     const float32x4_t n = (float32x4_t)near, one = vmaxq_f32(n, vdupq_n_f32(1));
     float32x4_t r = vrsqrteq_f32(one);
-    r = vmulq_f32(r, vrsqrtsq_f32(vmulq_f32(one, r), r));
     r = vmulq_f32(r, vrsqrtsq_f32(vmulq_f32(one, r), r));
     const int32x4_t all = (int32x4_t)low;
     int32x4_t root = vcvtq_s32_f32(vmlaq_f32(vdupq_n_f32(0.5f), n, r));
