@@ -196,11 +196,14 @@ private:
         const auto left = static_cast<uint32_t>(x), top = static_cast<uint32_t>(y);
         const uint32_t wide = (columns + kAtOnce - 1) / kAtOnce * kAtOnce;
         if (x >= 0 && y >= 0 && left + wide <= level.width && top + rows <= level.height) {
-            // What is copied beyond the end of a row, the next one writes again.
-            const uint8_t* from = level.pixels + level.stride * top + left;
-            for (uint32_t j = 0; j < rows; ++j, to += columns, from += level.stride) {
-                for (uint32_t i = 0; i < columns; i += kAtOnce)
-                    memcpy(to + i, from + i, kAtOnce);
+            // What is copied beyond the end of a row is written again by what comes later: the next row, or its
+            // part.
+            for (uint32_t i = wide; i != 0;) {
+                i -= kAtOnce;
+                const uint8_t* from = level.pixels + level.stride * top + left + i;
+                uint8_t* part = to + i;
+                for (uint32_t j = rows; j != 0; --j, part += columns, from += level.stride)
+                    memcpy(part, from, kAtOnce);
             }
             return;
         }

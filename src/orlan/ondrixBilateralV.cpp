@@ -165,12 +165,6 @@ void bilateralLineV(const uint8_t* const* lines, uint8_t* out, uint32_t count, c
 namespace
 {
 
-// kBytes / 2 pixels as 32-bit numbers.
-ODX_INLINE s32p loadNumbers(const uint8_t* p)
-{
-    return widenInOrder((s16v)loadWiden(p));
-}
-
 // The sums of one side, of kBytes / 2 lines.
 struct Side {
     s32p weight = {s32v{} + kOwnWeight, s32v{} + kOwnWeight}, sum = {}, last;

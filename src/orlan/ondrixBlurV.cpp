@@ -33,10 +33,7 @@ struct Gaussian5x5 : Window<5, 5, kBytes> {
 struct Gaussian5x5s16 : Window<5, 5, kBytes / 2> {
     BinomialColumn<s32p, 4> column;
 
-    ODX_MEMBER auto push(const int16_t* row)
-    {
-        return column.push(binomials5(row));
-    }
+    ODX_MEMBER auto push(const int16_t* row) { return column.push(binomials5(row)); }
     ODX_MEMBER static void write(const s32p& sum, int16_t* out) { store(out, joinShifted<8>(sum)); }
 };
 

@@ -496,7 +496,7 @@ struct NormalizedBytes : normalization::Bytes {
         constexpr uint32_t kLanes = kBytes / 2;
         for (uint32_t x = 0;; x += kLanes) {
             if (count - x < kLanes) x = count - kLanes;
-            const s32p wide = widenInOrder((s16v)loadWiden(v + x));
+            const s32p wide = loadNumbers(v + x);
             const auto box = [=](const uint32_t* p) { return load<s32v>(p + x + N) - load<s32v>(p + x); };
             const s32v a = levels(wide.a, box(sums), box(squares)),
                        b = levels(wide.b, box(sums + kLanes / 2), box(squares + kLanes / 2));

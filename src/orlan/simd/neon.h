@@ -54,6 +54,20 @@ ODX_INLINE u16v loadWiden(const uint8_t* p)
 {
     return (u16v)vmovl_u8(vld1_u8(p));
 }
+// Otherwise compilers load four bytes at a time, and take them through the stack on 32-bit ARM.
+ODX_INLINE uint16x8_t loadForWords(const uint8_t* p)
+{
+    uint8x8_t v = vld1_u8(p);
+#if defined(__arm__)
+    asm("" : "+w"(v));
+#endif
+    return vmovl_u8(v);
+}
+ODX_INLINE s32p loadNumbers(const uint8_t* p)
+{
+    const uint16x8_t v = loadForWords(p);
+    return {(s32v)vmovl_u16(vget_low_u16(v)), (s32v)vmovl_u16(vget_high_u16(v))};
+}
 
 ODX_INLINE void storeNarrow(uint8_t* p, u16v v)
 {
@@ -572,7 +586,7 @@ ODX_INLINE u8v addSat(u8v v, u8v w)
 }
 ODX_INLINE f32p loadFloats(const uint8_t* p)
 {
-    const uint16x8_t words = vmovl_u8(vld1_u8(p));
+    const uint16x8_t words = loadForWords(p);
     return {(f32v)vcvtq_f32_u32(vmovl_u16(vget_low_u16(words))),
             (f32v)vcvtq_f32_u32(vmovl_u16(vget_high_u16(words)))};
 }

@@ -9,6 +9,7 @@
 //                                two neighbouring vectors of 32-bit numbers, as a pair in an order of its own
 //   narrowBoth(pair)             two comparisons of lanes in that order as one of 16-bit lanes, in order
 //   loadWiden(p)                 kBytes / 2 bytes as a u16v, in order
+//   loadNumbers(p)               the same as 32-bit lanes
 //   storeNarrow(p, v)            the low bytes of a u16v whose lanes are below 256, in order
 //   load2(p), load3(p), load4(p) kBytes pixels of 2, 3 or 4 interleaved bytes as one vector a channel, in order
 //   store2(p, a, b), store3(p, a, b, c), store4(p, a, b, c, d)

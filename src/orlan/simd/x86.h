@@ -185,6 +185,10 @@ ODX_INLINE s32p widenInOrder(s16v v)
             (s32v)_mm256_cvtepi16_epi32(_mm256_extracti128_si256((__m256i)v, 1))};
 #endif
 }
+ODX_INLINE s32p loadNumbers(const uint8_t* p)
+{
+    return widenInOrder((s16v)loadWiden(p));
+}
 
 ODX_INLINE void storeInOrder(int16_t* p, const s16p& pair)
 {
