@@ -29,14 +29,16 @@ lines alone.
 
 Where the gain is small, this is why: compilers make vectors of simple references themselves, on 64-bit ARM of most.
 Sums of floats are added in the reference's order, one after the other. On 32-bit ARM, NEON rounds denormal floats to
-zero, so that vectors of floats are looked at first, or stay with the reference; and it has no vectors of doubles,
-which roots and interpolation need in places. Warps, remaps and trees fetch pixels one by one, and so do table lookups
-without SIMD code; 32-bit ARM finds 32 of the 256 bytes of a table at a time. A histogram, and Otsu's threshold with it,
-is an extraction, an addition and a store for each pixel in every column. Regions grow pixel by pixel, by the reference
-in all columns, and are counted on one thread. Singular values take doubles, two to a vector, which compilers manage,
-too: on 64-bit ARM all columns run one loop. A call that works on a few dozen bytes is mostly the way there: 65 to 90
-instructions, some of them the benchmark's. Grey is exact to 16 bits of its weights, where libyuv's have 8: twice the
-products.
+zero, so that vectors of floats are looked at first, or stay with the reference; and it has no vectors of doubles, which
+roots and interpolation need in places, as where corners are refined and ellipses tracked. Warps, remaps, rotated
+patches and trees fetch pixels one by one, and so do table lookups without SIMD code; 32-bit ARM finds 32 of the 256
+bytes of a table at a time. A histogram, and with it equalisation and Otsu's threshold, is an extraction, a load, an
+addition and a store for each pixel in every column. Lines are searched, and regions grow, pixel by pixel, these by the
+reference in all columns; they are counted on one thread. Of windows a few pixels wide, in optical flow and small
+integral images, much is the way from row to row and from step to step, which all columns share. Singular values take
+doubles, two to a vector, which compilers manage, too: on 64-bit ARM all columns run one loop. A call that works on a
+few dozen bytes is mostly the way there: 65 to 90 instructions, some of them the benchmark's. Grey is exact to 16 bits
+of its weights, where libyuv's have 8: twice the products.
 """
 KINDS = {"64-bit ARM": PEERS, "32-bit ARM": ()}
 
