@@ -127,6 +127,9 @@ ODX_RGB_SOURCES(ODX_DECLARE)
 ODX_RGB_TO_RGB(ODX_DECLARE)
 #undef ODX_DECLARE
 
+odxRepackedRow rgba2labC;
+ODX_HELPER_POINTER(rgba2lab);
+
 #define ODX_DECLARE(name, from, step, to, repeat) \
     odxChromaRow name##C;                         \
     ODX_HELPER_POINTER(name);

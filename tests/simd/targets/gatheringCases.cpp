@@ -1,5 +1,6 @@
 #include "simd/targets/loops.h"
 
+#include "orlan/simd/fetching.h"
 #include "orlan/simd/gathering.h"
 
 namespace odx::ODX_TARGET
@@ -43,6 +44,20 @@ void sixteens(In in, Out out, Out expected)
     EACH(uint8_t, 4 * kBytes, in[offsets[i % kBytes / 4] + i / kBytes * 4 + i % 4]);
 }
 
+// Three tables, and pixels behind them.
+void entries(In in, Out out, Out expected)
+{
+    const uint8_t* const pixels = in + 3 * kTable;
+    u32p sums[3];
+    sumsOfEntries(in, pixels, sums);
+    for (size_t k = 0; k < 3; ++k, out += 2 * kBytes, expected += 2 * kBytes) {
+        storeAll(out, sums[k].a, sums[k].b);
+        const auto word = [=](const uint8_t* p, size_t c) { return at<uint32_t>(in + kTable * c, 4 * p[c] + k); };
+        const auto sum = [=](const uint8_t* p) { return word(p, 0) + word(p, 1) + word(p, 2); };
+        EACH(uint32_t, 2 * kLanes, sum(pixels + i % kLanes / 4 * 64 + i / kLanes * 16 + i % 4 * 4));
+    }
+}
+
 #if ODX_VECTOR_BYTES == 64
 template <uint32_t C>
 void window(In in, Out out, Out expected)
@@ -68,6 +83,7 @@ const PrimitiveCase kCases[] = {
     {"gatherSquares of three bytes", 5 * kStride, squares<3>},
     {"gatherSquares of four bytes", 5 * kStride, squares<4>},
     {"gatherSixteens", 5 * kStride, sixteens},
+    {"sumsOfEntries", 3 * kTable + 4 * kBytes, entries},
     CASE("mulRound15", 2 * kBytes, int16_t, kBytes / 2,
          (at<int16_t>(in, i) / 2 * at<int16_t>(in + kBytes, i) + 16384) >> 15,
          store(out, mulRound15(load<s16v>(in) / 2, load<s16v>(in + kBytes)))),
