@@ -36,6 +36,8 @@
 #include "cpu/image.h"
 #include "orlan/simd/simd.h"
 
+#include <utility>
+
 namespace odx::ODX_TARGET
 {
 using namespace simd;
@@ -92,25 +94,45 @@ struct ElementRow {
         memcpy(destination, aside.elements, sizeof aside.elements);
     }
 
-    // Two at a time are loaded before one is stored where that makes pairs of vectors.
+    // So many results are made at a time, and so many of them are there before the first is stored, if the kernel
+    // leaves enough registers.
     static constexpr bool kInPairs = kPairsVectors && Kernel::kIsShort;
-    ODX_MEMBER static void two(const Kernel& kernel, T*... p, Apart<T>... first, Apart<T>... second)
+    static constexpr bool kHasRegisters = sizeof(Kernel) <= 2 * kBytes,
+                          kIsWhole = ((sizeof(T) * kLanes == kBytes) && ...);
+    static constexpr uint32_t kAtOnce = kInPairs ? 8 : 4;
+    static constexpr uint32_t kTogether = !kWritesLast || !Kernel::kIsShort ? 1
+                                          : kPairsVectors                   ? (kHasRegisters ? 8 : 4)
+                                          : kHasRegisters && kIsWhole       ? 4
+                                                                            : 1;
+    template <class U>
+    struct AllApart {
+        Apart<U> each[kTogether];
+    };
+    template <size_t i>
+    ODX_MEMBER static void one(const Kernel& kernel, T*... p, AllApart<T>&... aside)
     {
-        kernel(inPlaceOrAside(p, first)...);
-        kernel(inPlaceOrAside(p + kLanes, second)...);
-        (bring(first, p), ...);
-        (bring(second, p + kLanes), ...);
+        kernel(inPlaceOrAside(p + i * kLanes, aside.each[i])...);
+    }
+    template <size_t i>
+    ODX_MEMBER static void bringOne(T*... p, const AllApart<T>&... aside)
+    {
+        (bring(aside.each[i], p + i * kLanes), ...);
+    }
+    template <size_t... i>
+    ODX_MEMBER static void together(const Kernel& kernel, std::index_sequence<i...>, T*... p, AllApart<T>... aside)
+    {
+        (one<i>(kernel, p..., aside...), ...);
+        (bringOne<i>(p..., aside...), ...);
     }
     template <uint32_t times>
     ODX_MEMBER static void several(const Kernel& kernel, T*... p)
     {
-        constexpr uint32_t now = kInPairs ? 2 : 1;
-        if constexpr (kInPairs) {
-            two(kernel, p..., Apart<T>()..., Apart<T>()...);
+        if constexpr (kTogether > 1) {
+            together(kernel, std::make_index_sequence<kTogether>(), p..., AllApart<T>()...);
         } else {
             kernel(p...);
         }
-        if constexpr (times > now) several<times - now>(kernel, (p + now * kLanes)...);
+        if constexpr (times > kTogether) several<times - kTogether>(kernel, (p + kTogether * kLanes)...);
     }
 
     // A row of a vector or more, which begins `aligned` elements before a place to store vectors at.
@@ -122,12 +144,12 @@ struct ElementRow {
         kernel(inPlaceOrAside(p + end, last)...);
         size_t i = aligned;
         if constexpr (kInPairs) {
-            const size_t stop = n - (n - i) % (8 * kLanes);
-            for (; i != stop; i += 8 * kLanes)
-                several<8>(kernel, (p + i)...);
+            const size_t stop = n - (n - i) % (kAtOnce * kLanes);
+            for (; i != stop; i += kAtOnce * kLanes)
+                several<kAtOnce>(kernel, (p + i)...);
         } else {
-            for (; n - i >= 4 * kLanes; i += 4 * kLanes)
-                several<4>(kernel, (p + i)...);
+            for (; n - i >= kAtOnce * kLanes; i += kAtOnce * kLanes)
+                several<kAtOnce>(kernel, (p + i)...);
         }
         for (; n - i >= kLanes; i += kLanes)
             kernel((p + i)...);

@@ -174,16 +174,8 @@ struct TakesBoth<Filter, T, decltype((void)some<Filter>().pushBoth((const T*)nul
     static constexpr bool value = true;
 };
 
-// Small processors of ARM execute in order, and wait where a result is used at once; compilers move no load across
-// a store that it might read. So all vectors of a row, of two rows where there are registers, are worked out there
-// before the first is written.
-#if defined(__ARM_NEON)
-constexpr bool kWritesLast = true;
-#else
-constexpr bool kWritesLast = false;
-#endif
-
-// n filters side by side.
+// n filters side by side: where kWritesLast, all vectors of a row are worked out before the first is written, of
+// two rows where there are registers.
 template <class Filter, uint32_t n>
 struct Beside {
     static constexpr uint32_t kColumns = Filter::kLanes * Filter::kStep;

@@ -79,6 +79,15 @@ ODX_INLINE s16v magnitude(s16v a, s16v b)
     return joinShifted<0>(s32p{limited(low), limited(high)});
 }
 
+struct Magnitudes : Lanes<kBytes / 2> {
+    static constexpr bool kIsShort = kPairsVectors;
+
+    ODX_MEMBER void operator()(const int16_t* a, const int16_t* b, int16_t* out) const
+    {
+        store(out, magnitude(load<s16v>(a), load<s16v>(b)));
+    }
+};
+
 // The angle is near enough to say between which two values it lies; which is nearer, the boundary there decides.
 struct Directions : Lanes<kBytes> {
     ByteTable<64> numeratorsLow, numeratorsHigh, denominatorsLow, denominatorsHigh;
@@ -384,7 +393,6 @@ ODX_TWO(odxBitwiseAndu8V, uint8_t, uint8_t, uint8_t, nothing, a & b)
 ODX_TWO(odxBitwiseOru8V, uint8_t, uint8_t, uint8_t, nothing, a | b)
 ODX_TWO(odxBitwiseXoru8V, uint8_t, uint8_t, uint8_t, nothing, a ^ b)
 ODX_TWO(odxBitwiseOrs32V, int32_t, int32_t, int32_t, nothing, a | b)
-ODX_TWO(odxMagnitudes16V, int16_t, int16_t, int16_t, nothing, magnitude(a, b))
 
 ODX_ONE(odxAbsDiffVu8V, uint8_t, uint8_t, value, absoluteDifference(v, u8v{} + value))
 ODX_ONE(odxAbsDiffVs32V, int32_t, int32_t, value, absoluteDifference(v, s32v{} + value))
@@ -417,6 +425,12 @@ struct LookUp : Lanes<kLookedUp> {
 void odxTableLookupu8V(ODX_ONE_IMAGE(uint8_t, uint8_t, table))
 {
     forVectors(LookUp(table), srcWidth, srcHeight, Rows{src, srcStride}, Rows{dst, dstStride});
+}
+
+void odxMagnitudes16V(ODX_TWO_IMAGES(int16_t, int16_t, int16_t, nothing))
+{
+    forVectors(Magnitudes(), srcWidth, srcHeight, Rows{src1, src1Stride}, Rows{src2, src2Stride},
+               Rows{dst, dstStride});
 }
 
 void odxPhases16V(ODX_TWO_IMAGES(int16_t, int16_t, uint8_t, nothing))

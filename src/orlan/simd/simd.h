@@ -160,6 +160,14 @@ constexpr bool kFlushesDenormals = true;
 constexpr bool kFlushesDenormals = false;
 #endif
 
+// Small processors of ARM execute in order, and wait where a result is used at once; compilers move no load across
+// a store that it might read. So several results are worked out there before the first is stored.
+#if defined(__ARM_NEON)
+constexpr bool kWritesLast = true;
+#else
+constexpr bool kWritesLast = false;
+#endif
+
 #define ODX_VECTOR __attribute__((vector_size(ODX_VECTOR_BYTES)))
 typedef uint8_t u8v ODX_VECTOR;
 typedef int8_t s8v ODX_VECTOR;
