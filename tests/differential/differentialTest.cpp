@@ -82,18 +82,9 @@ void recordDigest(const char* operation, const std::vector<uint64_t>& seeds,
 {
     const char* const path = getenv("ONDRIX_TEST_DIGEST");
     if (path == nullptr) return;
-    uint64_t digest = 14695981039346656037u; // FNV-1a
-    for (size_t i = 0; i < outcomes.size() && seeds[i] < Draw::kFirstDrawn + 40; ++i) {
-        // What looks like a number that is none counts as one and the same: processors choose its sign.
-        std::vector<uint8_t> outcome = outcomes[i];
-        for (size_t at = 0; at + sizeof(uint32_t) <= outcome.size(); at += sizeof(uint32_t)) {
-            uint32_t word;
-            memcpy(&word, &outcome[at], sizeof word);
-            if ((word & 0x7FFFFFFF) > 0x7F800000) memcpy(&outcome[at], "\0\0\xC0\x7F", sizeof word);
-        }
-        for (const uint8_t byte : outcome)
-            digest = (digest ^ byte) * 1099511628211u;
-    }
+    uint64_t digest = 14695981039346656037u;
+    for (size_t i = 0; i < outcomes.size() && seeds[i] < Draw::kFirstDrawn + 40; ++i)
+        digest = digestOf(outcomes[i], digest);
     std::ofstream(path, std::ios::app)
         << (std::ostringstream() << operation << ' ' << std::hex << digest << '\n').str();
 }

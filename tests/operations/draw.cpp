@@ -3,6 +3,7 @@
 #include <cmath>
 #include <map>
 #include <mutex>
+#include <random>
 #include <stdlib.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -18,9 +19,18 @@ constexpr uint32_t kMaxArea = 20000;
 constexpr uint32_t kLongestVector = 64; // in lanes
 constexpr uint32_t kMostDerived = 16;   // left out by reason of the least size
 
-constexpr uint8_t patternAt(size_t i)
+// What destinations hold before the call: 256 bytes that differ, over and over.
+const std::vector<uint8_t> pattern = [] {
+    std::vector<uint8_t> bytes(4096);
+    for (size_t i = 0; i < bytes.size(); ++i)
+        bytes[i] = static_cast<uint8_t>(0xA5 + 7 * i);
+    return bytes;
+}();
+
+// Whether a part of a buffer still holds it. The part stays within 4096 bytes from a multiple of them.
+bool holdsPattern(const GuardedBuffer& buffer, size_t from, size_t size)
 {
-    return static_cast<uint8_t>(0xA5 + 7 * i);
+    return memcmp(buffer.data() + from, pattern.data() + from % pattern.size(), size) == 0;
 }
 
 size_t pageSize()
@@ -155,7 +165,9 @@ uint32_t Draw::length(uint32_t least, uint32_t share, uint32_t leftOut)
 float Draw::real(const char* name, float low, float high, float typical)
 {
     const float value =
-        measures() || sweeps() ? typical : std::uniform_real_distribution<float>(low, high)(random_);
+        measures() || sweeps()
+            ? typical
+            : low + (high - low) * 0x1p-24F * static_cast<float>(static_cast<uint32_t>(random_() >> 40));
     note(name, std::to_string(value));
     return value;
 }
@@ -198,11 +210,16 @@ void Draw::fillIntegers(uint8_t* row, uint32_t width, size_t elementSize, uint32
     };
     switch (content_) {
     case 0: // noise
-        for (size_t i = 0, size = elementSize * width; i < size; i += 8) {
+    {
+        const size_t size = elementSize * width, whole = size - size % sizeof(uint64_t);
+        for (size_t i = 0; i < whole; i += sizeof(uint64_t)) {
             const uint64_t word = random_();
-            memcpy(row + i, &word, std::min<size_t>(size - i, 8));
+            memcpy(row + i, &word, sizeof word);
         }
+        const uint64_t word = random_();
+        memcpy(row + whole, &word, size - whole);
         break;
+    }
     case 1: // extremes
         return eitherOf(0, ~uint64_t{0});
     case 2: // constant
@@ -220,25 +237,34 @@ void Draw::fillIntegers(uint8_t* row, uint32_t width, size_t elementSize, uint32
     }
 }
 
-double Draw::realPixel(uint32_t x, uint32_t y)
+void Draw::fillReals(float* row, uint32_t width, uint32_t y)
 {
-    // From -1 to below 1, and cheap under emulation.
-    const auto unit = [this] { return 0x1p-31 * static_cast<int32_t>(random_() >> 32); };
+    const auto fillWith = [&](auto valueAt) {
+        for (uint32_t x = 0; x < width; ++x)
+            row[x] = static_cast<float>(valueAt(x));
+    };
+    // From -1 to below 1, two of each word that is drawn.
+    auto unit = [this, word = uint64_t{0}](uint32_t x) mutable {
+        word = x % 2 == 0 ? random_() : word << 32;
+        return 0x1p-31 * static_cast<int32_t>(word >> 32);
+    };
     switch (content_) {
     case 0:
-        return 255 * unit();
+        return fillWith([&](uint32_t x) { return 255 * unit(x); });
     case 1:
-        return below(2) == 0 ? 0 : 1e6;
+        return fillWith([&](uint32_t x) { return unit(x) < 0 ? 0 : 1e6; });
     case 2:
-        return static_cast<double>(constant_ % 256);
+        return fillWith([&](uint32_t) { return static_cast<double>(constant_ % 256); });
     case 3:
-        return below(40) == 0 ? unit() : 0;
+        return fillWith(
+            [&](uint32_t) { return below(40) == 0 ? 0x1p-31 * static_cast<int32_t>(random_() >> 32) : 0; });
     case 4:
-        return 0.25 * x - 0.5 * y;
-    default: { // from far below one to far above, down to where differences are denormal
-        const double fraction = unit();
-        return std::ldexp(fraction, static_cast<int>(below(250)) - 125);
-    }
+        return fillWith([&](uint32_t x) { return 0.25 * x - 0.5 * y; });
+    default: // from far below one to far above, down to where differences are denormal
+        return fillWith([&](uint32_t x) {
+            const double fraction = unit(x);
+            return std::ldexp(fraction, static_cast<int>(below(250)) - 125);
+        });
     }
 }
 
@@ -255,8 +281,8 @@ uint8_t* Draw::addBuffer(const char* name, size_t size, size_t elementSize, size
 void Draw::setPattern()
 {
     const GuardedBuffer& buffer = *buffers_.back().memory;
-    for (size_t i = 0; i < buffer.size(); ++i)
-        buffer.data()[i] = patternAt(i);
+    for (size_t i = 0; i < buffer.size(); i += pattern.size())
+        memcpy(buffer.data() + i, pattern.data(), std::min(pattern.size(), buffer.size() - i));
 }
 
 void Draw::note(const char* name, const std::string& value)
@@ -270,7 +296,12 @@ void Draw::note(const char* name, const std::string& value)
 
 std::vector<uint8_t> Draw::outcome() const
 {
-    std::vector<uint8_t> all = results_;
+    size_t size = results_.size();
+    for (const Buffer& buffer : buffers_)
+        size += buffer.memory->size();
+    std::vector<uint8_t> all;
+    all.reserve(size);
+    all = results_;
     for (const auto& [name, elementSize, row, stride, memory] : buffers_)
         all.insert(all.end(), memory->data(), memory->data() + memory->size());
     return all;
@@ -308,8 +339,8 @@ bool Draw::didSomething() const
     if (!results_.empty()) return true;
     for (size_t index : outputs_) {
         const GuardedBuffer& buffer = *buffers_[index].memory;
-        for (size_t i = 0; i < buffer.size(); ++i) {
-            if (buffer.data()[i] != patternAt(i)) return true;
+        for (size_t i = 0; i < buffer.size(); i += pattern.size()) {
+            if (!holdsPattern(buffer, i, std::min(pattern.size(), buffer.size() - i))) return true;
         }
     }
     return false;
@@ -331,14 +362,30 @@ size_t Draw::bytesMoved() const
         const GuardedBuffer& buffer = *buffers_[index].memory;
         for (size_t start = 0; start < buffer.size(); start += kLine) {
             const size_t end = std::min(start + kLine, buffer.size());
-            for (size_t i = start; i < end; ++i) {
-                if (buffer.data()[i] == patternAt(i)) continue;
-                bytes += end - start;
-                break;
-            }
+            if (!holdsPattern(buffer, start, end - start)) bytes += end - start;
         }
     }
     return bytes;
+}
+
+uint64_t digestOf(const std::vector<uint8_t>& outcome, uint64_t before)
+{
+    uint64_t digest = before;
+    const auto add = [&](uint32_t word) {
+        // What looks like a number that is none counts as one and the same: processors choose its sign.
+        if ((word & 0x7FFFFFFF) > 0x7F800000) word = 0x7FC00000;
+        digest = (digest ^ word) * 1099511628211u;
+    };
+    uint32_t word = 0;
+    const size_t size = outcome.size(), whole = size - size % sizeof word;
+    for (size_t i = 0; i < whole; i += sizeof word) {
+        memcpy(&word, outcome.data() + i, sizeof word);
+        add(word);
+    }
+    word = 0;
+    if (whole < size) memcpy(&word, outcome.data() + whole, size - whole);
+    add(word);
+    return digest;
 }
 
 } // namespace odx::test

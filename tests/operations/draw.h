@@ -18,7 +18,6 @@
 #include <functional>
 #include <initializer_list>
 #include <memory>
-#include <random>
 #include <stdint.h>
 #include <string.h>
 #include <string>
@@ -342,8 +341,7 @@ private:
         content_ = measures() || sweeps() ? 0 : below(6);
         for (uint32_t y = 0; y < image.height; ++y) {
             if constexpr (std::is_floating_point_v<T>) {
-                for (uint32_t x = 0; x < image.width; ++x)
-                    image.at(x, y) = static_cast<T>(realPixel(x, y));
+                fillReals(&image.at(0, y), image.width, y);
             } else {
                 fillIntegers(reinterpret_cast<uint8_t*>(&image.at(0, y)), image.width, sizeof(T), y);
             }
@@ -359,9 +357,10 @@ private:
     // Fills an image of whole numbers for a measurement: with the picture, where an extent of bytes fits it, or
     // with noise of another place for each buffer.
     void show(void* to, size_t size, Extent extent) const;
-    uint64_t below(uint64_t n) { return random_() % n; }
+    // Without a division, which 32-bit ARM has not, where the upper half of a word is enough.
+    uint64_t below(uint64_t n) { return n >> 32 == 0 ? (random_() >> 32) * n >> 32 : random_() % n; }
     void fillIntegers(uint8_t* row, uint32_t width, size_t elementSize, uint32_t y);
-    double realPixel(uint32_t x, uint32_t y);
+    void fillReals(float* row, uint32_t width, uint32_t y);
     uint8_t* addBuffer(const char* name, size_t size, size_t elementSize, size_t row, size_t padding);
     void setPattern(); // into the last buffer
     void note(const char* name, const std::string& value);
@@ -380,6 +379,9 @@ private:
     std::vector<uint8_t> results_;
     std::string description_;
 };
+
+// The digest of a sequence of outcomes, from that of those before (FNV-1a, of words).
+uint64_t digestOf(const std::vector<uint8_t>& outcome, uint64_t before);
 
 // ---- rows and columns ----
 

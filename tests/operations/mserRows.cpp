@@ -49,7 +49,7 @@ void extraction(Draw& draw)
             src.at(x, y) = static_cast<uint8_t>(src.at(x, y) >> shift);
     }
     const uint32_t most = draw.number("most", 0u, 2000u, 10000u),
-                   mostPoints = draw.number("points", 0u, 60000u, 2000000u);
+                   mostPoints = draw.number("points", 0u, 60000u, draw.measures() ? 2000000u : 20000u);
     const auto numbers = to<uint32_t>("numbers", most);
     draw.call(operation, handle.handle, sized(src), most, results<uint32_t, counts>, to<Count>("numPoints", most),
               mostPoints, to<uint32_t>("array", 2 * mostPoints),

@@ -42,7 +42,7 @@ struct Flow {
         for (int& side : window)
             side = draw.pick("window", {7, 5, 9, 15, 21, 33, 3});
         limit = draw.pick("limit", {20, 0, 1, 2, 30});
-        count = draw.number("count", 0, 20, 500);
+        count = draw.number("count", 0, 20, draw.measures() ? 500 : 3);
         features = draw.sourceArray<float>("features", 2 * pairs());
         placeFeatures(draw, extent);
         out = draw.destinationArray<float>("out", 2 * pairs());

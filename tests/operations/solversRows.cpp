@@ -65,11 +65,13 @@ void pivotedSystem(Draw& draw)
     });
 }
 
+// A decomposition takes the third power of the size: what is beyond two vectors wide becomes small.
 Extent smallExtent(Draw& draw)
 {
     const Extent extent = draw.extent();
-    const uint32_t most = draw.measures() ? 64 : 40;
-    return {std::min(extent.width, most), std::min(extent.height, most)};
+    if (draw.measures()) return {64, 64};
+    const auto side = [](uint32_t size) { return size > 40 ? 1 + size % 19 : size; };
+    return {side(extent.width), side(extent.height)};
 }
 
 void decomposition(Draw& draw)
