@@ -172,6 +172,11 @@ float Draw::real(const char* name, float low, float high, float typical)
     return value;
 }
 
+void Draw::measure(void (*operation)(void*), void* captured)
+{
+    timer_([=] { operation(captured); });
+}
+
 void Draw::show(void* to, size_t size, Extent extent) const
 {
     const auto& [shown, picture] = measurement_;

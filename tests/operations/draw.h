@@ -120,33 +120,81 @@ Sized<T> sized(const Image<T>& image)
     return {image, image.extent()};
 }
 
-// What an argument of Draw::call stands for; the strides of images, unless they are packed.
-template <bool strides = true, class T>
-auto flat(const T& argument)
+// The arguments that an operation is called with. A tuple would do, but to compile those of all rows takes longer
+// than everything else in them.
+struct NoArguments {
+};
+template <class First, class Rest>
+struct Arguments {
+    First first;
+    Rest rest;
+};
+template <class First, class Rest>
+Arguments(First, Rest) -> Arguments<First, Rest>;
+
+// What an argument of Draw::call stands for, in front of the rest; the strides of images, unless they are packed.
+template <bool strides, class T, class Rest>
+auto flat(const T& argument, const Rest& rest)
 {
-    return std::tuple(argument);
+    return Arguments<T, Rest>{argument, rest};
 }
-template <bool strides = true>
-auto flat(Extent extent)
+template <bool strides, class Rest>
+auto flat(Extent extent, const Rest& rest)
 {
-    return std::tuple(extent.width, extent.height);
+    return Arguments{extent.width, Arguments{extent.height, rest}};
 }
-template <bool strides = true, class T>
-auto flat(const Image<T>& image)
+template <bool strides, class T, class Rest>
+auto flat(const Image<T>& image, const Rest& rest)
 {
-    return std::tuple_cat(std::tuple(image.pixels), when<strides>(image.strideArgument()));
+    if constexpr (strides) {
+        return Arguments{image.pixels, Arguments{image.strideArgument(), rest}};
+    } else {
+        return Arguments{image.pixels, rest};
+    }
 }
-template <bool strides = true, class T>
-auto flat(const Sized<T>& sized)
+template <bool strides, class T, class Rest>
+auto flat(const Sized<T>& sized, const Rest& rest)
 {
-    return std::tuple_cat(std::tuple(sized.image.pixels), flat(sized.extent),
-                          when<strides>(sized.image.strideArgument()));
+    const auto [pixels, behind] = flat<strides>(sized.image, rest);
+    return Arguments{pixels, flat<strides>(sized.extent, behind)};
 }
-template <bool strides = true, class... T>
-auto flat(const std::tuple<T...>& arguments)
+template <bool strides, class Rest>
+Rest flatWith(const Rest& rest)
 {
-    return std::apply([](const auto&... argument) { return std::tuple_cat(flat<strides>(argument)...); },
-                      arguments);
+    return rest;
+}
+template <bool strides, class Rest, class First, class... More>
+auto flatWith(const Rest& rest, const First& first, const More&... more)
+{
+    return flat<strides>(first, flatWith<strides>(rest, more...));
+}
+template <bool strides, class... T, class Rest>
+auto flat(const std::tuple<T...>& arguments, const Rest& rest)
+{
+    return std::apply([&](const auto&... argument) { return flatWith<strides>(rest, argument...); }, arguments);
+}
+
+// How many arguments that makes, with strides.
+template <class T>
+constexpr size_t parts = 1;
+template <>
+inline constexpr size_t parts<Extent> = 2;
+template <class T>
+constexpr size_t parts<Image<T>> = 2;
+template <class T>
+constexpr size_t parts<Sized<T>> = 4;
+template <class... T>
+constexpr size_t parts<std::tuple<T...>> = (size_t{0} + ... + parts<T>);
+
+template <class Operation, class... Done>
+auto pass(Operation operation, NoArguments, Done... done)
+{
+    return operation(done...);
+}
+template <class Operation, class First, class Rest, class... Done>
+auto pass(Operation operation, const Arguments<First, Rest>& arguments, Done... done)
+{
+    return pass(operation, arguments.rest, done..., arguments.first);
 }
 
 // How many arguments an operation takes: those on packed images have no strides.
@@ -254,7 +302,7 @@ public:
     void run(F&& operation)
     {
         if (measures()) {
-            timer_([&] { operation(); });
+            measure([](void* call) { (*static_cast<std::remove_reference_t<F>*>(call))(); }, &operation);
         } else if constexpr (std::is_void_v<std::invoke_result_t<F>>) {
             operation();
         } else {
@@ -267,10 +315,20 @@ public:
     template <class Operation, class... Arguments>
     void call(Operation operation, const Arguments&... arguments)
     {
-        const std::tuple<decltype(drawn(arguments))...> values{drawn(arguments)...}; // in this order
-        constexpr bool strides = std::tuple_size_v<decltype(flat(values))> == arity(Operation{});
-        const auto all = flat<strides>(values);
-        run([&] { return std::apply(operation, all); });
+        constexpr bool strides = (parts<decltype(drawn(arguments))> + ...) == arity(Operation{});
+        const auto all = drawnAll<strides>(arguments...);
+        run([&] { return pass(operation, all); });
+    }
+    template <bool strides>
+    NoArguments drawnAll()
+    {
+        return {};
+    }
+    template <bool strides, class First, class... More>
+    auto drawnAll(const First& first, const More&... more)
+    {
+        const auto value = drawn(first); // before those behind it
+        return flat<strides>(value, drawnAll<strides>(more...));
     }
     template <class... T>
     auto drawn(const std::tuple<T...>& arguments)
@@ -360,6 +418,7 @@ private:
     // Without a division, which 32-bit ARM has not, where the upper half of a word is enough.
     uint64_t below(uint64_t n) { return n >> 32 == 0 ? (random_() >> 32) * n >> 32 : random_() % n; }
     void fillIntegers(uint8_t* row, uint32_t width, size_t elementSize, uint32_t y);
+    void measure(void (*operation)(void*), void* captured);
     void fillReals(float* row, uint32_t width, uint32_t y);
     uint8_t* addBuffer(const char* name, size_t size, size_t elementSize, size_t row, size_t padding);
     void setPattern(); // into the last buffer

@@ -175,10 +175,10 @@ void allocation(Draw& draw)
     const auto scale = when<hasScale>(draw.pick("scaleFlag", {0u, 1u}));
     const auto stride = when<hasStride>(hasScale ? 0 : extent.width * 4 + 8);
     std::vector<Level> levels(5);
-    const auto arguments =
-        flat(std::tuple(levels.data(), extent, stride, hasScale ? 1 : 4, when<hasScale>(24), 5, scale, owned));
+    const auto arguments = flatWith<true>(NoArguments(), levels.data(), extent, stride, hasScale ? 1 : 4,
+                                          when<hasScale>(24), 5, scale, owned);
     draw.run([&] {
-        const auto result = std::apply(allocate, arguments);
+        const auto result = pass(allocate, arguments);
         for (const Level& level : levels) {
             draw.result(level.width);
             draw.result(level.height);

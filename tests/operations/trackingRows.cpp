@@ -40,7 +40,7 @@ void windowTracker(Draw& draw)
     };
     const auto given = when<adaptive>(maybe(ellipse)(draw));
     draw.run([&] {
-        return std::apply(operation, flat(std::tuple(sized(src), window.fresh(), limit, epsilon, given)));
+        return pass(operation, flatWith<true>(NoArguments(), sized(src), window.fresh(), limit, epsilon, given));
     });
 }
 
