@@ -6,8 +6,7 @@
 //   K                           rows and columns of its window, odd
 //   row(lines, out, count)      `count` outputs of a row: lines[0 .. K) point at the leftmost tap of the first
 //                               output, from the uppermost row down
-//   column(lines, out, count)   the same of its transposed window, for the left and the right border, whose
-//   columns
+//   column(lines, out, count)   the same of its transposed window, for the left and the right border, whose columns
 //                               come as lines; that of a symmetric filter is row() itself
 //
 // and so needs nothing but what computes its interior. A border of zeros, as filters have that drop what is

@@ -1,5 +1,5 @@
-// What the AVX-512 column takes from AVX2, because `./run bench` measured it to be faster with vectors of 32 bytes: work
-// on patches and short rows, of which 64 bytes hold more than there is.
+// What the AVX-512 column takes from AVX2, because `./run bench` measured it to be faster with vectors of 32
+// bytes: work on patches and short rows, of which 64 bytes hold more than there is.
 #ifndef ODX_ORLAN_NARROW_H
 #define ODX_ORLAN_NARROW_H
 

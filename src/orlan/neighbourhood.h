@@ -4,8 +4,7 @@
 // The walk owns everything about the picture: strides, alignment, ends of rows, the order that suits the caches.
 // A filter only knows whole vectors. It is a struct that derives from Window, which states its shape, and has
 //
-//   push(row)             takes the next source row of its vector of columns, `row` pointing at the leftmost tap
-//   of
+//   push(row)             takes the next source row of its vector of columns, `row` pointing at the leftmost tap of
 //                         the first output; returns what write() makes outputs of. Returned values count from the
 //                         kRows-th row on. What a filter carries from row to row is its state.
 //   write(value, out...)  stores kLanes outputs to each destination

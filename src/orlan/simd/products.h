@@ -2,20 +2,17 @@
 //
 //   interleave(v, w)             two s16v, whose lanes make a product each
 //   neighbours(p)                lanes p[i] and p[i + 1], the same way
-//   addPairs(sums, pairs, w)     adds the products with both words of w (of repeatPair) to a u32p: sums of
-//   interleaved
+//   addPairs(sums, pairs, w)     adds the products with both words of w (of repeatPair) to a u32p: sums of interleaved
 //                                vectors are in the order of mulWide and joinWideSat, those of neighbours in the
 //                                order of split and joinSat
 //   halves(sums)                 the lower and the upper halves of a u32p in mulWide's order, as an s16p in order
-//   kMultipliesWords             products of 32-bit lanes cost no more than twice those of 16-bit ones, and
-//   mulWide's
-//                                order is in order
+//   kMultipliesWords             products of 32-bit lanes cost no more than twice those of 16-bit ones, and mulWide
+//                                keeps the order
 //   atTop(v)                     the lanes of an s16v times 65536, in split's order
 //
 // and, where ODX_SIMD_BYTE_PAIRS says that there are instructions for them, of signed bytes:
 //
-//   addBytePairs(sums, p, w)     adds the products of kBytes pairs of bytes with two weights, each to a lane of
-//   its
+//   addBytePairs(sums, p, w)     adds the products of kBytes pairs of bytes with two weights, each to a lane of its
 //                                own, in order; mulBytePairs(p, w) begins with them
 //   addNeighbours(sums, w)       adds the two lanes of each pair to a sum of 32 bits
 #ifndef ODX_ORLAN_SIMD_PRODUCTS_H

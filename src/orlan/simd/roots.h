@@ -1,13 +1,10 @@
 // Exact roots and quotients of whole numbers: floats find them but for the last digits, and what is left over,
 // which integers hold modulo 2^32, tells these.
 //
-//   floorRoot(near, low)         the square root, rounded down and at most 2^23, of whole numbers to which `near`,
-//   of
-//                                f32v, is as near as 2^-23 of them, and of which low, a u32v, has the 32 lowest
-//                                bits
-//   quotient(v, w)               v / w, rounded down, of s32v that are not negative; of quotients of 512 or more
-//   not
-//                                even the last digit is exact, and v + 2 * w fits
+//   floorRoot(near, low)         the square root, rounded down and at most 2^23, of whole numbers: `near`, of f32v, is
+//                                as near as 2^-23 of them, and low, a u32v, has their lowest 32 bits
+//   quotient(v, w)               v / w, rounded down, of s32v that are not negative, where it is below 512 and
+//                                v + 2 * w fits
 #ifndef ODX_ORLAN_SIMD_ROOTS_H
 #define ODX_ORLAN_SIMD_ROOTS_H
 

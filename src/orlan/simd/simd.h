@@ -52,9 +52,8 @@
 //   mulCentred<k>(v)             (v - 128) * k of a u8v as signed values; k up to 255
 //   eachTwice(v)                 each 16-bit lane for two neighbouring bytes, as a pair in the same order
 //   dot2<a, b>(p)                p[i] * a + p[i + 1] * b of s16 for each lane i, as a pair in the same order
-//   binomials5(p)                p[i] + 4 * p[i + 1] + 6 * p[i + 2] + 4 * p[i + 3] + p[i + 4] of s16, in the same
-//   way dots<w...>(p)                p[i] * w0 + p[i + 1] * w1 + ... of bytes for each lane i, as a pair in the
-//   same
+//   binomials5(p)                p[i] + 4 * p[i + 1] + 6 * p[i + 2] + 4 * p[i + 3] + p[i + 4] of s16, in the same way
+//   dots<w...>(p)                p[i] * w0 + p[i + 1] * w1 + ... of bytes for each lane i, as a pair in the same
 //                                order; an odd number of weights up to 127, the outer ones 1
 //   dotsFor<n, w...>(p)          the same, with the second of the pair times 2^(8 - n) where that helps
 //   joinDots<n>(pair)            joinShifted<n> of these sums; they are below 2^(8 + n)
@@ -72,8 +71,7 @@
 //                                the same with three products; c is even
 //   reciprocal16(v)              65536 / v, rounded, of s32v from 1 to 255
 //   reverse(v)                   the last byte first; of u16v, the last 16 bits
-//   zip<size>(v, w)              elements of `size` bytes of both in turns, in each 16 bytes: their first halves
-//   as
+//   zip<size>(v, w)              elements of `size` bytes of both in turns, in each 16 bytes: their first halves as
 //                                the first vector, their second halves as the second
 //   loadSixteens(p, distance)    16 bytes from each of p, p + distance ...
 //   storeBytes(p, a, b, c, d)    kBytes bytes from the lanes of s32v, which are below 256, in order
