@@ -5,6 +5,7 @@
 #endif
 
 #include <cmath>
+#include <random>
 
 namespace odx::bench
 {

@@ -7,6 +7,7 @@
 #include "support/referenceTest.h"
 
 #include <array>
+#include <random>
 
 namespace odx::test
 {

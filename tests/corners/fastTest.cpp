@@ -8,6 +8,8 @@
 #include "support/childProcess.h"
 #include "support/referenceTest.h"
 
+#include <random>
+
 using namespace odx::test;
 
 namespace

@@ -12,6 +12,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <random>
 #include <string.h>
 #include <tuple>
 
