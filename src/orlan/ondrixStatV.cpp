@@ -1,4 +1,4 @@
-// SIMD statistics: the search for extremes and sums; moments and sums of boxes are the reference's loops.
+// SIMD statistics: the search for extremes and sums; moments are the reference's loops.
 #include "cpu/ondrixArithmC.h"
 #include "cpu/ondrixMoments.h"
 #include "cpu/ondrixNormalize.h"
