@@ -64,13 +64,28 @@ ODX_INLINE bool chromaRow(const uint8_t* srcCb, const uint8_t* srcCr, uint8_t* d
     constexpr size_t in = From::kSize * step, out = To::kSize * repeat;
     const size_t last = count - kBytes;
     vector(srcCb + in * last, srcCr + in * last, dstCb + out * last, dstCr + out * last);
-    for (size_t i = count / kBytes; i != 0; --i) {
+    const auto next = [&]() __attribute__((always_inline))
+    {
         vector(srcCb, srcCr, dstCb, dstCr);
         srcCb += in * kBytes;
-        srcCr += in * kBytes;
         dstCb += out * kBytes;
-        dstCr += out * kBytes;
+        pin(srcCb), pin(dstCb);
+        if constexpr (From::kSize == 1) { // interleaved samples are at cb alone
+            srcCr += in * kBytes;
+            pin(srcCr);
+        }
+        if constexpr (To::kSize == 1) {
+            dstCr += out * kBytes;
+            pin(dstCr);
+        }
+    };
+    constexpr size_t together = kBytes == 16 ? 4 : 1; // of a few instructions, which a loop would double
+    for (size_t i = count / (together * kBytes); i != 0; --i) {
+        next();
+        if constexpr (together != 1) next(), next(), next();
     }
+    for (size_t i = count / kBytes % together; i != 0; --i)
+        next();
     return true;
 }
 

@@ -95,6 +95,10 @@ ODX_INLINE void convertGroups(const uint8_t*& src, uint8_t*& dst, Group group)
     group(src, dst);
     src += srcSize * kBytes;
     dst += dstSize * kBytes;
+    if constexpr (srcSize > 2 || dstSize > 2) { // others are pairs of vectors
+        pin(src);
+        pin(dst);
+    }
     if constexpr (groups > 1) convertGroups<srcSize, dstSize, groups - 1>(src, dst, group);
 }
 
@@ -285,14 +289,20 @@ struct Repacking<repacked::RGBA8888, repacked::BGRA8888> {
     ODX_INLINE void group(const uint8_t* in, uint8_t* out) { mirror4(out, in); }
 };
 
-#define ODX_REPACK(name, from, to)                                                              \
-    void name(const uint8_t* src, uint8_t* dst, size_t width)                                   \
-    {                                                                                           \
-        using Source = repacked::from;                                                          \
-        using Target = repacked::to;                                                            \
-        using Pixels = Repacking<Source, Target>;                                               \
-        convertRow<Source::kSize, Target::kSize, (Source::kSize + Target::kSize == 4 ? 2 : 1)>( \
-            src, dst, width, [](auto in, auto out) { Pixels::group(in, out); });                \
+// Groups of a few instructions, which a loop would double.
+template <class Source, class Target>
+constexpr size_t kTogether = Source::kSize + Target::kSize == 4                         ? 2
+                             : kBytes == 16 && Source::kSize != 2 && Target::kSize != 2 ? (kPairsVectors ? 8 : 4)
+                                                                                        : 1;
+
+#define ODX_REPACK(name, from, to)                                               \
+    void name(const uint8_t* src, uint8_t* dst, size_t width)                    \
+    {                                                                            \
+        using Source = repacked::from;                                           \
+        using Target = repacked::to;                                             \
+        using Pixels = Repacking<Source, Target>;                                \
+        convertRow<Source::kSize, Target::kSize, kTogether<Source, Target>>(     \
+            src, dst, width, [](auto in, auto out) { Pixels::group(in, out); }); \
     }
 ODX_REPACK(repackRGB565ToRGB888V, RGB565, RGB888)
 ODX_REPACK(repackRGB565ToRGBA8888V, RGB565, RGBA8888)
@@ -402,15 +412,25 @@ void odxColorRGB888ToHSV888u8V(ODX_Packed_SOURCE, ODX_Packed_DESTINATION)
 void odxColorRGB888ToRGB565Rotate180u8V(ODX_Packed_SOURCE, ODX_Packed_DESTINATION)
 {
     if (srcWidth < kBytes) return odxColorRGB888ToRGB565Rotate180u8C(ODX_Packed_ARGUMENTS);
+    const auto vector = [](const uint8_t* in, uint8_t* out) {
+        const u8x3 rgb = load3(in);
+        if constexpr (kBytes == 16) { // fewer vectors to reverse; others reverse three in less time
+            RGB565::pack(rgb.a, rgb.b, rgb.c,
+                         [=](u8v low, u8v high) { store2(out, reverse(low), reverse(high)); });
+        } else {
+            RGB565::pack(reverse(rgb.a), reverse(rgb.b), reverse(rgb.c),
+                         [=](u8v low, u8v high) { store2(out, low, high); });
+        }
+    };
     for (size_t y = 0; y < srcHeight; ++y) {
-        const uint8_t* const in = rowOf(src, srcStride, y);
-        uint8_t* const out = rowOf(dst, dstStride, srcHeight - 1 - y);
-        for (size_t x = 0; x < srcWidth; x += kBytes) {
-            if (srcWidth - x < kBytes) x = srcWidth - kBytes;
-            const u8x3 rgb = load3(in + 3 * x);
-            RGB565::pack(reverse(rgb.a), reverse(rgb.b), reverse(rgb.c), [&](u8v low, u8v high) {
-                store2(out + RGB565::kSize * (srcWidth - kBytes - x), low, high);
-            });
+        const uint8_t* in = rowOf(src, srcStride, y);
+        uint8_t* const first = rowOf(dst, dstStride, srcHeight - 1 - y);
+        vector(in + RGB888::kSize * (srcWidth - kBytes), first); // what does not fill another vector
+        uint8_t* out = first + RGB565::kSize * size_t{srcWidth};
+        for (size_t i = srcWidth / kBytes; i != 0; --i) {
+            out -= RGB565::kSize * kBytes;
+            vector(in, out);
+            in += RGB888::kSize * kBytes;
         }
     }
 }
