@@ -159,27 +159,33 @@ struct WeightedV : Weighted<Axis> {
         const uint8_t* const row = this->rowAt(y);
         if (row == nullptr || !fits) return Base::across(y, line, count);
         for (uint32_t i = 0; i < count; i += kBytes) {
-            alignas(kBytes) uint8_t first[kBytes], second[kBytes];
-            store(first, windows.of(0, row, i));
-            store(second, windows.of(1, row, i));
-            for (uint32_t k = 0; k < kBytes; k += kWords) {
-                const f32v a = toFloats(first + k), b = toFloats(second + k);
-                store(line + i + k, load<f32v>(weight[0] + i + k) * a + load<f32v>(weight[1] + i + k) * b);
+            f32v first[4], second[4];
+            toFloats(windows.of(0, row, i), first);
+            toFloats(windows.of(1, row, i), second);
+            for (uint32_t k = 0; k < 4; ++k) {
+                const uint32_t at = i + k * kWords;
+                store(line + at, load<f32v>(weight[0] + at) * first[k] + load<f32v>(weight[1] + at) * second[k]);
             }
         }
         this->mendEnds(row, line, count);
     }
-    static void down(const float* const* lines, const Taps<float, 2>& taps, uint8_t* out, uint32_t count)
+    template <bool one> // of the two lines
+    ODX_MEMBER static void blend(const float* const* lines, const Taps<float, 2>& taps, uint8_t* out,
+                                 uint32_t count)
     {
         const f32v w0 = f32v{} + taps.weight[0], w1 = f32v{} + taps.weight[1];
-        const bool one = taps.at[0] == taps.at[1];
         const auto sum = [=](uint32_t i) {
             const f32v a = load<f32v>(lines[0] + i);
-            return __builtin_convertvector(one ? a : w0 * a + w1 * load<f32v>(lines[1] + i), s32v);
+            return one ? a : w0 * a + w1 * load<f32v>(lines[1] + i);
         };
         for (uint32_t i = 0; i < count; i += kBytes)
-            storeOutputs(out + i, narrow(sum(i), sum(i + kWords), sum(i + 2 * kWords), sum(i + 3 * kWords)),
+            storeOutputs(out + i, wholeParts(sum(i), sum(i + kWords), sum(i + 2 * kWords), sum(i + 3 * kWords)),
                          count - i);
+    }
+    static void down(const float* const* lines, const Taps<float, 2>& taps, uint8_t* out, uint32_t count)
+    {
+        if (taps.at[0] == taps.at[1]) return blend<true>(lines, taps, out, count);
+        blend<false>(lines, taps, out, count);
     }
 };
 

@@ -368,18 +368,29 @@ template <uint32_t channels>
 ODX_INLINE void upsampleSquaresOf(const uint8_t* above, const uint8_t* below, uint8_t* upper, uint8_t* lower,
                                   size_t pixels)
 {
-    forVectors<kBytes>((pixels - 1) * channels, [&](size_t i) {
-        const u8v a = load<u8v>(above + i), b = load<u8v>(above + i + channels), c = load<u8v>(below + i),
-                  d = load<u8v>(below + i + channels);
-        const auto outputs = [=](uint8_t* out, const u16p& left, const u16p& right) {
-            const auto first = [](const u16p& p, const u16p& q) {
-                return joinRoundedThrees<4>({p.a * 3 + q.a, p.b * 3 + q.b});
-            };
-            storeBetween<channels>(out, first(left, right), first(right, left));
+    const auto vector = [](const uint8_t* p, const uint8_t* q, uint8_t* first, uint8_t* second) {
+        const u8v a = load<u8v>(p), b = load<u8v>(p + channels), c = load<u8v>(q), d = load<u8v>(q + channels);
+        const auto outputs = [](uint8_t* out, const u16p& v, const u16p& w) {
+            const u8x2 two = between(v, w);
+            storeBetween<channels>(out, two.a, two.b);
         };
-        outputs(upper + channels + 2 * i, threeAndOne(a, c), threeAndOne(b, d));
-        outputs(lower + channels + 2 * i, threeAndOne(c, a), threeAndOne(d, b));
-    });
+        outputs(first, threeAndOne(a, c), threeAndOne(b, d));
+        outputs(second, threeAndOne(c, a), threeAndOne(d, b));
+    };
+    const size_t count = (pixels - 1) * channels;
+    uint8_t *first = upper + channels, *second = lower + channels;
+    if constexpr (kBytes == 16) { // where stepping costs nothing
+        const size_t rest = count - kBytes;
+        const uint8_t *p = above, *q = below;
+        vector(p + rest, q + rest, first + 2 * rest, second + 2 * rest); // what does not fill another vector
+        for (size_t i = count / kBytes; i != 0; --i) {
+            vector(p, q, first, second);
+            p += kBytes, q += kBytes, first += 2 * kBytes, second += 2 * kBytes;
+            pin(p), pin(q), pin(first), pin(second);
+        }
+    } else {
+        forVectors<kBytes>(count, [=](size_t i) { vector(above + i, below + i, first + 2 * i, second + 2 * i); });
+    }
     for (size_t c = 0; c < channels; ++c) {
         const size_t last = (pixels - 1) * channels + c, end = pixels * channels + last;
         upper[c] = (uint8_t)((3 * above[c] + below[c] + 2) >> 2);

@@ -5,15 +5,17 @@
 //   dotPairs<a, b>(v)            the same with weights up to 127, 255 * (a + b) up to 32767
 //   narrow(v, w)                 the lanes of two u16v as bytes, in order; they are below 256
 //   narrow(a, b, c, d)           the lanes of four s32v as bytes, in order, at most 255; they are 0 to 32767
+//   wholeParts(a, b, c, d)       those of four f32v as bytes, in order, at most 255; they are 0 to 32767
 //   storePairs2(p, v, w)         pairs of bytes of both in turns
 //   load2(p)                     every second of kBytes / 2 floats, and those between, as an f32x2
-//   toFloats(p)                  kBytes / 4 bytes as floats
+//   toFloats(v, floats)          the bytes of a u8v as four f32v, in order
 //   lookup(row, bases, places)   kBytes bytes, in order: each at its place, below kLookupWindow, from one of the
 //                                bases, of which there is one for kLookup outputs
 //   between(v, w)                (3 * v + w + 2) >> 2 and (v + 3 * w + 2) >> 2 of u8v
 //   threeAndOne(v, w)            3 * v + w of u8v as 16 bits, in an order of their own
 //   joinThrees<n>(pair), joinRoundedThrees<n>(pair)
 //                                bytes of what has that order, divided by 2^n; the second rounds
+//   between(p, q)                joinRoundedThrees<4> of 3 * p + q and of p + 3 * q
 //   joinRounded<n>(pair)         join((pair + 2^(n - 1)) >> n)
 //   addProducts(sum, p, k)       sum + p[i] * k for each lane of a s32v, of 16 bits
 //   storeWeighted(p, v, w, k)    v[i] * k[2i] + w[i] * k[2i + 1] of two u8v as kBytes words of 32 bits, in order
@@ -80,6 +82,12 @@ ODX_INLINE u8v narrow(s32v a, s32v b, s32v c, s32v d)
 #endif
 }
 
+ODX_INLINE u8v wholeParts(f32v a, f32v b, f32v c, f32v d)
+{
+    return narrow(__builtin_convertvector(a, s32v), __builtin_convertvector(b, s32v),
+                  __builtin_convertvector(c, s32v), __builtin_convertvector(d, s32v));
+}
+
 ODX_INLINE void storePairs2(uint8_t* p, u8v v, u8v w)
 {
     const Ordered pairs =
@@ -95,13 +103,18 @@ ODX_INLINE f32x2 load2(const float* p)
     return {(f32v)unpacked((ODX_MI)even), (f32v)unpacked((ODX_MI)odd)};
 }
 
-ODX_INLINE f32v toFloats(const uint8_t* p)
+ODX_INLINE void toFloats(u8v v, f32v (&floats)[4])
 {
+    alignas(kBytes) uint8_t bytes[kBytes];
+    store(bytes, v);
+    for (uint32_t k = 0; k < 4; ++k) {
+        const uint8_t* const p = bytes + k * kBytes / 4;
 #if ODX_VECTOR_BYTES == 64
-    return (f32v)_mm512_cvtepi32_ps(_mm512_cvtepu8_epi32(load<__m128i>(p)));
+        floats[k] = (f32v)_mm512_cvtepi32_ps(_mm512_cvtepu8_epi32(load<__m128i>(p)));
 #else
-    return (f32v)_mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(_mm_loadl_epi64((const __m128i*)p)));
+        floats[k] = (f32v)_mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(_mm_loadl_epi64((const __m128i*)p)));
 #endif
+    }
 }
 
 ODX_INLINE u8v lookup(const uint8_t* row, const uint32_t* bases, u8v places)
@@ -181,6 +194,11 @@ ODX_INLINE u8v joinRounded(const u16p& p)
     constexpr uint16_t half = 1 << (n - 1);
     return join(u16p{(p.a + half) >> n, (p.b + half) >> n});
 }
+ODX_INLINE u8x2 between(const u16p& p, const u16p& q)
+{
+    return {joinRoundedThrees<4>({p.a * 3 + q.a, p.b * 3 + q.b}),
+            joinRoundedThrees<4>({q.a * 3 + p.a, q.b * 3 + p.b})};
+}
 
 #elif defined(__ARM_NEON)
 
@@ -221,6 +239,15 @@ ODX_INLINE u8v narrow(s32v a, s32v b, s32v c, s32v d)
     return (u8v)vcombine_u8(half(a, b), half(c, d));
 }
 
+ODX_INLINE u8v wholeParts(f32v a, f32v b, f32v c, f32v d)
+{
+    const auto half = [](f32v v, f32v w) {
+        const uint32x4_t low = vcvtq_u32_f32((float32x4_t)v), high = vcvtq_u32_f32((float32x4_t)w);
+        return vqmovn_u16(vuzpq_u16(vreinterpretq_u16_u32(low), vreinterpretq_u16_u32(high)).val[0]);
+    };
+    return (u8v)vcombine_u8(half(a, b), half(c, d));
+}
+
 ODX_INLINE void storePairs2(uint8_t* p, u8v v, u8v w)
 {
     const uint16x8x2_t n = {{(uint16x8_t)v, (uint16x8_t)w}};
@@ -233,11 +260,14 @@ ODX_INLINE f32x2 load2(const float* p)
     return {(f32v)n.val[0], (f32v)n.val[1]};
 }
 
-ODX_INLINE f32v toFloats(const uint8_t* p)
+ODX_INLINE void toFloats(u8v v, f32v (&floats)[4])
 {
-    uint32_t four;
-    memcpy(&four, p, sizeof four);
-    return (f32v)vcvtq_f32_u32(vmovl_u16(vget_low_u16(vmovl_u8(vcreate_u8(four)))));
+    const u16p words = split(v);
+    const s32p low = split((s16v)words.a), high = split((s16v)words.b); // below 256
+    floats[0] = __builtin_convertvector(low.a, f32v);
+    floats[1] = __builtin_convertvector(low.b, f32v);
+    floats[2] = __builtin_convertvector(high.a, f32v);
+    floats[3] = __builtin_convertvector(high.b, f32v);
 }
 
 ODX_INLINE u8v lookup(const uint8_t* row, const uint32_t* bases, u8v places)
@@ -276,6 +306,13 @@ template <int n>
 ODX_INLINE u8v joinRounded(const u16p& p)
 {
     return (u8v)vcombine_u8(vrshrn_n_u16((uint16x8_t)p.a, n), vrshrn_n_u16((uint16x8_t)p.b, n));
+}
+// (3 * v + w + 8) >> 4 is (v + ((v + w) >> 1) + 4) >> 3.
+ODX_INLINE u8x2 between(const u16p& p, const u16p& q)
+{
+    const auto half = [](u16v v, u16v w) { return (u16v)vhaddq_u16((uint16x8_t)v, (uint16x8_t)w); };
+    const u16p halves = {half(p.a, q.a), half(p.b, q.b)};
+    return {joinRounded<3>(p + halves), joinRounded<3>(q + halves)};
 }
 
 template <int n>

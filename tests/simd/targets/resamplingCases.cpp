@@ -39,7 +39,23 @@ const PrimitiveCase kCases[] = {
          storeAll(out, v.a, v.b);
          EACH(uint32_t, kBytes / 2, at<uint32_t>(in, i % (kBytes / 4) * 2 + i / (kBytes / 4)));
      }},
-    CASE("toFloats", kBytes / 4, float, kBytes / 4, in[i], store(out, toFloats(in))),
+    {"wholeParts", 4 * kBytes,
+     [](In in, Out out, Out expected) {
+         const auto part = [=](size_t i) { return (float)(at<uint16_t>(in, i) & 0x1FF) + 0.75f; };
+         float floats[kBytes];
+         for (size_t i = 0; i < kBytes; ++i)
+             floats[i] = part(i);
+         const auto quarter = [&](size_t k) { return load<f32v>(floats + k * kBytes / 4); };
+         store(out, wholeParts(quarter(0), quarter(1), quarter(2), quarter(3)));
+         EACH(uint8_t, kBytes, part(i) < 255 ? (uint8_t)part(i) : 255);
+     }},
+    {"toFloats", kBytes,
+     [](In in, Out out, Out expected) {
+         f32v floats[4];
+         toFloats(load<u8v>(in), floats);
+         storeAll(out, floats[0], floats[1], floats[2], floats[3]);
+         EACH(float, kBytes, in[i]);
+     }},
     {"lookup", 9 + kLookupWindow + kBytes,
      [](In in, Out out, Out expected) {
          uint32_t bases[kBytes / kLookup];
@@ -66,6 +82,16 @@ const PrimitiveCase kCases[] = {
          EACH(uint8_t, kBytes, (3 * in[i] + in[kBytes + i] + 2) >> 2);
          expected += kBytes;
          EACH(uint8_t, kBytes, (in[i] + 1) >> 1);
+     }},
+    {"between of sums", 3 * kBytes,
+     [](In in, Out out, Out expected) {
+         const u8v a = load<u8v>(in), b = load<u8v>(in + kBytes), c = load<u8v>(in + 2 * kBytes);
+         const u8x2 both = between(threeAndOne(a, b), threeAndOne(b, c));
+         storeAll(out, both.a, both.b);
+         const auto sum = [](In p, size_t i) { return 3 * p[i] + p[kBytes + i]; };
+         EACH(uint8_t, kBytes, (3 * sum(in, i) + sum(in + kBytes, i) + 8) >> 4);
+         expected += kBytes;
+         EACH(uint8_t, kBytes, (sum(in, i) + 3 * sum(in + kBytes, i) + 8) >> 4);
      }},
     {"addProducts of 16 bits and a number", 2 * kBytes + 2,
      [](In in, Out out, Out expected) {
