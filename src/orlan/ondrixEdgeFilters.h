@@ -137,7 +137,7 @@ struct Magnitude : Split {
 
 struct SobelOfFloat : Window<3, 3, kBytes / 4> {
     struct Taps {
-        f32v left, middle, right;
+        f32v left, middle, right, across; // the latter is right - left
     } rows[2] = {};
     struct Sums {
         f32v dx, dy;
@@ -145,11 +145,11 @@ struct SobelOfFloat : Window<3, 3, kBytes / 4> {
 
     ODX_MEMBER Sums push(const float* row)
     {
-        const Taps below = {load<f32v>(row), load<f32v>(row + 1), load<f32v>(row + 2)}, here = rows[1],
-                   above = rows[0];
+        const f32v left = load<f32v>(row), right = load<f32v>(row + 2);
+        const Taps below = {left, load<f32v>(row + 1), right, right - left}, here = rows[1], above = rows[0];
         rows[0] = here;
         rows[1] = below;
-        return {(above.right - above.left) + 2.0f * (here.right - here.left) + (below.right - below.left),
+        return {above.across + 2.0f * here.across + below.across,
                 (below.left - above.left) + 2.0f * (below.middle - above.middle) + (below.right - above.right)};
     }
     ODX_MEMBER static void write(const Sums& sums, float* dx, float* dy)
