@@ -117,7 +117,7 @@ struct Search {
     typedef Order<T> O;
     typedef typename O::Vector V;
     typedef typename O::Number K;
-    static constexpr size_t kLanes = kBytes / sizeof(T), kStretch = 4096 / sizeof(T);
+    static constexpr size_t kLanes = kBytes / sizeof(T), kStretch = sizeof(T) == 4 ? 2048 : 4096 / sizeof(T);
     V low = V{} + O::kLow, high = V{} + O::kHigh;
     Stretch<T> lowest, highest;
 
