@@ -28,17 +28,19 @@ caches, nor of how long an instruction takes.
 lines alone.
 
 Where the gain is small, this is why: compilers make vectors of simple references themselves, on 64-bit ARM of most.
-Sums of floats are added in the reference's order, one after the other. On 32-bit ARM, NEON rounds denormal floats to
-zero, so that vectors of floats are looked at first, or stay with the reference; and it has no vectors of doubles, which
-roots and interpolation need in places, as where corners are refined and ellipses tracked. Warps, remaps, rotated
-patches and trees fetch pixels one by one, and so do table lookups without SIMD code; 32-bit ARM finds 32 of the 256
-bytes of a table at a time. A histogram, and with it equalisation and Otsu's threshold, is an extraction, a load, an
-addition and a store for each pixel in every column. Lines are searched, and regions grow, pixel by pixel, these by the
-reference in all columns; they are counted on one thread. Of windows a few pixels wide, in optical flow and small
-integral images, much is the way from row to row and from step to step, which all columns share. Singular values take
-doubles, two to a vector, which compilers manage, too: on 64-bit ARM all columns run one loop. A call that works on a
-few dozen bytes is mostly the way there: 65 to 90 instructions, some of them the benchmark's. Grey is exact to 16 bits
-of its weights, where libyuv's have 8: twice the products.
+Sums of floats are added in the reference's order, one after the other. What compilers load and store of three or four
+channels, interleaved, counts as one instruction of 48 or 64 bytes, which processors take apart: SIMD needs more for
+differences of floats to a pixel, and is done sooner. On 32-bit ARM, NEON rounds denormal floats to zero, so that
+vectors of floats are looked at first, or stay with the reference; and it has no vectors of doubles, which roots and
+interpolation need in places, as where corners are refined and ellipses tracked. Warps, remaps, rotated patches and
+trees fetch pixels one by one, and so do table lookups without SIMD code; 32-bit ARM finds 32 of the 256 bytes of a
+table at a time. A histogram, and with it equalisation and Otsu's threshold, is an extraction, a load, an addition and a
+store for each pixel in every column. Lines are searched, and regions grow, pixel by pixel, these by the reference in
+all columns; they are counted on one thread. Of windows a few pixels wide, in optical flow and small integral images,
+much is the way from row to row and from step to step, which all columns share. Singular values take doubles, two to a
+vector, which compilers manage, too: on 64-bit ARM all columns run one loop. A call that works on a few dozen bytes is
+mostly the way there: 65 to 90 instructions, some of them the benchmark's. Grey is exact to 16 bits of its weights,
+where libyuv's have 8: twice the products.
 """
 KINDS = {"64-bit ARM": PEERS, "32-bit ARM": ()}
 
