@@ -180,11 +180,11 @@ constexpr size_t parts = 1;
 template <>
 inline constexpr size_t parts<Extent> = 2;
 template <class T>
-constexpr size_t parts<Image<T>> = 2;
+inline constexpr size_t parts<Image<T>> = 2;
 template <class T>
-constexpr size_t parts<Sized<T>> = 4;
+inline constexpr size_t parts<Sized<T>> = 4;
 template <class... T>
-constexpr size_t parts<std::tuple<T...>> = (size_t{0} + ... + parts<T>);
+inline constexpr size_t parts<std::tuple<T...>> = (size_t{0} + ... + parts<T>);
 
 template <class Operation, class... Done>
 auto pass(Operation operation, NoArguments, Done... done)

@@ -9,7 +9,7 @@ namespace
 
 // A row of so many elements, in bytes.
 template <class T>
-constexpr uint64_t rowOf(const T*, uint32_t count)
+constexpr uint64_t bytesOf(const T*, uint32_t count)
 {
     return sizeof(T) * uint64_t{count};
 }
@@ -24,24 +24,24 @@ Limit unknowns(uint32_t n, Buffers... buffers)
 } // namespace
 
 // Both products; `element` is how the text of the check names the type of the sums, `terms` what it ends with.
-#define ODX_MATRIX_PRODUCT(name, Source, Result, row, element, terms)                                        \
-    void name(const Source* src1, unsigned int src1Width, unsigned int src1Height, unsigned int src1Stride,  \
-              const Source* src2, unsigned int src2Width, unsigned int src2Stride, Result* dst,              \
-              unsigned int dstStride)                                                                        \
-    {                                                                                                        \
-        src1Stride = packedIfZero(src1Stride, rowOf(src1, src1Width));                                       \
-        src2Stride = packedIfZero(src2Stride, rowOf(src2, src2Width));                                       \
-        dstStride = packedIfZero(dstStride, rowOf(dst, src2Width));                                          \
-        const Call<name##C> call(__func__,                                                                   \
-                                 ODX_LIMITS(pixels(src1Width, src1Height) &                                  \
-                                            aligned(src1, src1Stride, src2, src2Stride, dst, dstStride)));   \
-        ODX_CHECK_AS(                                                                                        \
-            "src1 && src2 && dst && src1Width && src1Height && src2Width && (src1Stride >= src1Width" row    \
-            ") && (src2Stride >= src2Width" row ") && (dstStride >= src2Width*sizeof(" element "))" terms,   \
-            src1&& src2&& dst&& src1Width&& src1Height&& src2Width&& src1Stride >= rowOf(src1, src1Width) && \
-                src2Stride >= rowOf(src2, src2Width) && dstStride >= rowOf(dst, src2Width) &&                \
-                (sizeof *src1 > 1 || src1Width <= 131072));                                                  \
-        call(src1, src1Width, src1Height, src1Stride, src2, src2Width, src2Stride, dst, dstStride);          \
+#define ODX_MATRIX_PRODUCT(name, Source, Result, row, element, terms)                                          \
+    void name(const Source* src1, unsigned int src1Width, unsigned int src1Height, unsigned int src1Stride,    \
+              const Source* src2, unsigned int src2Width, unsigned int src2Stride, Result* dst,                \
+              unsigned int dstStride)                                                                          \
+    {                                                                                                          \
+        src1Stride = packedIfZero(src1Stride, bytesOf(src1, src1Width));                                       \
+        src2Stride = packedIfZero(src2Stride, bytesOf(src2, src2Width));                                       \
+        dstStride = packedIfZero(dstStride, bytesOf(dst, src2Width));                                          \
+        const Call<name##C> call(__func__,                                                                     \
+                                 ODX_LIMITS(pixels(src1Width, src1Height) &                                    \
+                                            aligned(src1, src1Stride, src2, src2Stride, dst, dstStride)));     \
+        ODX_CHECK_AS(                                                                                          \
+            "src1 && src2 && dst && src1Width && src1Height && src2Width && (src1Stride >= src1Width" row      \
+            ") && (src2Stride >= src2Width" row ") && (dstStride >= src2Width*sizeof(" element "))" terms,     \
+            src1&& src2&& dst&& src1Width&& src1Height&& src2Width&& src1Stride >= bytesOf(src1, src1Width) && \
+                src2Stride >= bytesOf(src2, src2Width) && dstStride >= bytesOf(dst, src2Width) &&              \
+                (sizeof *src1 > 1 || src1Width <= 131072));                                                    \
+        call(src1, src1Width, src1Height, src1Stride, src2, src2Width, src2Stride, dst, dstStride);            \
     }
 
 extern "C" {
