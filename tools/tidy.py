@@ -22,7 +22,8 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 FOLDERS = ("src", "tests", "tools", "examples", "bench")
-ALONE = ("src/cpu", "src/orlan", "tests/remote", "tests/simd/targets", "examples/demo")  # these share names, or little else
+# Folders whose sources share names, or include little else than their own.
+ALONE = ("src/cpu", "src/orlan", "tests/remote", "tests/simd/targets", "examples/demo")
 MOST_AT_ONCE = 8
 
 
