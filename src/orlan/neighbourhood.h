@@ -267,7 +267,8 @@ ODX_INLINE void filterStrip(const Filter& filter, const S* in, size_t stride, ui
         in = rowOf(in, stride, 1);
         ((out = out.next()), ...);
     };
-    for (; rows >= 2; rows -= 2) {
+    const auto twoRows = [&]() __attribute__((always_inline))
+    {
         if constexpr (step == 1 && ((kWritesLast && kRegisters == 32) || TakesBoth<Filter, S>::value)) {
             const S* const next = rowOf(in, stride, 1);
             fetchAhead<nearby, columns * step>(in, ahead);
@@ -281,7 +282,17 @@ ODX_INLINE void filterStrip(const Filter& filter, const S* in, size_t stride, ui
             row();
             row();
         }
+    };
+    if constexpr (kWritesLast && kRegisters == 32) {
+        for (; rows >= 4; rows -= 4) {
+            twoRows();
+            pin(in);
+            (pin(out.pixels), ...);
+            twoRows();
+        }
     }
+    for (; rows >= 2; rows -= 2)
+        twoRows();
     if (rows != 0) row();
 }
 
