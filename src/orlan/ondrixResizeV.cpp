@@ -163,8 +163,9 @@ struct WeightedV : Weighted<Axis> {
             toFloats(windows.of(0, row, i), first);
             toFloats(windows.of(1, row, i), second);
             for (uint32_t k = 0; k < 4; ++k) {
-                const uint32_t at = i + k * kWords;
-                store(line + at, load<f32v>(weight[0] + at) * first[k] + load<f32v>(weight[1] + at) * second[k]);
+                const uint32_t place = i + k * kWords;
+                store(line + place,
+                      load<f32v>(weight[0] + place) * first[k] + load<f32v>(weight[1] + place) * second[k]);
             }
         }
         this->mendEnds(row, line, count);
