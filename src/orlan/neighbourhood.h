@@ -291,8 +291,13 @@ ODX_INLINE void filterStrip(const Filter& filter, const S* in, size_t stride, ui
             twoRows();
         }
     }
-    for (; rows >= 2; rows -= 2)
+    for (; rows >= 2; rows -= 2) {
+        if constexpr (kWritesLast) {
+            pin(in);
+            (pin(out.pixels), ...);
+        }
         twoRows();
+    }
     if (rows != 0) row();
 }
 
