@@ -88,7 +88,8 @@ struct Picture {
           pairs(interleaved), defaulted(packed), shortRows(interleaved && packed && across == 2)
     {
         yStride = packed ? w : w + 3;
-        cStride = shortRows ? w : columns() * (pairs ? 2 : 1) + (packed ? 0 : 5);
+        // Of strided planes, that of cr alone has gaps in high pictures.
+        cStride = shortRows ? w : columns() * (pairs ? 2 : 1) + (packed || h > 4 ? 0 : 5);
         crStride = packed ? cStride : cStride + 2;
         y.assign(size_t{yStride} * rows() * down, 0x5A);
         cb.assign(size_t{cStride} * rows(), 0x5A);

@@ -269,7 +269,7 @@ TEST_F(FromRgb, LayoutsPickAndRepeatSamples)
     ASSERT_EQ(30u, std::size(kLayouts));
     for (const auto& c : kLayouts) {
         for (uint32_t width : {1, 2, 3, 4, 7, 33, 66}) {
-            for (uint32_t height : {1, 2, 5}) {
+            for (uint32_t height : {1, 2, 3, 5}) {
                 for (bool packed : {false, true}) {
                     Picture src(width, height, c.from, c.fromPairs, packed);
                     Picture dst(width, height, c.to, c.toPairs, packed), expected = dst;
